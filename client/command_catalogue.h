@@ -1,0 +1,41 @@
+#pragma once
+
+#include "data_rule.h"
+
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+
+namespace tarnClient {
+
+// One command of the service as this tool knows it. Everything the tool does with a command comes from its
+// row.
+struct CommandEntry
+{
+    QLatin1StringView name;
+    QLatin1StringView summary;
+    // The part of the machine that the command is about.
+    QLatin1StringView concerns;
+    DataRule data {};
+    // Reply keys in the order in which they are shown; none: the service sends the request back unchanged.
+    QList<QLatin1StringView> answerKeys {};
+    QLatin1StringView answerMeaning;
+    // The answer key whose value "failed" tells that the service could not do it; empty: no value tells.
+    QLatin1StringView outcomeKey {};
+    // The data for which the service sends nothing back.
+    QLatin1StringView silentData {};
+    std::chrono::milliseconds timeout;
+    QLatin1StringView example;
+    QLatin1StringView note {};
+};
+
+// All commands, in the order of the service's own table.
+[[nodiscard]] const QList<CommandEntry> &commandCatalogue();
+// Null when there is no command of that name.
+[[nodiscard]] const CommandEntry *findCommand(const QString &name);
+// The commands that the user may have meant, the nearest first; at most three.
+[[nodiscard]] QStringList nearestCommands(const QString &name);
+
+} // namespace tarnClient

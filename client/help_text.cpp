@@ -1,0 +1,168 @@
+#include "help_text.h"
+
+#include "reply_deadline.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace tarnClient {
+
+namespace {
+
+struct Topic
+{
+    QLatin1StringView word;
+    QLatin1StringView text;
+};
+
+constexpr QLatin1StringView usage(R"(Usage: tarnctl [OPTIONS] COMMAND [DATA]
+       tarnctl [OPTIONS] watch
+       tarnctl [OPTIONS] raw TEXT
+       tarnctl help [COMMAND])");
+
+constexpr QLatin1StringView optionsAndCodes(R"(Options:
+  --json             print each answer as one line of JSON
+  --timeout SECONDS  how long to wait for an answer (default: depends on the command)
+  --pipe NAME        the service's pipe (default: tarnPipe)
+  --force            send commands and data that tarnctl does not know
+  -v, --verbose      show on the error output what else arrives
+  --count N          watch, raw: end after N notifications (raw: messages)
+  --for SECONDS      watch, raw: end after this time
+  --reconnect        watch: wait for the service when it is not there
+  -h, --help         this text
+  --version          the version of tarnctl
+
+Exit codes: 0 done, 1 the service answered "failed", 2 wrong usage, 3 no service, 4 no answer in time.)");
+
+constexpr QLatin1StringView watchText(R"(tarnctl watch
+
+Prints the service's notifications with their local time until Ctrl+C, --count N notifications or --for SECONDS.
+With both, it ends with code 4 if fewer have come in time.
+
+The service serves one client at a time: another tarnctl meanwhile takes the notifications away, and none come back
+when it ends. So type commands right here, or pipe them in, one per line:
+  getMcuVersion          any command, with its data
+  help [COMMAND]         what can be typed
+  reconnect              connect again after another client has come and gone
+  quit                   end
+Each command is sent when the one before it has been answered. At the end of a piped input watching goes on.
+
+Example: tarnctl watch --count 1 --for 60)");
+
+constexpr QLatin1StringView rawText(R"(tarnctl raw TEXT
+
+Sends TEXT exactly as given, without checks, and prints every message that comes back as it comes. Ends with the
+first message that holds all fields of the request, after --count N messages, or after --for SECONDS; with code 4 if
+they do not come in time. TEXT "-" takes the standard input up to its end.
+
+Example: tarnctl raw '{"cmd":"getMcuVersion","mine":7}')");
+
+constexpr QLatin1StringView helpText(R"(tarnctl help [COMMAND]
+
+Explains tarnctl or one of its commands.
+
+Example: tarnctl help setDockLedStatus)");
+
+constexpr QLatin1StringView commandsText(R"(tarnctl commands
+
+Lists the names of the service's commands, one per line.
+
+Example: tarnctl commands)");
+
+constexpr Topic topics[] = {
+    {QLatin1StringView("watch"), watchText},
+    {QLatin1StringView("raw"), rawText},
+    {QLatin1StringView("help"), helpText},
+    {QLatin1StringView("commands"), commandsText},
+};
+
+constexpr int nameColumnWidth = 31;
+
+QString commandTable()
+{
+    QStringList lines;
+    for (const CommandEntry &entry : commandCatalogue()) {
+        lines << QStringLiteral("  ") + entry.name.toString().leftJustified(nameColumnWidth)
+                + entry.summary.toString();
+    }
+    return lines.join(u'\n');
+}
+
+QString joinedKeys(const CommandEntry &entry)
+{
+    QStringList keys;
+    for (const QLatin1StringView key : entry.answerKeys) {
+        keys << u'"' + key.toString() + u'"';
+    }
+    return keys.isEmpty() ? QStringLiteral("none") : keys.join(QLatin1StringView(", "));
+}
+
+} // namespace
+
+QString usageText()
+{
+    return usage.toString();
+}
+
+QString generalHelp()
+{
+    return QStringLiteral(
+        "%1\n\nSends commands to Tarn Service and prints its answers.\n\n%2\n\nCommands of the "
+        "service (\"tarnctl help COMMAND\" explains one):\n%3\n\nCommands of tarnctl:\n"
+        "  watch      show notifications and take typed commands\n"
+        "  raw        send bytes as they are\n"
+        "  commands   list the service's commands, one per line\n"
+        "  help       explain a command")
+        .arg(usageText(), optionsAndCodes.toString(), commandTable());
+}
+
+QString commandHelp(const CommandEntry &entry)
+{
+    const QString placeholder = entry.data.placeholder();
+    QStringList lines {
+        (QStringLiteral("tarnctl ") + entry.name + u' ' + placeholder).trimmed(),
+        {},
+        entry.summary.toString() + u'.',
+        {},
+        QStringLiteral("Concerns: ") + entry.concerns,
+        QStringLiteral("Data:     ") + entry.data.description(),
+        QStringLiteral("Answer:   ") + entry.answerMeaning,
+        QStringLiteral("In JSON:  ") + joinedKeys(entry),
+        QStringLiteral("Waits:    up to ") + durationText(entry.timeout),
+        QStringLiteral("Example:  ") + entry.example,
+    };
+    if (!entry.note.isEmpty()) {
+        lines << QString() << entry.note.toString();
+    }
+    return lines.join(u'\n');
+}
+
+std::optional<QString> topicHelp(const QString &topic)
+{
+    if (const CommandEntry *entry = findCommand(topic)) {
+        return commandHelp(*entry);
+    }
+    const auto *const found = std::find_if(
+        std::begin(topics), std::end(topics), [&topic](const Topic &known) { return known.word == topic; });
+    if (found == std::end(topics)) {
+        return std::nullopt;
+    }
+    return found->text.toString();
+}
+
+QString typingHelp()
+{
+    return QStringLiteral("Type one of these, or help COMMAND, reconnect, quit:\n") + commandTable();
+}
+
+QString commandNames()
+{
+    QStringList names;
+    for (const CommandEntry &entry : commandCatalogue()) {
+        names << entry.name.toString();
+    }
+    return names.join(u'\n');
+}
+
+} // namespace tarnClient

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "command_catalogue.h"
+
+#include <optional>
+
+namespace tarnClient {
+
+[[nodiscard]] QString usageText();
+[[nodiscard]] QString generalHelp();
+[[nodiscard]] QString commandHelp(const CommandEntry &entry);
+// Help on a command or on one of the tool's own words; nothing for anything else.
+[[nodiscard]] std::optional<QString> topicHelp(const QString &topic);
+// What can be typed while watching.
+[[nodiscard]] QString typingHelp();
+// The commands' names, one per line.
+[[nodiscard]] QString commandNames();
+
+} // namespace tarnClient

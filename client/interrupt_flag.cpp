@@ -1,0 +1,36 @@
+#include "interrupt_flag.h"
+
+#include <csignal>
+
+namespace tarnClient {
+
+namespace {
+
+volatile std::sig_atomic_t raised = 0;
+
+extern "C" void raiseInterruptFlag(int)
+{
+    raised = 1;
+}
+
+} // namespace
+
+InterruptFlag::InterruptFlag()
+{
+    raised = 0;
+    m_formerInterrupt = std::signal(SIGINT, raiseInterruptFlag);
+    m_formerTerminate = std::signal(SIGTERM, raiseInterruptFlag);
+}
+
+InterruptFlag::~InterruptFlag()
+{
+    std::signal(SIGINT, m_formerInterrupt);
+    std::signal(SIGTERM, m_formerTerminate);
+}
+
+bool InterruptFlag::isRaised() const
+{
+    return raised != 0;
+}
+
+} // namespace tarnClient

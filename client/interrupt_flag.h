@@ -1,0 +1,23 @@
+#pragma once
+
+namespace tarnClient {
+
+// While it lives, Ctrl+C and the request to terminate raise a flag instead of ending the process.
+class InterruptFlag
+{
+public:
+    InterruptFlag();
+    ~InterruptFlag();
+    InterruptFlag(const InterruptFlag &) = delete;
+    InterruptFlag &operator=(const InterruptFlag &) = delete;
+
+    [[nodiscard]] bool isRaised() const;
+
+private:
+    using Handler = void (*)(int);
+
+    Handler m_formerInterrupt;
+    Handler m_formerTerminate;
+};
+
+} // namespace tarnClient

@@ -1,0 +1,23 @@
+#include "stdin_reader.h"
+#include "tarnctl.h"
+#include "terminal.h"
+
+#include <QCoreApplication>
+
+#include <cstdlib>
+#include <iostream>
+
+int main(int argc, char *argv[])
+{
+    const QCoreApplication application(argc, argv);
+    // Not owned: the standard input lives as long as the process.
+    const std::shared_ptr<std::istream> input(&std::cin, [](std::istream *) {});
+    const int code = tarnClient::runTarnctl(QCoreApplication::arguments(),
+        tarnClient::ToolStreams {input, std::cout, std::cerr, tarnClient::inputIsTerminal()});
+    std::cout.flush();
+    if (tarnClient::StdinReader::hasThreadLeftBehind()) {
+        // The usual way out locks and closes the standard input, which a thread may still be reading.
+        std::_Exit(code);
+    }
+    return code;
+}

@@ -1,0 +1,61 @@
+#include "reply_deadline.h"
+
+namespace tarnClient {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+// The service's 500 ms between two messages and a little for a busy computer.
+constexpr milliseconds messagePeriod(600);
+constexpr double msPerSecond = 1000.0;
+
+} // namespace
+
+ReplyDeadline::ReplyDeadline(QObject *parent)
+    : QObject(parent)
+{
+    m_timer.setSingleShot(true);
+    m_timer.setTimerType(Qt::PreciseTimer);
+    connect(&m_timer, &QTimer::timeout, this, &ReplyDeadline::expired);
+}
+
+void ReplyDeadline::start(milliseconds timeout)
+{
+    m_timeout = timeout;
+    m_timer.start(timeout);
+}
+
+void ReplyDeadline::stop()
+{
+    m_timer.stop();
+}
+
+void ReplyDeadline::extend()
+{
+    if (m_timer.isActive()) {
+        m_timer.start(m_timer.remainingTimeAsDuration() + messagePeriod);
+    }
+}
+
+bool ReplyDeadline::isRunning() const
+{
+    return m_timer.isActive();
+}
+
+milliseconds ReplyDeadline::timeout() const
+{
+    return m_timeout;
+}
+
+QString durationText(milliseconds duration)
+{
+    const auto wholeMinutes = std::chrono::duration_cast<std::chrono::minutes>(duration);
+    const bool readsBetterInMinutes = wholeMinutes == duration && wholeMinutes > std::chrono::minutes(1);
+    if (readsBetterInMinutes) {
+        return QString::number(wholeMinutes.count()) + QStringLiteral(" min");
+    }
+    return QString::number(static_cast<double>(duration.count()) / msPerSecond) + QStringLiteral(" s");
+}
+
+} // namespace tarnClient

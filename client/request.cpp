@@ -1,0 +1,41 @@
+#include "request.h"
+
+#include <QCoreApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QRandomGenerator>
+
+#include <atomic>
+
+namespace tarnClient {
+
+namespace {
+
+// "<process>-<random>-<number>": process ids come round again while an answer to an earlier process may still
+// wait in the service's queue.
+QString nextTag()
+{
+    static const QString process =
+        QStringLiteral("%1-%2").arg(QString::number(QCoreApplication::applicationPid()),
+            QString::number(QRandomGenerator::global()->generate(), 36));
+    static std::atomic<int> counter = 0;
+    return process + u'-' + QString::number(++counter);
+}
+
+} // namespace
+
+Request buildRequest(const TypedCommand &command)
+{
+    Request request;
+    request.tag = nextTag();
+    QJsonObject object;
+    object.insert(QLatin1StringView("cmd"), command.name);
+    if (command.data) {
+        object.insert(QLatin1StringView("data"), *command.data);
+    }
+    object.insert(tagKey, request.tag);
+    request.bytes = QJsonDocument(object).toJson(QJsonDocument::Compact);
+    return request;
+}
+
+} // namespace tarnClient

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "command_check.h"
+
+#include <QByteArray>
+
+namespace tarnClient {
+
+// The field that this tool adds to a request. The service echoes every field, so the answer can be told from
+// notifications, which use some of the same command names, and from answers to other clients.
+inline constexpr QLatin1StringView tagKey("tarnctl");
+
+struct Request
+{
+    QByteArray bytes;
+    QString tag;
+};
+
+// Every call gives the request a tag of its own.
+[[nodiscard]] Request buildRequest(const TypedCommand &command);
+
+} // namespace tarnClient

@@ -1,0 +1,98 @@
+#include "session.h"
+
+namespace tarnClient {
+
+namespace {
+
+// For a command that this tool does not know.
+constexpr std::chrono::seconds unknownCommandTimeout(10);
+constexpr qsizetype mostGarbageShown = 200;
+
+} // namespace
+
+bool isAnsweredBySilence(const TypedCommand &command)
+{
+    const CommandEntry *entry = findCommand(command.name);
+    return entry != nullptr && !entry->silentData.isEmpty() && command.data == entry->silentData;
+}
+
+QString noAnswerText(const QString &command, std::chrono::milliseconds timeout)
+{
+    return QStringLiteral(
+        "No answer to %1 within %2.\nAnother client may have taken it, the EC may be stuck or "
+        "reserved by an update, or this service does not know the command: look at the "
+        "service's log, or try again with a longer --timeout.")
+        .arg(command, durationText(timeout));
+}
+
+Session::Session(const ToolOptions &options, ToolStreams &streams)
+    : m_options(options)
+    , m_streams(streams)
+    , m_client(options.pipeName)
+{ }
+
+bool Session::connectService()
+{
+    if (m_client.open()) {
+        return true;
+    }
+    m_streams.complain(m_client.openFailureText());
+    return false;
+}
+
+ExitCode Session::waitForFinish()
+{
+    if (!m_exitCode) {
+        m_loop.exec();
+    }
+    return m_exitCode.value_or(ExitCode::Done);
+}
+
+void Session::finish(ExitCode code)
+{
+    if (m_exitCode) {
+        return;
+    }
+    m_exitCode = code;
+    m_deadline.stop();
+    m_loop.quit();
+}
+
+bool Session::isFinished() const
+{
+    return m_exitCode.has_value();
+}
+
+void Session::print(const QByteArray &line)
+{
+    if (!m_streams.printLine(line)) {
+        finish(ExitCode::Done);
+    }
+}
+
+void Session::print(const QString &line)
+{
+    print(line.toUtf8());
+}
+
+void Session::printAnswer(const Message &message, const CommandEntry *entry)
+{
+    if (m_options.json) {
+        print(message.json());
+    } else {
+        print(message.answerText(entry));
+    }
+}
+
+void Session::remarkGarbage(const QByteArray &bytes)
+{
+    const QString shown = QString::fromUtf8(bytes.left(mostGarbageShown).toPercentEncoding(" {}[]\":,\\"));
+    m_streams.remark(QStringLiteral("no JSON (%1 bytes): %2").arg(bytes.size()).arg(shown));
+}
+
+std::chrono::milliseconds Session::timeoutFor(const CommandEntry *entry) const
+{
+    return m_options.timeout.value_or(entry == nullptr ? unknownCommandTimeout : entry->timeout);
+}
+
+} // namespace tarnClient

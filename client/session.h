@@ -1,0 +1,60 @@
+#pragma once
+
+#include "command_check.h"
+#include "exit_code.h"
+#include "message.h"
+#include "pipe_client.h"
+#include "reply_deadline.h"
+#include "tool_options.h"
+#include "tool_streams.h"
+
+#include <QEventLoop>
+
+#include <optional>
+
+namespace tarnClient {
+
+// A request without an answer: how long the connection is kept, and kept free of further requests, so that
+// the service reads the request by itself and before it sees the client leave.
+inline constexpr std::chrono::milliseconds silentLinger(300);
+// Shown in place of an answer to such a request.
+inline constexpr QLatin1StringView sentText("sent");
+
+// True for a command to which the service sends nothing back by design.
+[[nodiscard]] bool isAnsweredBySilence(const TypedCommand &command);
+// What an answer that does not come may mean.
+[[nodiscard]] QString noAnswerText(const QString &command, std::chrono::milliseconds timeout);
+
+// What every use of the pipe has in common: the connection, the deadline, the event loop and the exit code.
+class Session : public QObject
+{
+    Q_OBJECT
+
+public:
+    Session(const ToolOptions &options, ToolStreams &streams);
+
+protected:
+    // Says why when it fails.
+    [[nodiscard]] bool connectService();
+    // Runs the event loop until finish().
+    [[nodiscard]] ExitCode waitForFinish();
+    void finish(ExitCode code);
+    [[nodiscard]] bool isFinished() const;
+    // Ends the run when the reader of the output has gone away.
+    void print(const QByteArray &line);
+    void print(const QString &line);
+    void printAnswer(const Message &message, const CommandEntry *entry);
+    void remarkGarbage(const QByteArray &bytes);
+    [[nodiscard]] std::chrono::milliseconds timeoutFor(const CommandEntry *entry) const;
+
+    const ToolOptions &m_options;
+    ToolStreams &m_streams;
+    PipeClient m_client;
+    ReplyDeadline m_deadline;
+
+private:
+    QEventLoop m_loop;
+    std::optional<ExitCode> m_exitCode;
+};
+
+} // namespace tarnClient

@@ -1,0 +1,129 @@
+#include "stdin_reader.h"
+
+#include <atomic>
+#include <chrono>
+#include <condition_variable>
+#include <deque>
+#include <mutex>
+#include <string>
+
+namespace tarnClient {
+
+namespace {
+
+// A large file at the input waits in the pipe and not in memory.
+constexpr std::size_t mostWaitingLines = 256;
+
+// Not felt by someone who types.
+constexpr std::chrono::milliseconds pollPeriod(30);
+
+std::atomic<int> readingThreads = 0;
+
+} // namespace
+
+// Outlives the reader when its thread does.
+struct StdinReader::Shared
+{
+    std::mutex mutex;
+    std::condition_variable roomForLines;
+    std::deque<std::string> lines;
+    bool ended = false;
+    // The reader is gone.
+    bool unwanted = false;
+
+    // False when nobody wants lines any more.
+    bool add(std::string line)
+    {
+        std::unique_lock lock(mutex);
+        roomForLines.wait(lock, [this] { return unwanted || lines.size() < mostWaitingLines; });
+        if (unwanted) {
+            return false;
+        }
+        lines.push_back(std::move(line));
+        return true;
+    }
+
+    void end()
+    {
+        const std::lock_guard lock(mutex);
+        ended = true;
+    }
+};
+
+StdinReader::StdinReader(std::shared_ptr<std::istream> input, QObject *parent)
+    : QObject(parent)
+    , m_shared(std::make_shared<Shared>())
+{
+    connect(&m_poll, &QTimer::timeout, this, &StdinReader::reportChange);
+    m_poll.start(pollPeriod);
+    ++readingThreads;
+    m_thread = std::thread([shared = m_shared, stream = std::move(input)] {
+        std::string line;
+        while (std::getline(*stream, line) && shared->add(std::move(line))) {
+            line.clear();
+        }
+        shared->end();
+        --readingThreads;
+    });
+}
+
+StdinReader::~StdinReader()
+{
+    bool ended = false;
+    {
+        const std::lock_guard lock(m_shared->mutex);
+        m_shared->unwanted = true;
+        ended = m_shared->ended;
+    }
+    m_shared->roomForLines.notify_all();
+    if (ended) {
+        m_thread.join();
+    } else {
+        m_thread.detach();
+    }
+}
+
+std::optional<QString> StdinReader::takeLine()
+{
+    std::string line;
+    {
+        const std::lock_guard lock(m_shared->mutex);
+        if (m_shared->lines.empty()) {
+            return std::nullopt;
+        }
+        line = std::move(m_shared->lines.front());
+        m_shared->lines.pop_front();
+    }
+    m_shared->roomForLines.notify_all();
+    return QString::fromStdString(line);
+}
+
+bool StdinReader::isExhausted() const
+{
+    const std::lock_guard lock(m_shared->mutex);
+    return m_shared->ended && m_shared->lines.empty();
+}
+
+void StdinReader::reportChange()
+{
+    bool ended = false;
+    bool hasLines = false;
+    {
+        const std::lock_guard lock(m_shared->mutex);
+        ended = m_shared->ended;
+        hasLines = !m_shared->lines.empty();
+    }
+    if (ended) {
+        m_poll.stop();
+    }
+    if (ended || hasLines) {
+        emit changed();
+    }
+}
+
+bool StdinReader::hasThreadLeftBehind()
+{
+    return readingThreads > 0;
+}
+
+} // namespace tarnClient

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+#include <QTimer>
+
+#include <istream>
+#include <memory>
+#include <optional>
+#include <thread>
+
+namespace tarnClient {
+
+// Reads lines on a thread of its own: there is no portable way to wait for standard input and for a socket in
+// one event loop.
+class StdinReader : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit StdinReader(std::shared_ptr<std::istream> input, QObject *parent = nullptr);
+    // Does not wait for a line: a thread that still reads is left behind.
+    ~StdinReader() override;
+
+    [[nodiscard]] std::optional<QString> takeLine();
+    // The input has ended and every line has been taken.
+    [[nodiscard]] bool isExhausted() const;
+    // A thread still waits for input that will not come; only ending the process at once gets rid of it.
+    [[nodiscard]] static bool hasThreadLeftBehind();
+
+signals:
+    // Lines can be taken, or the input has ended.
+    void changed();
+
+private:
+    struct Shared;
+
+    void reportChange();
+
+    std::shared_ptr<Shared> m_shared;
+    std::thread m_thread;
+    QTimer m_poll;
+};
+
+} // namespace tarnClient

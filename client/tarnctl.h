@@ -1,0 +1,13 @@
+#pragma once
+
+#include "tool_streams.h"
+
+#include <QStringList>
+
+namespace tarnClient {
+
+// The whole tool: the first argument is the program's name, the result the process's exit code. Needs an
+// application object.
+[[nodiscard]] int runTarnctl(const QStringList &arguments, ToolStreams streams);
+
+} // namespace tarnClient

@@ -1,0 +1,12 @@
+#include "terminal.h"
+
+#include <unistd.h>
+
+namespace tarnClient {
+
+bool inputIsTerminal()
+{
+    return isatty(STDIN_FILENO) == 1;
+}
+
+} // namespace tarnClient

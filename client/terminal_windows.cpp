@@ -1,0 +1,13 @@
+#include "terminal.h"
+
+#include <cstdio>
+#include <io.h>
+
+namespace tarnClient {
+
+bool inputIsTerminal()
+{
+    return _isatty(_fileno(stdin)) != 0;
+}
+
+} // namespace tarnClient

@@ -1,0 +1,106 @@
+#include "tool_options.h"
+
+#include <QCommandLineParser>
+
+namespace tarnClient {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr QLatin1StringView defaultPipeName("tarnPipe");
+constexpr double msPerSecond = 1000.0;
+// Timers count milliseconds in an int.
+constexpr double longestSeconds = 7.0 * 24 * 3600;
+
+const QString jsonOption = QStringLiteral("json");
+const QString verboseOption = QStringLiteral("verbose");
+const QString forceOption = QStringLiteral("force");
+const QString reconnectOption = QStringLiteral("reconnect");
+const QString timeoutOption = QStringLiteral("timeout");
+const QString forOption = QStringLiteral("for");
+const QString countOption = QStringLiteral("count");
+const QString pipeOption = QStringLiteral("pipe");
+const QString helpOption = QStringLiteral("help");
+const QString versionOption = QStringLiteral("version");
+
+void declareOptions(QCommandLineParser &parser)
+{
+    const QString value = QStringLiteral("value");
+    parser.addOptions({
+        {jsonOption, QString()},
+        {{QStringLiteral("v"), verboseOption}, QString()},
+        {forceOption, QString()},
+        {reconnectOption, QString()},
+        {timeoutOption, QString(), value},
+        {forOption, QString(), value},
+        {countOption, QString(), value},
+        {pipeOption, QString(), value},
+        {{QStringLiteral("h"), helpOption}, QString()},
+        {versionOption, QString()},
+    });
+}
+
+std::optional<milliseconds> readSeconds(
+    const QCommandLineParser &parser, const QString &option, QString &error)
+{
+    if (!parser.isSet(option)) {
+        return std::nullopt;
+    }
+    bool converted = false;
+    const double seconds = parser.value(option).toDouble(&converted);
+    // Written so that "nan" is refused as well.
+    const bool inRange = converted && seconds > 0 && seconds <= longestSeconds;
+    if (!inRange) {
+        error = QStringLiteral("--%1 takes a number of seconds above 0, not \"%2\".")
+                    .arg(option, parser.value(option));
+        return std::nullopt;
+    }
+    return milliseconds(qMax<qint64>(1, qRound64(seconds * msPerSecond)));
+}
+
+std::optional<int> readCount(const QCommandLineParser &parser, QString &error)
+{
+    if (!parser.isSet(countOption)) {
+        return std::nullopt;
+    }
+    bool converted = false;
+    const int count = parser.value(countOption).toInt(&converted);
+    if (!converted || count < 1) {
+        error = QStringLiteral("--count takes a whole number above 0, not \"%1\".")
+                    .arg(parser.value(countOption));
+        return std::nullopt;
+    }
+    return count;
+}
+
+} // namespace
+
+ParsedOptions parseOptions(const QStringList &arguments)
+{
+    QCommandLineParser parser;
+    declareOptions(parser);
+    ParsedOptions parsed;
+    if (!parser.parse(arguments)) {
+        parsed.error = parser.errorText();
+        return parsed;
+    }
+    ToolOptions &options = parsed.options;
+    options.pipeName = parser.isSet(pipeOption) ? parser.value(pipeOption) : defaultPipeName.toString();
+    options.timeout = readSeconds(parser, timeoutOption, parsed.error);
+    options.duration = readSeconds(parser, forOption, parsed.error);
+    options.count = readCount(parser, parsed.error);
+    options.json = parser.isSet(jsonOption);
+    options.verbose = parser.isSet(verboseOption);
+    options.force = parser.isSet(forceOption);
+    options.reconnect = parser.isSet(reconnectOption);
+    options.help = parser.isSet(helpOption);
+    options.version = parser.isSet(versionOption);
+    options.words = parser.positionalArguments();
+    if (options.pipeName.isEmpty()) {
+        parsed.error = QStringLiteral("--pipe takes a name.");
+    }
+    return parsed;
+}
+
+} // namespace tarnClient

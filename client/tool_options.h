@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <chrono>
+#include <optional>
+
+namespace tarnClient {
+
+// The command line, taken apart.
+struct ToolOptions
+{
+    QString pipeName;
+    std::optional<std::chrono::milliseconds> timeout {};
+    std::optional<std::chrono::milliseconds> duration {};
+    std::optional<int> count {};
+    bool json = false;
+    bool verbose = false;
+    bool force = false;
+    bool reconnect = false;
+    bool help = false;
+    bool version = false;
+    // The command and what follows it.
+    QStringList words {};
+};
+
+struct ParsedOptions
+{
+    ToolOptions options {};
+    // What is wrong with the command line; empty when nothing is.
+    QString error {};
+};
+
+// The first argument is the program's own name.
+[[nodiscard]] ParsedOptions parseOptions(const QStringList &arguments);
+
+} // namespace tarnClient

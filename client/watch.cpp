@@ -1,0 +1,268 @@
+#include "watch.h"
+
+#include "help_text.h"
+#include "interrupt_flag.h"
+#include "request.h"
+
+#include <QDateTime>
+
+namespace tarnClient {
+
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr milliseconds interruptPollPeriod(50);
+constexpr milliseconds retryPeriod(1000);
+// The service needs up to 500 ms to wind up the last connection; a new one that overlaps may be taken for
+// closed.
+constexpr milliseconds leavePause(800);
+
+constexpr QLatin1StringView eventKind("event");
+constexpr QLatin1StringView answerKind("answer");
+constexpr QLatin1StringView lateAnswerKind("late-answer");
+
+QString timeStamp()
+{
+    return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
+}
+
+} // namespace
+
+Watch::Watch(const ToolOptions &options, ToolStreams &streams)
+    : Session(options, streams)
+{
+    connect(&m_client, &PipeClient::documentReceived, this, &Watch::handleDocument);
+    connect(&m_client, &PipeClient::serviceGone, this, &Watch::handleServiceGone);
+    connect(&m_deadline, &ReplyDeadline::expired, this, &Watch::handleExpiry);
+    if (m_options.verbose) {
+        connect(&m_client, &PipeClient::garbageReceived, this, &Watch::remarkGarbage);
+    }
+}
+
+ExitCode Watch::run()
+{
+    const InterruptFlag interrupt;
+    QTimer interruptPoll;
+    connect(&interruptPoll, &QTimer::timeout, this, [this, &interrupt] {
+        if (interrupt.isRaised()) {
+            finish(ExitCode::Done);
+        }
+    });
+    interruptPoll.start(interruptPollPeriod);
+    if (m_options.duration) {
+        QTimer::singleShot(*m_options.duration, this, &Watch::handleDurationEnd);
+    }
+    tryConnect();
+    if (!isFinished()) {
+        announceStart();
+        m_reader = std::make_unique<StdinReader>(m_streams.input);
+        connect(m_reader.get(), &StdinReader::changed, this, &Watch::handleNextLines);
+        handleNextLines();
+    }
+    return waitForFinish();
+}
+
+void Watch::announceStart()
+{
+    if (m_streams.interactive && m_client.isOpen()) {
+        m_streams.remark(QStringLiteral("Watching the pipe \"%1\". Type a command, help or quit.")
+                             .arg(m_options.pipeName));
+    }
+}
+
+void Watch::tryConnect()
+{
+    if (isFinished()) {
+        return;
+    }
+    if (m_client.open()) {
+        handleNextLines();
+        return;
+    }
+    if (!m_options.reconnect) {
+        m_streams.complain(m_client.openFailureText());
+        finish(ExitCode::NoService);
+        return;
+    }
+    retryLater(retryPeriod);
+}
+
+void Watch::retryLater(milliseconds pause)
+{
+    QTimer::singleShot(pause, this, &Watch::tryConnect);
+}
+
+void Watch::handleServiceGone()
+{
+    if (isFinished()) {
+        return;
+    }
+    const QString unanswered =
+        m_pendingTag.isEmpty() ? QString() : QStringLiteral(" before it answered ") + m_pending.name;
+    m_pendingTag.clear();
+    m_deadline.stop();
+    if (m_options.reconnect) {
+        m_streams.complain(
+            QStringLiteral("The service went away%1; waiting for it to come back.").arg(unanswered));
+        retryLater(leavePause);
+        return;
+    }
+    m_streams.complain(
+        QStringLiteral("The service went away%1.\nStart it again (./run, or the service \"Tarn "
+                       "Service\" on Windows); --reconnect waits for it.")
+            .arg(unanswered));
+    finish(ExitCode::NoService);
+}
+
+void Watch::handleDocument(const QByteArray &bytes)
+{
+    if (isFinished()) {
+        return;
+    }
+    const std::optional<Message> message = Message::parse(bytes);
+    if (!message) {
+        if (m_options.verbose) {
+            remarkGarbage(bytes);
+        }
+        return;
+    }
+    if (message->answers(m_pendingTag)) {
+        showAnswer(*message);
+        return;
+    }
+    m_deadline.extend();
+    if (message->hasTag()) {
+        show(lateAnswerKind, message->lineText(findCommand(message->command())), message->json());
+        return;
+    }
+    showNotification(*message);
+}
+
+void Watch::showNotification(const Message &message)
+{
+    show(eventKind, message.notificationText(), message.json());
+    ++m_notifications;
+    if (m_options.count && m_notifications >= *m_options.count) {
+        finish(ExitCode::Done);
+    }
+}
+
+void Watch::showAnswer(const Message &message)
+{
+    m_pendingTag.clear();
+    m_deadline.stop();
+    show(answerKind, message.lineText(findCommand(m_pending.name)), message.json());
+    handleNextLines();
+}
+
+void Watch::show(QLatin1StringView kind, const QString &text, const QByteArray &json)
+{
+    if (m_options.json) {
+        print(json);
+    } else {
+        print(timeStamp() + u' ' + kind + u' ' + text);
+    }
+}
+
+void Watch::handleNextLines()
+{
+    while (m_reader && m_client.isOpen() && m_pendingTag.isEmpty() && !m_lingering && !isFinished()) {
+        const std::optional<QString> line = m_reader->takeLine();
+        if (line) {
+            handleLine(*line);
+            continue;
+        }
+        // A person who ends the input wants to leave; a script that has no more commands may well want to go
+        // on watching.
+        if (m_streams.interactive && m_reader->isExhausted()) {
+            finish(ExitCode::Done);
+        }
+        return;
+    }
+}
+
+void Watch::handleLine(const QString &line)
+{
+    const TypedCommand command = parseTypedLine(line);
+    if (command.name.isEmpty()) {
+        return;
+    }
+    if (command.name == QLatin1StringView("quit") || command.name == QLatin1StringView("exit")) {
+        finish(ExitCode::Done);
+    } else if (command.name == QLatin1StringView("help")) {
+        showHelp(command);
+    } else if (command.name == QLatin1StringView("reconnect")) {
+        connectAnew();
+    } else {
+        sendCommand(command);
+    }
+}
+
+void Watch::showHelp(const TypedCommand &command)
+{
+    if (!command.data) {
+        m_streams.remark(typingHelp());
+        return;
+    }
+    const std::optional<QString> text = topicHelp(*command.data);
+    m_streams.remark(text.value_or(unknownCommandText(*command.data)));
+}
+
+void Watch::sendCommand(const TypedCommand &command)
+{
+    const std::optional<QString> objection = m_options.force ? std::nullopt : commandObjection(command);
+    if (objection) {
+        m_streams.complain(*objection);
+        return;
+    }
+    const Request request = buildRequest(command);
+    if (!m_client.send(request.bytes)) {
+        // The loss of the connection is reported by its own signal.
+        return;
+    }
+    if (!isAnsweredBySilence(command)) {
+        m_pending = command;
+        m_pendingTag = request.tag;
+        m_deadline.start(timeoutFor(findCommand(command.name)));
+        return;
+    }
+    m_lingering = true;
+    QTimer::singleShot(silentLinger, this, [this, name = command.name] {
+        m_lingering = false;
+        if (!m_options.json) {
+            show(answerKind, name + u' ' + sentText, {});
+        }
+        handleNextLines();
+    });
+}
+
+void Watch::connectAnew()
+{
+    m_client.close();
+    m_streams.remark(QStringLiteral("Connecting again."));
+    retryLater(leavePause);
+}
+
+void Watch::handleExpiry()
+{
+    m_streams.complain(noAnswerText(m_pending.name, m_deadline.timeout())
+        + QStringLiteral("\nIf another client has come and gone, type reconnect."));
+    m_pendingTag.clear();
+    handleNextLines();
+}
+
+void Watch::handleDurationEnd()
+{
+    if (!m_options.count) {
+        finish(ExitCode::Done);
+        return;
+    }
+    m_streams.complain(QStringLiteral("%1 of %2 notifications came within %3.")
+                           .arg(m_notifications)
+                           .arg(*m_options.count)
+                           .arg(durationText(*m_options.duration)));
+    finish(ExitCode::NoAnswer);
+}
+
+} // namespace tarnClient

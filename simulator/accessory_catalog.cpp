@@ -1,0 +1,49 @@
+#include "simulator/accessory_catalog.h"
+
+#include "device/ec_registers.h"
+
+#include <algorithm>
+
+namespace tarnSimulator {
+
+using namespace tarnDeviceInfos;
+
+namespace {
+
+// The versions differ in every field, so that a mixed-up read shows.
+constexpr Accessory CATALOG[] = {
+    {"dock", ACCESSORY_DOCK, 2, 1, 2, 3, "dock with an LED"},
+    {"graphics", ACCESSORY_GRAPHICS, 5, 2, 10, 0, "graphics box"},
+    {"graphics16g", ACCESSORY_GRAPHICS_16G, 6, 3, 4, 7, "graphics box, 16 GB variant"},
+    {"kvane", ACCESSORY_KVANE, 4, 2, 0, 5, "KVane accessory with battery and LED"},
+};
+
+template <typename Predicate> const Accessory *findIf(Predicate matches)
+{
+    const auto found = std::find_if(std::begin(CATALOG), std::end(CATALOG), matches);
+    return found == std::end(CATALOG) ? nullptr : found;
+}
+
+} // namespace
+
+std::span<const Accessory> accessoryCatalog()
+{
+    return CATALOG;
+}
+
+const Accessory *findAccessory(std::string_view name)
+{
+    return findIf([name](const Accessory &row) { return row.name == name; });
+}
+
+const Accessory *findAccessory(std::uint8_t code)
+{
+    return findIf([code](const Accessory &row) { return row.code == code; });
+}
+
+Accessory unknownAccessory(std::uint8_t code)
+{
+    return {"unknown", code, 1, 0, 0, 1, "a device that no host software knows"};
+}
+
+} // namespace tarnSimulator

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "simulator/clock.h"
+#include "simulator/fault_panel.h"
+#include "simulator/machine_state.h"
+
+namespace tarnSimulator {
+
+// Moves single bytes between the EC's EEPROM and its xdata mailbox. An operation starts with the write of
+// EEP_CMD, shows busy for timing.eepromBusyMs and takes effect at its end.
+class EepromMailbox
+{
+public:
+    EepromMailbox(MachineState &machine, const NowMs &clock, const FaultPanel &panel)
+        : state(machine)
+        , nowMs(clock)
+        , faults(panel)
+    { }
+
+    // What the mailbox holds now belongs to the operation; later writes do not change it.
+    void start(std::uint8_t command);
+    // Ends an operation whose time has come. To be called before the host looks.
+    void advance();
+
+private:
+    [[nodiscard]] std::uint8_t errorOf(std::uint8_t command) const;
+    void finish(std::uint8_t status);
+
+    MachineState &state;
+    const NowMs &nowMs;
+    const FaultPanel &faults;
+};
+
+} // namespace tarnSimulator

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "simulator/fault_table.h"
+#include "simulator/machine_state.h"
+#include "simulator/register_access.h"
+
+#include <optional>
+
+namespace tarnSimulator {
+
+// The fault switches of the machine. They are set from outside and obeyed by the EC from its next step on.
+class FaultPanel
+{
+public:
+    explicit FaultPanel(MachineState &state)
+        : switches(state.faults)
+    { }
+
+    // `skip` accesses still succeed before one of the fail- faults strikes.
+    void switchOn(Fault fault, std::int32_t value = 0, std::uint32_t skip = 0);
+    void switchOff(Fault fault);
+    void clear();
+
+    [[nodiscard]] bool isOn(Fault fault) const;
+    // Empty while the fault is off.
+    [[nodiscard]] std::optional<std::int32_t> value(Fault fault) const;
+    [[nodiscard]] std::uint32_t remaining(Fault fault) const;
+
+    // Asked by the EC once for every access; counts down where a fault waits for its turn.
+    [[nodiscard]] bool refuses(AccessKind kind, std::uint16_t address);
+
+private:
+    [[nodiscard]] FaultState &slot(Fault fault) { return switches[static_cast<std::size_t>(fault)]; }
+    [[nodiscard]] const FaultState &slot(Fault fault) const
+    {
+        return switches[static_cast<std::size_t>(fault)];
+    }
+    [[nodiscard]] bool strikesAt(Fault fault, std::uint16_t address);
+    [[nodiscard]] bool strikesOnce();
+
+    std::array<FaultState, FAULT_SLOTS> &switches;
+};
+
+} // namespace tarnSimulator

@@ -1,0 +1,71 @@
+#include "simulator/fault_table.h"
+
+#include "simulator/machine_state.h"
+
+#include <algorithm>
+
+namespace tarnSimulator {
+
+namespace {
+
+static_assert(FAULT_COUNT <= FAULT_SLOTS);
+
+constexpr FaultTable FAULTS {{
+    {Fault::IbfStuck, "ibf-stuck", FaultValue::None, "", 0, 0, 0,
+        "IBF stays set: the EC takes no byte, so no register can be read or written"},
+    {Fault::ObfStuck, "obf-stuck", FaultValue::None, "", 0, 0, 0,
+        "OBF stays set: draining the answer buffer never ends"},
+    {Fault::NoAnswer, "no-answer", FaultValue::None, "", 0, 0, 0,
+        "OBF never appears after a read command; writes work"},
+    {Fault::Slow, "slow", FaultValue::Number, "ms", 0, 60000, 20,
+        "time before IBF clears after each byte and before OBF appears"},
+    {Fault::MailboxStuck, "mailbox-stuck", FaultValue::None, "", 0, 0, 0,
+        "the application command is executed, but its command byte never clears"},
+    {Fault::EepromBusy, "eeprom-busy", FaultValue::None, "", 0, 0, 0,
+        "an EEPROM operation never ends and has no effect; its status stays 0"},
+    {Fault::EepromError, "eeprom-error", FaultValue::Number, "status", 2, 255, 2,
+        "an EEPROM operation has no effect and ends with this status"},
+    {Fault::ReadbackOffset, "readback-offset", FaultValue::Number, "W", -255, 255, 11,
+        "added to the power limits when their read-back is read; 10 is the largest difference accepted"},
+    {Fault::FailRegister, "fail-register", FaultValue::Register, "register", 0, 0xFFFF, 0,
+        "reads and writes of this one register fail"},
+    {Fault::FailRead, "fail-read", FaultValue::Register, "register", 0, 0xFFFF, 0,
+        "reads of this one register are never answered"},
+    {Fault::FailWrite, "fail-write", FaultValue::Register, "register", 0, 0xFFFF, 0,
+        "writes of this one register stop before the value byte is taken"},
+    {Fault::FailAfter, "fail-after", FaultValue::Count, "accesses", 0, 1000000, 0,
+        "after so many more accesses of any register, one access fails; then the fault is off again"},
+}};
+
+constexpr bool isInOrder()
+{
+    for (std::size_t i = 0; i < FAULTS.size(); ++i) {
+        if (static_cast<std::size_t>(FAULTS[i].fault) != i) {
+            return false;
+        }
+    }
+    return true;
+}
+
+static_assert(isInOrder());
+
+} // namespace
+
+const FaultTable &faultTable()
+{
+    return FAULTS;
+}
+
+const FaultDescription &describe(Fault fault)
+{
+    return FAULTS[static_cast<std::size_t>(fault)];
+}
+
+const FaultDescription *findFault(std::string_view name)
+{
+    const auto found = std::find_if(
+        FAULTS.begin(), FAULTS.end(), [name](const FaultDescription &row) { return row.name == name; });
+    return found == FAULTS.end() ? nullptr : &*found;
+}
+
+} // namespace tarnSimulator

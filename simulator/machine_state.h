@@ -1,0 +1,184 @@
+#pragma once
+
+#include <array>
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+// The complete state of the simulated computer. It lies in a memory-mapped file that the port library, the
+// control tool and tests have open at the same time, as native programs and as Windows programs. So it holds
+// nothing but lock-free atomics of fixed width at fixed places: no pointers, and no lock that a killed
+// process could leave held.
+namespace tarnSimulator {
+
+using SharedByte = std::atomic<std::uint8_t>;
+using SharedHalf = std::atomic<std::uint16_t>;
+using SharedWord = std::atomic<std::uint32_t>;
+using SharedInt = std::atomic<std::int32_t>;
+using SharedLong = std::atomic<std::uint64_t>;
+
+inline constexpr std::uint32_t STATE_MAGIC = 0x43535254; // "TRSC" in a dump of the file
+// Raised whenever the meaning or the place of something below changes. A feature that only takes bytes out of
+// `growth`, where zero means what older programs assumed, does not need it.
+inline constexpr std::uint32_t STATE_VERSION = 1;
+
+inline constexpr std::size_t XDATA_SIZE = 0x10000;
+inline constexpr std::size_t EEPROM_SIZE = 0x100;
+inline constexpr std::size_t EVENT_SLOTS = 16;
+inline constexpr std::size_t FAULT_SLOTS = 32;
+inline constexpr std::size_t LOG_ENTRIES = 4096;
+inline constexpr std::size_t SERIAL_NUMBER_LENGTH = 7;
+inline constexpr std::size_t GROWTH_SIZE = 0x8000;
+
+struct StateHeader
+{
+    SharedWord magic;
+    SharedWord version;
+    SharedWord size; // of the whole state
+    SharedWord reserved;
+};
+
+// Second host channel, as the EC firmware sees it. The enumerations of the byte fields belong to EcChannel.
+struct EcChannelState
+{
+    SharedLong inputSinceMs;
+    SharedLong answerSinceMs;
+    SharedWord wedgedPolls; // status reads for which IBF stays set after a refused write
+    SharedHalf address;
+    SharedHalf answerAddress;
+    SharedByte phase;
+    SharedByte inputKind;
+    SharedByte inputValue;
+    SharedByte answerState;
+    SharedByte answerValue;
+    std::array<SharedByte, 3> reserved;
+};
+
+struct EepromMailboxState
+{
+    SharedLong sinceMs;
+    SharedByte operation;
+    SharedByte offset;
+    SharedByte value;
+    SharedByte errorStatus;
+    std::array<SharedByte, 4> reserved;
+};
+
+struct ApplicationMailboxState
+{
+    SharedLong sinceMs;
+    SharedByte busy;
+    std::array<SharedByte, 7> reserved;
+};
+
+struct AccessoryState
+{
+    SharedWord dockLight; // colours are 0x00RRGGBB
+    SharedWord graphicsLight;
+    SharedWord gpuReports; // GPU state reports received
+    SharedByte gpuDriverData; // the last of them
+    SharedByte kvaneLed;
+    std::array<SharedByte, 2> reserved;
+    std::array<SharedByte, SERIAL_NUMBER_LENGTH> kvaneSerialNumber; // in the order of the mailbox bytes
+    SharedByte reservedEnd;
+};
+
+// Each used slot holds ticket << 16 | data << 8 | code, an empty one 0. Tickets count from 1 and give the
+// order.
+struct EventQueueState
+{
+    SharedLong lastTicket;
+    std::array<SharedLong, EVENT_SLOTS> waiting;
+};
+
+struct FaultState
+{
+    SharedWord on;
+    SharedInt value;
+    SharedWord remaining; // accesses that still succeed before the fault strikes
+    SharedWord reserved;
+};
+
+struct TimingState
+{
+    SharedWord eepromBusyMs;
+    SharedWord mailboxBusyMs;
+    SharedWord refusedWritePolls;
+    SharedWord reserved;
+};
+
+struct CounterState
+{
+    SharedLong reads; // completed register reads
+    SharedLong writes; // completed register writes
+    SharedLong commands; // command bytes taken, known or not
+    SharedLong abortedCommands;
+    SharedLong refusedAccesses; // by one of the fail- faults
+    SharedLong libraryLoads;
+    std::array<SharedLong, 2> reserved;
+};
+
+// `stamp` is the number of the access, counted from 1, or 0 while the entry is being written.
+struct LogEntryState
+{
+    SharedLong stamp;
+    SharedLong timeMs;
+    SharedWord access; // kind << 24 | address << 8 | value
+    SharedWord reserved;
+};
+
+struct RegisterLogState
+{
+    SharedLong lastStamp;
+    std::array<LogEntryState, LOG_ENTRIES> entries;
+};
+
+struct MachineState
+{
+    StateHeader header;
+    EcChannelState channel;
+    EepromMailboxState eepromMailbox;
+    ApplicationMailboxState applicationMailbox;
+    AccessoryState accessory;
+    TimingState timing;
+    CounterState counters;
+    EventQueueState events;
+    std::array<FaultState, FAULT_SLOTS> faults;
+    std::array<SharedByte, EEPROM_SIZE> eeprom;
+    std::array<SharedByte, XDATA_SIZE> xdata;
+    RegisterLogState log;
+    std::array<SharedByte, GROWTH_SIZE> growth; // room for later parts of the machine, all zero until then
+};
+
+static_assert(SharedByte::is_always_lock_free && sizeof(SharedByte) == 1);
+static_assert(SharedHalf::is_always_lock_free && sizeof(SharedHalf) == 2);
+static_assert(SharedWord::is_always_lock_free && sizeof(SharedWord) == 4);
+static_assert(SharedInt::is_always_lock_free && sizeof(SharedInt) == 4);
+static_assert(SharedLong::is_always_lock_free && sizeof(SharedLong) == 8);
+
+// Programs of different compilers share one file, so the layout is pinned down.
+static_assert(sizeof(StateHeader) == 16);
+static_assert(sizeof(EcChannelState) == 32);
+static_assert(sizeof(EepromMailboxState) == 16);
+static_assert(sizeof(ApplicationMailboxState) == 16);
+static_assert(sizeof(AccessoryState) == 24);
+static_assert(sizeof(TimingState) == 16);
+static_assert(sizeof(CounterState) == 64);
+static_assert(sizeof(EventQueueState) == 136);
+static_assert(sizeof(FaultState) == 16);
+static_assert(sizeof(LogEntryState) == 24);
+static_assert(offsetof(MachineState, channel) == 16);
+static_assert(offsetof(MachineState, eepromMailbox) == 48);
+static_assert(offsetof(MachineState, applicationMailbox) == 64);
+static_assert(offsetof(MachineState, accessory) == 80);
+static_assert(offsetof(MachineState, timing) == 104);
+static_assert(offsetof(MachineState, counters) == 120);
+static_assert(offsetof(MachineState, events) == 184);
+static_assert(offsetof(MachineState, faults) == 320);
+static_assert(offsetof(MachineState, eeprom) == 832);
+static_assert(offsetof(MachineState, xdata) == 1088);
+static_assert(offsetof(MachineState, log) == 66624);
+static_assert(offsetof(MachineState, growth) == 164936);
+static_assert(sizeof(MachineState) == 197704);
+
+} // namespace tarnSimulator

@@ -1,0 +1,206 @@
+#include "simulator/machine_values.h"
+
+#include "device/ec_registers.h"
+#include "simulator/value_text.h"
+
+#include <algorithm>
+
+namespace tarnSimulator {
+
+using namespace tarnDeviceInfos;
+
+namespace {
+
+constexpr std::int64_t LONGEST_TIME_MS = 60000;
+constexpr std::int64_t MOST_POLLS = 1000000;
+
+template <std::uint16_t address> std::string readRegister(const ComputerControl &computer)
+{
+    return std::to_string(computer.peek(address));
+}
+
+template <std::uint16_t address> bool writeRegister(ComputerControl &computer, std::string_view text)
+{
+    const auto value = parseByte(text);
+    if (value) {
+        computer.poke(address, *value);
+    }
+    return value.has_value();
+}
+
+// "on" and "off" beside plain numbers, for registers in which one bit says it.
+template <std::uint16_t address, std::uint8_t onValue>
+bool writeSwitch(ComputerControl &computer, std::string_view text)
+{
+    if (text == "on" || text == "off") {
+        computer.poke(address, text == "on" ? onValue : 0);
+        return true;
+    }
+    return writeRegister<address>(computer, text);
+}
+
+std::string readSmartCharging(const ComputerControl &computer)
+{
+    const std::uint8_t value = computer.peekEeprom(EEP_SMART_CHARGING);
+    if (value == SMART_CHARGING_ON) {
+        return "on";
+    }
+    return value == SMART_CHARGING_OFF ? "off" : std::to_string(value);
+}
+
+bool writeSmartCharging(ComputerControl &computer, std::string_view text)
+{
+    if (text == "on" || text == "off") {
+        computer.setSmartCharging(text == "on");
+        return true;
+    }
+    const auto value = parseByte(text);
+    if (value) {
+        computer.pokeEeprom(EEP_SMART_CHARGING, *value);
+    }
+    return value.has_value();
+}
+
+std::string readSerialNumber(const ComputerControl &computer)
+{
+    return serialNumberText(computer.kvaneSerialNumber());
+}
+
+bool writeSerialNumber(ComputerControl &computer, std::string_view text)
+{
+    const auto bytes = parseSerialNumber(text);
+    if (bytes) {
+        computer.setKvaneSerialNumber(*bytes);
+    }
+    return bytes.has_value();
+}
+
+template <Colour (ComputerControl::*getter)() const> std::string readColour(const ComputerControl &computer)
+{
+    return colourText((computer.*getter)());
+}
+
+template <void (ComputerControl::*setter)(Colour)>
+bool writeColour(ComputerControl &computer, std::string_view text)
+{
+    const auto colour = parseColour(text);
+    if (colour) {
+        (computer.*setter)(*colour);
+    }
+    return colour.has_value();
+}
+
+std::string readKvaneLed(const ComputerControl &computer)
+{
+    return std::to_string(computer.kvaneLed());
+}
+
+bool writeKvaneLed(ComputerControl &computer, std::string_view text)
+{
+    const auto value = parseByte(text);
+    if (value) {
+        computer.setKvaneLed(*value);
+    }
+    return value.has_value();
+}
+
+std::string readGpuState(const ComputerControl &computer)
+{
+    return std::to_string(computer.gpuReports().gpuDriverData);
+}
+
+std::string readGpuReports(const ComputerControl &computer)
+{
+    return std::to_string(computer.gpuReports().count);
+}
+
+template <SharedWord TimingState::*field> std::string readTiming(const ComputerControl &computer)
+{
+    return std::to_string((computer.timing().*field).load());
+}
+
+template <SharedWord TimingState::*field, std::int64_t maximum>
+bool writeTiming(ComputerControl &computer, std::string_view text)
+{
+    const auto number = parseNumber(text);
+    if (!number || *number < 0 || *number > maximum) {
+        return false;
+    }
+    (computer.timing().*field).store(static_cast<std::uint32_t>(*number));
+    return true;
+}
+
+constexpr std::string_view A_BYTE = "0 to 255";
+constexpr std::string_view A_SWITCH = "on, off or 0 to 255";
+constexpr std::string_view A_COLOUR = "RED,GREEN,BLUE, each 0 to 255";
+constexpr std::string_view A_TIME = "0 to 60000";
+constexpr std::string_view READ_ONLY;
+
+constexpr MachineValue VALUES[] = {
+    {"battery", A_BYTE, "host battery level", readRegister<EC_TARN_BATTERY_NUM>,
+        writeRegister<EC_TARN_BATTERY_NUM>},
+    {"charging", A_SWITCH, "host charging status; bit 0: charging", readRegister<EC_TARN_CHARGING_STATUS>,
+        writeSwitch<EC_TARN_CHARGING_STATUS, TARN_CHARGING_BIT>},
+    {"kvane-battery", A_BYTE, "KVane battery level", readRegister<EC_KVANE_BATTERY_NUM>,
+        writeRegister<EC_KVANE_BATTERY_NUM>},
+    {"kvane-charging", A_SWITCH, "KVane charging status; bit 1: charging",
+        readRegister<EC_KVANE_CHARGING_STATUS>, writeSwitch<EC_KVANE_CHARGING_STATUS, KVANE_CHARGING_BIT>},
+    {"kvane-serial", "14 hexadecimal digits", "KVane serial number as printed", readSerialNumber,
+        writeSerialNumber},
+    {"kvane-led", A_BYTE, "KVane LED value", readKvaneLed, writeKvaneLed},
+    {"dock-light", A_COLOUR, "dock LED; red 1 is on, red 0 off", readColour<&ComputerControl::dockLight>,
+        writeColour<&ComputerControl::setDockLight>},
+    {"graphics-light", A_COLOUR, "light of the graphics box", readColour<&ComputerControl::graphicsLight>,
+        writeColour<&ComputerControl::setGraphicsLight>},
+    {"link-status", A_BYTE, "link status; 4: linked", readRegister<MCU_LINK_STATUS>,
+        writeRegister<MCU_LINK_STATUS>},
+    {"accessory-code", A_BYTE, "code of the attached accessory", readRegister<ACCESSORY_CODE>,
+        writeRegister<ACCESSORY_CODE>},
+    {"hardware-version", A_BYTE, "hardware version of the accessory", readRegister<HARDWARE_VERSION>,
+        writeRegister<HARDWARE_VERSION>},
+    {"mcu-major", A_BYTE, "MCU version of the accessory, first field", readRegister<MCU_VERSION_MAJOR>,
+        writeRegister<MCU_VERSION_MAJOR>},
+    {"mcu-minor", A_BYTE, "MCU version of the accessory, second field", readRegister<MCU_VERSION_MINOR>,
+        writeRegister<MCU_VERSION_MINOR>},
+    {"mcu-patch", A_BYTE, "MCU version of the accessory, third field", readRegister<MCU_VERSION_PATCH>,
+        writeRegister<MCU_VERSION_PATCH>},
+    {"supply-mode", A_BYTE, "power supply mode; 0 to 3 select the limit sets",
+        readRegister<EC_POWER_SUPPLY_MODE>, writeRegister<EC_POWER_SUPPLY_MODE>},
+    {"power-mode", A_BYTE, "device power mode; 1 balance, 2 low, 4 high", readRegister<EC_TARN_POWER_MODE>,
+        writeRegister<EC_TARN_POWER_MODE>},
+    {"smart-charging", A_SWITCH, "smart charging, kept in the EEPROM", readSmartCharging, writeSmartCharging},
+    {"pl-control", A_BYTE, "power control; 0 auto, 1 manual, 2 unlimited", readRegister<EC_POWERMODE_PL_CTRL>,
+        writeRegister<EC_POWERMODE_PL_CTRL>},
+    {"pl1", READ_ONLY, "power limit PL1 in force, W", readRegister<EC_POWERMODE_PL1_CHECK>, nullptr},
+    {"pl2", READ_ONLY, "power limit PL2 in force, W", readRegister<EC_POWERMODE_PL2_CHECK>, nullptr},
+    {"pl4", READ_ONLY, "power limit PL4 in force, W", readRegister<EC_POWERMODE_PL4_CHECK>, nullptr},
+    {"fan-mode", READ_ONLY, "fan mode; 1 with the high profile", readRegister<EC_FAN_MODE>, nullptr},
+    {"gpu-state", READ_ONLY, "GPU state last reported; 1 no driver, 3 not started, 7 active", readGpuState,
+        nullptr},
+    {"gpu-reports", READ_ONLY, "GPU state reports received", readGpuReports, nullptr},
+    {"mcu-update", READ_ONLY, "MCU update control; 0x20 update, 0x08 boot loader, 0x10 reset",
+        readRegister<EC_MCU_UPDATE_CTRL>, nullptr},
+    {"eeprom-ms", A_TIME, "time an EEPROM operation takes, ms", readTiming<&TimingState::eepromBusyMs>,
+        writeTiming<&TimingState::eepromBusyMs, LONGEST_TIME_MS>},
+    {"mailbox-ms", A_TIME, "time until an application command byte clears, ms",
+        readTiming<&TimingState::mailboxBusyMs>, writeTiming<&TimingState::mailboxBusyMs, LONGEST_TIME_MS>},
+    {"refused-write-polls", "0 to 1000000", "status reads for which IBF stays set after a refused write",
+        readTiming<&TimingState::refusedWritePolls>,
+        writeTiming<&TimingState::refusedWritePolls, MOST_POLLS>},
+};
+
+} // namespace
+
+std::span<const MachineValue> machineValues()
+{
+    return VALUES;
+}
+
+const MachineValue *findMachineValue(std::string_view name)
+{
+    const auto found = std::find_if(
+        std::begin(VALUES), std::end(VALUES), [name](const MachineValue &row) { return row.name == name; });
+    return found == std::end(VALUES) ? nullptr : found;
+}
+
+} // namespace tarnSimulator

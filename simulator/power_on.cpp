@@ -1,0 +1,115 @@
+#include "simulator/power_on.h"
+
+#include "device/ec_registers.h"
+
+namespace tarnSimulator {
+
+using namespace tarnDeviceInfos;
+
+namespace {
+
+constexpr std::uint8_t ERASED_EEPROM_BYTE = 0xFF;
+constexpr std::uint32_t WHITE = 0xFFFFFF;
+constexpr std::uint32_t DOCK_LIGHT_ON = 0x010000; // only red 1 or 0 carries the dock's LED state
+
+struct RegisterDefault
+{
+    std::uint16_t address;
+    std::uint8_t value;
+};
+
+constexpr RegisterDefault REGISTER_DEFAULTS[] = {
+    {EEP_STATUS, EEP_STATUS_DONE},
+    {EC_TARN_BATTERY_NUM, 80},
+    {EC_TARN_CHARGING_STATUS, TARN_CHARGING_BIT},
+    {EC_KVANE_BATTERY_NUM, 60},
+    {EC_KVANE_CHARGING_STATUS, 0},
+    {EC_POWER_SUPPLY_MODE, 0},
+    {EC_TARN_POWER_MODE, TARN_POWER_MODE_BALANCE},
+    {EC_POWERMODE_PL_CTRL, PL_CTRL_AUTO},
+    {EC_POWERMODE_PL1, 28},
+    {EC_POWERMODE_PL2, 30},
+    {EC_POWERMODE_PL4, 55},
+    {EC_POWERMODE_PL1_CHECK, 28},
+    {EC_POWERMODE_PL2_CHECK, 30},
+    {EC_POWERMODE_PL4_CHECK, 55},
+};
+
+constexpr std::array<std::uint8_t, SERIAL_NUMBER_LENGTH> SERIAL_NUMBER {
+    0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD};
+
+// Both mailboxes answer within the 10 ms that the host waits before it looks.
+constexpr std::uint32_t EEPROM_BUSY_MS = 6;
+constexpr std::uint32_t MAILBOX_BUSY_MS = 5;
+// The host gives a byte up after this many looks at the status.
+constexpr std::uint32_t REFUSED_WRITE_POLLS = 1000;
+
+template <std::size_t size> void fill(std::array<SharedByte, size> &bytes, std::uint8_t value)
+{
+    for (SharedByte &byte : bytes) {
+        byte.store(value, std::memory_order_relaxed);
+    }
+}
+
+void resetMemories(MachineState &state)
+{
+    fill(state.xdata, 0);
+    for (const RegisterDefault &preset : REGISTER_DEFAULTS) {
+        state.xdata[preset.address].store(preset.value);
+    }
+    fill(state.eeprom, ERASED_EEPROM_BYTE);
+    state.eeprom[EEP_SMART_CHARGING].store(SMART_CHARGING_ON);
+}
+
+void resetAccessory(AccessoryState &accessory)
+{
+    accessory.dockLight.store(DOCK_LIGHT_ON);
+    accessory.graphicsLight.store(WHITE);
+    accessory.gpuReports.store(0);
+    accessory.gpuDriverData.store(0);
+    accessory.kvaneLed.store(0);
+    for (std::size_t i = 0; i < SERIAL_NUMBER_LENGTH; ++i) {
+        accessory.kvaneSerialNumber[i].store(SERIAL_NUMBER[i]);
+    }
+}
+
+void resetCounters(CounterState &counters)
+{
+    SharedLong *const all[] = {&counters.reads, &counters.writes, &counters.commands,
+        &counters.abortedCommands, &counters.refusedAccesses, &counters.libraryLoads};
+    for (SharedLong *counter : all) {
+        counter->store(0);
+    }
+}
+
+} // namespace
+
+void initialiseState(MachineState &state)
+{
+    powerOn(state);
+    state.header.size.store(sizeof(MachineState));
+    state.header.version.store(STATE_VERSION);
+    state.header.magic.store(STATE_MAGIC);
+}
+
+void powerOn(MachineState &state)
+{
+    for (FaultState &fault : state.faults) {
+        fault.on.store(0);
+        fault.value.store(0);
+        fault.remaining.store(0);
+    }
+    for (SharedLong &slot : state.events.waiting) {
+        slot.store(0);
+    }
+    state.eepromMailbox.operation.store(0);
+    state.applicationMailbox.busy.store(0);
+    state.timing.eepromBusyMs.store(EEPROM_BUSY_MS);
+    state.timing.mailboxBusyMs.store(MAILBOX_BUSY_MS);
+    state.timing.refusedWritePolls.store(REFUSED_WRITE_POLLS);
+    resetAccessory(state.accessory);
+    resetCounters(state.counters);
+    resetMemories(state);
+}
+
+} // namespace tarnSimulator

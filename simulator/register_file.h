@@ -1,0 +1,41 @@
+#pragma once
+
+#include "simulator/application_mailbox.h"
+#include "simulator/eeprom_mailbox.h"
+#include "simulator/event_queue.h"
+#include "simulator/machine_state.h"
+#include "simulator/power_limits.h"
+
+namespace tarnSimulator {
+
+// The EC's xdata as the host sees it: 64 KiB of plain bytes, except where a read or a write does something.
+class RegisterFile
+{
+public:
+    RegisterFile(MachineState &machine, const NowMs &clock, const FaultPanel &panel);
+
+    [[nodiscard]] std::uint8_t read(std::uint16_t address);
+    void write(std::uint16_t address, std::uint8_t value);
+
+    // Lets the mailboxes finish what is due.
+    void advance();
+
+private:
+    struct ReadEffect;
+    struct WriteEffect;
+    static const ReadEffect READ_EFFECTS[];
+    static const WriteEffect WRITE_EFFECTS[];
+
+    void presentEvent(std::uint16_t address);
+    void startEeprom(std::uint16_t address);
+    void executeCommand(std::uint16_t address);
+    void latchLimit(std::uint16_t address);
+
+    MachineState &state;
+    EepromMailbox eepromMailbox;
+    ApplicationMailbox applicationMailbox;
+    PowerLimits powerLimits;
+    EventQueue events;
+};
+
+} // namespace tarnSimulator

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "simulator/clock.h"
+#include "simulator/ec_channel.h"
+#include "simulator/fault_panel.h"
+#include "simulator/machine_state.h"
+#include "simulator/register_file.h"
+
+#include <cstdint>
+
+namespace tarnSimulator {
+
+// The Embedded Controller behind its two ports. All it knows is in the machine state, so it may be destroyed
+// and made again in the middle of an exchange. Callers serialise their port accesses.
+class SimulatedEc
+{
+public:
+    using NowMs = tarnSimulator::NowMs;
+
+    SimulatedEc(MachineState &state, NowMs nowMs);
+    SimulatedEc(const SimulatedEc &) = delete;
+    SimulatedEc &operator=(const SimulatedEc &) = delete;
+
+    // Ports of other devices are ignored and read as 0xFF.
+    void writePort(std::uint16_t port, std::uint8_t value);
+    [[nodiscard]] std::uint8_t readPort(std::uint16_t port);
+
+private:
+    NowMs nowMs;
+    FaultPanel faults;
+    RegisterFile registers;
+    EcChannel channel;
+};
+
+} // namespace tarnSimulator

@@ -1,0 +1,112 @@
+#include "device/ec_registers.h"
+#include "simulator/accessory_catalog.h"
+#include "simulator/fault_table.h"
+#include "simulator/machine_values.h"
+#include "simulator/tool/tool_text.h"
+#include "simulator/tool/verbs.h"
+#include "simulator/value_text.h"
+
+#include <initializer_list>
+
+namespace tarnSimulator {
+
+using namespace tarnDeviceInfos;
+
+namespace {
+
+constexpr int LABEL_WIDTH = 20;
+
+struct Line
+{
+    const char *label;
+    std::initializer_list<std::string_view> values; // names of machine values
+};
+
+const Line LINES[] = {
+    {"Host battery", {"battery", "charging"}},
+    {"KVane", {"kvane-battery", "kvane-charging", "kvane-led", "kvane-serial"}},
+    {"Lights", {"dock-light", "graphics-light"}},
+    {"GPU", {"gpu-state", "gpu-reports"}},
+    {"Power", {"supply-mode", "power-mode", "smart-charging"}},
+    {"Limits", {"pl-control", "pl1", "pl2", "pl4", "fan-mode"}},
+    {"MCU update", {"mcu-update"}},
+    {"Timing", {"eeprom-ms", "mailbox-ms"}},
+};
+
+void printLine(QTextStream &out, const QString &label, const QString &text)
+{
+    out << label.leftJustified(LABEL_WIDTH) << text << '\n';
+}
+
+QString accessoryText(const ComputerControl &computer)
+{
+    if (!computer.isAttached()) {
+        return QStringLiteral("none (link status %1)").arg(computer.peek(MCU_LINK_STATUS));
+    }
+    const std::uint8_t code = computer.peek(ACCESSORY_CODE);
+    const Accessory *known = findAccessory(code);
+    const std::string_view name = known == nullptr ? unknownAccessory(code).name : known->name;
+    return QStringLiteral("%1 (code %2), hardware version %3, MCU version %4.%5%6")
+        .arg(toQString(name))
+        .arg(code)
+        .arg(computer.peek(HARDWARE_VERSION))
+        .arg(computer.peek(MCU_VERSION_MAJOR))
+        .arg(computer.peek(MCU_VERSION_MINOR))
+        .arg(computer.peek(MCU_VERSION_PATCH));
+}
+
+QString eventsText(const ComputerControl &computer)
+{
+    QStringList events;
+    for (const AppEvent &event : computer.armedEvents()) {
+        events << toQString(hexText(event.code, 2) + " data " + hexText(event.data, 2));
+    }
+    return events.isEmpty() ? QStringLiteral("none") : events.join(QLatin1String(", "));
+}
+
+QString faultsText(const ComputerControl &computer)
+{
+    QStringList faults;
+    for (const FaultDescription &fault : faultTable()) {
+        if (const QString state = faultStateText(computer.faults(), fault); !state.isEmpty()) {
+            faults << QStringLiteral("%1: %2").arg(toQString(fault.name), state);
+        }
+    }
+    return faults.isEmpty() ? QStringLiteral("none") : faults.join(QLatin1String("; "));
+}
+
+QString countersText(const CounterState &counters)
+{
+    return QStringLiteral(
+        "%1 reads, %2 writes, %3 refused, %4 of %5 commands aborted, library loaded %6 times")
+        .arg(counters.reads.load())
+        .arg(counters.writes.load())
+        .arg(counters.refusedAccesses.load())
+        .arg(counters.abortedCommands.load())
+        .arg(counters.commands.load())
+        .arg(counters.libraryLoads.load());
+}
+
+} // namespace
+
+ExitCode showMachine(ToolContext &context, const QStringList &)
+{
+    const ComputerControl &computer = *context.computer;
+    printLine(
+        context.out, QStringLiteral("State file"), QString::fromStdU16String(context.stateFile.u16string()));
+    printLine(context.out, QStringLiteral("Accessory"), accessoryText(computer));
+    for (const Line &line : LINES) {
+        QStringList parts;
+        for (const std::string_view name : line.values) {
+            const MachineValue *value = findMachineValue(name);
+            parts << QStringLiteral("%1 %2").arg(toQString(name), toQString(value->read(computer)));
+        }
+        printLine(context.out, QString::fromLatin1(line.label), parts.join(QLatin1String(", ")));
+    }
+    printLine(context.out, QStringLiteral("Armed events"), eventsText(computer));
+    printLine(context.out, QStringLiteral("Faults"), faultsText(computer));
+    printLine(context.out, QStringLiteral("Traffic"), countersText(computer.counters()));
+    return Done;
+}
+
+} // namespace tarnSimulator

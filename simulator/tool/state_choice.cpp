@@ -1,0 +1,58 @@
+#include "simulator/tool/state_choice.h"
+
+#include "simulator/state_location.h"
+
+#include <QCoreApplication>
+
+#include <vector>
+
+namespace tarnSimulator {
+
+namespace {
+
+StateChoice only(const std::filesystem::path &file)
+{
+    return {file, {QString::fromStdU16String(file.u16string())}};
+}
+
+// Not the folder of the program's file as it was called: a program found by its search path is called without
+// one.
+std::filesystem::path programFolder()
+{
+    return QCoreApplication::instance() == nullptr
+        ? moduleFile().parent_path()
+        : std::filesystem::path(QCoreApplication::applicationDirPath().toStdU16String());
+}
+
+} // namespace
+
+StateChoice chooseStateFile(const QString &named)
+{
+    if (!named.isEmpty()) {
+        return only(named.toStdU16String());
+    }
+    if (const auto file = stateFileFromEnvironment()) {
+        return only(*file);
+    }
+    const std::vector<std::filesystem::path> candidates {
+        std::filesystem::path("function") / STATE_FILE_NAME,
+        STATE_FILE_NAME,
+        programFolder() / "function" / STATE_FILE_NAME,
+    };
+    StateChoice choice;
+    for (const std::filesystem::path &candidate : candidates) {
+        choice.places << QString::fromStdU16String(candidate.u16string());
+        std::error_code ignored;
+        if (choice.file.empty() && std::filesystem::exists(candidate, ignored)) {
+            choice.file = candidate;
+        }
+    }
+    if (choice.file.empty()) {
+        std::error_code ignored;
+        const bool inRunFolder = std::filesystem::is_directory("function", ignored);
+        choice.file = inRunFolder ? candidates[0] : candidates[1];
+    }
+    return choice;
+}
+
+} // namespace tarnSimulator

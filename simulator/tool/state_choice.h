@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <filesystem>
+
+namespace tarnSimulator {
+
+struct StateChoice
+{
+    std::filesystem::path file; // also when none was found: the one that would be made
+    QStringList places; // all that were considered
+};
+
+// Which state file the tool works on. `named` is what the command line says, empty if nothing.
+[[nodiscard]] StateChoice chooseStateFile(const QString &named);
+
+} // namespace tarnSimulator

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "simulator/fault_panel.h"
+#include "simulator/tool/verb_table.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace tarnSimulator {
+
+[[nodiscard]] QString toQString(std::string_view text);
+
+// One sentence on the error stream.
+ExitCode complain(ToolContext &context, ExitCode code, const QString &message);
+// An argument that is not one of a set of names: says which there are.
+ExitCode complainAboutName(
+    ToolContext &context, const QString &kind, const QString &given, const QStringList &allowed);
+
+[[nodiscard]] QStringList verbNames();
+[[nodiscard]] QStringList accessoryNames();
+[[nodiscard]] QStringList valueNames();
+[[nodiscard]] QStringList faultNames();
+[[nodiscard]] QStringList allRegisterNames();
+
+// A name of the register map or an address.
+[[nodiscard]] std::optional<std::uint16_t> parseRegister(const QString &text);
+// "0x04A8 EC_POWERMODE_PL1", or the address alone.
+[[nodiscard]] QString registerText(std::uint16_t address);
+// "on", "20 ms", "0x04A8 EC_POWERMODE_PL1, after 2 more accesses"; empty while the fault is off.
+[[nodiscard]] QString faultStateText(const FaultPanel &panel, const FaultDescription &fault);
+
+} // namespace tarnSimulator

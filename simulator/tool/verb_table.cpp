@@ -1,0 +1,81 @@
+#include "simulator/tool/verb_table.h"
+
+#include "simulator/tool/verbs.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tarnSimulator {
+
+namespace {
+
+constexpr int ANY_NUMBER = std::numeric_limits<int>::max();
+
+constexpr Verb VERBS[] = {
+    {"show", "", "overview of the whole machine", "", StateNeed::MustExist, 0, 0, showMachine},
+    {"attach", "ACCESSORY", "plug an accessory in",
+        "ACCESSORY is one of \"tarnsim list accessories\" or a code from 0 to 255. Its versions are set with "
+        "it.\n"
+        "An accessory that is attached already is replaced without the link going down in between.",
+        StateNeed::MustExist, 1, 1, attachAccessory},
+    {"detach", "", "unplug the accessory", "", StateNeed::MustExist, 0, 0, detachAccessory},
+    {"get", "NAME", "print a value of the machine", "NAME is one of \"tarnsim list values\".",
+        StateNeed::MustExist, 1, 1, getValue},
+    {"set", "NAME VALUE", "change a value of the machine",
+        "NAME is one of \"tarnsim list values\"; \"tarnsim values\" says what each one takes.",
+        StateNeed::MustExist, 2, 2, setValue},
+    {"values", "", "all values, what they are now and what may be set", "", StateNeed::MustExist, 0, 0,
+        showValues},
+    {"press-gpu-key", "", "press the GPU key of the graphics box",
+        "Arms event 0x11 with the request bit 0x04 set.", StateNeed::MustExist, 0, 0, pressGpuKey},
+    {"event", "CODE [DATA]", "arm an event of the graphics box",
+        "The host gets it at its next look at the event register, after those armed before. DATA is 0 if not "
+        "given.\n"
+        "0x11 GPU key, 0x12 graphics connected, 0x13 ban the GPU.",
+        StateNeed::MustExist, 1, 2, armEvent},
+    {"fault", "NAME [on|off|VALUE [SKIP]]", "switch a fault on or off",
+        "NAME is one of \"tarnsim list faults\"; \"tarnsim faults\" says what each one does and takes. "
+        "Without a\n"
+        "value the fault is switched on. The fail- faults of one register take the register's name or "
+        "address and\n"
+        "SKIP, the number of accesses of it that still succeed.",
+        StateNeed::MustExist, 1, 3, switchFault},
+    {"faults", "", "all faults and their state", "", StateNeed::MustExist, 0, 0, showFaults},
+    {"clear-faults", "", "switch all faults off", "", StateNeed::MustExist, 0, 0, clearFaults},
+    {"peek", "REGISTER [COUNT]", "print EC memory without the EC noticing",
+        "REGISTER is a name of \"tarnsim list registers\", an address, or eeprom:OFFSET.",
+        StateNeed::MustExist, 1, 2, peekMemory},
+    {"poke", "REGISTER VALUE", "change EC memory without the EC noticing",
+        "REGISTER is a name of \"tarnsim list registers\", an address, or eeprom:OFFSET. Nothing that a "
+        "write by\n"
+        "the host would start is started.",
+        StateNeed::MustExist, 2, 2, pokeMemory},
+    {"log", "[--last N|--all] [--follow [--for SECONDS]]", "completed register accesses",
+        "Prints the last 20 accesses, N of them, or all that are kept (4096). With --follow new ones are "
+        "printed as\n"
+        "they happen, until Ctrl-C or for so many seconds. Columns: number, time in s, kind, address, name, "
+        "value.",
+        StateNeed::MustExist, 0, ANY_NUMBER, showRegisterLog},
+    {"reset", "", "power-on condition: nothing attached, no faults, defaults",
+        "Makes the state file if there is none. The register log is kept.", StateNeed::IsCreated, 0, 0,
+        resetMachine},
+    {"list", "verbs|accessories|values|faults|registers", "names, one per line", "", StateNeed::None, 1, 1,
+        listNames},
+    {"help", "[VERB]", "this help, or that of a verb", "", StateNeed::None, 0, 1, showHelp},
+};
+
+} // namespace
+
+std::span<const Verb> verbTable()
+{
+    return VERBS;
+}
+
+const Verb *findVerb(const QString &name)
+{
+    const auto found = std::find_if(std::begin(VERBS), std::end(VERBS),
+        [&name](const Verb &verb) { return name == QLatin1String(verb.name); });
+    return found == std::end(VERBS) ? nullptr : found;
+}
+
+} // namespace tarnSimulator

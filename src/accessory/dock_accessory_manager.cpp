@@ -1,0 +1,118 @@
+#include "accessory/dock_accessory_manager.h"
+
+#include "accessory/mailbox_write.h"
+#include "device/ec_access_lock.h"
+#include "device/ec_dirver_controller_hal.h"
+#include "device/ec_registers.h"
+#include "platform/process_wide.h"
+#include "platform/waits.h"
+
+#include <QDebug>
+
+namespace tarnAccessoryManager {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace tarnDeviceInfos;
+using tarnPlatform::sleepFor;
+
+constexpr auto mailboxPause = 10ms;
+constexpr int maximumPolls = 20;
+constexpr quint8 unreadByte = 0xF0; // stands when a read fails: command not finished, state unknown
+
+void readCommandByte(quint8 *command)
+{
+    if (EcDirverControllerHal::instance()->readXdata(XEC_RGB_CMD, command) == 0)
+        qDebug() << "read ecRGBCmdDataDock from xdata successed with: " << *command;
+    else
+        qWarning() << "read ecRGBCmdDataDock from xdata failed.";
+}
+
+// Running out of polls is deliberately no error: the state is read all the same.
+void awaitMailbox()
+{
+    quint8 command = unreadByte;
+    readCommandByte(&command);
+    for (int poll = 0; command != 0 && poll < maximumPolls; ++poll) {
+        sleepFor(mailboxPause);
+        qDebug() << "read ecRGBCmdDataDock from xdata until it is 0.";
+        readCommandByte(&command);
+    }
+}
+
+} // namespace
+
+DockAccessoryManager *DockAccessoryManager::instance()
+{
+    return tarnPlatform::ProcessWide<DockAccessoryManager>::instance();
+}
+
+DockAccessoryManager::DockAccessoryManager()
+{
+    qDebug() << "DockAccessoryManager object is created.";
+}
+
+DockAccessoryManager::~DockAccessoryManager()
+{
+    qDebug() << "DockAccessoryManager object is killed.";
+}
+
+int DockAccessoryManager::getDockLedStatus()
+{
+    qDebug() << "start to get dock led setting.";
+    const EcAccess access;
+    if (!access)
+        return -1;
+    if (!writeMailbox({XEC_RGB_CMD, APP_EC_RGB_READ, "Success to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD.",
+            "Failed to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD."}))
+        return -1;
+    sleepFor(mailboxPause);
+    awaitMailbox();
+    sleepFor(mailboxPause);
+
+    quint8 red = unreadByte;
+    if (EcDirverControllerHal::instance()->readXdata(XEC_RGB_RED, &red) != 0) {
+        qWarning() << "read rgbRedVerDock from xdata failed.";
+        return -2;
+    }
+    qDebug() << "read rgbRedVerDock from xdata successed with: " << red;
+    if (red == 1) {
+        qDebug() << "dock led is on.";
+        return 1;
+    }
+    if (red == 0) {
+        qDebug() << "dock led is off.";
+        return 0;
+    }
+    qDebug() << "unexpected rgbRedVerDock:" << red;
+    return -3;
+}
+
+int DockAccessoryManager::setDockLedStatus(quint32 value)
+{
+    qDebug() << "start to set dock led setting.";
+    const EcAccess access;
+    if (!access)
+        return -2;
+    const MailboxWrite colours[] = {
+        {XEC_RGB_RED, static_cast<quint8>(value), "Success to write rgbColorRedDock: ", "to XEC_RGB_RED.",
+            "Failed to write rgbColorRedDock: ", "to XEC_RGB_RED."},
+        {XEC_RGB_GREEN, 0, "Success to write rgbColorGreenDock: ", "to XEC_RGB_GREEN.",
+            "Failed to write rgbColorGreenDock: ", "to XEC_RGB_GREEN."},
+        {XEC_RGB_BLUE, 0, "Success to write rgbColorBlueDock: ", "to XEC_RGB_BLUE.",
+            "Failed to write rgbColorBlueDock: ", "to XEC_RGB_BLUE."},
+    };
+    for (const MailboxWrite &colour : colours) {
+        if (!writeMailbox(colour))
+            return -2;
+        sleepFor(mailboxPause);
+    }
+    // The command goes last, and the EC takes its time with it unobserved.
+    if (!writeMailbox({XEC_RGB_CMD, APP_EC_RGB_WRITE, "Success to write APP_EC_RGB_WRITE: ",
+            "to XEC_RGB_CMD.", "Failed to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD."}))
+        return -2;
+    qDebug() << "Set dock led status successed：" << value;
+    return 0;
+}
+
+} // namespace tarnAccessoryManager

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QMutex>
+#include <QWaitCondition>
+
+namespace tarnDeviceInfos {
+
+// Serialises every multi-byte EC exchange of the process. A binary semaphore rather than a mutex, because the
+// update holds are taken by one handler thread and given back by another. Not recursive.
+class EcAccessLock
+{
+public:
+    // Waits for the lock; false when the waiters were released because the process ends.
+    [[nodiscard]] bool lock();
+    void unlock();
+    // From now on lock() fails at once, for those who wait already too.
+    void releaseWaiters();
+    [[nodiscard]] bool isLocked() const;
+
+private:
+    mutable QMutex state;
+    QWaitCondition freed;
+    bool locked = false;
+    bool released = false;
+};
+
+// The one lock of the process. Deliberately never destroyed: threads may wait for it until the very end.
+extern EcAccessLock &ecAccessMutex;
+
+// Holds the lock for a scope. Test it: without the lock there must be no EC traffic.
+class EcAccess
+{
+public:
+    EcAccess()
+        : owned(ecAccessMutex.lock())
+    { }
+    ~EcAccess()
+    {
+        if (owned)
+            ecAccessMutex.unlock();
+    }
+    EcAccess(const EcAccess &) = delete;
+    EcAccess &operator=(const EcAccess &) = delete;
+
+    [[nodiscard]] explicit operator bool() const { return owned; }
+
+private:
+    const bool owned;
+};
+
+} // namespace tarnDeviceInfos

@@ -1,0 +1,238 @@
+#include "device/ec_dirver_controller_hal.h"
+
+#include "device/ec_registers.h"
+#include "platform/process_wide.h"
+#include "platform/waits.h"
+
+#include <QDebug>
+
+namespace tarnDeviceInfos {
+namespace {
+
+using namespace std::chrono_literals;
+using tarnPlatform::sleepFor;
+
+constexpr auto pollInterval = 5ms;
+constexpr int maximumPolls = 1000; // bounds every handshake wait at about 5 s
+constexpr auto unloadPause = 500ms;
+constexpr auto eepromPause = 10ms;
+constexpr int maximumEepromPolls = 10;
+constexpr quint8 eepromStatusUnread = 255;
+
+constexpr quint8 highByte(quint16 word)
+{
+    return static_cast<quint8>(word >> 8);
+}
+constexpr quint8 lowByte(quint16 word)
+{
+    return static_cast<quint8>(word & 0xFF);
+}
+
+} // namespace
+
+EcDirverControllerHal *EcDirverControllerHal::instance()
+{
+    return tarnPlatform::ProcessWide<EcDirverControllerHal>::instance();
+}
+
+EcDirverControllerHal::EcDirverControllerHal()
+    : libraryPath(QStringLiteral("./function/inpoutx64.dll"))
+    , library(libraryPath)
+{
+    qDebug() << "dirverControllerHal object is create!";
+    if (!loadLibrary())
+        qFatal("Cannot load library");
+    qDebug() << "Library loaded";
+}
+
+EcDirverControllerHal::~EcDirverControllerHal()
+{
+    library.unload();
+    qDebug() << "Library is kill";
+    qDebug() << "dirverControllerHal object is kill!";
+}
+
+int EcDirverControllerHal::readXdata(quint16 address, quint8 *value)
+{
+    if (!value)
+        return -1;
+    if (sendReadRequest(address) != 0)
+        return -1;
+    return readData(value);
+}
+
+int EcDirverControllerHal::writeXdata(quint16 address, quint8 value)
+{
+    if (sendCommand(XDATA_WRITE_CMD) != 0)
+        return -1;
+    sleepFor(pollInterval);
+    if (writeData(highByte(address)) != 0)
+        return -1;
+    sleepFor(pollInterval);
+    if (writeData(lowByte(address)) != 0)
+        return -1;
+    return writeData(value);
+}
+
+int EcDirverControllerHal::readEeprom(quint16 offset)
+{
+    startEepromOperation(offset, EEP_CMD_READ);
+    sleepFor(eepromPause);
+
+    quint8 status = eepromStatusUnread;
+    if (readEepromStatus(&status) == 0)
+        qDebug() << "wait eep_status  ";
+    else
+        qWarning() << "readEeprom failed";
+    awaitEeprom(&status);
+
+    if (status == EEP_STATUS_DONE) {
+        quint8 data =
+            255; // stands when nothing comes, which makes 255 ambiguous; callers know only 0x00 and 0x50
+        if (sendReadRequest(EEP_DATA) == 0)
+            readData(&data);
+        return data;
+    }
+    if (status == EEP_STATUS_BUSY)
+        return -1;
+    qWarning() << "read eeprom error";
+    return -2;
+}
+
+int EcDirverControllerHal::writeEeprom(quint16 offset, quint8 value)
+{
+    writeXdata(EEP_DATA, value);
+    startEepromOperation(offset, EEP_CMD_WRITE);
+    sleepFor(eepromPause);
+
+    // Deliberately read twice before the polling: the first answer can still be that of the last operation.
+    // The two texts of read and write deliberately differ by one blank.
+    quint8 status = eepromStatusUnread;
+    readEepromStatus(&status);
+    if (readEepromStatus(&status) == 0)
+        qDebug() << "wait eep_status ";
+    else
+        qWarning() << "writeEeprom failed";
+    awaitEeprom(&status);
+
+    if (status == EEP_STATUS_DONE) {
+        qDebug() << "write eeprom success";
+        return 0;
+    }
+    if (status == EEP_STATUS_BUSY) {
+        qWarning() << "write eeprom fail after 10 attempts";
+        return -1;
+    }
+    qWarning() << "write eeprom fail";
+    return -2;
+}
+
+void EcDirverControllerHal::reloadDLL()
+{
+    library.unload();
+    qDebug() << "Library is kill";
+    sleepFor(unloadPause);
+    if (!loadLibrary())
+        qFatal("Cannot load library second");
+    qDebug() << "Library loaded second";
+}
+
+bool EcDirverControllerHal::loadLibrary()
+{
+    if (!library.load())
+        return false;
+    out32Func = reinterpret_cast<Out32>(library.resolve("Out32"));
+    inp32Func = reinterpret_cast<Inp32>(library.resolve("Inp32"));
+    if (!out32Func || !inp32Func)
+        qFatal("out32Func or inp32Func is empty!");
+    qDebug() << "open out32Func and inp32Func is sucessful!";
+    return true;
+}
+
+int EcDirverControllerHal::sendCommand(quint8 command)
+{
+    // Drain what nobody fetched. This is no answer to anything, so it does not count as the EC answering.
+    for (int poll = 0; poll < maximumPolls && statusHas(EC_STATUS_OBF); ++poll) {
+        inp32Func(EC_DATA_PORT);
+        sleepFor(pollInterval);
+    }
+    for (int poll = 0; poll < maximumPolls; ++poll) {
+        if (statusHas(EC_STATUS_IBF)) {
+            sleepFor(pollInterval);
+            continue;
+        }
+        sleepFor(pollInterval);
+        out32Func(EC_CMD_STATUS_PORT, command);
+        sleepFor(pollInterval);
+        return 0;
+    }
+    return -1;
+}
+
+int EcDirverControllerHal::writeData(quint8 byte)
+{
+    for (int poll = 0; poll < maximumPolls; ++poll) {
+        if (!statusHas(EC_STATUS_IBF)) {
+            out32Func(EC_DATA_PORT, byte);
+            return 0;
+        }
+        sleepFor(pollInterval);
+    }
+    return -1;
+}
+
+int EcDirverControllerHal::readData(quint8 *byte)
+{
+    for (int poll = 0; poll < maximumPolls; ++poll) {
+        if (statusHas(EC_STATUS_OBF)) {
+            ecAnswered = true;
+            *byte = lowByte(static_cast<quint16>(inp32Func(EC_DATA_PORT)));
+            return 0;
+        }
+        sleepFor(pollInterval);
+    }
+    // The EC is taken to be stuck. This read is lost; the next one starts afresh on a reloaded library.
+    qDebug() << "ec reader not normal, begin to reload dll.";
+    reloadDLL();
+    return -1;
+}
+
+int EcDirverControllerHal::sendReadRequest(quint16 address)
+{
+    if (sendCommand(XDATA_READ_CMD) != 0)
+        return -1;
+    sleepFor(pollInterval);
+    if (writeData(highByte(address)) != 0)
+        return -1;
+    sleepFor(pollInterval);
+    return writeData(lowByte(address));
+}
+
+bool EcDirverControllerHal::statusHas(quint8 bit) const
+{
+    return (inp32Func(EC_CMD_STATUS_PORT) & bit) != 0;
+}
+
+int EcDirverControllerHal::readEepromStatus(quint8 *status)
+{
+    return readXdata(EEP_STATUS, status);
+}
+
+// A failed write shows in the status that follows, so the results are not looked at.
+void EcDirverControllerHal::startEepromOperation(quint16 offset, quint8 command)
+{
+    writeXdata(EEP_ADDR_LO, lowByte(offset));
+    writeXdata(EEP_ADDR_HI, highByte(offset));
+    writeXdata(EEP_LEN, 1);
+    writeXdata(EEP_CMD, command);
+}
+
+void EcDirverControllerHal::awaitEeprom(quint8 *status)
+{
+    for (int attempt = 0; *status == EEP_STATUS_BUSY && attempt < maximumEepromPolls; ++attempt) {
+        readEepromStatus(status);
+        sleepFor(pollInterval);
+    }
+}
+
+} // namespace tarnDeviceInfos

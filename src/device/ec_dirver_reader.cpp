@@ -1,0 +1,335 @@
+#include "device/ec_dirver_reader.h"
+
+#include "accessory/ec_power_mode_manager.h"
+#include "accessory/kvane_accessory_manager.h"
+#include "device/ec_access_lock.h"
+#include "device/ec_dirver_controller_hal.h"
+#include "device/ec_registers.h"
+#include "graphics/graphics_accessory_manager.h"
+#include "pipe/message_format.h"
+#include "pipe/send_queue_thread.h"
+#include "platform/process_wide.h"
+#include "platform/waits.h"
+
+#include <QDebug>
+#include <QEvent>
+
+namespace tarnDeviceInfos {
+namespace {
+
+using namespace std::chrono_literals;
+using tarnAccessoryManager::EcPowerModeManager;
+using tarnAccessoryManager::GraphicsAccessoryManager;
+using tarnAccessoryManager::KvaneAccessoryManager;
+using tarnPlatform::pumpEventsFor;
+using tarnPlatform::sleepFor;
+
+constexpr auto cyclePause = 100ms;
+constexpr auto settleTime = 300ms;
+
+constexpr quint8 unreadByte = 250; // stands when a read of the poll fails: not linked, or an unknown code
+constexpr quint8 unknownAccessory = 251;
+
+// What the client is told about a value, and where it comes from. In the order of EcDirverReader::Watched.
+struct WatchedValue
+{
+    const char *command;
+    int (KvaneAccessoryManager::*read)();
+};
+constexpr WatchedValue watchedValues[] = {
+    {"getKVaneLedLight", &KvaneAccessoryManager::getKVaneLedLight},
+    {"getKvaneChargingStatus", &KvaneAccessoryManager::getKvaneChargingStatus},
+    {"getKvaneBatteryNum", &KvaneAccessoryManager::getKvaneBatteryNum},
+    {"getTarnChargingStatus", &KvaneAccessoryManager::getTarnChargingStatus},
+    {"getTarnBatteryNum", &KvaneAccessoryManager::getTarnBatteryNum},
+};
+
+// The table of accessories: wire name, and what the log says at first detection and at a change.
+struct AccessoryKind
+{
+    quint8 code;
+    const char *name;
+    const char *foundAtFirst;
+    const char *foundAtChange;
+};
+constexpr AccessoryKind accessoryKinds[] = {
+    {ACCESSORY_DOCK, "dock", "Connected accessory is dock!", "now Accessory is dock"},
+    {ACCESSORY_GRAPHICS, "graphics", "Connected accessory is graphics!", "now Accessory is graphics"},
+    {ACCESSORY_GRAPHICS_16G, "graphics", "Connected accessory is graphics16G!", "now Accessory is graphics"},
+    {ACCESSORY_KVANE, "k_vane", "Connected accessory is k_Vane!", "now Accessory is k_vane"},
+};
+
+const AccessoryKind *findAccessoryKind(quint8 code)
+{
+    for (const AccessoryKind &kind : accessoryKinds) {
+        if (kind.code == code)
+            return &kind;
+    }
+    return nullptr;
+}
+
+constexpr bool isGraphics(quint8 code)
+{
+    return code == ACCESSORY_GRAPHICS || code == ACCESSORY_GRAPHICS_16G;
+}
+
+void enqueueNotification(const char *command, const QString &data)
+{
+    tarnPipeServer::SendQueueThread::instance()->enqueueMessage(
+        tarnPipeServer::notificationText(QString::fromLatin1(command), data));
+}
+
+} // namespace
+
+EcDirverReader *EcDirverReader::instance()
+{
+    return tarnPlatform::ProcessWide<EcDirverReader>::instance();
+}
+
+EcDirverReader::EcDirverReader()
+{
+    qDebug() << "EcDirverReader object is Created!";
+}
+
+EcDirverReader::~EcDirverReader()
+{
+    qDebug() << "EcDirverReader object is kill!";
+}
+
+void EcDirverReader::run()
+{
+    qDebug() << "EcDirverReaderRun() ThreadId()-------: " << QThread::currentThreadId();
+    qDebug() << "mcuLinkModel is " << mcuLinkModel.load();
+    const auto ended = [this] {
+        return endRequested.load();
+    };
+
+    while (!ended() && !EcDirverControllerHal::instance()->hasEcAnswered()) {
+        getAccessoryTypeForFirst();
+        pumpEventsFor(cyclePause, ended);
+    }
+    if (ended())
+        return;
+    qDebug() << "getAccessoryTypeForFirst finish normal.";
+    pumpEventsFor(settleTime, ended);
+    if (ended())
+        return;
+    EcPowerModeManager::instance()->getSmartChargingStatus();
+
+    while (!ended()) {
+        if (!isPaused())
+            runCycle();
+        if (ended())
+            return;
+        sleepFor(cyclePause);
+    }
+}
+
+void EcDirverReader::getAccessoryTypeForFirst()
+{
+    qDebug() << "getAccessoryTypeForFirst Enter |";
+    const EcAccess access;
+    if (!access)
+        return;
+    // The host's own values are of interest whatever is attached.
+    announceValue(TarnCharging);
+    announceValue(TarnBattery);
+    detectAttachedAccessory();
+    qDebug() << "getAccessoryTypeForFirst Leave |";
+}
+
+void EcDirverReader::pollAccessory()
+{
+    quint8 linkStatus = unreadByte;
+    EcDirverControllerHal::instance()->readXdata(MCU_LINK_STATUS, &linkStatus);
+    if (linkStatus != MCU_LINKED) {
+        handleDetach(linkStatus);
+        return;
+    }
+    mcuLinkStatus = linkStatus;
+    quint8 code = unreadByte;
+    EcDirverControllerHal::instance()->readXdata(ACCESSORY_CODE, &code);
+    if (code != mcuLinkModel)
+        handleChange(code);
+}
+
+QString &EcDirverReader::getAccessoryCode(QString &out)
+{
+    const EcAccess access;
+    quint8 code = 255;
+    if (!access || EcDirverControllerHal::instance()->readXdata(ACCESSORY_CODE, &code) != 0)
+        return out;
+    out.append(QString::number(code));
+    qDebug() << "Accessory Code is: " << out;
+    return out;
+}
+
+QString &EcDirverReader::getHardwareVersion(QString &out)
+{
+    const EcAccess access;
+    quint8 version = 255;
+    if (!access || EcDirverControllerHal::instance()->readXdata(HARDWARE_VERSION, &version) != 0)
+        return out;
+    out.append(QString::number(version));
+    qDebug() << "Hardware Version is: " << out;
+    return out;
+}
+
+QString &EcDirverReader::getMcuVersion(QString &out)
+{
+    const EcAccess access;
+    EcDirverControllerHal *ec = EcDirverControllerHal::instance();
+    quint8 major = 255;
+    if (!access || ec->readXdata(MCU_VERSION_MAJOR, &major) != 0)
+        return out;
+    sleepFor(50ms);
+    quint8 minor = 255;
+    if (ec->readXdata(MCU_VERSION_MINOR, &minor) != 0)
+        return out;
+    sleepFor(50ms);
+    quint8 patch = 255;
+    if (ec->readXdata(MCU_VERSION_PATCH, &patch) != 0)
+        return out;
+    // Minor and patch are deliberately joined without a dot: it is the format that the clients parse.
+    out.append(QStringLiteral("%1.%2%3").arg(major).arg(minor).arg(patch));
+    qDebug() << "Mcu Version is: " << out;
+    return out;
+}
+
+quint8 EcDirverReader::getHandShakeStatus()
+{
+    const EcAccess access;
+    quint8 status = 255;
+    if (access && EcDirverControllerHal::instance()->readXdata(MCU_LINK_STATUS, &status) == 0)
+        qDebug() << "get hank shake status successful!";
+    else
+        qDebug() << "get hank shake status failed!";
+    return status;
+}
+
+void EcDirverReader::setEcUpdating(bool updating)
+{
+    const QMutexLocker locker(&updateHold);
+    // A second call must not wait for the hold of the first.
+    if (!updateHoldOwnsLock)
+        updateHoldOwnsLock = ecAccessMutex.lock();
+    if (updateHoldOwnsLock)
+        ecUpdating = updating;
+}
+
+QString EcDirverReader::accessoryName() const
+{
+    const quint8 code = mcuLinkModel;
+    if (code == ACCESSORY_NONE)
+        return QStringLiteral("disconnected");
+    const AccessoryKind *kind = findAccessoryKind(code);
+    return kind ? QString::fromLatin1(kind->name) : QString();
+}
+
+// A thread object must not be deleted while its thread runs: the loop is asked to end, and the end of the
+// process disposes of the object.
+bool EcDirverReader::event(QEvent *event)
+{
+    if (event->type() != QEvent::DeferredDelete || !isRunning())
+        return QThread::event(event);
+    requestEnd();
+    return true;
+}
+
+void EcDirverReader::runCycle()
+{
+    sleepFor(cyclePause);
+    const EcAccess access;
+    // Between the first test and the lock an update may have begun.
+    if (!access || endRequested || isPaused())
+        return;
+    pollAccessory();
+    sleepFor(cyclePause);
+    if (graphicsConnected)
+        GraphicsAccessoryManager::instance()->handleEcAppEvent();
+    if (mcuLinkModel == ACCESSORY_KVANE)
+        announceChangedValues();
+}
+
+void EcDirverReader::detectAttachedAccessory()
+{
+    EcDirverControllerHal *ec = EcDirverControllerHal::instance();
+    ec->readXdata(MCU_LINK_STATUS, &mcuLinkStatus);
+    qDebug() << "getAccessoryTypeForFirst mcuLinkStatus: " << mcuLinkStatus;
+    if (mcuLinkStatus != MCU_LINKED) {
+        qDebug() << "Connected without accessory!";
+        mcuLinkModel = ACCESSORY_NONE;
+        mcuLinkStatus = 0;
+        return;
+    }
+    qDebug() << "Connected with accessory!";
+    quint8 code = mcuLinkModel;
+    ec->readXdata(ACCESSORY_CODE, &code);
+    mcuLinkModel = code;
+
+    const AccessoryKind *kind = findAccessoryKind(code);
+    if (!kind) {
+        qDebug() << "Unknown accessory: " << code;
+        mcuLinkModel = unknownAccessory;
+        return;
+    }
+    qDebug() << kind->foundAtFirst;
+    if (isGraphics(code)) {
+        graphicsConnected = true;
+        GraphicsAccessoryManager::instance()->gpuActiveProcessFirst();
+    }
+    if (code == ACCESSORY_KVANE) {
+        for (int value = LedLight; value < WatchedCount; ++value)
+            announceValue(static_cast<Watched>(value));
+    }
+}
+
+void EcDirverReader::handleDetach(quint8 linkStatus)
+{
+    if (linkStatus != mcuLinkStatus) {
+        qDebug() << "Accessory is disconnected.";
+        mcuLinkModel = ACCESSORY_NONE;
+        graphicsConnected = false;
+        announceAccessory("disconnected");
+    }
+    mcuLinkStatus = linkStatus;
+}
+
+void EcDirverReader::handleChange(quint8 code)
+{
+    qDebug() << "Accessory is connected.";
+    const AccessoryKind *kind = findAccessoryKind(code);
+    mcuLinkModel = code;
+    if (!kind)
+        return; // kept, so that it is not a change again in the next cycle, but not announced
+    qDebug() << kind->foundAtChange;
+    graphicsConnected = isGraphics(code);
+    announceAccessory(kind->name);
+    if (graphicsConnected)
+        GraphicsAccessoryManager::instance()->handleGraphicsConnectSignal();
+}
+
+void EcDirverReader::announceAccessory(const char *name)
+{
+    enqueueNotification("changeAccessoryType", QString::fromLatin1(name));
+}
+
+void EcDirverReader::announceValue(Watched value)
+{
+    const int reading = (KvaneAccessoryManager::instance()->*watchedValues[value].read)();
+    sent[value] = reading;
+    enqueueNotification(watchedValues[value].command, QString::number(reading));
+}
+
+void EcDirverReader::announceChangedValues()
+{
+    for (int value = LedLight; value < WatchedCount; ++value) {
+        latest[value] = (KvaneAccessoryManager::instance()->*watchedValues[value].read)();
+        if (latest[value] == sent[value])
+            continue;
+        sent[value] = latest[value];
+        enqueueNotification(watchedValues[value].command, QString::number(latest[value]));
+    }
+}
+
+} // namespace tarnDeviceInfos

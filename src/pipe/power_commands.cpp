@@ -1,0 +1,100 @@
+#include "pipe/tarn_pipe_server.h"
+
+#include "accessory/ec_power_mode_manager.h"
+#include "pipe/replies.h"
+
+#include <QDebug>
+
+#include <array>
+#include <optional>
+
+namespace tarnPipeServer {
+namespace {
+
+using tarnAccessoryManager::EcPowerModeManager;
+
+// Indexed by profile number.
+constexpr std::array profileNames {"high", "balance", "low"};
+
+std::optional<quint32> profileNumber(const QString &name)
+{
+    for (quint32 number = 0; number < profileNames.size(); ++number) {
+        if (name == QLatin1String(profileNames[number]))
+            return number;
+    }
+    return std::nullopt;
+}
+
+QString profileName(int number)
+{
+    const bool known = number >= 0 && number < static_cast<int>(profileNames.size());
+    return QLatin1String(known ? profileNames[static_cast<std::size_t>(number)] : "hide");
+}
+
+} // namespace
+
+QString TarnPipeServer::powerModeControl(QJsonObject &request)
+{
+    EcPowerModeManager *manager = EcPowerModeManager::instance();
+    const QString data = requestData(request);
+    if (data == QStringLiteral("first")) {
+        manager->powerModeFirstRun();
+        const QString mode = QString::number(manager->currentPowerMode());
+        qDebug() << "+++++++++++++++++++===========================:" << mode;
+        return replyWith(request, QStringLiteral("result"), mode);
+    }
+    if (data == QStringLiteral("last")) {
+        manager->powerModeLastRun();
+        return {}; // deliberately no reply: the client is closing
+    }
+    const auto profile = profileNumber(data);
+    if (!profile) {
+        qDebug() << "Unknown command: " << data;
+        return replyResult(request, false);
+    }
+    return replyResult(request, manager->setEcPowerMode(*profile) == 0);
+}
+
+QString TarnPipeServer::setSmartChargingStatus(QJsonObject &request)
+{
+    const QString data = requestData(request);
+    const bool on = data == QStringLiteral("ON");
+    if (!on && data != QStringLiteral("OFF")) {
+        qDebug() << "Unknown command: " << data;
+        return replyResult(request, false);
+    }
+    const bool success = EcPowerModeManager::instance()->setSmartChargingStatus(on);
+    // Whatever became of it: an OFF that failed half-way may still have reached the EC.
+    if (on)
+        Q_EMIT stopChangingTimer();
+    else
+        Q_EMIT startChangingTimer();
+    return replyResult(request, success);
+}
+
+QString TarnPipeServer::getSmartChargingStatus(QJsonObject &request)
+{
+    const auto on = EcPowerModeManager::instance()->readSmartCharging();
+    if (!on)
+        return replyData(request, outcome(false));
+    if (!*on)
+        Q_EMIT startChangingTimer();
+    return replyData(request, *on ? QStringLiteral("ON") : QStringLiteral("OFF"));
+}
+
+QString TarnPipeServer::getTarnPowerMode(QJsonObject &request)
+{
+    return replyData(request, profileName(EcPowerModeManager::instance()->getTarnPowerMode()));
+}
+
+QString TarnPipeServer::setTarnPowerMode(QJsonObject &request)
+{
+    const auto profile = profileNumber(requestData(request));
+    if (!profile) {
+        qDebug() << "unknown cmd when set tarn power mode.";
+        return replyResult(request, false);
+    }
+    return replyResult(request, EcPowerModeManager::instance()->setTarnPowerMode(*profile));
+}
+
+} // namespace tarnPipeServer

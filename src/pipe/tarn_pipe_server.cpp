@@ -1,0 +1,174 @@
+#include "pipe/tarn_pipe_server.h"
+
+#include "pipe/message_format.h"
+#include "pipe/send_queue_thread.h"
+#include "platform/leftover_socket.h"
+#include "platform/process_wide.h"
+#include "platform/user_session.h"
+#include "service/version.h"
+
+#include <QDebug>
+#include <QFutureWatcher>
+#include <QJsonDocument>
+#include <QLocalServer>
+#include <QLocalSocket>
+#include <QMutex>
+#include <QThread>
+#include <QThreadPool>
+#include <QTimer>
+#include <QtConcurrent>
+
+namespace tarnPipeServer {
+namespace {
+
+// Handlers wait for the EC on their pool threads; with the pool's default size two of them could starve
+// the very command that frees it.
+constexpr int minimumHandlerThreads = 64;
+
+// Keeps the replies of handlers that finish together in one order; taken before the queue's own lock.
+QMutex replyMutex;
+
+} // namespace
+
+TarnPipeServer *TarnPipeServer::instance()
+{
+    return tarnPlatform::ProcessWide<TarnPipeServer>::instance();
+}
+
+TarnPipeServer::TarnPipeServer()
+{
+    QThreadPool *pool = QThreadPool::globalInstance();
+    pool->setMaxThreadCount(qMax(pool->maxThreadCount(), minimumHandlerThreads));
+
+    qDebug() << "TarnPipeServer ThreadID(): " << QThread::currentThreadId();
+    localServer = new QLocalServer(this);
+    fillCommandTable();
+    connect(localServer, &QLocalServer::newConnection, this, &TarnPipeServer::handleConnection);
+    const QString pipeName = QStringLiteral("tarnPipe");
+    tarnPlatform::removeLeftoverSocket(pipeName);
+    localServer->listen(pipeName); // without it the service runs on, for the accessories, without clients
+    createSmartChargingTimer();
+}
+
+TarnPipeServer::~TarnPipeServer()
+{
+    if (localServer) {
+        qDebug() << "Destory server resource!";
+        localServer->close();
+        localServer->deleteLater();
+    }
+    if (clientOnline && clientSocket) {
+        clientSocket->close();
+        clientSocket->deleteLater();
+    }
+    if (smartChargingTimer->isActive())
+        smartChargingTimer->stop();
+    delete smartChargingTimer;
+}
+
+QString TarnPipeServer::dispatch(const QByteArray &request)
+{
+    qDebug() << QThread::currentThreadId();
+    QJsonObject message = QJsonDocument::fromJson(request).object();
+    const QJsonValue command = message.value(QStringLiteral("cmd"));
+    if (!command.isString()) {
+        qDebug() << "cmd is not a string.";
+        return {};
+    }
+    const QString name = command.toString();
+    qDebug() << name;
+    const auto handler = commandTable.constFind(name);
+    if (handler == commandTable.constEnd()) {
+        qDebug() << "Unknown command: " << name;
+        return {};
+    }
+    return (*handler)(message);
+}
+
+bool TarnPipeServer::isServiceSession() const
+{
+    return tarnPlatform::UserSession::system().isServiceSession();
+}
+
+void TarnPipeServer::handleConnection()
+{
+    qDebug() << "is connection!";
+    qDebug() << "Tarn Service version is " << tarnService::version();
+    sendThread = SendQueueThread::instance();
+    sendThread->startSending();
+    clientOnline = true;
+    qDebug() << QThread::currentThreadId();
+
+    clientSocket = localServer->nextPendingConnection();
+    if (!clientSocket)
+        return;
+    connect(clientSocket, &QLocalSocket::readyRead, this, &TarnPipeServer::readDataFromClient);
+    connect(clientSocket, &QLocalSocket::disconnected, this, &TarnPipeServer::handleDisconnection);
+}
+
+void TarnPipeServer::handleDisconnection()
+{
+    clientSocket = qobject_cast<QLocalSocket *>(sender());
+    if (clientSocket) {
+        clientOnline = false;
+        qDebug() << "Tarn pipe client is exit!";
+        clientSocket->close();
+        clientSocket->deleteLater();
+    }
+    if (sendThread) {
+        sendThread->setRunning(false);
+        sendThread->requestStop();
+        sendThread->quit();
+    }
+}
+
+void TarnPipeServer::readDataFromClient()
+{
+    qDebug() << QThread::currentThreadId();
+    clientSocket = qobject_cast<QLocalSocket *>(sender());
+    if (!clientSocket)
+        return;
+    const QByteArray request = clientSocket->readAll();
+    qDebug() << request;
+
+    auto *watcher = new QFutureWatcher<QString>(this);
+    connect(watcher, &QFutureWatcher<QString>::finished, this, [this, watcher] {
+        if (clientSocket) {
+            const QString reply = watcher->result();
+            const QMutexLocker locker(&replyMutex);
+            SendQueueThread::instance()->enqueueMessage(reply);
+        }
+        watcher->deleteLater();
+    });
+    watcher->setFuture(
+        QtConcurrent::run(QThreadPool::globalInstance(), [this, request] { return dispatch(request); }));
+}
+
+void TarnPipeServer::sendDataToClient(QString message)
+{
+    const QByteArray bytes = message.toUtf8();
+    if (QThread::currentThread() == thread()) {
+        writeToClient(bytes);
+        return;
+    }
+    // A socket belongs to its thread. Waiting for the write keeps the sender's pace and order exact.
+    QMetaObject::invokeMethod(
+        this, [this, bytes] { writeToClient(bytes); }, Qt::BlockingQueuedConnection);
+}
+
+void TarnPipeServer::writeToClient(const QByteArray &message)
+{
+    if (!clientOnline) {
+        qDebug() << "tarn client is exit!";
+        return;
+    }
+    if (!clientSocket || !clientSocket->isOpen()) {
+        qDebug() << "clientSocket isn't online";
+        return;
+    }
+    qDebug().noquote().nospace() << "send" << message;
+    clientSocket->write(message);
+    clientSocket->flush();
+}
+
+} // namespace tarnPipeServer

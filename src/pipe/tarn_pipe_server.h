@@ -1,0 +1,104 @@
+#pragma once
+
+#include <QByteArray>
+#include <QJsonObject>
+#include <QMap>
+#include <QObject>
+#include <QString>
+
+#include <atomic>
+#include <functional>
+
+class QLocalServer;
+class QLocalSocket;
+class QTimer;
+
+namespace tarnPlatform {
+template <typename Object> class ProcessWide;
+}
+
+namespace tarnPipeServer {
+
+class SendQueueThread;
+
+// The service's only door for client applications: a local pipe on which each read is one JSON request. The
+// object, its sockets and its timer live on the thread that first asked for it; handlers run on the global
+// thread pool. It talks to one client at a time: the socket that last connected, asked or left.
+class TarnPipeServer : public QObject
+{
+    Q_OBJECT
+
+public:
+    static TarnPipeServer *instance();
+    ~TarnPipeServer() override;
+
+    // Runs the handler of one request and returns its reply, empty for what is not understood. Any thread.
+    QString dispatch(const QByteArray &request);
+
+    // True in session 0, where services run and no user sees anything.
+    [[nodiscard]] bool isServiceSession() const;
+
+public Q_SLOTS:
+    void handleConnection();
+    void handleDisconnection();
+    void readDataFromClient();
+    // Any thread but the pool's; returns when the message has been handed to the socket or dropped.
+    void sendDataToClient(QString message);
+
+Q_SIGNALS:
+    void dataReceived();
+    void startChangingTimer();
+    void stopChangingTimer();
+
+private:
+    friend class tarnPlatform::ProcessWide<TarnPipeServer>;
+    using Handler = std::function<QString(QJsonObject &)>;
+
+    TarnPipeServer();
+    void writeToClient(const QByteArray &message);
+
+    // command_table.cpp
+    void fillCommandTable();
+
+    // accessory_commands.cpp
+    QString getAccessoryType(QJsonObject &request);
+    QString getMcuVersion(QJsonObject &request);
+    QString getHardwareVersion(QJsonObject &request);
+    QString getAccessoryCode(QJsonObject &request);
+    QString getMcuUpdateParameters(QJsonObject &request);
+    QString getTarnKvaneSnCode(QJsonObject &request);
+    QString setKVaneLedLight(QJsonObject &request);
+    QString getKVaneLedLight(QJsonObject &request);
+    QString getKvaneChargingStatus(QJsonObject &request);
+    QString getKvaneBatteryNum(QJsonObject &request);
+    QString getTarnChargingStatus(QJsonObject &request);
+    QString getTarnBatteryNum(QJsonObject &request);
+
+    // lighting_commands.cpp
+    QString getDockLedStatus(QJsonObject &request);
+    QString setDockLedStatus(QJsonObject &request);
+
+    // power_commands.cpp
+    QString powerModeControl(QJsonObject &request);
+    QString setSmartChargingStatus(QJsonObject &request);
+    QString getSmartChargingStatus(QJsonObject &request);
+    QString getTarnPowerMode(QJsonObject &request);
+    QString setTarnPowerMode(QJsonObject &request);
+
+    // smart_charging_timer.cpp
+    void createSmartChargingTimer();
+    void startSmartChargingTimer();
+    void stopSmartChargingTimer();
+    void handleSmartChargingExpiry();
+
+    std::atomic<bool> clientOnline {false};
+    QMap<QString, Handler> commandTable;
+    QLocalServer *localServer = nullptr;
+    // Deliberately left as it is when its client goes away: a reply that is finished later is still queued,
+    // for the next client. Never looked into while clientOnline is false.
+    QLocalSocket *clientSocket = nullptr;
+    SendQueueThread *sendThread = nullptr;
+    QTimer *smartChargingTimer = nullptr;
+};
+
+} // namespace tarnPipeServer

@@ -1,0 +1,65 @@
+#include "platform/stop_requests.h"
+
+#include <QSocketNotifier>
+
+#include <array>
+#include <atomic>
+#include <csignal>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace tarnPlatform {
+namespace {
+
+constexpr std::array stopSignals {SIGTERM, SIGINT};
+
+// A signal handler may do little more than write a byte; the notifier turns it into an event.
+std::array<int, 2> wire {-1, -1};
+std::atomic<bool> requested {false};
+
+void noteSignal(int)
+{
+    requested = true;
+    const char byte = 1;
+    [[maybe_unused]] const auto written = ::write(wire[0], &byte, sizeof byte);
+}
+
+} // namespace
+
+StopRequests::StopRequests()
+{
+    requested = false;
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, wire.data()) != 0)
+        return; // the signals then keep their default action
+    auto *notifier = new QSocketNotifier(wire[1], QSocketNotifier::Read, this);
+    connect(notifier, &QSocketNotifier::activated, this, [this] {
+        char byte = 0;
+        while (::read(wire[1], &byte, sizeof byte) > 0) { }
+        Q_EMIT stopRequested();
+    });
+
+    struct sigaction action
+    { };
+    action.sa_handler = noteSignal;
+    action.sa_flags = SA_RESTART;
+    for (const int signal : stopSignals)
+        ::sigaction(signal, &action, nullptr);
+}
+
+StopRequests::~StopRequests()
+{
+    for (const int signal : stopSignals)
+        std::signal(signal, SIG_DFL);
+    for (int &end : wire) {
+        if (end >= 0)
+            ::close(end);
+        end = -1;
+    }
+}
+
+bool StopRequests::isRequested() const
+{
+    return requested;
+}
+
+} // namespace tarnPlatform

@@ -1,0 +1,60 @@
+#include "platform/stop_requests.h"
+#include "platform/waits.h"
+#include "service/process_end.h"
+#include "service/running_check.h"
+#include "service/tarn_service.h"
+#include "service/version.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDir>
+
+namespace {
+
+using namespace std::chrono_literals;
+
+// The key carries its quotes onto the command line. It deliberately has no blank, unlike the name that the
+// service is installed under, so this reports on an installation under the older key.
+const QString serviceKey = QStringLiteral("\"TarnService\"");
+constexpr auto startDelay = 4000ms;
+constexpr int bannerLines = 5;
+
+void logBanner()
+{
+    for (int line = 0; line < bannerLines; ++line)
+        qDebug() << "--------------------------------------------------------";
+    qDebug() << "Service" << serviceKey << (isServiceRunning(serviceKey) ? "is running." : "is not running.");
+}
+
+// False when the process was asked to end meanwhile.
+bool waitForSystem()
+{
+    const tarnPlatform::StopRequests stopRequests;
+    tarnPlatform::pumpEventsFor(startDelay, [&stopRequests] { return stopRequests.isRequested(); });
+    return !stopRequests.isRequested();
+}
+
+void logSourcePath()
+{
+    const QString program = QCoreApplication::applicationFilePath();
+    const auto depth = program.count(QLatin1Char('/'), Qt::CaseSensitive);
+    qDebug() << "sourcePath: " << program.section(QLatin1Char('/'), 0, depth - 1);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QCoreApplication application(argc, argv);
+    // Every relative path of the service lies beside its program.
+    QDir::setCurrent(QCoreApplication::applicationDirPath());
+
+    logBanner();
+    if (!waitForSystem())
+        return 0;
+    qDebug() << "Tarn Service is running as " << tarnService::version() << "!";
+    logSourcePath();
+
+    TarnService service(argc, argv);
+    return endProcess(service.exec());
+}

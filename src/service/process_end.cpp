@@ -1,0 +1,62 @@
+#include "service/process_end.h"
+
+#include "device/ec_access_lock.h"
+#include "device/ec_dirver_reader.h"
+#include "pipe/send_queue_thread.h"
+#include "platform/process_wide.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QThreadPool>
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+using namespace std::chrono_literals;
+using tarnDeviceInfos::EcDirverReader;
+using tarnPipeServer::SendQueueThread;
+using tarnPlatform::ProcessWide;
+
+// A healthy cycle of the monitor and the pause before a message end well within it; a stop may take 3 s.
+constexpr auto patience = 1500ms;
+constexpr int pollMs = 10;
+
+bool hasFinished(const QThread *thread)
+{
+    return !thread || !thread->isRunning();
+}
+
+} // namespace
+
+int endProcess(int exitCode)
+{
+    auto *monitor = ProcessWide<EcDirverReader>::existing();
+    auto *sender = ProcessWide<SendQueueThread>::existing();
+    if (monitor)
+        monitor->requestEnd();
+    if (sender)
+        sender->endQuietly();
+    tarnDeviceInfos::ecAccessMutex.releaseWaiters();
+
+    // The send thread hands its last message to this thread, so events are served until all have gone.
+    const auto everythingFinished = [monitor, sender] {
+        return hasFinished(monitor) && hasFinished(sender)
+            && QThreadPool::globalInstance()->waitForDone(pollMs);
+    };
+    const QDeadlineTimer deadline(patience);
+    bool finished = everythingFinished();
+    while (!finished && !deadline.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::AllEvents, pollMs);
+        QThread::msleep(pollMs);
+        finished = everythingFinished();
+    }
+    if (!finished) {
+        std::fflush(nullptr);
+        std::_Exit(exitCode); // a normal end would wait for the threads that are held up
+    }
+    delete monitor;
+    return exitCode;
+}

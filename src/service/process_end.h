@@ -1,0 +1,6 @@
+#pragma once
+
+// Lets go of everything the process runs and returns the exit code for a normal end. Where a thread is held
+// up by the EC, a prompt or a flasher beyond a short patience, ends the process at once with that code
+// instead.
+[[nodiscard]] int endProcess(int exitCode);

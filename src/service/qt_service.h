@@ -1,0 +1,29 @@
+#pragma once
+
+#include "service/qt_service_base.h"
+
+#include <QCoreApplication>
+
+#include <memory>
+
+// Adds the application object to the host. A process has one such object: where the entry function has made
+// one already, that one serves.
+template <typename Application> class QtService : public QtServiceBase
+{
+public:
+    QtService(int argc, char **argv, const QString &requestedName)
+        : QtServiceBase(argc, argv, requestedName)
+    { }
+
+protected:
+    void createApplication(int &argc, char **argv) override
+    {
+        if (!QCoreApplication::instance())
+            ownApplication = std::make_unique<Application>(argc, argv);
+    }
+
+    int executeApplication() override { return Application::exec(); }
+
+private:
+    std::unique_ptr<Application> ownApplication;
+};

@@ -1,0 +1,158 @@
+#include "end_to_end/service_client.h"
+#include "end_to_end/service_process.h"
+
+#include "device/ec_registers.h"
+
+#include <QElapsedTimer>
+
+#include <gtest/gtest.h>
+
+using namespace tarnDeviceInfos;
+using tarnTest::ServiceClient;
+using tarnTest::ServiceProcess;
+using tarnTest::waitUntil;
+
+class Dialogue : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(service.start()) << service.log().toStdString();
+        ASSERT_TRUE(client.connectToService());
+    }
+    void TearDown() override { EXPECT_EQ(service.stop(), 0); }
+
+    ServiceProcess service;
+    ServiceClient client;
+};
+
+TEST_F(Dialogue, FollowsADockFromAttachToDetach)
+{
+    // What first detection said waited for the first client.
+    EXPECT_TRUE(client.waitForNotification("getTarnChargingStatus", "1"));
+    EXPECT_TRUE(client.waitForNotification("getTarnBatteryNum", "80"));
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+
+    service.attach(ACCESSORY_DOCK);
+    service.computer().setMcuVersion(1, 2, 3);
+    service.computer().setHardwareVersion(7);
+    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "dock"));
+    EXPECT_EQ(client.answer("getAccessoryType"), "dock");
+    EXPECT_EQ(client.answer("getMcuVersion"), "1.23");
+    EXPECT_EQ(client.answer("getHardwareVersion"), "7");
+    EXPECT_EQ(client.answer("getAccessoryCode"), "1");
+    const QJsonObject parameters = client.ask({{"cmd", "getMcuUpdateParameters"}});
+    EXPECT_EQ(parameters,
+        (QJsonObject {{"cmd", "getMcuUpdateParameters"}, {"mcuVer", "1.23"}, {"hardwareVer", "7"},
+            {"accessoryCode", "1"}}));
+
+    service.computer().detach();
+    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "disconnected"));
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+    EXPECT_EQ(client.notificationCount("changeAccessoryType", "disconnected"), 1);
+}
+
+TEST_F(Dialogue, FollowsTheValuesOfAKVane)
+{
+    service.attach(ACCESSORY_KVANE);
+    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "k_vane"));
+    service.computer().setKvaneBattery(42);
+    EXPECT_TRUE(client.waitForNotification("getKvaneBatteryNum", "42"));
+    EXPECT_EQ(client.answer("getKvaneBatteryNum"), "42");
+    service.computer().setHostBattery(17);
+    EXPECT_TRUE(client.waitForNotification("getTarnBatteryNum", "17"));
+    EXPECT_EQ(client.answer("getTarnBatteryNum"), "17");
+    service.computer().setHostCharging(0);
+    EXPECT_TRUE(client.waitForNotification("getTarnChargingStatus", "0"));
+    EXPECT_EQ(client.answer("getTarnChargingStatus"), "0");
+}
+
+TEST_F(Dialogue, AnnouncesBothGraphicsBoxes)
+{
+    service.attach(ACCESSORY_GRAPHICS);
+    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "graphics"));
+    service.attach(ACCESSORY_GRAPHICS_16G);
+    EXPECT_TRUE(
+        waitUntil([this] { return client.notificationCount("changeAccessoryType", "graphics") == 2; }));
+    EXPECT_EQ(client.answer("getAccessoryType"), "graphics");
+}
+
+TEST_F(Dialogue, SurvivesWhateverArrives)
+{
+    const QByteArrayList rubbish = {"", "x", "{", "}", "[]", "{}", R"({"cmd":5})", R"({"cmd":"nothing"})",
+        QByteArray("\0\0\0", 3), QByteArray(200000, '{'), QByteArray(300000, 'a'), "\xff\xfe\xfd",
+        R"({"cmd":"getAccessoryType"}{"cmd":"getAccessoryType"})"};
+    for (const QByteArray &bytes : rubbish) {
+        const auto sent = service.logCount("\nsend");
+        client.write(bytes);
+        if (!bytes.isEmpty()) {
+            EXPECT_TRUE(waitUntil([&] { return service.logCount("\nsend") > sent; }, 20000))
+                << bytes.left(50).toStdString();
+        }
+    }
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+    EXPECT_TRUE(service.log().contains("cmd is not a string."));
+    EXPECT_TRUE(service.log().contains("Unknown command:  \"nothing\""));
+}
+
+TEST_F(Dialogue, KeepsHalfASecondBetweenMessages)
+{
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+    EXPECT_GE(timer.elapsed(), 499);
+    EXPECT_LT(timer.elapsed(), 3000);
+}
+
+TEST_F(Dialogue, KeepsNewsForTheNextClient)
+{
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+    client.leave();
+    ASSERT_TRUE(service.waitForLog("send Thread is quit!"));
+    service.attach(ACCESSORY_DOCK);
+    ASSERT_TRUE(service.waitForLog("now Accessory is dock"));
+    ServiceClient next;
+    ASSERT_TRUE(next.connectToService());
+    EXPECT_TRUE(next.waitForNotification("changeAccessoryType", "dock"));
+}
+
+TEST_F(Dialogue, GivesTheLateReplyOfALeftClientToTheNext)
+{
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+    service.breakDown("ibf-stuck");
+    client.write(R"({"cmd":"getAccessoryCode","from":"the first"})");
+    ASSERT_TRUE(service.waitForLog("\"getAccessoryCode\""));
+    client.leave();
+    ASSERT_TRUE(service.waitForLog("send Thread is quit!"));
+    service.repair();
+    ServiceClient next;
+    ASSERT_TRUE(next.connectToService());
+    EXPECT_TRUE(waitUntil([&next] { return next.documents().join().contains("the first"); }, 30000));
+}
+
+struct FaultCase
+{
+    const char *fault;
+    int value;
+    const char *mcuVersion;
+};
+
+class DialogueWithFault : public Dialogue, public ::testing::WithParamInterface<FaultCase>
+{ };
+
+INSTANTIATE_TEST_SUITE_P(Faults, DialogueWithFault,
+    ::testing::Values(FaultCase {"ibf-stuck", 0, ""}, FaultCase {"no-answer", 0, ""},
+        FaultCase {"fail-read", MCU_VERSION_MINOR, ""}, FaultCase {"slow", 20, "1.23"}));
+
+TEST_P(DialogueWithFault, AnswersAndIsWellAgainAfterwards)
+{
+    service.attach(ACCESSORY_DOCK);
+    ASSERT_TRUE(client.waitForNotification("changeAccessoryType", "dock"));
+    service.computer().setMcuVersion(1, 2, 3);
+    service.breakDown(GetParam().fault, GetParam().value);
+    EXPECT_EQ(client.answer("getMcuVersion"), GetParam().mcuVersion);
+    service.repair();
+    EXPECT_EQ(client.answer("getMcuVersion"), "1.23");
+    EXPECT_EQ(client.answer("getAccessoryType"), "dock");
+}

@@ -1,0 +1,46 @@
+#include "end_to_end/process_stop.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+
+#include <windows.h>
+
+namespace tarnTest {
+namespace {
+
+// Wine turns a SIGINT of the host into Ctrl+C; it has no other way to send one to a process without console.
+bool interruptUnderWine(const QProcess &process)
+{
+    const QString hostShell = QStringLiteral("Z:/bin/sh");
+    if (!QFile::exists(hostShell))
+        return false;
+    // On the host the process has its Windows command line; the folder of the test is unique in it.
+    const QString testFolder = QFileInfo(process.program()).dir().dirName();
+    return QProcess::execute(hostShell,
+               {QStringLiteral("-c"), QStringLiteral("pkill -INT -f '%1.TarnService'").arg(testFolder)})
+        == 0;
+}
+
+} // namespace
+
+void prepareForStop(QProcess &process)
+{
+    // A group of its own, or the test would be asked to stop as well.
+    process.setCreateProcessArgumentsModifier(
+        [](QProcess::CreateProcessArguments *arguments) { arguments->flags |= CREATE_NEW_PROCESS_GROUP; });
+}
+
+void requestStop(QProcess &process)
+{
+    if (!interruptUnderWine(process))
+        GenerateConsoleCtrlEvent(CTRL_BREAK_EVENT, static_cast<DWORD>(process.processId()));
+}
+
+void requestInterrupt(QProcess &process)
+{
+    requestStop(process);
+}
+
+} // namespace tarnTest

@@ -1,0 +1,74 @@
+#include "end_to_end/service_client.h"
+
+#include <QJsonDocument>
+
+namespace tarnTest {
+namespace {
+
+// The service echoes every field; this one tells a reply from the others and from notifications.
+const QString markKey = QStringLiteral("mark");
+
+} // namespace
+
+void ServiceClient::leave()
+{
+    peer.leave();
+    waitUntil([this] { return peer.socket.state() == QLocalSocket::UnconnectedState; });
+}
+
+QJsonObject ServiceClient::ask(QJsonObject request, int boundMs)
+{
+    const int mark = ++asked;
+    request.insert(markKey, mark);
+    peer.write(QJsonDocument(request).toJson(QJsonDocument::Compact));
+    QJsonObject reply;
+    waitUntil(
+        [&] {
+            for (const QByteArray &document : documents()) {
+                const QJsonObject message = QJsonDocument::fromJson(document).object();
+                if (message.value(markKey).toInt() == mark)
+                    reply = message;
+            }
+            return !reply.isEmpty();
+        },
+        boundMs);
+    reply.remove(markKey);
+    return reply;
+}
+
+QString ServiceClient::answer(const char *command, const char *data)
+{
+    QJsonObject request {{QStringLiteral("cmd"), QString::fromLatin1(command)}};
+    if (data)
+        request.insert(QStringLiteral("data"), QString::fromLatin1(data));
+    const QJsonObject reply = ask(request);
+    QStringList added;
+    for (const char *key : {"data", "result"}) {
+        const QString name = QString::fromLatin1(key);
+        if (reply.contains(name) && reply.value(name) != request.value(name))
+            added << reply.value(name).toString();
+    }
+    return reply.isEmpty() ? QStringLiteral("(no reply)") : added.join(QLatin1Char(' '));
+}
+
+bool ServiceClient::waitForNotification(const char *command, const char *data, int boundMs)
+{
+    return waitUntil([=, this] { return notificationCount(command, data) > 0; }, boundMs);
+}
+
+qsizetype ServiceClient::notificationCount(const char *command, const char *data)
+{
+    const QJsonObject expected {{QStringLiteral("cmd"), QString::fromLatin1(command)},
+        {QStringLiteral("data"), QString::fromLatin1(data)}};
+    return documents().count(QJsonDocument(expected).toJson(QJsonDocument::Compact));
+}
+
+QByteArrayList ServiceClient::documents()
+{
+    const QByteArray bytes = peer.received();
+    arrived += splitter.feed(QByteArrayView(bytes).sliced(taken)).documents;
+    taken = bytes.size();
+    return arrived;
+}
+
+} // namespace tarnTest

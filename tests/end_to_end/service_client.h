@@ -1,0 +1,39 @@
+#pragma once
+
+#include "client/json_splitter.h"
+#include "support/pipe_peer.h"
+
+#include <QByteArrayList>
+#include <QJsonObject>
+
+namespace tarnTest {
+
+// A client of a real service: takes the messages apart and tells replies from notifications.
+class ServiceClient
+{
+public:
+    [[nodiscard]] bool connectToService() { return peer.connectToService(); }
+    void leave();
+    void write(const QByteArray &bytes) { peer.write(bytes); }
+
+    // Sends the request and waits for the message that echoes its mark; nothing if none comes.
+    [[nodiscard]] QJsonObject ask(QJsonObject request, int boundMs = 40000);
+    // The same for a command with data; the added fields only, as "data" or "result" or both joined by a
+    // blank.
+    [[nodiscard]] QString answer(const char *command, const char *data = nullptr);
+    // Waits for a notification, which may have come already.
+    [[nodiscard]] bool waitForNotification(const char *command, const char *data, int boundMs = 20000);
+    [[nodiscard]] qsizetype notificationCount(const char *command, const char *data);
+
+    // Every document so far.
+    [[nodiscard]] QByteArrayList documents();
+
+private:
+    PipePeer peer;
+    tarnClient::JsonSplitter splitter;
+    qsizetype taken = 0;
+    QByteArrayList arrived;
+    int asked = 0;
+};
+
+} // namespace tarnTest

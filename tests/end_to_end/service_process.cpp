@@ -1,0 +1,145 @@
+#include "end_to_end/service_process.h"
+
+#include "end_to_end/process_stop.h"
+#include "simulator/accessory_catalog.h"
+#include "simulator/fault_table.h"
+#include "support/pipe_peer.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+
+namespace tarnTest {
+namespace {
+
+#ifdef Q_OS_WIN
+const QString programName = QStringLiteral("TarnService.exe");
+#else
+const QString programName = QStringLiteral("TarnService");
+#endif
+constexpr int endPatienceMs = 5000;
+
+// What is shipped beside the program: on Windows its libraries as well.
+void copyProgram(const QDir &from, const QDir &to)
+{
+    QFile::copy(from.filePath(programName), to.filePath(programName));
+    for (const QString &library : from.entryList({QStringLiteral("*.dll")}, QDir::Files))
+        QFile::copy(from.filePath(library), to.filePath(library));
+    to.mkpath(QStringLiteral("function"));
+    const QString ports = QStringLiteral("function/inpoutx64.dll");
+    QFile::copy(from.filePath(ports), to.filePath(ports));
+}
+
+QString runFolder()
+{
+    const QString given = qEnvironmentVariable("TARN_RUN_FOLDER");
+    return given.isEmpty() ? QStringLiteral(TARN_RUN_FOLDER) : given;
+}
+
+} // namespace
+
+ServiceProcess::ServiceProcess()
+{
+    copyProgram(QDir(runFolder()), QDir(folder.path()));
+    qputenv("TMPDIR", folder.path().toLocal8Bit()); // the socket lies there; each test has its own
+
+    std::string error;
+    const auto stateFile = path(QStringLiteral("function/simulated_computer.state")).toStdString();
+    machine = tarnSimulator::MachineStateFile::open(
+        stateFile, tarnSimulator::MachineStateFile::Missing::IsCreated, error);
+    if (!machine)
+        qFatal("%s", error.c_str());
+    control = std::make_unique<tarnSimulator::ComputerControl>(machine->state());
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
+    process.setProcessEnvironment(environment);
+    process.setProcessChannelMode(QProcess::MergedChannels);
+    prepareForStop(process);
+}
+
+ServiceProcess::~ServiceProcess()
+{
+    kill();
+}
+
+bool ServiceProcess::start(const QStringList &arguments)
+{
+    return launch(arguments) && waitForLog(QStringLiteral("getAccessoryTypeForFirst finish normal."));
+}
+
+bool ServiceProcess::launch(const QStringList &arguments, const QString &workingFolder)
+{
+    collected.clear();
+    process.setWorkingDirectory(workingFolder.isEmpty() ? folder.path() : workingFolder);
+    process.start(path(programName), arguments);
+    return process.waitForStarted();
+}
+
+std::optional<int> ServiceProcess::stop(int boundMs)
+{
+    requestStop(process);
+    if (!waitForEnd(boundMs) || process.exitStatus() != QProcess::NormalExit)
+        return std::nullopt;
+    return process.exitCode();
+}
+
+void ServiceProcess::kill()
+{
+    if (process.state() == QProcess::NotRunning)
+        return;
+    process.kill();
+    process.waitForFinished(endPatienceMs);
+}
+
+bool ServiceProcess::waitForLog(const QString &text, int times, int boundMs)
+{
+    return waitUntil([&] { return logCount(text) >= times; }, boundMs);
+}
+
+bool ServiceProcess::waitForEnd(int boundMs)
+{
+    const bool ended = waitUntil([this] { return process.state() == QProcess::NotRunning; }, boundMs);
+    collectLog();
+    return ended;
+}
+
+QString ServiceProcess::log()
+{
+    collectLog();
+    return collected;
+}
+
+QByteArray ServiceProcess::read(const QString &name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void ServiceProcess::write(const QString &name, const QByteArray &content) const
+{
+    QFile file(path(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot write %s", qPrintable(name));
+}
+
+void ServiceProcess::attach(std::uint8_t accessoryCode)
+{
+    control->attach(*tarnSimulator::findAccessory(accessoryCode));
+}
+
+void ServiceProcess::breakDown(const char *fault, std::optional<int> value, unsigned skip)
+{
+    const auto *description = tarnSimulator::findFault(fault);
+    if (!description)
+        qFatal("no fault named %s", fault);
+    control->faults().switchOn(description->fault, value.value_or(description->onValue), skip);
+}
+
+void ServiceProcess::collectLog()
+{
+    collected += QString::fromLocal8Bit(process.readAll()).remove(QLatin1Char('\r'));
+}
+
+} // namespace tarnTest

@@ -1,0 +1,51 @@
+#include "support/log_capture.h"
+
+#include <atomic>
+#include <cstdio>
+
+namespace tarnTest {
+namespace {
+
+std::atomic<LogCapture *> active {nullptr};
+
+} // namespace
+
+LogCapture::LogCapture()
+    : before(qInstallMessageHandler(collect))
+{
+    active = this;
+}
+
+LogCapture::~LogCapture()
+{
+    qInstallMessageHandler(before);
+    active = nullptr;
+}
+
+QStringList LogCapture::lines() const
+{
+    const QMutexLocker locker(&mutex);
+    QStringList texts;
+    for (const LogLine &line : collected)
+        texts << (line.type == QtWarningMsg ? QStringLiteral("W: ") : QString()) + line.text;
+    return texts;
+}
+
+void LogCapture::clear()
+{
+    const QMutexLocker locker(&mutex);
+    collected.clear();
+}
+
+void LogCapture::collect(QtMsgType type, const QMessageLogContext &, const QString &text)
+{
+    if (type == QtFatalMsg)
+        std::fprintf(stderr, "%s\n", qPrintable(text)); // for death tests
+    LogCapture *capture = active;
+    if (!capture)
+        return;
+    const QMutexLocker locker(&capture->mutex);
+    capture->collected.push_back({type, text});
+}
+
+} // namespace tarnTest

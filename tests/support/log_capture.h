@@ -1,0 +1,40 @@
+#pragma once
+
+#include "support/printing.h"
+
+#include <QMutex>
+#include <QString>
+#include <QStringList>
+
+#include <vector>
+
+namespace tarnTest {
+
+struct LogLine
+{
+    QtMsgType type;
+    QString text;
+};
+
+// Collects what is logged for as long as it lives; nothing is printed. Fatal messages still end the process.
+class LogCapture
+{
+public:
+    LogCapture();
+    ~LogCapture();
+
+    // All lines so far; warnings are marked with "W: ".
+    [[nodiscard]] QStringList lines() const;
+    [[nodiscard]] bool contains(const QString &line) const { return lines().contains(line); }
+    [[nodiscard]] qsizetype count(const QString &line) const { return lines().count(line); }
+    void clear();
+
+private:
+    static void collect(QtMsgType type, const QMessageLogContext &context, const QString &text);
+
+    mutable QMutex mutex;
+    std::vector<LogLine> collected;
+    QtMessageHandler before;
+};
+
+} // namespace tarnTest

@@ -1,0 +1,63 @@
+#include "support/pipe_peer.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QEventLoop>
+#include <QTimer>
+
+namespace tarnTest {
+
+bool waitUntil(const std::function<bool()> &condition, int boundMs)
+{
+    const QDeadlineTimer deadline(boundMs);
+    while (!condition()) {
+        if (deadline.hasExpired())
+            return false;
+        QTimer wakeUp;
+        wakeUp.start(2);
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    return true;
+}
+
+PipePeer::PipePeer()
+{
+    QObject::connect(&socket, &QLocalSocket::readyRead, &socket, [this] { arrived += socket.readAll(); });
+}
+
+bool PipePeer::connectToService()
+{
+    socket.connectToServer(QStringLiteral("tarnPipe"));
+    return waitUntil([this] { return socket.state() == QLocalSocket::ConnectedState; });
+}
+
+void PipePeer::write(const QByteArray &bytes)
+{
+    socket.write(bytes);
+    socket.flush();
+}
+
+void PipePeer::leave()
+{
+    socket.disconnectFromServer();
+}
+
+QByteArray PipePeer::received()
+{
+    return arrived;
+}
+
+bool PipePeer::waitForBytes(qsizetype count)
+{
+    return waitUntil([this, count] { return arrived.size() >= count; });
+}
+
+QByteArray PipePeer::take(const QByteArray &expected)
+{
+    // A wrong answer of another length shows as well, after a moment for it to arrive in full.
+    waitUntil([&] { return arrived.size() >= expected.size(); }, 5000);
+    return std::exchange(arrived, {});
+}
+
+} // namespace tarnTest

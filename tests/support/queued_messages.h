@@ -1,0 +1,34 @@
+#pragma once
+
+#include "pipe/message_format.h"
+#include "pipe/send_queue_thread.h"
+
+#include <QStringList>
+
+namespace tarnTest {
+
+inline QString notification(const char *command, const QString &data)
+{
+    return tarnPipeServer::notificationText(QString::fromLatin1(command), data);
+}
+
+// Everything that waits for a client, oldest first.
+inline QStringList queuedMessages()
+{
+    return tarnPipeServer::SendQueueThread::instance()->waitingMessages();
+}
+
+// What has been queued since the mark was made.
+class QueueMark
+{
+public:
+    QueueMark()
+        : from(queuedMessages().size())
+    { }
+    [[nodiscard]] QStringList added() const { return queuedMessages().mid(from); }
+
+private:
+    qsizetype from;
+};
+
+} // namespace tarnTest

@@ -1,0 +1,69 @@
+#include "support/simulated_machine.h"
+
+#include "simulator/accessory_catalog.h"
+#include "simulator/power_on.h"
+#include "simulator/register_log.h"
+
+namespace tarnTest {
+namespace {
+
+std::unique_ptr<tarnSimulator::MachineState> newState()
+{
+    auto state = std::make_unique<tarnSimulator::MachineState>();
+    tarnSimulator::initialiseState(*state);
+    return state;
+}
+
+} // namespace
+
+SimulatedMachine::SimulatedMachine()
+    : state(newState())
+    , ec(*state, [this] { return static_cast<std::uint64_t>(clock.now().count()); })
+    , computer(*state)
+{
+    folder.installPortLibrary();
+    setPortBackend(this);
+}
+
+SimulatedMachine::~SimulatedMachine()
+{
+    setPortBackend(nullptr);
+}
+
+void SimulatedMachine::attach(std::uint8_t accessoryCode)
+{
+    computer.attach(*tarnSimulator::findAccessory(accessoryCode));
+}
+
+QStringList SimulatedMachine::traffic()
+{
+    return accesses(false);
+}
+
+QStringList SimulatedMachine::timeline()
+{
+    return accesses(true);
+}
+
+QStringList SimulatedMachine::accesses(bool withTime)
+{
+    const auto reading = tarnSimulator::RegisterLog(state->log).readAfter(cursor);
+    cursor = reading.cursor;
+    QStringList texts;
+    for (const auto &access : reading.accesses) {
+        const QString kind =
+            access.kind == tarnSimulator::AccessKind::Read ? QStringLiteral("R") : QStringLiteral("W");
+        QString text = QStringLiteral("%1 %2 %3")
+                           .arg(kind)
+                           .arg(access.address, 4, 16, QLatin1Char('0'))
+                           .arg(access.value, 2, 16, QLatin1Char('0'))
+                           .toUpper();
+        if (withTime)
+            text.prepend(QStringLiteral("%1 ").arg(access.timeMs - cursorTime));
+        texts << text;
+    }
+    cursorTime = static_cast<std::uint64_t>(clock.now().count());
+    return texts;
+}
+
+} // namespace tarnTest

@@ -1,0 +1,143 @@
+#include "power_mode_fixture.h"
+
+using namespace tarnDeviceInfos;
+using tarnSimulator::Fault;
+
+using DevicePowerMode = tarnTest::PowerModeTest;
+
+namespace {
+
+struct FlagReading
+{
+    int flag;
+    int profile;
+    const char *line;
+};
+const FlagReading flagReadings[] = {
+    {0, 3, "tarn power mode is other."},
+    {1, 1, "tarn power mode is balance."},
+    {2, 2, "tarn power mode is low."},
+    {3, 3, "tarn power mode is other."},
+    {4, 0, "tarn power mode is high."},
+    {5, 3, "tarn power mode is other."},
+    {0x64, 3, "tarn power mode is other."},
+    {255, 3, "tarn power mode is other."},
+};
+
+struct FlagWriting
+{
+    quint32 profile;
+    const char *flag;
+};
+const FlagWriting flagWritings[] = {
+    {0, "04"}, {1, "01"}, {2, "02"}, {3, "64"}, {4, "64"}, {7, "64"}, {256, "64"}, {0xFFFFFFFF, "64"}};
+
+} // namespace
+
+class DevicePowerModeReadings : public DevicePowerMode, public ::testing::WithParamInterface<FlagReading>
+{ };
+
+TEST_P(DevicePowerModeReadings, TranslatesTheFlag)
+{
+    setRegister(EC_TARN_POWER_MODE, static_cast<quint8>(GetParam().flag));
+    EXPECT_EQ(manager->getTarnPowerMode(), GetParam().profile);
+    EXPECT_EQ(machine.timeline(),
+        QStringList({QString("20 R 04FE %1").arg(GetParam().flag, 2, 16, QLatin1Char('0')).toUpper()}));
+    EXPECT_EQ(elapsed(), 20);
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"ready to get tarn power mode.", "begin to get tarn power mode.",
+            QString("get tarn power mode successed, mode flag is  %1").arg(GetParam().flag),
+            GetParam().line}));
+    EXPECT_TRUE(lockHeldThroughout());
+}
+
+INSTANTIATE_TEST_SUITE_P(Flags, DevicePowerModeReadings, ::testing::ValuesIn(flagReadings),
+    [](const auto &row) { return "Flag" + std::to_string(row.param.flag); });
+
+class DevicePowerModeWritings : public DevicePowerMode, public ::testing::WithParamInterface<FlagWriting>
+{ };
+
+TEST_P(DevicePowerModeWritings, TranslatesTheProfileAndReadsItBack)
+{
+    setRegister(EC_TARN_POWER_MODE, 0);
+    EXPECT_TRUE(manager->setTarnPowerMode(GetParam().profile));
+    EXPECT_EQ(machine.timeline(),
+        QStringList({QString("20 W 04FE ") + GetParam().flag, QString("50 R 04FE ") + GetParam().flag}));
+    EXPECT_EQ(elapsed(), 50);
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"ready to set tarn power mode.", "begin to set tarn power mode.",
+            QString("set tarn power mode successed with  %1").arg(GetParam().profile)}));
+    EXPECT_TRUE(lockHeldThroughout());
+}
+
+INSTANTIATE_TEST_SUITE_P(Profiles, DevicePowerModeWritings, ::testing::ValuesIn(flagWritings),
+    [](const auto &row) { return "Profile" + std::to_string(row.param.profile); });
+
+TEST_F(DevicePowerMode, AFlagThatCannotBeReadIsOther)
+{
+    machine.faults().switchOn(Fault::FailRead, EC_TARN_POWER_MODE);
+    EXPECT_EQ(manager->getTarnPowerMode(), 3);
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"ready to get tarn power mode.", "begin to get tarn power mode."})
+            + tarnTest::unansweredRead + QStringList({"get tarn power mode failed."}));
+    EXPECT_TRUE(lockHeldThroughout());
+}
+
+TEST_F(DevicePowerMode, AFailedWriteIsNotReadBack)
+{
+    machine.faults().switchOn(Fault::FailWrite, EC_TARN_POWER_MODE);
+    EXPECT_FALSE(manager->setTarnPowerMode(0));
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(reg(EC_TARN_POWER_MODE), TARN_POWER_MODE_BALANCE);
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"ready to set tarn power mode.", "begin to set tarn power mode.",
+            "set tarn power mode failed when write setVar."}));
+    EXPECT_TRUE(lockHeldThroughout());
+}
+
+TEST_F(DevicePowerMode, AFailedReadBackFails)
+{
+    machine.faults().switchOn(Fault::FailRead, EC_TARN_POWER_MODE);
+    EXPECT_FALSE(manager->setTarnPowerMode(0));
+    EXPECT_EQ(machine.timeline(), QStringList({"20 W 04FE 04"}));
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"ready to set tarn power mode.", "begin to set tarn power mode."})
+            + tarnTest::unansweredRead + QStringList({"set tarn power mode failed when read getVar."}));
+    EXPECT_TRUE(lockHeldThroughout());
+}
+
+// What an unknown request writes is also what stands before the read-back: a failed one must not pass for it.
+TEST_F(DevicePowerMode, AFailedReadBackOfAnUnknownRequestFailsToo)
+{
+    machine.faults().switchOn(Fault::FailRead, EC_TARN_POWER_MODE);
+    EXPECT_FALSE(manager->setTarnPowerMode(7));
+}
+
+TEST_F(DevicePowerMode, AnotherFlagThanWrittenFails)
+{
+    machine.clock.at(
+        tarnTest::milliseconds(25), [this] { setRegister(EC_TARN_POWER_MODE, TARN_POWER_MODE_LOW); });
+    EXPECT_FALSE(manager->setTarnPowerMode(0));
+    EXPECT_EQ(machine.timeline(), QStringList({"20 W 04FE 04", "50 R 04FE 02"}));
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"ready to set tarn power mode.", "begin to set tarn power mode.",
+            "set tarn power mode failed, setVar != getVar."}));
+    EXPECT_TRUE(lockHeldThroughout());
+}
+
+TEST_F(DevicePowerMode, AnECThatDropsAnUnknownFlagFails)
+{
+    machine.clock.at(tarnTest::milliseconds(25), [this] { setRegister(EC_TARN_POWER_MODE, 0); });
+    EXPECT_FALSE(manager->setTarnPowerMode(7));
+}
+
+TEST_F(DevicePowerMode, IsIndependentOfTheLimits)
+{
+    ASSERT_TRUE(manager->setTarnPowerMode(0));
+    ASSERT_EQ(manager->setEcPowerModeLow(), 0);
+    EXPECT_EQ(manager->getTarnPowerMode(), 0);
+    ASSERT_TRUE(manager->setTarnPowerMode(1));
+    EXPECT_EQ(reg(EC_POWERMODE_PL1), 15);
+    EXPECT_EQ(manager->currentPowerMode(), -10);
+    EXPECT_FALSE(QFile::exists(machine.folder.path(tarnTest::profileFileName)));
+}

@@ -1,0 +1,178 @@
+#include "accessory/power_mode_file.h"
+
+#include "profile_file_fixture.h"
+
+using namespace tarnDeviceInfos;
+using tarnAccessoryManager::PowerModeFile;
+using tarnSimulator::Fault;
+using tarnTest::InItsPlace;
+using tarnTest::ProfileFileTest;
+using tarnTest::Unprivileged;
+
+namespace {
+
+const char *const profileWords[] = {"high", "balance", "low"};
+const QByteArray profileBytes[] = {"0", "1", "2"};
+
+} // namespace
+
+using PowerModeSaving = ProfileFileTest;
+
+class EachPowerMode : public ProfileFileTest, public ::testing::WithParamInterface<unsigned>
+{
+protected:
+    [[nodiscard]] QString text(const char *format) const
+    {
+        return QString(format).arg(profileWords[GetParam()]);
+    }
+};
+
+TEST_P(EachPowerMode, IsAppliedAndSaved)
+{
+    EXPECT_EQ(manager->setEcPowerMode(GetParam()), 0);
+    EXPECT_EQ(savedBytes(), profileBytes[GetParam()]);
+    EXPECT_EQ(reg(EC_POWERMODE_PL1), QList({45, 35, 15}).at(GetParam()));
+    EXPECT_EQ(linesBeforeApplication(), QStringList({"begin to set ec powermode."}));
+    EXPECT_EQ(linesAfterApplication(),
+        QStringList({text("set ec powermode to %1 done."),
+            text("Successfully wrote to the configuration file when set ec powermode to %1 successed.")}));
+    // Only a restore says which profile is in force.
+    EXPECT_EQ(manager->currentPowerMode(), -10);
+    EXPECT_EQ(manager->lastRestoreResult(), 0);
+}
+
+TEST_P(EachPowerMode, ReplacesWhateverWasSaved)
+{
+    save("a much longer text\n");
+    EXPECT_EQ(manager->setEcPowerMode(GetParam()), 0);
+    EXPECT_EQ(savedBytes(), profileBytes[GetParam()]);
+}
+
+TEST_P(EachPowerMode, IsNotSavedWhenTheECDoesNotTakeIt)
+{
+    save("x");
+    machine.faults().switchOn(Fault::FailWrite, EC_POWERMODE_PL4); // result -2 of the application
+    EXPECT_EQ(manager->setEcPowerMode(GetParam()), -1);
+    EXPECT_EQ(savedBytes(), "x");
+    EXPECT_EQ(machine.log.lines().last(), text("W: set ec powermode to %1 failed."));
+    machine.faults().clear();
+
+    machine.faults().switchOn(Fault::ReadbackOffset, 11); // result -1 of the application
+    EXPECT_EQ(manager->setEcPowerMode(GetParam()), -1);
+    EXPECT_EQ(savedBytes(), "x");
+    EXPECT_EQ(machine.log.lines().last(), text("W: set ec powermode to %1 failed."));
+}
+
+TEST_P(EachPowerMode, IsAppliedThoughItsFileCannotBeCreated)
+{
+    replaceProfileFile(InItsPlace::Folder);
+    EXPECT_EQ(manager->setEcPowerMode(GetParam()), 0);
+    EXPECT_EQ(linesAfterApplication(),
+        QStringList({text("set ec powermode to %1 done."),
+            text("W: Failed to create the configuration file but set ec powermode to %1 successed.")}));
+}
+
+TEST_P(EachPowerMode, IsAppliedThoughItsFileCannotBeWritten)
+{
+    replaceProfileFile(InItsPlace::FullDisk);
+    EXPECT_EQ(manager->setEcPowerMode(GetParam()), 0);
+    EXPECT_EQ(linesAfterApplication(),
+        QStringList({text("set ec powermode to %1 done."),
+            text("W: Error writing to the configuration file but set ec powermode to %1 successed.")}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Profiles, EachPowerMode, ::testing::Values(0U, 1U, 2U),
+    [](const auto &row) { return std::string(profileWords[row.param]); });
+
+TEST_F(PowerModeSaving, TouchesTheFileOnlyAfterTheECHasTakenTheProfile)
+{
+    save("2");
+    QByteArray during;
+    machine.clock.at(
+        tarnTest::milliseconds(214), [&] { during = savedBytes(); }); // just before the last write
+    EXPECT_EQ(manager->setEcPowerMode(0), 0);
+    EXPECT_EQ(during, "2");
+    EXPECT_EQ(savedBytes(), "0");
+}
+
+TEST_F(PowerModeSaving, AReadOnlyFolderIsNoFailure)
+{
+    tarnTest::setMode(machine.folder.path("."), 0555);
+    const Unprivileged unprivileged;
+    if (!Unprivileged::works())
+        GTEST_SKIP() << "the rights of root cannot be given up here";
+    EXPECT_EQ(manager->setEcPowerMode(0), 0);
+    EXPECT_FALSE(profileFileExists());
+    EXPECT_EQ(linesAfterApplication().last(),
+        "W: Failed to create the configuration file but set ec powermode to high successed.");
+}
+
+TEST_F(PowerModeSaving, AReadOnlyFileIsNoFailureAndKeepsItsContent)
+{
+    save("2");
+    tarnTest::setMode(machine.folder.path("."), 0755);
+    tarnTest::setMode(profilePath(), 0444);
+    {
+        const Unprivileged unprivileged;
+        if (!Unprivileged::works())
+            GTEST_SKIP() << "the rights of root cannot be given up here";
+        EXPECT_EQ(manager->setEcPowerMode(0), 0);
+    }
+    EXPECT_EQ(savedBytes(), "2");
+}
+
+class NoPowerMode : public ProfileFileTest, public ::testing::WithParamInterface<unsigned>
+{ };
+
+TEST_P(NoPowerMode, TouchesNeitherTheECNorTheFile)
+{
+    EXPECT_EQ(manager->setEcPowerMode(GetParam()), -2);
+    EXPECT_FALSE(QFileInfo::exists(profilePath()));
+    save("2");
+    EXPECT_EQ(manager->setEcPowerMode(GetParam()), -2);
+    EXPECT_EQ(savedBytes(), "2");
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(elapsed(), 0);
+    const QStringList once {"begin to set ec powermode.", "W: Invalid behavior input for setEcPowerMode."};
+    EXPECT_EQ(machine.log.lines(), once + once);
+}
+
+INSTANTIATE_TEST_SUITE_P(Numbers, NoPowerMode, ::testing::Values(3U, 4U, 255U, 256U, 0xFFFFFFFFU));
+
+// The file by itself.
+using ProfileFile = ProfileFileTest;
+
+TEST_F(ProfileFile, HoldsOneCharacter)
+{
+    EXPECT_EQ(PowerModeFile::write(2), PowerModeFile::Write::Done);
+    EXPECT_EQ(savedBytes(), "2");
+    QString content;
+    EXPECT_EQ(PowerModeFile::read(&content), PowerModeFile::Read::Done);
+    EXPECT_EQ(content, "2");
+}
+
+TEST_F(ProfileFile, IsTrimmedAtItsEndsOnly)
+{
+    save(" \t1 2\r\n\n");
+    QString content;
+    EXPECT_EQ(PowerModeFile::read(&content), PowerModeFile::Read::Done);
+    EXPECT_EQ(content, "1 2");
+}
+
+TEST_F(ProfileFile, TellsHowItCannotBeRead)
+{
+    QString content;
+    EXPECT_EQ(PowerModeFile::read(&content), PowerModeFile::Read::Absent);
+    replaceProfileFile(InItsPlace::Folder);
+    EXPECT_EQ(PowerModeFile::read(&content), PowerModeFile::Read::NotOpened);
+    replaceProfileFile(InItsPlace::ReadError);
+    EXPECT_EQ(PowerModeFile::read(&content), PowerModeFile::Read::NotRead);
+}
+
+TEST_F(ProfileFile, TellsHowItCannotBeWritten)
+{
+    replaceProfileFile(InItsPlace::Folder);
+    EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::NotCreated);
+    replaceProfileFile(InItsPlace::FullDisk);
+    EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::NotWritten);
+}

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "accessory/ec_power_mode_manager.h"
+#include "device/ec_access_lock.h"
+#include "device/ec_dirver_controller_hal.h"
+#include "device/ec_registers.h"
+#include "support/simulated_machine.h"
+
+namespace tarnTest {
+
+// What the driver says of a read that is never answered, and how long that takes: the time of an access, a
+// thousand looks and the reload of the port library.
+inline const QStringList unansweredRead {"ec reader not normal, begin to reload dll.", "Library is kill",
+    "open out32Func and inp32Func is sucessful!", "Library loaded second"};
+inline constexpr int accessTime = 20;
+inline constexpr int unansweredReadTime = accessTime + 5000 + 500;
+// A refused write is given up after a thousand looks, without a word.
+inline constexpr int refusedWriteTime = accessTime + 5000;
+
+inline constexpr const char *profileFileName = "powermodeconfig.xml";
+
+// A simulated machine on which the test sees whether the EC is held: it must be free again after each test.
+class EcLockTest : public MachineTest
+{
+protected:
+    EcLockTest()
+    {
+        machine.clock.onWait = [this](milliseconds) {
+            (tarnDeviceInfos::ecAccessMutex.isLocked() ? waitsWithLock : waitsWithoutLock)++;
+        };
+    }
+
+    void TearDown() override { EXPECT_FALSE(tarnDeviceInfos::ecAccessMutex.isLocked()); }
+
+    // Every access to the EC contains waits.
+    [[nodiscard]] bool lockHeldThroughout() const { return waitsWithLock > 0 && waitsWithoutLock == 0; }
+    [[nodiscard]] bool lockNeverTaken() const { return waitsWithLock == 0 && waitsWithoutLock > 0; }
+
+    void setRegister(quint16 address, quint8 value) { machine.state->xdata[address] = value; }
+    [[nodiscard]] int reg(quint16 address) const { return machine.state->xdata[address]; }
+
+private:
+    int waitsWithLock = 0;
+    int waitsWithoutLock = 0;
+};
+
+// The power manager on the simulated machine, with the log and the traffic of its creation out of the way.
+class PowerModeTest : public EcLockTest
+{
+protected:
+    PowerModeTest()
+        : manager(tarnAccessoryManager::EcPowerModeManager::instance())
+    {
+        tarnDeviceInfos::EcDirverControllerHal::instance();
+        machine.log.clear();
+    }
+
+    // The milliseconds since the start of the test.
+    [[nodiscard]] int elapsed() const { return static_cast<int>(machine.clock.now().count()); }
+
+    tarnAccessoryManager::EcPowerModeManager *manager;
+};
+
+} // namespace tarnTest

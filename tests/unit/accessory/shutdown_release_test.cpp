@@ -1,0 +1,106 @@
+#include "accessory/dock_accessory_manager.h"
+#include "accessory/kvane_accessory_manager.h"
+#include "power_mode_fixture.h"
+
+using namespace tarnDeviceInfos;
+using tarnAccessoryManager::DockAccessoryManager;
+using tarnAccessoryManager::EcPowerModeManager;
+using tarnAccessoryManager::KvaneAccessoryManager;
+
+namespace {
+
+// An operation, and what it gives when the EC is not to be had any more because the process ends.
+struct ReleasedOperation
+{
+    const char *name;
+    std::function<bool()> givesItsFailure;
+};
+
+const ReleasedOperation releasedOperations[] = {
+    {"setEcPowerModeHigh",
+        [] {
+            return EcPowerModeManager::instance()->setEcPowerModeHigh() == -2;
+        }},
+    {"setEcPowerModeBalance",
+        [] {
+            return EcPowerModeManager::instance()->setEcPowerModeBalance() == -2;
+        }},
+    {"setEcPowerModeLow",
+        [] {
+            return EcPowerModeManager::instance()->setEcPowerModeLow() == -2;
+        }},
+    {"setEcPowerCtrlMode",
+        [] {
+            return EcPowerModeManager::instance()->setEcPowerCtrlMode(1) == -1;
+        }},
+    {"setEcPowerMode",
+        [] {
+            return EcPowerModeManager::instance()->setEcPowerMode(0) == -1;
+        }},
+    {"restorePowerModeAtStart",
+        [] {
+            return EcPowerModeManager::instance()->restorePowerModeAtStart() == -2;
+        }},
+    {"getSmartChargingStatus",
+        [] {
+            return !EcPowerModeManager::instance()->getSmartChargingStatus();
+        }},
+    {"setSmartChargingStatus",
+        [] {
+            return !EcPowerModeManager::instance()->setSmartChargingStatus(true);
+        }},
+    {"getTarnPowerMode",
+        [] {
+            return EcPowerModeManager::instance()->getTarnPowerMode() == 3;
+        }},
+    {"setTarnPowerMode",
+        [] {
+            return !EcPowerModeManager::instance()->setTarnPowerMode(1);
+        }},
+    {"getDockLedStatus",
+        [] {
+            return DockAccessoryManager::instance()->getDockLedStatus() == -1;
+        }},
+    {"setDockLedStatus",
+        [] {
+            return DockAccessoryManager::instance()->setDockLedStatus(1) == -2;
+        }},
+    {"getKvaneSnCode",
+        [] {
+            return KvaneAccessoryManager::instance()->getKvaneSnCode() == "default";
+        }},
+    {"setKVaneLedLight",
+        [] {
+            KvaneAccessoryManager::instance()->setKVaneLedLight(1);
+            return true;
+        }},
+};
+
+} // namespace
+
+class ShutdownRelease : public tarnTest::PowerModeTest,
+                        public ::testing::WithParamInterface<ReleasedOperation>
+{ };
+
+TEST_P(ShutdownRelease, TheOperationFailsAtOnceWithoutTouchingTheEC)
+{
+    ecAccessMutex.releaseWaiters();
+    EXPECT_TRUE(GetParam().givesItsFailure());
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(elapsed(), 0);
+    EXPECT_FALSE(QFile::exists(machine.folder.path(tarnTest::profileFileName)));
+}
+
+// Whoever holds the EC goes on holding it; the operation neither waits for it nor gives it away.
+TEST_P(ShutdownRelease, TheHoldOfAnotherStays)
+{
+    ASSERT_TRUE(ecAccessMutex.lock());
+    ecAccessMutex.releaseWaiters();
+    EXPECT_TRUE(GetParam().givesItsFailure());
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_TRUE(ecAccessMutex.isLocked());
+    ecAccessMutex.unlock();
+}
+
+INSTANTIATE_TEST_SUITE_P(Operations, ShutdownRelease, ::testing::ValuesIn(releasedOperations),
+    [](const auto &row) { return std::string(row.param.name); });

@@ -1,0 +1,94 @@
+#include "fake_service.h"
+#include "tool_run.h"
+
+#include <gtest/gtest.h>
+
+using namespace tarnClientTest;
+using std::chrono::milliseconds;
+
+TEST(TarnctlRawTest, SendsTheBytesAndPrintsWhatComesBack)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.write(R"({"cmd":"changeAccessoryType", "data":"dock"})");
+        service.answer(request, "data", "1.23");
+    });
+    const QString text = R"( {"mine" : 7, "cmd":"getMcuVersion"} )";
+    const ToolRun run = runTool(service, {"raw", text});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(service.requests(), QByteArrayList {text.toUtf8()});
+    EXPECT_EQ(run.output,
+        "{\"cmd\":\"changeAccessoryType\", \"data\":\"dock\"}\n"
+        "{\"cmd\":\"getMcuVersion\",\"data\":\"1.23\",\"mine\":7}\n");
+}
+
+TEST(TarnctlRawTest, SendsWhatIsNoJson)
+{
+    FakeService service;
+    const ToolRun run = runTool(service, {"--timeout", "0.2", "raw", "not json"});
+    EXPECT_EQ(run.code, 4);
+    EXPECT_EQ(service.requests(), QByteArrayList {"not json"});
+    EXPECT_TRUE(run.errors.startsWith("tarnctl: Nothing came back within 0.2 s."));
+}
+
+TEST(TarnctlRawTest, TakesTheTextFromTheInput)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) { service.answer(request, "data", "x"); });
+    const ToolRun run = runTool(service, {"raw", "-"}, typed("{\"cmd\":\n\"a\"}\n"));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(service.requests(), QByteArrayList {"{\"cmd\":\n\"a\"}\n"});
+}
+
+TEST(TarnctlRawTest, ShowsGarbageOnTheErrorOutput)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.write("oops");
+        service.answer(request, "data", "x");
+    });
+    const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.errors, "no JSON (4 bytes): oops\n");
+}
+
+TEST(TarnctlRawTest, CountGoesOnPastTheAnswer)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.answer(request, "data", "x");
+        service.later(milliseconds(50), [&service] { service.notify("b", "2"); });
+    });
+    const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--count", "2"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.output, "{\"cmd\":\"a\",\"data\":\"x\"}\n{\"cmd\":\"b\",\"data\":\"2\"}\n");
+}
+
+TEST(TarnctlRawTest, ForListensThatLong)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.answer(request, "data", "x");
+        service.later(milliseconds(50), [&service] { service.notify("b", "2"); });
+    });
+    const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--for", "0.4"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.output.count('\n'), 2);
+}
+
+TEST(TarnctlRawTest, TooFewMessagesInTime)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) { service.answer(request, "data", "x"); });
+    const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--count", "2", "--for", "0.2"});
+    EXPECT_EQ(run.code, 4);
+    EXPECT_TRUE(run.errors.contains("1 message(s) came back"));
+}
+
+TEST(TarnctlRawTest, ServiceAbsentOrLeaving)
+{
+    EXPECT_EQ(runTool({"--pipe", "tarnctlTestNobody", "raw", "{}"}).code, 3);
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &) { service.dropClient(); });
+    EXPECT_EQ(runTool(service, {"raw", "{}"}).code, 3);
+}

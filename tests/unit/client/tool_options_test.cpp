@@ -1,0 +1,88 @@
+#include "client/tool_options.h"
+#include "tool_run.h"
+
+#include <gtest/gtest.h>
+
+using namespace tarnClientTest;
+using std::chrono::milliseconds;
+using tarnClient::parseOptions;
+
+TEST(TarnctlOptionsTest, Defaults)
+{
+    const tarnClient::ParsedOptions parsed = parseOptions({"tarnctl", "getMcuVersion"});
+    EXPECT_TRUE(parsed.error.isEmpty());
+    EXPECT_EQ(parsed.options.pipeName, "tarnPipe");
+    EXPECT_EQ(parsed.options.words, QStringList {"getMcuVersion"});
+    EXPECT_FALSE(parsed.options.timeout || parsed.options.duration || parsed.options.count);
+    EXPECT_FALSE(parsed.options.json || parsed.options.verbose || parsed.options.force
+        || parsed.options.reconnect || parsed.options.help || parsed.options.version);
+}
+
+TEST(TarnctlOptionsTest, EveryOption)
+{
+    const tarnClient::ParsedOptions parsed = parseOptions({"tarnctl", "--json", "-v", "watch", "--force",
+        "--reconnect", "--timeout", "0.25", "--for=2", "--count", "3", "--pipe", "p", "--version", "-h"});
+    EXPECT_TRUE(parsed.error.isEmpty());
+    EXPECT_EQ(parsed.options.timeout, milliseconds(250));
+    EXPECT_EQ(parsed.options.duration, milliseconds(2000));
+    EXPECT_EQ(parsed.options.count, 3);
+    EXPECT_EQ(parsed.options.pipeName, "p");
+    EXPECT_EQ(parsed.options.words, QStringList {"watch"});
+    EXPECT_TRUE(parsed.options.json && parsed.options.verbose && parsed.options.force
+        && parsed.options.reconnect && parsed.options.help && parsed.options.version);
+}
+
+namespace {
+
+struct BadLine
+{
+    QStringList words;
+};
+
+// The name that a report shows.
+void PrintTo(const BadLine &value, std::ostream *out)
+{
+    *out << "tarnctl " << value.words.join(u' ').toStdString();
+}
+
+class TarnctlBadCommandLines : public ::testing::TestWithParam<BadLine>
+{ };
+
+} // namespace
+
+TEST_P(TarnctlBadCommandLines, AreUsageErrors)
+{
+    const ToolRun run = runTool(GetParam().words);
+    EXPECT_EQ(run.code, 2);
+    EXPECT_TRUE(run.output.isEmpty());
+    EXPECT_TRUE(run.errors.startsWith("tarnctl: ")) << run.errors.toStdString();
+}
+
+INSTANTIATE_TEST_SUITE_P(Lines, TarnctlBadCommandLines,
+    ::testing::Values(BadLine {{}}, BadLine {{"--bogus"}}, BadLine {{"watch", "--timeout", "0"}},
+        BadLine {{"watch", "--timeout", "-1"}}, BadLine {{"watch", "--timeout", "nan"}},
+        BadLine {{"watch", "--for", "soon"}}, BadLine {{"watch", "--for", "1e9"}},
+        BadLine {{"watch", "--count", "0"}}, BadLine {{"watch", "--count", "1.5"}},
+        BadLine {{"watch", "--pipe", ""}}, BadLine {{"watch", "more"}}, BadLine {{"raw"}},
+        BadLine {{"raw", "a", "b"}}, BadLine {{"commands", "x"}}, BadLine {{"help", "a", "b"}},
+        BadLine {{"getMcuVersion", "--count", "1"}}, BadLine {{"getMcuVersion", "--for", "1"}},
+        BadLine {{"getMcuVersion", "data"}}, BadLine {{"setDockLedStatus"}},
+        BadLine {{"setDockLedStatus", "ON"}}, BadLine {{"setDockLedStatus", "on", "off"}},
+        BadLine {{"setKVaneLedLight", "256"}}, BadLine {{"requestEcUpdate", "../x"}},
+        BadLine {{"getMcuVersio"}}));
+
+TEST(TarnctlUsageTest, NamesTheWayOn)
+{
+    EXPECT_EQ(runTool({"getMcuVersio"}).errors,
+        "tarnctl: There is no command \"getMcuVersio\". Did you mean getMcuVersion?\n");
+    EXPECT_EQ(runTool({"zzzzzz"}).errors,
+        "tarnctl: There is no command \"zzzzzz\".\n\"tarnctl commands\" lists them all.\n");
+    EXPECT_TRUE(runTool({"setGraphicsRGB", "pink"}).errors.contains("purplishred, shutdown"));
+}
+
+TEST(TarnctlUsageTest, Version)
+{
+    const ToolRun run = runTool({"--version"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(run.output, "tarnctl 1.40\n");
+}

@@ -1,0 +1,310 @@
+#include "fake_service.h"
+#include "tool_run.h"
+
+#include "client/stdin_reader.h"
+#include "client/tarnctl.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QRegularExpression>
+
+#include <condition_variable>
+#include <csignal>
+#include <mutex>
+#include <sstream>
+
+using namespace tarnClientTest;
+using std::chrono::milliseconds;
+
+namespace {
+
+// An input on which nobody types, until released.
+class SilentBuffer : public std::streambuf
+{
+public:
+    void release()
+    {
+        const std::lock_guard lock(m_mutex);
+        m_released = true;
+        m_changed.notify_all();
+    }
+
+protected:
+    int_type underflow() override
+    {
+        std::unique_lock lock(m_mutex);
+        m_changed.wait(lock, [this] { return m_released; });
+        return traits_type::eof();
+    }
+
+private:
+    std::mutex m_mutex;
+    std::condition_variable m_changed;
+    bool m_released = false;
+};
+
+class SilentInput : public std::istream
+{
+public:
+    SilentInput()
+        : std::istream(nullptr)
+    {
+        rdbuf(&m_buffer);
+    }
+    void release() { m_buffer.release(); }
+
+private:
+    SilentBuffer m_buffer;
+};
+
+// A standard output whose reader has gone.
+class ClosedBuffer : public std::streambuf
+{ };
+
+QByteArray withoutTimes(const QByteArray &output)
+{
+    static const QRegularExpression time(
+        QStringLiteral(R"(^\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\.\d{3} )"), QRegularExpression::MultilineOption);
+    return QString::fromUtf8(output).remove(time).toUtf8();
+}
+
+void notifyAtOnce(FakeService &service, int count)
+{
+    service.onConnection([&service, count] {
+        for (int i = 1; i <= count; ++i) {
+            service.notify("getTarnBatteryNum", QString::number(i));
+        }
+    });
+}
+
+} // namespace
+
+TEST(TarnctlWatchTest, PrintsNotificationsWithTheirTime)
+{
+    FakeService service;
+    notifyAtOnce(service, 2);
+    const ToolRun run = runTool(service, {"watch", "--count", "2"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_TRUE(run.errors.isEmpty());
+    EXPECT_NE(withoutTimes(run.output), run.output);
+    EXPECT_EQ(withoutTimes(run.output), "event getTarnBatteryNum 1\nevent getTarnBatteryNum 2\n");
+}
+
+TEST(TarnctlWatchTest, CountEndsItAmidGluedMessages)
+{
+    FakeService service;
+    notifyAtOnce(service, 5);
+    EXPECT_EQ(runTool(service, {"watch", "--count", "3"}).output.count('\n'), 3);
+}
+
+TEST(TarnctlWatchTest, ForEndsIt)
+{
+    FakeService service;
+    notifyAtOnce(service, 1);
+    QElapsedTimer clock;
+    clock.start();
+    const ToolRun run = runTool(service, {"watch", "--for", "0.3"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_GE(clock.elapsed(), 295);
+    EXPECT_EQ(run.output.count('\n'), 1);
+}
+
+TEST(TarnctlWatchTest, CountNotReachedInTime)
+{
+    FakeService service;
+    notifyAtOnce(service, 1);
+    const ToolRun run = runTool(service, {"watch", "--count", "2", "--for", "0.2"});
+    EXPECT_EQ(run.code, 4);
+    EXPECT_EQ(run.errors, "tarnctl: 1 of 2 notifications came within 0.2 s.\n");
+}
+
+TEST(TarnctlWatchTest, TypedCommandsGoOneByOne)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.later(milliseconds(30), [&service, request] {
+            service.notify("getTarnBatteryNum", "9");
+            const bool isAction = request.contains("data");
+            service.answer(request, isAction ? "result" : "data", isAction ? "failed" : "1.23");
+        });
+    });
+    const ToolRun run = runTool(
+        service, {"watch"}, typed("getMcuVersion\n\n  setDockLedStatus   on \ngetMcuVersion\nquit\n"));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(withoutTimes(run.output),
+        "event getTarnBatteryNum 9\nanswer getMcuVersion 1.23\n"
+        "event getTarnBatteryNum 9\nanswer setDockLedStatus failed\n"
+        "event getTarnBatteryNum 9\nanswer getMcuVersion 1.23\n");
+    // One request a read, or the service would not understand them.
+    EXPECT_EQ(service.commands(), (QStringList {"getMcuVersion", "setDockLedStatus", "getMcuVersion"}));
+}
+
+TEST(TarnctlWatchTest, JsonShowsEveryMessageWithoutTag)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.notify("getTarnBatteryNum", "9");
+        service.answer(request, "data", "1.23");
+    });
+    const ToolRun run = runTool(service, {"--json", "watch"}, typed("getMcuVersion\nquit\n"));
+    EXPECT_EQ(run.output,
+        "{\"cmd\":\"getTarnBatteryNum\",\"data\":\"9\"}\n{\"cmd\":\"getMcuVersion\",\"data\":\"1.23\"}\n");
+}
+
+TEST(TarnctlWatchTest, SeveralAnswerFieldsShareALine)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.write(compact(withField(
+            withField(withField(request, "mcuVer", "1.23"), "hardwareVer", "2"), "accessoryCode", "4")));
+    });
+    EXPECT_EQ(withoutTimes(runTool(service, {"watch"}, typed("getMcuUpdateParameters\nquit\n")).output),
+        "answer getMcuUpdateParameters mcuVer: 1.23, hardwareVer: 2, accessoryCode: 4\n");
+}
+
+TEST(TarnctlWatchTest, TypedMistakesAreExplainedAndNotSent)
+{
+    FakeService service;
+    const ToolRun run = runTool(service, {"watch"},
+        typed("getMcuVersio\nsetDockLedStatus ON\nhelp\nhelp getMcuVersion\nhelp nix\nquit\n"));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_TRUE(service.requests().isEmpty());
+    EXPECT_TRUE(run.output.isEmpty());
+    EXPECT_TRUE(run.errors.contains("Did you mean getMcuVersion?"));
+    EXPECT_TRUE(run.errors.contains("takes \"on\", written exactly so"));
+    EXPECT_TRUE(run.errors.contains("Type one of these"));
+    EXPECT_TRUE(run.errors.contains("Example:  tarnctl getMcuVersion"));
+    EXPECT_TRUE(run.errors.contains("There is no command \"nix\"."));
+}
+
+TEST(TarnctlWatchTest, LastIsFollowedByTheNextCommandInAReadOfItsOwn)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        if (request.value("data").toString() != "last") {
+            service.answer(request, "data", "1.23");
+        }
+    });
+    const ToolRun run = runTool(service, {"watch"}, typed("powerModeControl last\ngetMcuVersion\nquit\n"));
+    EXPECT_EQ(withoutTimes(run.output), "answer powerModeControl sent\nanswer getMcuVersion 1.23\n");
+    EXPECT_EQ(service.commands(), (QStringList {"powerModeControl", "getMcuVersion"}));
+}
+
+TEST(TarnctlWatchTest, AnUnansweredCommandDoesNotEndIt)
+{
+    FakeService service;
+    QJsonObject unanswered;
+    service.onRequest([&](const QJsonObject &request) {
+        if (unanswered.isEmpty()) {
+            unanswered = request;
+            return;
+        }
+        service.answer(unanswered, "data", "late");
+        service.answer(request, "data", "2");
+    });
+    const ToolRun run =
+        runTool(service, {"watch", "--timeout", "0.2"}, typed("getMcuVersion\ngetHardwareVersion\nquit\n"));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_TRUE(run.errors.contains("No answer to getMcuVersion within 0.2 s."));
+    EXPECT_TRUE(run.errors.contains("type reconnect"));
+    EXPECT_EQ(withoutTimes(run.output), "late-answer getMcuVersion late\nanswer getHardwareVersion 2\n");
+}
+
+TEST(TarnctlWatchTest, TheEndOfATerminalsInputEndsIt)
+{
+    FakeService service;
+    const ToolRun run = runTool(service, {"watch"}, typed("", true));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_TRUE(run.errors.startsWith("Watching the pipe"));
+}
+
+TEST(TarnctlWatchTest, TheEndOfAPipedInputDoesNot)
+{
+    FakeService service;
+    service.onConnection([&service] {
+        service.later(milliseconds(200), [&service] { service.notify("changeAccessoryType", "dock"); });
+    });
+    const ToolRun run = runTool(service, {"watch", "--count", "1"}, typed(""));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(withoutTimes(run.output), "event changeAccessoryType dock\n");
+}
+
+TEST(TarnctlWatchTest, InterruptEndsItWithZeroWhileTheInputIsSilent)
+{
+    FakeService service;
+    const auto input = std::make_shared<SilentInput>();
+    service.onConnection([&service] { service.later(milliseconds(50), [] { std::raise(SIGINT); }); });
+    QElapsedTimer clock;
+    clock.start();
+    const ToolRun run = runTool(service, {"watch"}, {input, true});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_LT(clock.elapsed(), 3000);
+    EXPECT_TRUE(tarnClient::StdinReader::hasThreadLeftBehind());
+    input->release();
+}
+
+TEST(TarnctlWatchTest, NoService)
+{
+    EXPECT_EQ(runTool({"--pipe", "tarnctlTestNobody", "watch"}).code, 3);
+}
+
+TEST(TarnctlWatchTest, ServiceGoesAway)
+{
+    FakeService service;
+    service.onConnection(
+        [&service] { service.later(milliseconds(30), [&service] { service.dropClient(); }); });
+    const ToolRun run = runTool(service, {"watch"});
+    EXPECT_EQ(run.code, 3);
+    EXPECT_TRUE(run.errors.startsWith("tarnctl: The service went away.\nStart it again"));
+}
+
+TEST(TarnctlWatchTest, ServiceGoesAwayBeforeAnAnswer)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &) { service.dropClient(); });
+    const ToolRun run = runTool(service, {"watch"}, typed("getMcuVersion\n"));
+    EXPECT_EQ(run.code, 3);
+    EXPECT_TRUE(run.errors.startsWith("tarnctl: The service went away before it answered getMcuVersion."));
+}
+
+TEST(TarnctlWatchTest, ReconnectWaitsForTheService)
+{
+    FakeService service;
+    service.stopListening();
+    service.later(milliseconds(100), [&service] { service.startListening(); });
+    service.onConnection([&service] {
+        if (service.connections() == 1) {
+            service.later(milliseconds(20), [&service] { service.dropClient(); });
+        } else {
+            service.notify("changeAccessoryType", "dock");
+        }
+    });
+    const ToolRun run = runTool(service, {"watch", "--reconnect", "--count", "1", "--for", "20"});
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(service.connections(), 2);
+    EXPECT_TRUE(run.errors.contains("waiting for it to come back"));
+}
+
+TEST(TarnctlWatchTest, TypedReconnectMakesANewConnection)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.answer(request, "data", QString::number(service.connections()));
+    });
+    const ToolRun run = runTool(service, {"watch"}, typed("getMcuVersion\nreconnect\ngetMcuVersion\nquit\n"));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_EQ(withoutTimes(run.output), "answer getMcuVersion 1\nanswer getMcuVersion 2\n");
+}
+
+TEST(TarnctlWatchTest, EndsWhenNobodyReadsItsOutput)
+{
+    FakeService service;
+    notifyAtOnce(service, 1);
+    ClosedBuffer closed;
+    std::ostream output(&closed);
+    std::ostringstream errors;
+    const int code = tarnClient::runTarnctl({"tarnctl", "--pipe", service.pipeName(), "watch", "--for", "20"},
+        {std::make_shared<std::istringstream>(), output, errors, false});
+    EXPECT_EQ(code, 0);
+}

@@ -1,0 +1,174 @@
+#include "pipe/tarn_pipe_server.h"
+
+#include "device/ec_registers.h"
+#include "support/simulated_machine.h"
+
+using namespace tarnDeviceInfos;
+using tarnPipeServer::TarnPipeServer;
+
+class PowerAndLightCommands : public tarnTest::MachineTest
+{
+protected:
+    PowerAndLightCommands()
+        : server(TarnPipeServer::instance())
+    {
+        QObject::connect(server, &TarnPipeServer::startChangingTimer, server, [this] { ++started; });
+        QObject::connect(server, &TarnPipeServer::stopChangingTimer, server, [this] { ++stopped; });
+    }
+
+    QString ask(const char *command, const char *data)
+    {
+        return server->dispatch(QStringLiteral(R"({"cmd":"%1","data":"%2"})").arg(command, data).toUtf8());
+    }
+    QString ask(const char *command)
+    {
+        return server->dispatch(QStringLiteral(R"({"cmd":"%1"})").arg(command).toUtf8());
+    }
+    static QString result(const char *command, const char *data, const char *outcome)
+    {
+        return QStringLiteral(R"({"cmd":"%1","data":"%2","result":"%3"})").arg(command, data, outcome);
+    }
+    static QString data(const char *command, const char *value)
+    {
+        return QStringLiteral(R"({"cmd":"%1","data":"%2"})").arg(command, value);
+    }
+    void breakRegister(quint16 address)
+    {
+        machine.faults().switchOn(tarnSimulator::Fault::FailRegister, address);
+    }
+
+    TarnPipeServer *server;
+    int started = 0;
+    int stopped = 0;
+};
+
+TEST_F(PowerAndLightCommands, ApplyAProfile)
+{
+    for (const char *profile : {"high", "balance", "low"})
+        EXPECT_EQ(ask("powerModeControl", profile), result("powerModeControl", profile, "successed"));
+    EXPECT_EQ(machine.folder.read("powermodeconfig.xml"), "2");
+    breakRegister(EC_POWERMODE_PL1);
+    EXPECT_EQ(ask("powerModeControl", "high"), result("powerModeControl", "high", "failed"));
+    EXPECT_EQ(machine.folder.read("powermodeconfig.xml"), "2");
+}
+
+TEST_F(PowerAndLightCommands, AnswerTheClientsStartWithTheProfileInForce)
+{
+    machine.folder.write("powermodeconfig.xml", "2");
+    EXPECT_EQ(ask("powerModeControl", "first"), result("powerModeControl", "first", "2"));
+    EXPECT_TRUE(machine.log.contains("+++++++++++++++++++===========================: \"2\""));
+    EXPECT_EQ(machine.state->xdata[EC_POWERMODE_PL_CTRL], PL_CTRL_MANUAL);
+}
+
+TEST_F(PowerAndLightCommands, AnswerTheClientsStartWithTheOldProfileWhenControlIsRefused)
+{
+    breakRegister(EC_POWERMODE_PL_CTRL);
+    EXPECT_EQ(ask("powerModeControl", "first"), result("powerModeControl", "first", "-10"));
+}
+
+TEST_F(PowerAndLightCommands, AnswerTheClientsStartWithTheFailureOfTheRestore)
+{
+    breakRegister(EC_POWERMODE_PL2);
+    EXPECT_EQ(ask("powerModeControl", "first"), result("powerModeControl", "first", "-2"));
+}
+
+TEST_F(PowerAndLightCommands, AnswerTheClientsEndWithNothing)
+{
+    EXPECT_EQ(ask("powerModeControl", "last"), QString());
+    EXPECT_EQ(machine.state->xdata[EC_POWERMODE_PL_CTRL], PL_CTRL_AUTO);
+    EXPECT_TRUE(machine.log.contains("app is closing now."));
+}
+
+TEST_F(PowerAndLightCommands, RefuseOtherPowerData)
+{
+    EXPECT_EQ(ask("powerModeControl", "HIGH"), result("powerModeControl", "HIGH", "failed"));
+    EXPECT_TRUE(machine.log.contains("Unknown command:  \"HIGH\""));
+    EXPECT_EQ(ask("powerModeControl"), R"({"cmd":"powerModeControl","result":"failed"})");
+    EXPECT_TRUE(machine.log.contains("Unknown command:  \"\""));
+    EXPECT_TRUE(machine.traffic().isEmpty());
+}
+
+TEST_F(PowerAndLightCommands, SwitchSmartChargingAndItsTimer)
+{
+    EXPECT_EQ(ask("setSmartChargingStatus", "OFF"), result("setSmartChargingStatus", "OFF", "successed"));
+    EXPECT_EQ(machine.state->eeprom[EEP_SMART_CHARGING], SMART_CHARGING_OFF);
+    EXPECT_EQ(started, 1);
+    EXPECT_EQ(stopped, 0);
+    EXPECT_EQ(ask("setSmartChargingStatus", "ON"), result("setSmartChargingStatus", "ON", "successed"));
+    EXPECT_EQ(machine.state->eeprom[EEP_SMART_CHARGING], SMART_CHARGING_ON);
+    EXPECT_EQ(started, 1);
+    EXPECT_EQ(stopped, 1);
+}
+
+TEST_F(PowerAndLightCommands, SwitchTheTimerEvenWhenTheEcFails)
+{
+    machine.faults().switchOn(tarnSimulator::Fault::EepromError, 2);
+    EXPECT_EQ(ask("setSmartChargingStatus", "OFF"), result("setSmartChargingStatus", "OFF", "failed"));
+    EXPECT_EQ(ask("setSmartChargingStatus", "ON"), result("setSmartChargingStatus", "ON", "failed"));
+    EXPECT_EQ(started, 1);
+    EXPECT_EQ(stopped, 1);
+}
+
+TEST_F(PowerAndLightCommands, RefuseOtherSmartChargingData)
+{
+    EXPECT_EQ(ask("setSmartChargingStatus", "on"), result("setSmartChargingStatus", "on", "failed"));
+    EXPECT_TRUE(machine.log.contains("Unknown command:  \"on\""));
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(started + stopped, 0);
+}
+
+TEST_F(PowerAndLightCommands, TellSmartCharging)
+{
+    machine.state->eeprom[EEP_SMART_CHARGING] = SMART_CHARGING_ON;
+    EXPECT_EQ(ask("getSmartChargingStatus"), data("getSmartChargingStatus", "ON"));
+    EXPECT_EQ(started, 0);
+    machine.state->eeprom[EEP_SMART_CHARGING] = SMART_CHARGING_OFF;
+    EXPECT_EQ(ask("getSmartChargingStatus"), data("getSmartChargingStatus", "OFF"));
+    EXPECT_EQ(started, 1);
+    machine.state->eeprom[EEP_SMART_CHARGING] = 1;
+    EXPECT_EQ(ask("getSmartChargingStatus"), data("getSmartChargingStatus", "failed"));
+    EXPECT_EQ(started, 1);
+    EXPECT_EQ(stopped, 0);
+}
+
+TEST_F(PowerAndLightCommands, TellAndSetTheDevicePowerMode)
+{
+    const std::pair<const char *, int> flags[] = {{"high", 4}, {"balance", 1}, {"low", 2}};
+    for (const auto &[name, flag] : flags) {
+        EXPECT_EQ(ask("setTarnPowerMode", name), result("setTarnPowerMode", name, "successed"));
+        EXPECT_EQ(machine.state->xdata[EC_TARN_POWER_MODE], flag);
+        EXPECT_EQ(ask("getTarnPowerMode"), data("getTarnPowerMode", name));
+    }
+    machine.state->xdata[EC_TARN_POWER_MODE] = 3;
+    EXPECT_EQ(ask("getTarnPowerMode"), data("getTarnPowerMode", "hide"));
+    EXPECT_EQ(ask("setTarnPowerMode", "hide"), result("setTarnPowerMode", "hide", "failed"));
+    EXPECT_TRUE(machine.log.contains("unknown cmd when set tarn power mode."));
+    breakRegister(EC_TARN_POWER_MODE);
+    EXPECT_EQ(ask("setTarnPowerMode", "low"), result("setTarnPowerMode", "low", "failed"));
+    EXPECT_EQ(ask("getTarnPowerMode"), data("getTarnPowerMode", "hide"));
+}
+
+TEST_F(PowerAndLightCommands, SwitchTheDocksLight)
+{
+    machine.attach(ACCESSORY_DOCK);
+    EXPECT_EQ(ask("setDockLedStatus", "on"), result("setDockLedStatus", "on", "successed"));
+    EXPECT_EQ(ask("getDockLedStatus"), data("getDockLedStatus", "on"));
+    EXPECT_EQ(ask("setDockLedStatus", "off"), result("setDockLedStatus", "off", "successed"));
+    EXPECT_EQ(ask("getDockLedStatus"), data("getDockLedStatus", "off"));
+    breakRegister(XEC_RGB_GREEN);
+    EXPECT_EQ(ask("setDockLedStatus", "on"), result("setDockLedStatus", "on", "failed"));
+}
+
+TEST_F(PowerAndLightCommands, RefuseOtherLightData)
+{
+    EXPECT_EQ(ask("setDockLedStatus", "ON"), result("setDockLedStatus", "ON", "failed"));
+    EXPECT_TRUE(machine.log.contains("Unknown command:  \"ON\""));
+    EXPECT_TRUE(machine.traffic().isEmpty());
+}
+
+TEST_F(PowerAndLightCommands, TellAnUnknownDockLight)
+{
+    breakRegister(XEC_RGB_RED);
+    EXPECT_EQ(ask("getDockLedStatus"), data("getDockLedStatus", "unknown"));
+    EXPECT_TRUE(machine.log.contains("Get unknown dock led status:  -2"));
+}

@@ -1,0 +1,152 @@
+#include "service/tarn_service.h"
+
+#include "device/ec_dirver_reader.h"
+#include "graphics/graphics_accessory_manager.h"
+#include "pipe/send_queue_thread.h"
+#include "service/process_end.h"
+#include "service/running_check.h"
+#include "support/pipe_peer.h"
+#include "support/queued_messages.h"
+#include "support/simulated_machine.h"
+
+#include <QElapsedTimer>
+#include <QtConcurrent>
+
+using tarnDeviceInfos::EcDirverReader;
+using tarnTest::waitUntil;
+
+namespace {
+
+// Makes the operations that the host calls callable here.
+class DirectService : public TarnService
+{
+public:
+    DirectService()
+        : TarnService(1, words)
+    { }
+    using TarnService::pause;
+    using TarnService::resume;
+    using TarnService::start;
+    using TarnService::stop;
+
+private:
+    static inline char word[] = "TarnService";
+    static inline char *words[] = {word, nullptr};
+};
+
+} // namespace
+
+class ServiceObject : public tarnTest::MachineTest
+{ };
+
+TEST_F(ServiceObject, DescribesItself)
+{
+    const DirectService service;
+    EXPECT_EQ(machine.log.lines(), QStringList({"0"}));
+    EXPECT_EQ(service.serviceName(), "Tarn Service");
+    EXPECT_EQ(service.serviceDescription(), "Tarn Service in Windows");
+    EXPECT_EQ(service.serviceFlags(), QtServiceBase::CanBeSuspended);
+    EXPECT_EQ(static_cast<const QtServiceBase &>(service).startupType(), QtServiceBase::AutoStartup);
+}
+
+TEST_F(ServiceObject, CreatesItsObjectsInOrder)
+{
+    DirectService service;
+    machine.log.clear();
+    service.start();
+    const QStringList lines = machine.log.lines();
+    EXPECT_TRUE(lines.at(0).startsWith("Main Thread:  QThread("));
+    EXPECT_EQ(lines.at(1), "TarnService::start");
+    EXPECT_EQ(lines.at(2), "dirverControllerHal object is create!");
+    EXPECT_EQ(lines.at(4), "Library loaded");
+    EXPECT_TRUE(lines.at(5).startsWith("TarnPipeServer ThreadID(): "));
+    EXPECT_EQ(lines.at(6), "EcDirverReader object is Created!");
+    EXPECT_EQ(lines.at(7), "GraphicsAccessoryManager object is created.");
+    EXPECT_TRUE(EcDirverReader::instance()->isRunning());
+    EXPECT_EQ(endProcess(0), 0);
+}
+
+TEST_F(ServiceObject, DeliversAnEmittedGraphicsSignal)
+{
+    DirectService service;
+    service.start();
+    machine.log.clear();
+    Q_EMIT EcDirverReader::instance()->graphicsConnectSignal();
+    EXPECT_TRUE(machine.log.contains(
+        "GraphicsActive_log: Received graphics connected signal, begin active process."));
+    EXPECT_EQ(endProcess(0), 0);
+}
+
+TEST_F(ServiceObject, PauseAndResumeChangeNothingButTheLog)
+{
+    DirectService service;
+    machine.log.clear();
+    service.pause();
+    service.resume();
+    EXPECT_EQ(machine.log.lines(), QStringList({"TarnService::pause", "TarnService::resume"}));
+}
+
+TEST_F(ServiceObject, AStopBeforeTheStartOnlyLogs)
+{
+    DirectService service;
+    machine.log.clear();
+    service.stop();
+    EXPECT_EQ(machine.log.lines(), QStringList({"TarnService::stop"}));
+    EXPECT_EQ(endProcess(3), 3);
+}
+
+TEST_F(ServiceObject, AStopEndsTheMonitorAndTheProcessLetsGo)
+{
+    DirectService service;
+    service.start();
+    ASSERT_TRUE(waitUntil([] { return !tarnTest::queuedMessages().isEmpty(); }));
+    machine.log.clear();
+    service.stop();
+    const QStringList lines = machine.log.lines();
+    const auto at = lines.indexOf("TarnService::stop");
+    EXPECT_EQ(lines.indexOf("service is Finish!"), at + 1);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(endProcess(0), 0);
+    EXPECT_EQ(machine.log.lines().last(), "EcDirverReader object is kill!");
+}
+
+TEST_F(ServiceObject, LetsGoOfAClientInTheMiddleOfAMessage)
+{
+    DirectService service;
+    service.start();
+    tarnTest::PipePeer client;
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("server send is running!"); }));
+    service.stop();
+    EXPECT_EQ(endProcess(0), 0);
+}
+
+// What is held up ends with the process: at once, with the exit code, without an abort.
+TEST_F(ServiceObject, DoesNotWaitForAHandlerThatIsHeldUp)
+{
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EXIT(
+        {
+            std::atomic<bool> heldUp {true};
+            const auto future = QtConcurrent::run([&heldUp] {
+                while (heldUp)
+                    QThread::msleep(20);
+            });
+            std::exit(endProcess(5));
+        },
+        ::testing::ExitedWithCode(5), "");
+    EXPECT_LT(timer.elapsed(), 3000);
+}
+
+TEST(ProcessEnd, CreatesNothingForAControlAction)
+{
+    const tarnTest::LogCapture log;
+    EXPECT_EQ(endProcess(-4), -4);
+    EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TEST(RunningCheck, SaysNoWhereTheSystemCannotBeAsked)
+{
+    EXPECT_FALSE(isServiceRunning("\"TarnService\""));
+}

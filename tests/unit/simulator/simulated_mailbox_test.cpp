@@ -1,0 +1,205 @@
+#include "ec_host.h"
+
+#include <gtest/gtest.h>
+
+using namespace tarnDeviceInfos;
+using tarnSimulator::Colour;
+using tarnSimulatorTest::EcHost;
+
+namespace {
+
+void attachCode(EcHost &host, std::uint8_t code)
+{
+    host.computer.attach(*tarnSimulator::findAccessory(code));
+}
+
+void writeColourBytes(EcHost &host, Colour colour)
+{
+    ASSERT_TRUE(host.write(XEC_RGB_RED, colour.red));
+    ASSERT_TRUE(host.write(XEC_RGB_GREEN, colour.green));
+    ASSERT_TRUE(host.write(XEC_RGB_BLUE, colour.blue));
+}
+
+void expectColourBytes(EcHost &host, Colour colour)
+{
+    EXPECT_EQ(host.read(XEC_RGB_RED), colour.red);
+    EXPECT_EQ(host.read(XEC_RGB_GREEN), colour.green);
+    EXPECT_EQ(host.read(XEC_RGB_BLUE), colour.blue);
+}
+
+constexpr Colour SOME_COLOUR {230, 0, 18};
+constexpr Colour OTHER_COLOUR {30, 149, 212};
+
+} // namespace
+
+TEST(SimulatedMailbox, CommandByteClearsAfterItsTime)
+{
+    EcHost host;
+    host.computer.timing().mailboxBusyMs.store(40);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    host.nowMs += 39;
+    EXPECT_EQ(host.read(XEC_RGB_CMD), APP_EC_RGB_READ);
+    host.nowMs += 1;
+    EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
+}
+
+TEST(SimulatedMailbox, AnswersWithinTenMillisecondsByDefault)
+{
+    EcHost host;
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    EXPECT_EQ(host.read(XEC_RGB_CMD), APP_EC_RGB_READ);
+    host.nowMs += 10;
+    EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
+}
+
+TEST(SimulatedMailbox, UnknownCommandIsClearedWithoutEffect)
+{
+    EcHost host;
+    attachCode(host, ACCESSORY_DOCK);
+    writeColourBytes(host, SOME_COLOUR);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, 0x7F));
+    host.nowMs += 10;
+    EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
+    EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
+    expectColourBytes(host, SOME_COLOUR);
+}
+
+TEST(SimulatedMailbox, EachAccessoryHasItsOwnLight)
+{
+    struct
+    {
+        std::uint8_t code;
+        Colour dock;
+        Colour graphics;
+    } const rows[] = {
+        {ACCESSORY_DOCK, OTHER_COLOUR, {2, 2, 2}},
+        {ACCESSORY_GRAPHICS, {1, 1, 1}, OTHER_COLOUR},
+        {ACCESSORY_GRAPHICS_16G, {1, 1, 1}, OTHER_COLOUR},
+        {ACCESSORY_KVANE, {1, 1, 1}, {2, 2, 2}},
+    };
+    for (const auto &row : rows) {
+        EcHost host;
+        host.computer.setDockLight({1, 1, 1});
+        host.computer.setGraphicsLight({2, 2, 2});
+        attachCode(host, row.code);
+        writeColourBytes(host, OTHER_COLOUR);
+        ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
+        EXPECT_EQ(host.computer.dockLight(), row.dock) << int(row.code);
+        EXPECT_EQ(host.computer.graphicsLight(), row.graphics) << int(row.code);
+    }
+}
+
+TEST(SimulatedMailbox, LoadsTheColourOfTheAttachedAccessory)
+{
+    EcHost host;
+    host.computer.setDockLight(SOME_COLOUR);
+    host.computer.setGraphicsLight(OTHER_COLOUR);
+    attachCode(host, ACCESSORY_DOCK);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    expectColourBytes(host, SOME_COLOUR);
+
+    attachCode(host, ACCESSORY_GRAPHICS_16G);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    expectColourBytes(host, OTHER_COLOUR);
+}
+
+TEST(SimulatedMailbox, WithoutALightTheColourIsBlackAndNothingIsApplied)
+{
+    EcHost host;
+    writeColourBytes(host, SOME_COLOUR);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
+    EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
+    EXPECT_EQ(host.computer.graphicsLight(), (Colour {255, 255, 255}));
+
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    expectColourBytes(host, {0, 0, 0});
+}
+
+TEST(SimulatedMailbox, LightOfAnAccessoryWithoutLinkIsOutOfReach)
+{
+    EcHost host;
+    attachCode(host, ACCESSORY_DOCK);
+    host.computer.setLinkStatus(3);
+    writeColourBytes(host, SOME_COLOUR);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
+    EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
+}
+
+TEST(SimulatedMailbox, ColourBytesAloneChangeNoLight)
+{
+    EcHost host;
+    attachCode(host, ACCESSORY_DOCK);
+    writeColourBytes(host, SOME_COLOUR);
+    EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
+}
+
+TEST(SimulatedMailbox, AcceptsACommandWhileTheLastIsStillThere)
+{
+    EcHost host;
+    host.computer.timing().mailboxBusyMs.store(1000);
+    attachCode(host, ACCESSORY_DOCK);
+    writeColourBytes(host, SOME_COLOUR);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
+    host.nowMs += 900;
+    ASSERT_TRUE(host.write(XEC_RGB_RED, 0));
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    EXPECT_EQ(host.read(XEC_RGB_RED), SOME_COLOUR.red);
+    host.nowMs += 900; // the time of the first command is over, that of the second is not
+    EXPECT_EQ(host.read(XEC_RGB_CMD), APP_EC_RGB_READ);
+    host.nowMs += 100;
+    EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
+}
+
+TEST(SimulatedMailbox, DeliversTheKvaneSerialNumber)
+{
+    EcHost host;
+    host.computer.setKvaneSerialNumber({0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x0A});
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_SN_READ));
+    const std::uint8_t expected[] = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x0A};
+    for (std::uint16_t i = 0; i < KVANE_SN_LENGTH; ++i) {
+        EXPECT_EQ(host.read(static_cast<std::uint16_t>(KVANE_SN_BYTES + i)), expected[i]);
+    }
+}
+
+TEST(SimulatedMailbox, WritesAndReadsTheKvaneLed)
+{
+    EcHost host;
+    ASSERT_TRUE(host.write(XEC_RGB_RED, 3));
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_LED_WRITE));
+    EXPECT_EQ(host.computer.kvaneLed(), 3);
+
+    host.computer.setKvaneLed(5);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_LED_READ));
+    EXPECT_EQ(host.read(XEC_RGB_RED), 5);
+}
+
+TEST(SimulatedMailbox, KeepsAndCountsGpuStateReports)
+{
+    EcHost host;
+    EXPECT_EQ(host.computer.gpuReports().count, 0U);
+    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, 7));
+    EXPECT_EQ(host.computer.gpuReports().count, 0U);
+    ASSERT_TRUE(host.write(XEC_APP_CMD, APP_CMD_PEG_STATE));
+    EXPECT_EQ(host.computer.gpuReports().count, 1U);
+    EXPECT_EQ(host.computer.gpuReports().gpuDriverData, 7);
+
+    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, 3));
+    ASSERT_TRUE(host.write(XEC_APP_CMD, APP_CMD_PEG_STATE));
+    EXPECT_EQ(host.computer.gpuReports().count, 2U);
+    EXPECT_EQ(host.computer.gpuReports().gpuDriverData, 3);
+}
+
+TEST(SimulatedMailbox, StuckFaultExecutesButNeverClears)
+{
+    EcHost host;
+    host.computer.faults().switchOn(tarnSimulator::Fault::MailboxStuck);
+    host.computer.setDockLight(SOME_COLOUR);
+    attachCode(host, ACCESSORY_DOCK);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    host.nowMs += 100000;
+    EXPECT_EQ(host.read(XEC_RGB_CMD), APP_EC_RGB_READ);
+    EXPECT_EQ(host.read(XEC_RGB_RED), SOME_COLOUR.red);
+
+    host.computer.faults().switchOff(tarnSimulator::Fault::MailboxStuck);
+    EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
+}

@@ -1,0 +1,143 @@
+#include "ec_host.h"
+
+#include "simulator/machine_values.h"
+#include "simulator/value_text.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+using namespace tarnDeviceInfos;
+using tarnSimulator::Colour;
+using tarnSimulatorTest::EcHost;
+
+TEST(SimulatedValueText, Numbers)
+{
+    EXPECT_EQ(tarnSimulator::parseNumber("0"), 0);
+    EXPECT_EQ(tarnSimulator::parseNumber("010"), 10);
+    EXPECT_EQ(tarnSimulator::parseNumber("0x1f"), 31);
+    EXPECT_EQ(tarnSimulator::parseNumber("0XFF"), 255);
+    EXPECT_EQ(tarnSimulator::parseNumber("-11"), -11);
+    for (const char *wrong : {"", "-", "0x", "12a", " 1", "1 ", "+1", "--1", "0x-1", "99999999999"}) {
+        EXPECT_EQ(tarnSimulator::parseNumber(wrong), std::nullopt) << wrong;
+    }
+    EXPECT_EQ(tarnSimulator::parseByte("255"), 255);
+    EXPECT_EQ(tarnSimulator::parseByte("256"), std::nullopt);
+    EXPECT_EQ(tarnSimulator::parseByte("-1"), std::nullopt);
+}
+
+TEST(SimulatedValueText, Colours)
+{
+    EXPECT_EQ(tarnSimulator::parseColour("230,0,18"), (Colour {230, 0, 18}));
+    EXPECT_EQ(tarnSimulator::colourText({230, 0, 18}), "230,0,18");
+    EXPECT_EQ(Colour::fromWord((Colour {1, 2, 3}).toWord()), (Colour {1, 2, 3}));
+    for (const char *wrong : {"", "1", "1,2", "1,2,", "1,2,256", "1,2,3,4", "red"}) {
+        EXPECT_EQ(tarnSimulator::parseColour(wrong), std::nullopt) << wrong;
+    }
+}
+
+TEST(SimulatedValueText, SerialNumberIsPrintedLastByteFirst)
+{
+    const tarnSimulator::SerialNumber bytes {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD};
+    EXPECT_EQ(tarnSimulator::serialNumberText(bytes), "CDAB8967452301");
+    EXPECT_EQ(tarnSimulator::parseSerialNumber("CDAB8967452301"), bytes);
+    EXPECT_EQ(tarnSimulator::parseSerialNumber("cdab8967452301"), bytes);
+    for (const char *wrong : {"", "CDAB896745230", "CDAB89674523011", "CDAB896745230G", "CDAB8967-45230"}) {
+        EXPECT_EQ(tarnSimulator::parseSerialNumber(wrong), std::nullopt) << wrong;
+    }
+}
+
+TEST(SimulatedValues, NamesAreDistinctAndFound)
+{
+    std::set<std::string_view> names;
+    for (const auto &value : tarnSimulator::machineValues()) {
+        EXPECT_EQ(tarnSimulator::findMachineValue(value.name), &value);
+        EXPECT_EQ(value.write == nullptr, value.allowed.empty()) << value.name;
+        names.insert(value.name);
+    }
+    EXPECT_EQ(names.size(), tarnSimulator::machineValues().size());
+    EXPECT_EQ(tarnSimulator::findMachineValue("no-such-value"), nullptr);
+}
+
+TEST(SimulatedValues, WhatIsSetIsReadBackAndNonsenseIsRefused)
+{
+    EcHost host;
+    int settable = 0;
+    for (const auto &value : tarnSimulator::machineValues()) {
+        if (value.write == nullptr) {
+            continue;
+        }
+        ++settable;
+        const bool isColour = value.allowed.starts_with("RED");
+        const bool isSerialNumber = value.allowed.starts_with("14");
+        const std::string text = isColour ? "7,8,9" : isSerialNumber ? "00112233445566" : "17";
+        EXPECT_TRUE(value.write(host.computer, text)) << value.name;
+        EXPECT_EQ(value.read(host.computer), text) << value.name;
+        EXPECT_FALSE(value.write(host.computer, "nonsense")) << value.name;
+        EXPECT_FALSE(value.write(host.computer, "-1")) << value.name;
+        EXPECT_FALSE(value.write(host.computer, "1000001")) << value.name;
+        EXPECT_EQ(value.read(host.computer), text) << value.name;
+    }
+    EXPECT_GT(settable, 15);
+}
+
+class SimulatedRegisterValue : public ::testing::TestWithParam<std::pair<const char *, std::uint16_t>>
+{ };
+
+TEST_P(SimulatedRegisterValue, ShowsItsRegister)
+{
+    EcHost host;
+    host.computer.poke(GetParam().second, 91);
+    const auto *value = tarnSimulator::findMachineValue(GetParam().first);
+    ASSERT_NE(value, nullptr);
+    EXPECT_EQ(value->read(host.computer), "91");
+    if (value->write != nullptr) {
+        ASSERT_TRUE(value->write(host.computer, "0x5C"));
+        EXPECT_EQ(host.computer.peek(GetParam().second), 0x5C);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, SimulatedRegisterValue,
+    ::testing::Values(std::pair {"battery", EC_TARN_BATTERY_NUM},
+        std::pair {"charging", EC_TARN_CHARGING_STATUS}, std::pair {"kvane-battery", EC_KVANE_BATTERY_NUM},
+        std::pair {"kvane-charging", EC_KVANE_CHARGING_STATUS}, std::pair {"link-status", MCU_LINK_STATUS},
+        std::pair {"accessory-code", ACCESSORY_CODE}, std::pair {"hardware-version", HARDWARE_VERSION},
+        std::pair {"mcu-major", MCU_VERSION_MAJOR}, std::pair {"mcu-minor", MCU_VERSION_MINOR},
+        std::pair {"mcu-patch", MCU_VERSION_PATCH}, std::pair {"supply-mode", EC_POWER_SUPPLY_MODE},
+        std::pair {"power-mode", EC_TARN_POWER_MODE}, std::pair {"pl-control", EC_POWERMODE_PL_CTRL},
+        std::pair {"pl1", EC_POWERMODE_PL1_CHECK}, std::pair {"pl2", EC_POWERMODE_PL2_CHECK},
+        std::pair {"pl4", EC_POWERMODE_PL4_CHECK}, std::pair {"fan-mode", EC_FAN_MODE},
+        std::pair {"mcu-update", EC_MCU_UPDATE_CTRL}));
+
+TEST(SimulatedValues, SwitchesTakeOnAndOff)
+{
+    EcHost host;
+    const auto set = [&host](const char *name, const char *text) {
+        return tarnSimulator::findMachineValue(name)->write(host.computer, text);
+    };
+    ASSERT_TRUE(set("kvane-charging", "on"));
+    EXPECT_EQ(host.computer.peek(EC_KVANE_CHARGING_STATUS), KVANE_CHARGING_BIT);
+    ASSERT_TRUE(set("kvane-charging", "off"));
+    EXPECT_EQ(host.computer.peek(EC_KVANE_CHARGING_STATUS), 0);
+    ASSERT_TRUE(set("charging", "off"));
+    EXPECT_EQ(host.computer.peek(EC_TARN_CHARGING_STATUS), 0);
+    ASSERT_TRUE(set("charging", "on"));
+    EXPECT_EQ(host.computer.peek(EC_TARN_CHARGING_STATUS), TARN_CHARGING_BIT);
+
+    const auto *smartCharging = tarnSimulator::findMachineValue("smart-charging");
+    ASSERT_TRUE(set("smart-charging", "off"));
+    EXPECT_EQ(host.computer.peekEeprom(EEP_SMART_CHARGING), SMART_CHARGING_OFF);
+    EXPECT_EQ(smartCharging->read(host.computer), "off");
+    ASSERT_TRUE(set("smart-charging", "on"));
+    EXPECT_EQ(host.computer.peekEeprom(EEP_SMART_CHARGING), SMART_CHARGING_ON);
+    EXPECT_EQ(smartCharging->read(host.computer), "on");
+}
+
+TEST(SimulatedValues, GpuReportsAreShown)
+{
+    EcHost host;
+    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, 7));
+    ASSERT_TRUE(host.write(XEC_APP_CMD, APP_CMD_PEG_STATE));
+    EXPECT_EQ(tarnSimulator::findMachineValue("gpu-state")->read(host.computer), "7");
+    EXPECT_EQ(tarnSimulator::findMachineValue("gpu-reports")->read(host.computer), "1");
+}
