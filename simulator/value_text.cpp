@@ -97,8 +97,8 @@ std::optional<SerialNumber> parseSerialNumber(std::string_view text)
 std::string serialNumberText(const SerialNumber &bytes)
 {
     std::string text;
-    for (auto byte = bytes.rbegin(); byte != bytes.rend(); ++byte) {
-        text += bareHex(*byte, 2);
+    for (std::size_t i = bytes.size(); i > 0; --i) {
+        text += bareHex(bytes[i - 1], 2);
     }
     return text;
 }

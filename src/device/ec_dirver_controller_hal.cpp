@@ -5,6 +5,7 @@
 #include "platform/waits.h"
 
 #include <QDebug>
+#include <QDir>
 
 namespace tarnDeviceInfos {
 namespace {
@@ -37,7 +38,9 @@ EcDirverControllerHal *EcDirverControllerHal::instance()
 
 EcDirverControllerHal::EcDirverControllerHal()
     : libraryPath(QStringLiteral("./function/inpoutx64.dll"))
-    , library(libraryPath)
+    // As an absolute path: a relative one would make Windows look along PATH as well, with a service's
+    // rights.
+    , library(QDir::current().absoluteFilePath(libraryPath))
 {
     qDebug() << "dirverControllerHal object is create!";
     if (!loadLibrary())

@@ -44,6 +44,12 @@ constexpr WatchedValue watchedValues[] = {
     {"getTarnBatteryNum", &KvaneAccessoryManager::getTarnBatteryNum},
 };
 
+int readWatched(int value)
+{
+    const auto read = watchedValues[value].read;
+    return (KvaneAccessoryManager::instance()->*read)();
+}
+
 // The table of accessories: wire name, and what the log says at first detection and at a change.
 struct AccessoryKind
 {
@@ -226,11 +232,11 @@ QString EcDirverReader::accessoryName() const
     return kind ? QString::fromLatin1(kind->name) : QString();
 }
 
-// A thread object must not be deleted while its thread runs: the loop is asked to end, and the end of the
-// process disposes of the object.
+// A thread object must not be deleted while its thread runs, and handlers may still ask it: the loop is asked
+// to end, and the end of the process disposes of the object.
 bool EcDirverReader::event(QEvent *event)
 {
-    if (event->type() != QEvent::DeferredDelete || !isRunning())
+    if (event->type() != QEvent::DeferredDelete)
         return QThread::event(event);
     requestEnd();
     return true;
@@ -316,7 +322,7 @@ void EcDirverReader::announceAccessory(const char *name)
 
 void EcDirverReader::announceValue(Watched value)
 {
-    const int reading = (KvaneAccessoryManager::instance()->*watchedValues[value].read)();
+    const int reading = readWatched(value);
     sent[value] = reading;
     enqueueNotification(watchedValues[value].command, QString::number(reading));
 }
@@ -324,7 +330,7 @@ void EcDirverReader::announceValue(Watched value)
 void EcDirverReader::announceChangedValues()
 {
     for (int value = LedLight; value < WatchedCount; ++value) {
-        latest[value] = (KvaneAccessoryManager::instance()->*watchedValues[value].read)();
+        latest[value] = readWatched(value);
         if (latest[value] == sent[value])
             continue;
         sent[value] = latest[value];

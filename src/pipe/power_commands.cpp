@@ -39,9 +39,9 @@ QString TarnPipeServer::powerModeControl(QJsonObject &request)
     const QString data = requestData(request);
     if (data == QStringLiteral("first")) {
         manager->powerModeFirstRun();
-        const QString mode = QString::number(manager->currentPowerMode());
+        const int mode = manager->currentPowerMode();
         qDebug() << "+++++++++++++++++++===========================:" << mode;
-        return replyWith(request, QStringLiteral("result"), mode);
+        return replyWith(request, QStringLiteral("result"), QString::number(mode));
     }
     if (data == QStringLiteral("last")) {
         manager->powerModeLastRun();

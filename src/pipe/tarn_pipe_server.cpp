@@ -66,6 +66,11 @@ TarnPipeServer::~TarnPipeServer()
     delete smartChargingTimer;
 }
 
+void TarnPipeServer::closeDoor()
+{
+    localServer->close();
+}
+
 QString TarnPipeServer::dispatch(const QByteArray &request)
 {
     qDebug() << QThread::currentThreadId();

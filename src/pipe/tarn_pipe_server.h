@@ -32,6 +32,9 @@ public:
     static TarnPipeServer *instance();
     ~TarnPipeServer() override;
 
+    // Takes no more clients, for the end of the process.
+    void closeDoor();
+
     // Runs the handler of one request and returns its reply, empty for what is not understood. Any thread.
     QString dispatch(const QByteArray &request);
 

@@ -29,7 +29,7 @@ void logBanner()
 // False when the process was asked to end meanwhile.
 bool waitForSystem()
 {
-    const tarnPlatform::StopRequests stopRequests;
+    const auto &stopRequests = tarnPlatform::StopRequests::ofProcess();
     tarnPlatform::pumpEventsFor(startDelay, [&stopRequests] { return stopRequests.isRequested(); });
     return !stopRequests.isRequested();
 }
@@ -46,6 +46,7 @@ void logSourcePath()
 int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
+    tarnPlatform::StopRequests::ofProcess();
     // Every relative path of the service lies beside its program.
     QDir::setCurrent(QCoreApplication::applicationDirPath());
 

@@ -3,6 +3,7 @@
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_reader.h"
 #include "pipe/send_queue_thread.h"
+#include "pipe/tarn_pipe_server.h"
 #include "platform/process_wide.h"
 
 #include <QCoreApplication>
@@ -18,6 +19,7 @@ namespace {
 using namespace std::chrono_literals;
 using tarnDeviceInfos::EcDirverReader;
 using tarnPipeServer::SendQueueThread;
+using tarnPipeServer::TarnPipeServer;
 using tarnPlatform::ProcessWide;
 
 // A healthy cycle of the monitor and the pause before a message end well within it; a stop may take 3 s.
@@ -35,6 +37,8 @@ int endProcess(int exitCode)
 {
     auto *monitor = ProcessWide<EcDirverReader>::existing();
     auto *sender = ProcessWide<SendQueueThread>::existing();
+    if (auto *server = ProcessWide<TarnPipeServer>::existing())
+        server->closeDoor();
     if (monitor)
         monitor->requestEnd();
     if (sender)
@@ -57,6 +61,8 @@ int endProcess(int exitCode)
         std::fflush(nullptr);
         std::_Exit(exitCode); // a normal end would wait for the threads that are held up
     }
+    if (sender)
+        sender->wait(); // for the last steps of a thread that counts as finished already
     delete monitor;
     return exitCode;
 }

@@ -134,10 +134,13 @@ int QtServiceBase::executeAsApplication()
     --argumentCount;
     createApplication(argumentCount, arguments.data());
 
-    const tarnPlatform::StopRequests stopRequests;
+    const auto &stopRequests = tarnPlatform::StopRequests::ofProcess();
     QObject::connect(
         &stopRequests, &tarnPlatform::StopRequests::stopRequested, qApp, [this] { stopService(); });
     start();
+    if (stopRequests.isRequested()) // before anybody listened
+        QMetaObject::invokeMethod(
+            qApp, [this] { stopService(); }, Qt::QueuedConnection);
     const int result = executeApplication();
     if (result == -1)
         qErrnoWarning("The service could not be executed.");

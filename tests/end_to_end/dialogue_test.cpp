@@ -1,5 +1,4 @@
-#include "end_to_end/service_client.h"
-#include "end_to_end/service_process.h"
+#include "end_to_end/running_service.h"
 
 #include "device/ec_registers.h"
 
@@ -9,22 +8,9 @@
 
 using namespace tarnDeviceInfos;
 using tarnTest::ServiceClient;
-using tarnTest::ServiceProcess;
 using tarnTest::waitUntil;
 
-class Dialogue : public ::testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        ASSERT_TRUE(service.start()) << service.log().toStdString();
-        ASSERT_TRUE(client.connectToService());
-    }
-    void TearDown() override { EXPECT_EQ(service.stop(), 0); }
-
-    ServiceProcess service;
-    ServiceClient client;
-};
+using Dialogue = tarnTest::RunningService;
 
 TEST_F(Dialogue, FollowsADockFromAttachToDetach)
 {

@@ -1,15 +1,42 @@
 #include "platform/leftover_socket.h"
 
+#include <QDir>
+#include <QFile>
 #include <QLocalServer>
-#include <QLocalSocket>
+
+#include <algorithm>
+#include <cerrno>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace tarnPlatform {
+namespace {
+
+// Asks without connecting, which a live server would take for a client: a datagram socket cannot be connected
+// to a stream server (EPROTOTYPE), and to nobody at all (ECONNREFUSED).
+bool isBoundByNobody(const QByteArray &path)
+{
+    sockaddr_un address {};
+    address.sun_family = AF_UNIX;
+    if (path.size() >= static_cast<qsizetype>(sizeof address.sun_path))
+        return false;
+    std::copy(path.begin(), path.end(), address.sun_path);
+    const int probe = ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    if (probe < 0)
+        return false;
+    const bool refused = ::connect(probe, reinterpret_cast<const sockaddr *>(&address), sizeof address) != 0
+        && errno == ECONNREFUSED;
+    ::close(probe);
+    return refused;
+}
+
+} // namespace
 
 void removeLeftoverSocket(const QString &pipeName)
 {
-    QLocalSocket probe;
-    probe.connectToServer(pipeName);
-    if (probe.error() == QLocalSocket::ConnectionRefusedError)
+    const QString path = QDir(QDir::tempPath()).absoluteFilePath(pipeName); // where QLocalServer puts it
+    if (isBoundByNobody(QFile::encodeName(path)))
         QLocalServer::removeServer(pipeName);
 }
 

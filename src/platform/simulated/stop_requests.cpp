@@ -11,7 +11,7 @@
 namespace tarnPlatform {
 namespace {
 
-constexpr std::array stopSignals {SIGTERM, SIGINT};
+constexpr std::array stopSignals {SIGTERM, SIGINT, SIGHUP};
 
 // A signal handler may do little more than write a byte; the notifier turns it into an event.
 std::array<int, 2> wire {-1, -1};
@@ -26,9 +26,19 @@ void noteSignal(int)
 
 } // namespace
 
+StopRequests &StopRequests::ofProcess()
+{
+    static auto *requests = new StopRequests;
+    return *requests;
+}
+
+bool StopRequests::isRequested() const
+{
+    return requested;
+}
+
 StopRequests::StopRequests()
 {
-    requested = false;
     if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, wire.data()) != 0)
         return; // the signals then keep their default action
     auto *notifier = new QSocketNotifier(wire[1], QSocketNotifier::Read, this);
@@ -42,24 +52,14 @@ StopRequests::StopRequests()
     { };
     action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART;
-    for (const int signal : stopSignals)
-        ::sigaction(signal, &action, nullptr);
-}
-
-StopRequests::~StopRequests()
-{
-    for (const int signal : stopSignals)
-        std::signal(signal, SIG_DFL);
-    for (int &end : wire) {
-        if (end >= 0)
-            ::close(end);
-        end = -1;
+    for (const int signal : stopSignals) {
+        struct sigaction inherited
+        { };
+        ::sigaction(signal, nullptr, &inherited);
+        if (inherited.sa_handler
+            != SIG_IGN) // nohup and background jobs of a script stay as they were started
+            ::sigaction(signal, &action, nullptr);
     }
-}
-
-bool StopRequests::isRequested() const
-{
-    return requested;
 }
 
 } // namespace tarnPlatform

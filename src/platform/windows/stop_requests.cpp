@@ -1,5 +1,7 @@
 #include "platform/stop_requests.h"
 
+#include "platform/user_session.h"
+
 #include <atomic>
 #include <windows.h>
 
@@ -16,6 +18,10 @@ BOOL WINAPI noteControl(DWORD control)
     StopRequests *stopRequests = listener.load();
     if (!stopRequests)
         return FALSE;
+    // Services are told of every user's log-off; only the service manager ends them.
+    if (UserSession::system().isServiceSession()
+        && (control == CTRL_LOGOFF_EVENT || control == CTRL_SHUTDOWN_EVENT))
+        return TRUE;
     requested = true;
     QMetaObject::invokeMethod(stopRequests, &StopRequests::stopRequested, Qt::QueuedConnection);
     if (control != CTRL_C_EVENT && control != CTRL_BREAK_EVENT)
@@ -25,22 +31,23 @@ BOOL WINAPI noteControl(DWORD control)
 
 } // namespace
 
-StopRequests::StopRequests()
+StopRequests &StopRequests::ofProcess()
 {
-    requested = false;
-    listener = this;
-    SetConsoleCtrlHandler(noteControl, TRUE);
-}
-
-StopRequests::~StopRequests()
-{
-    SetConsoleCtrlHandler(noteControl, FALSE);
-    listener = nullptr;
+    static auto *requests = new StopRequests;
+    return *requests;
 }
 
 bool StopRequests::isRequested() const
 {
     return requested;
+}
+
+StopRequests::StopRequests()
+{
+    listener = this;
+    SetConsoleCtrlHandler(
+        nullptr, FALSE); // a process started in a group of its own ignores Ctrl+C until then
+    SetConsoleCtrlHandler(noteControl, TRUE);
 }
 
 } // namespace tarnPlatform

@@ -5,14 +5,21 @@ using tarnSimulator::Fault;
 
 using DevicePowerMode = tarnTest::PowerModeTest;
 
-namespace {
-
 struct FlagReading
 {
     int flag;
     int profile;
     const char *line;
 };
+
+struct FlagWriting
+{
+    quint32 profile;
+    const char *flag;
+};
+
+namespace {
+
 const FlagReading flagReadings[] = {
     {0, 3, "tarn power mode is other."},
     {1, 1, "tarn power mode is balance."},
@@ -24,11 +31,6 @@ const FlagReading flagReadings[] = {
     {255, 3, "tarn power mode is other."},
 };
 
-struct FlagWriting
-{
-    quint32 profile;
-    const char *flag;
-};
 const FlagWriting flagWritings[] = {
     {0, "04"}, {1, "01"}, {2, "02"}, {3, "64"}, {4, "64"}, {7, "64"}, {256, "64"}, {0xFFFFFFFF, "64"}};
 

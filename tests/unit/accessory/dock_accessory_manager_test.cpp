@@ -218,8 +218,6 @@ TEST_F(DockLed, ASetDoesNotWaitForAStuckMailbox)
     EXPECT_EQ(light(), 0);
 }
 
-namespace {
-
 struct FailedLedWrite
 {
     const char *name;
@@ -227,6 +225,9 @@ struct FailedLedWrite
     int accessesBefore;
     const char *line;
 };
+
+namespace {
+
 const FailedLedWrite failedLedWrites[] = {
     {"Red", XEC_RGB_RED, 0, "W: Failed to write rgbColorRedDock:  0 to XEC_RGB_RED."},
     {"Green", XEC_RGB_GREEN, 1, "W: Failed to write rgbColorGreenDock:  0 to XEC_RGB_GREEN."},

@@ -183,8 +183,6 @@ TEST_F(Kvane, ALedThatCannotBeReadIsMinusOne)
     EXPECT_EQ(machine.log.lines(), tarnTest::unansweredRead); // the driver's lines alone
 }
 
-namespace {
-
 // One of the plain readers: one register, one access, no lock, no line.
 struct PlainReader
 {
@@ -194,6 +192,8 @@ struct PlainReader
     std::function<int(int)> meaning;
     int whenUnread;
 };
+
+namespace {
 
 int wholeByte(int byte)
 {
@@ -212,13 +212,20 @@ const PlainReader plainReaders[] = {
 } // namespace
 
 class KvaneReaders : public Kvane, public ::testing::WithParamInterface<PlainReader>
-{ };
+{
+protected:
+    int read()
+    {
+        const auto reader = GetParam().read;
+        return (manager->*reader)();
+    }
+};
 
 TEST_P(KvaneReaders, GiveTheirPartOfTheByte)
 {
     for (int byte = 0; byte <= 255; ++byte) {
         setRegister(GetParam().address, static_cast<quint8>(byte));
-        EXPECT_EQ((manager->*GetParam().read)(), GetParam().meaning(byte)) << byte;
+        EXPECT_EQ(read(), GetParam().meaning(byte)) << byte;
     }
     EXPECT_TRUE(machine.log.lines().isEmpty());
     EXPECT_TRUE(lockNeverTaken());
@@ -227,7 +234,7 @@ TEST_P(KvaneReaders, GiveTheirPartOfTheByte)
 TEST_P(KvaneReaders, TakeOneAccess)
 {
     setRegister(GetParam().address, 0x5A);
-    (manager->*GetParam().read)();
+    read();
     EXPECT_EQ(machine.timeline(),
         QStringList({QString("20 R %1 5A").arg(GetParam().address, 4, 16, QLatin1Char('0')).toUpper()}));
     EXPECT_EQ(elapsed(), 20);
@@ -237,7 +244,7 @@ TEST_P(KvaneReaders, HaveAValueForAFailedRead)
 {
     setRegister(GetParam().address, 0x77);
     machine.faults().switchOn(Fault::FailRead, GetParam().address);
-    EXPECT_EQ((manager->*GetParam().read)(), GetParam().whenUnread);
+    EXPECT_EQ(read(), GetParam().whenUnread);
     EXPECT_EQ(machine.log.lines(), tarnTest::unansweredRead); // the driver's lines alone
 }
 
@@ -246,7 +253,7 @@ TEST_P(KvaneReaders, WorkWhileTheCallerHoldsTheEC)
 {
     const EcAccess access;
     setRegister(GetParam().address, 0xFF);
-    EXPECT_EQ((manager->*GetParam().read)(), GetParam().meaning(0xFF));
+    EXPECT_EQ(read(), GetParam().meaning(0xFF));
     EXPECT_TRUE(ecAccessMutex.isLocked());
 }
 

@@ -4,13 +4,14 @@
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
 
-namespace {
-
 struct ControlModeRow
 {
     int mode;
     const char *line;
 };
+
+namespace {
+
 const ControlModeRow controlModeRows[] = {
     {0, "ec powerctrlmode is auto mode:  0"},
     {1, "ec powerctrlmode is manual mode:  1"},

@@ -4,11 +4,6 @@ using namespace tarnDeviceInfos;
 using tarnAccessoryManager::EcPowerModeManager;
 using tarnSimulator::Fault;
 
-namespace {
-
-constexpr int unread = -1; // this register does not answer
-constexpr int unasked = -2; // this register is not to be read
-
 // The limits and the fan mode of one profile on one kind of supply.
 struct LimitRow
 {
@@ -20,6 +15,11 @@ struct LimitRow
     int pl4;
     int fanMode;
 };
+
+namespace {
+
+constexpr int unread = -1; // this register does not answer
+constexpr int unasked = -2; // this register is not to be read
 
 const LimitRow limitRows[] = {
     {"high", 0, unasked, 45, 55, 75, 1},

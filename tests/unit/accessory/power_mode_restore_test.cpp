@@ -6,8 +6,6 @@ using tarnTest::InItsPlace;
 using tarnTest::ProfileFileTest;
 using tarnTest::Unprivileged;
 
-namespace {
-
 // One way in which there is no saved profile, with the words for what becomes of it.
 struct NoSavedProfile
 {
@@ -19,6 +17,8 @@ struct NoSavedProfile
     QString notWritten;
     QString written;
 };
+
+namespace {
 
 const QStringList balanceApplied {"set ec powermode to balance done."};
 

@@ -5,14 +5,15 @@ using tarnSimulator::Fault;
 using tarnTest::InItsPlace;
 using tarnTest::ProfileFileTest;
 
-namespace {
-
 struct SavedProfile
 {
     const char *name;
     QByteArray content;
     int profile;
 };
+
+namespace {
+
 const SavedProfile savedProfiles[] = {
     {"High", "0", 0},
     {"Balance", "1", 1},
@@ -89,13 +90,14 @@ TEST_P(SavedPowerMode, IsRestoredThoughItCannotBeSavedAgain)
 INSTANTIATE_TEST_SUITE_P(Contents, SavedPowerMode, ::testing::ValuesIn(savedProfiles),
     [](const auto &row) { return std::string(row.param.name); });
 
-namespace {
-
 struct GarbledProfile
 {
     const char *name;
     QByteArray content;
 };
+
+namespace {
+
 const GarbledProfile garbledProfiles[] = {
     {"Empty", ""},
     {"LineEnd", "\n"},

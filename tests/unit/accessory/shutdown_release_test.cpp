@@ -7,14 +7,14 @@ using tarnAccessoryManager::DockAccessoryManager;
 using tarnAccessoryManager::EcPowerModeManager;
 using tarnAccessoryManager::KvaneAccessoryManager;
 
-namespace {
-
 // An operation, and what it gives when the EC is not to be had any more because the process ends.
 struct ReleasedOperation
 {
     const char *name;
     std::function<bool()> givesItsFailure;
 };
+
+namespace {
 
 const ReleasedOperation releasedOperations[] = {
     {"setEcPowerModeHigh",

@@ -210,13 +210,6 @@ TEST_F(MonitorLoop, SurvivesADeferredDeleteWhileItsThreadRuns)
     EXPECT_EQ(machine.log.count("EcDirverReader object is kill!"), 1);
 }
 
-TEST_F(MonitorLoop, IsDeletedAtOnceWhenItDoesNotRun)
-{
-    reader->deleteLater();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_TRUE(machine.log.contains("EcDirverReader object is kill!"));
-}
-
 TEST_F(MonitorLoop, EndsAtItsNextLockWhenTheProcessEnds)
 {
     machine.clock.at(1s, [this] {

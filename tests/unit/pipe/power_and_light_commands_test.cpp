@@ -56,7 +56,7 @@ TEST_F(PowerAndLightCommands, AnswerTheClientsStartWithTheProfileInForce)
 {
     machine.folder.write("powermodeconfig.xml", "2");
     EXPECT_EQ(ask("powerModeControl", "first"), result("powerModeControl", "first", "2"));
-    EXPECT_TRUE(machine.log.contains("+++++++++++++++++++===========================: \"2\""));
+    EXPECT_TRUE(machine.log.contains("+++++++++++++++++++===========================: 2"));
     EXPECT_EQ(machine.state->xdata[EC_POWERMODE_PL_CTRL], PL_CTRL_MANUAL);
 }
 

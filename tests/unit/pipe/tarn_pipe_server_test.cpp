@@ -301,6 +301,22 @@ TEST(PipeServerStart, NeverDisplacesALiveServer)
     EXPECT_FALSE(machine.log.contains("is connection!"));
 }
 
+TEST(PipeServerStart, DoesNotDisturbTheClientOfALiveServer)
+{
+    const tarnTest::SimulatedMachine machine;
+    QLocalServer live;
+    ASSERT_TRUE(live.listen("tarnPipe"));
+    TarnPipeServer::instance();
+    EXPECT_FALSE(waitUntil([&live] { return live.hasPendingConnections(); }, 50));
+}
+
+TEST_F(PipeServer, TakesNobodyOnceItsDoorIsClosed)
+{
+    server->closeDoor();
+    client.socket.connectToServer("tarnPipe");
+    EXPECT_EQ(client.socket.error(), QLocalSocket::ServerNotFoundError);
+}
+
 TEST(PipeServerSession, AnOrdinaryProcessIsNotInTheServiceSession)
 {
     const tarnTest::SimulatedMachine machine;

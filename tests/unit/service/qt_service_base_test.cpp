@@ -1,5 +1,6 @@
 #include "service/qt_service.h"
 
+#include "platform/stop_requests.h"
 #include "support/log_capture.h"
 #include "support/virtual_clock.h"
 
@@ -174,7 +175,7 @@ TEST(ServiceHost, WarnsWhenTheApplicationCannotRun)
 class ServiceHostSignal : public ::testing::TestWithParam<int>
 { };
 
-INSTANTIATE_TEST_SUITE_P(Stop, ServiceHostSignal, ::testing::Values(SIGTERM, SIGINT));
+INSTANTIATE_TEST_SUITE_P(Stop, ServiceHostSignal, ::testing::Values(SIGTERM, SIGINT, SIGHUP));
 
 TEST_P(ServiceHostSignal, StopsOnceAndLeavesWithZero)
 {
@@ -185,6 +186,17 @@ TEST_P(ServiceHostSignal, StopsOnceAndLeavesWithZero)
         std::raise(GetParam());
         QTimer::singleShot(0, [] { std::raise(GetParam()); });
     };
+    EXPECT_EQ(service.exec(), 0);
+    EXPECT_EQ(service.calls, QStringList({"start", "loop", "stop"}));
+}
+
+TEST(ServiceHost, ObeysARequestThatCameBeforeAnybodyListened)
+{
+    tarnPlatform::StopRequests::ofProcess();
+    std::raise(SIGTERM);
+    QCoreApplication::processEvents();
+    NotingService service({"tarn", "-exec"});
+    service.realLoop = true;
     EXPECT_EQ(service.exec(), 0);
     EXPECT_EQ(service.calls, QStringList({"start", "loop", "stop"}));
 }
