@@ -20,7 +20,7 @@ public:
     };
 
     // The service's messages have a few hundred bytes; what grows to this size is no message.
-    static constexpr qsizetype defaultLimit = 1024 * 1024;
+    static constexpr qsizetype defaultLimit = 1 << 20;
 
     explicit JsonSplitter(qsizetype documentLimit = defaultLimit);
 

@@ -19,17 +19,22 @@ constexpr auto mailboxPause = 10ms;
 
 using SerialNumber = std::array<quint8, KVANE_SN_LENGTH>;
 
+QString unreadSerialNumber()
+{
+    return QStringLiteral("default");
+}
+
 bool readSerialNumber(SerialNumber &bytes)
 {
-    for (quint16 index = 0; index < KVANE_SN_LENGTH; ++index) {
-        const QByteArray number = QByteArray::number(index + 1);
-        const quint16 address = KVANE_SN_BYTES + index;
-        if (EcDirverControllerHal::instance()->readXdata(address, &bytes[index]) != 0) {
+    quint16 position = 0;
+    for (quint8 &byte : bytes) {
+        const quint16 address = KVANE_SN_BYTES + position++;
+        const QByteArray number = QByteArray::number(position);
+        if (EcDirverControllerHal::instance()->readXdata(address, &byte) != 0) {
             qWarning() << ("read kvane sn code " + number + " from xdata failed.").constData();
             return false;
         }
-        qDebug() << ("read kvane sn code " + number + " from xdata successed with: ").constData()
-                 << bytes[index];
+        qDebug() << ("read kvane sn code " + number + " from xdata successed with: ").constData() << byte;
     }
     return true;
 }
@@ -79,22 +84,21 @@ KvaneAccessoryManager::~KvaneAccessoryManager()
 
 QString KvaneAccessoryManager::getKvaneSnCode()
 {
-    const QString unread = QStringLiteral("default");
     qDebug() << "start to get kvane sn code.";
     const EcAccess access;
     if (!access)
-        return unread;
+        return unreadSerialNumber();
     sleepFor(mailboxPause);
     if (EcDirverControllerHal::instance()->writeXdata(XEC_RGB_CMD, APP_EC_KVANE_SN_READ) != 0) {
         qDebug() << "begin to read kvane sn code failed.";
-        return unread;
+        return unreadSerialNumber();
     }
     qDebug() << "ready to read kvane sn code.";
     sleepFor(mailboxPause);
     SerialNumber bytes {};
     if (!readSerialNumber(bytes))
-        return unread;
-    const QString text = serialNumberText(bytes);
+        return unreadSerialNumber();
+    QString text = serialNumberText(bytes);
     qDebug() << "Kvane SN code:" << text;
     return text;
 }

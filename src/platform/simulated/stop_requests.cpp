@@ -48,16 +48,14 @@ StopRequests::StopRequests()
         Q_EMIT stopRequested();
     });
 
-    struct sigaction action
-    { };
+    struct sigaction action = {};
     action.sa_handler = noteSignal;
     action.sa_flags = SA_RESTART;
     for (const int signal : stopSignals) {
-        struct sigaction inherited
-        { };
+        struct sigaction inherited = {};
         ::sigaction(signal, nullptr, &inherited);
-        if (inherited.sa_handler
-            != SIG_IGN) // nohup and background jobs of a script stay as they were started
+        const bool keptByNohup = signal == SIGHUP && inherited.sa_handler == SIG_IGN;
+        if (!keptByNohup)
             ::sigaction(signal, &action, nullptr);
     }
 }
