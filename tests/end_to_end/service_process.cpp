@@ -13,11 +13,7 @@
 namespace tarnTest {
 namespace {
 
-#ifdef Q_OS_WIN
-const QString programName = QStringLiteral("TarnService.exe");
-#else
-const QString programName = QStringLiteral("TarnService");
-#endif
+const QString programName = QStringLiteral("TarnService" TARN_PROGRAM_SUFFIX);
 constexpr int endPatienceMs = 5000;
 
 // What is shipped beside the program: on Windows its libraries as well.
@@ -38,6 +34,11 @@ QString runFolder()
 }
 
 } // namespace
+
+QString builtProgram(const QString &name)
+{
+    return QDir(runFolder()).filePath(name + QStringLiteral(TARN_PROGRAM_SUFFIX));
+}
 
 ServiceProcess::ServiceProcess()
 {

@@ -13,6 +13,9 @@
 
 namespace tarnTest {
 
+// Path of a program of the build under test.
+[[nodiscard]] QString builtProgram(const QString &name);
+
 // A real service process in a folder of its own, on a simulated computer of its own.
 class ServiceProcess
 {
