@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iostream>
+
 namespace tarnTest {
 
 // A service with one client, which ends well.
@@ -16,7 +18,12 @@ protected:
         ASSERT_TRUE(service.start()) << service.log().toStdString();
         ASSERT_TRUE(client.connectToService());
     }
-    void TearDown() override { EXPECT_EQ(service.stop(), 0); }
+    void TearDown() override
+    {
+        EXPECT_EQ(service.stop(), 0);
+        if (HasFailure())
+            std::cerr << "the service said last:\n" << service.log().right(6000).toStdString() << '\n';
+    }
 
     ServiceProcess service;
     ServiceClient client;

@@ -17,7 +17,7 @@ public:
     void write(const QByteArray &bytes) { peer.write(bytes); }
 
     // Sends the request and waits for the message that echoes its mark; nothing if none comes.
-    [[nodiscard]] QJsonObject ask(QJsonObject request, int boundMs = 40000);
+    [[nodiscard]] QJsonObject ask(QJsonObject request, int boundMs = 120000);
     // The same for a command with data; the added fields only, as "data" or "result" or both joined by a
     // blank.
     [[nodiscard]] QString answer(const char *command, const char *data = nullptr);

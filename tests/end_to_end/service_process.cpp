@@ -14,6 +14,7 @@ namespace tarnTest {
 namespace {
 
 const QString programName = QStringLiteral("TarnService" TARN_PROGRAM_SUFFIX);
+const QString logName = QStringLiteral("service.log");
 constexpr int endPatienceMs = 5000;
 
 // What is shipped beside the program: on Windows its libraries as well.
@@ -56,7 +57,9 @@ ServiceProcess::ServiceProcess()
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
     process.setProcessEnvironment(environment);
+    // Into a file: a pipe that the test does not empty in time would hold the service up in its logging.
     process.setProcessChannelMode(QProcess::MergedChannels);
+    process.setStandardOutputFile(path(logName));
     prepareForStop(process);
 }
 
@@ -72,7 +75,6 @@ bool ServiceProcess::start(const QStringList &arguments)
 
 bool ServiceProcess::launch(const QStringList &arguments, const QString &workingFolder)
 {
-    collected.clear();
     process.setWorkingDirectory(workingFolder.isEmpty() ? folder.path() : workingFolder);
     process.start(path(programName), arguments);
     return process.waitForStarted();
@@ -101,15 +103,12 @@ bool ServiceProcess::waitForLog(const QString &text, int times, int boundMs)
 
 bool ServiceProcess::waitForEnd(int boundMs)
 {
-    const bool ended = waitUntil([this] { return process.state() == QProcess::NotRunning; }, boundMs);
-    collectLog();
-    return ended;
+    return waitUntil([this] { return process.state() == QProcess::NotRunning; }, boundMs);
 }
 
 QString ServiceProcess::log()
 {
-    collectLog();
-    return collected;
+    return QString::fromLocal8Bit(read(logName)).remove(QLatin1Char('\r'));
 }
 
 QByteArray ServiceProcess::read(const QString &name) const
@@ -136,11 +135,6 @@ void ServiceProcess::breakDown(const char *fault, std::optional<int> value, unsi
     if (!description)
         qFatal("no fault named %s", fault);
     control->faults().switchOn(description->fault, value.value_or(description->onValue), skip);
-}
-
-void ServiceProcess::collectLog()
-{
-    collected += QString::fromLocal8Bit(process.readAll()).remove(QLatin1Char('\r'));
 }
 
 } // namespace tarnTest

@@ -51,12 +51,9 @@ public:
     QProcess process;
 
 private:
-    void collectLog();
-
     QTemporaryDir folder;
     std::optional<tarnSimulator::MachineStateFile> machine;
     std::unique_ptr<tarnSimulator::ComputerControl> control;
-    QString collected;
 };
 
 } // namespace tarnTest

@@ -3,9 +3,22 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
+#include <QSysInfo>
 #include <QTimer>
 
 namespace tarnTest {
+
+namespace {
+
+// Between two looks at what no event tells. Qt makes timers below 20 ms of Windows multimedia timers, which
+// at this rate leave no room for the events of sockets.
+int lookIntervalMs()
+{
+    static const bool onWindows = QSysInfo::kernelType() == QStringLiteral("winnt");
+    return onWindows ? 25 : 2;
+}
+
+} // namespace
 
 bool waitUntil(const std::function<bool()> &condition, int boundMs)
 {
@@ -14,7 +27,7 @@ bool waitUntil(const std::function<bool()> &condition, int boundMs)
         if (deadline.hasExpired())
             return false;
         QTimer wakeUp;
-        wakeUp.start(2);
+        wakeUp.start(lookIntervalMs());
         QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     }

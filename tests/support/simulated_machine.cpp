@@ -1,8 +1,11 @@
 #include "support/simulated_machine.h"
 
+#include "pipe/send_queue_thread.h"
+#include "platform/process_wide.h"
 #include "simulator/accessory_catalog.h"
 #include "simulator/power_on.h"
 #include "simulator/register_log.h"
+#include "support/pipe_peer.h"
 
 namespace tarnTest {
 namespace {
@@ -12,6 +15,17 @@ std::unique_ptr<tarnSimulator::MachineState> newState()
     auto state = std::make_unique<tarnSimulator::MachineState>();
     tarnSimulator::initialiseState(*state);
     return state;
+}
+
+// The thread of a test that had a client would go on logging and posting events while the process ends.
+void endSendThread()
+{
+    auto *sender = tarnPlatform::ProcessWide<tarnPipeServer::SendQueueThread>::existing();
+    if (!sender)
+        return;
+    sender->endQuietly();
+    if (waitUntil([sender] { return !sender->isRunning(); }))
+        sender->wait(); // for its last steps
 }
 
 } // namespace
@@ -27,6 +41,7 @@ SimulatedMachine::SimulatedMachine()
 
 SimulatedMachine::~SimulatedMachine()
 {
+    endSendThread();
     setPortBackend(nullptr);
 }
 
