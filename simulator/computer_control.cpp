@@ -9,6 +9,8 @@ using namespace tarnDeviceInfos;
 ComputerControl::ComputerControl(MachineState &state)
     : machine(state)
     , faultPanel(state)
+    , deviceTree(state)
+    , userDesktop(state)
     , events(state.events)
     , log(state.log)
 { }

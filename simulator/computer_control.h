@@ -3,6 +3,8 @@
 #include "device/ec_registers.h"
 #include "simulator/accessory_catalog.h"
 #include "simulator/colour.h"
+#include "simulator/desktop.h"
+#include "simulator/device_tree.h"
 #include "simulator/event_queue.h"
 #include "simulator/fault_panel.h"
 #include "simulator/machine_state.h"
@@ -71,6 +73,10 @@ public:
     [[nodiscard]] FaultPanel &faults() { return faultPanel; }
     [[nodiscard]] const FaultPanel &faults() const { return faultPanel; }
     [[nodiscard]] const RegisterLog &registerLog() const { return log; }
+    [[nodiscard]] DeviceTree &devices() { return deviceTree; }
+    [[nodiscard]] const DeviceTree &devices() const { return deviceTree; }
+    [[nodiscard]] Desktop &desktop() { return userDesktop; }
+    [[nodiscard]] const Desktop &desktop() const { return userDesktop; }
     [[nodiscard]] TimingState &timing() { return machine.timing; }
     [[nodiscard]] const TimingState &timing() const { return machine.timing; }
     [[nodiscard]] const CounterState &counters() const { return machine.counters; }
@@ -78,6 +84,8 @@ public:
 private:
     MachineState &machine;
     FaultPanel faultPanel;
+    DeviceTree deviceTree;
+    Desktop userDesktop;
     EventQueue events;
     RegisterLog log;
 };

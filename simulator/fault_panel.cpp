@@ -68,6 +68,17 @@ bool FaultPanel::refuses(AccessKind kind, std::uint16_t address)
     return registerFails || directionFails || turnFails;
 }
 
+bool FaultPanel::refusesDevice(Fault fault, std::int32_t deviceSlot)
+{
+    const auto chosen = value(fault);
+    return chosen && (*chosen == EVERY_DEVICE || *chosen == deviceSlot) && isUsedUp(slot(fault).remaining);
+}
+
+bool FaultPanel::refusesList()
+{
+    return isOn(Fault::FailDeviceList) && isUsedUp(slot(Fault::FailDeviceList).remaining);
+}
+
 bool FaultPanel::strikesAt(Fault fault, std::uint16_t address)
 {
     return value(fault) == address && isUsedUp(slot(fault).remaining);

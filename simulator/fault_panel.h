@@ -28,6 +28,9 @@ public:
 
     // Asked by the EC once for every access; counts down where a fault waits for its turn.
     [[nodiscard]] bool refuses(AccessKind kind, std::uint16_t address);
+    // Asked once for every call of the host to its device manager.
+    [[nodiscard]] bool refusesDevice(Fault fault, std::int32_t deviceSlot);
+    [[nodiscard]] bool refusesList();
 
 private:
     [[nodiscard]] FaultState &slot(Fault fault) { return switches[static_cast<std::size_t>(fault)]; }

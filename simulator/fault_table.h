@@ -21,16 +21,32 @@ enum class Fault : std::uint8_t {
     FailRead,
     FailWrite,
     FailAfter,
+    FailDeviceList,
+    FailDeviceDescription,
+    FailDeviceHardwareId,
+    FailDeviceId,
+    FailDeviceStatus,
+    FailDeviceEnable,
+    FailDeviceDisable,
+    FailDeviceInstaller,
+    NoConsoleSession,
+    NoUserToken,
+    NoTokenCopy,
+    NoGuiProcess,
+    NoGuiExitCode,
 };
 
-inline constexpr std::size_t FAULT_COUNT = 12;
+inline constexpr std::size_t FAULT_COUNT = 25;
 
 enum class FaultValue : std::uint8_t {
     None, // on or off
     Number, // has a default, so that "on" is enough
     Count, // a number that must be given
     Register, // a register address that must be given, and how many accesses succeed before
+    Device, // every device or the slot of one, and how many calls succeed before
 };
+
+inline constexpr std::int32_t EVERY_DEVICE = -1;
 
 struct FaultDescription
 {

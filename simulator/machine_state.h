@@ -20,15 +20,19 @@ using SharedLong = std::atomic<std::uint64_t>;
 inline constexpr std::uint32_t STATE_MAGIC = 0x43535254; // "TRSC" in a dump of the file
 // Raised whenever the meaning or the place of something below changes. A feature that only takes bytes out of
 // `growth`, where zero means what older programs assumed, does not need it.
-inline constexpr std::uint32_t STATE_VERSION = 1;
+inline constexpr std::uint32_t STATE_VERSION = 2;
 
 inline constexpr std::size_t XDATA_SIZE = 0x10000;
 inline constexpr std::size_t EEPROM_SIZE = 0x100;
 inline constexpr std::size_t EVENT_SLOTS = 16;
-inline constexpr std::size_t FAULT_SLOTS = 32;
+inline constexpr std::size_t FAULT_SLOTS = 64;
 inline constexpr std::size_t LOG_ENTRIES = 4096;
 inline constexpr std::size_t SERIAL_NUMBER_LENGTH = 7;
-inline constexpr std::size_t GROWTH_SIZE = 0x8000;
+inline constexpr std::size_t DEVICE_SLOTS = 16;
+inline constexpr std::size_t DEVICE_NAME_SIZE = 32; // sizes of texts count their final zero
+inline constexpr std::size_t DEVICE_TEXT_SIZE = 128;
+inline constexpr std::size_t GUI_SWITCH_SIZE = 64;
+inline constexpr std::size_t GROWTH_SIZE = 0x6000;
 
 struct StateHeader
 {
@@ -133,6 +137,38 @@ struct RegisterLogState
     std::array<LogEntryState, LOG_ENTRIES> entries;
 };
 
+// A device as the device manager of the host shows it. The enumerations of the byte fields belong to
+// DeviceTree.
+struct DeviceSlotState
+{
+    SharedByte used;
+    SharedByte kind;
+    SharedByte place;
+    SharedByte started;
+    SharedWord problem; // problem code of the configuration manager, 0: none
+    std::array<SharedByte, DEVICE_NAME_SIZE> name; // for the control tool
+    std::array<SharedByte, DEVICE_TEXT_SIZE> description;
+    std::array<SharedByte, DEVICE_TEXT_SIZE> hardwareId;
+    std::array<SharedByte, DEVICE_TEXT_SIZE> instanceId;
+};
+
+struct DeviceTreeState
+{
+    SharedWord listsOpened; // by the host; equal to listsClosed whenever it is not at work on devices
+    SharedWord listsClosed;
+    std::array<DeviceSlotState, DEVICE_SLOTS> entries;
+};
+
+// The user's side of the host: who is logged on, and what the stand-in for the GUI program does.
+struct DesktopState
+{
+    SharedWord serviceSession; // 1: the service runs in session 0
+    SharedInt guiAnswer; // exit code, or Desktop::WAITS while it is left open
+    SharedWord guiShown; // programs started so far
+    SharedWord guiOpen; // of them still open
+    std::array<SharedByte, GUI_SWITCH_SIZE> guiSwitch; // of the last one
+};
+
 struct MachineState
 {
     StateHeader header;
@@ -147,6 +183,8 @@ struct MachineState
     std::array<SharedByte, EEPROM_SIZE> eeprom;
     std::array<SharedByte, XDATA_SIZE> xdata;
     RegisterLogState log;
+    DeviceTreeState devices;
+    DesktopState desktop;
     std::array<SharedByte, GROWTH_SIZE> growth; // room for later parts of the machine, all zero until then
 };
 
@@ -167,6 +205,9 @@ static_assert(sizeof(CounterState) == 64);
 static_assert(sizeof(EventQueueState) == 136);
 static_assert(sizeof(FaultState) == 16);
 static_assert(sizeof(LogEntryState) == 24);
+static_assert(sizeof(DeviceSlotState) == 424);
+static_assert(sizeof(DeviceTreeState) == 6792);
+static_assert(sizeof(DesktopState) == 80);
 static_assert(offsetof(MachineState, channel) == 16);
 static_assert(offsetof(MachineState, eepromMailbox) == 48);
 static_assert(offsetof(MachineState, applicationMailbox) == 64);
@@ -175,10 +216,12 @@ static_assert(offsetof(MachineState, timing) == 104);
 static_assert(offsetof(MachineState, counters) == 120);
 static_assert(offsetof(MachineState, events) == 184);
 static_assert(offsetof(MachineState, faults) == 320);
-static_assert(offsetof(MachineState, eeprom) == 832);
-static_assert(offsetof(MachineState, xdata) == 1088);
-static_assert(offsetof(MachineState, log) == 66624);
-static_assert(offsetof(MachineState, growth) == 164936);
-static_assert(sizeof(MachineState) == 197704);
+static_assert(offsetof(MachineState, eeprom) == 1344);
+static_assert(offsetof(MachineState, xdata) == 1600);
+static_assert(offsetof(MachineState, log) == 67136);
+static_assert(offsetof(MachineState, devices) == 165448);
+static_assert(offsetof(MachineState, desktop) == 172240);
+static_assert(offsetof(MachineState, growth) == 172320);
+static_assert(sizeof(MachineState) == 196896);
 
 } // namespace tarnSimulator

@@ -114,6 +114,70 @@ std::string readGpuReports(const ComputerControl &computer)
     return std::to_string(computer.gpuReports().count);
 }
 
+std::string readSession(const ComputerControl &computer)
+{
+    return computer.desktop().isServiceSession() ? "service" : "user";
+}
+
+bool writeSession(ComputerControl &computer, std::string_view text)
+{
+    if (text != "service" && text != "user") {
+        return false;
+    }
+    computer.desktop().setServiceSession(text == "service");
+    return true;
+}
+
+// The names of the GUI program's exit codes; other codes are plain numbers.
+struct NamedAnswer
+{
+    std::string_view name;
+    std::int32_t exitCode;
+};
+constexpr NamedAnswer ANSWERS[] = {{"no", 0}, {"yes", 1}, {"wait", Desktop::WAITS}};
+
+std::string readAnswer(const ComputerControl &computer)
+{
+    const std::int32_t answer = computer.desktop().answer();
+    for (const NamedAnswer &named : ANSWERS) {
+        if (named.exitCode == answer) {
+            return std::string(named.name);
+        }
+    }
+    return std::to_string(answer);
+}
+
+bool writeAnswer(ComputerControl &computer, std::string_view text)
+{
+    for (const NamedAnswer &named : ANSWERS) {
+        if (named.name == text) {
+            computer.desktop().setAnswer(named.exitCode);
+            return true;
+        }
+    }
+    const auto exitCode = parseByte(text);
+    if (exitCode) {
+        computer.desktop().setAnswer(*exitCode);
+    }
+    return exitCode.has_value();
+}
+
+std::string readWindow(const ComputerControl &computer)
+{
+    const std::string last = computer.desktop().lastSwitch();
+    return last.empty() ? "none" : last;
+}
+
+std::string readWindowsShown(const ComputerControl &computer)
+{
+    return std::to_string(computer.desktop().windowsShown());
+}
+
+std::string readWindowsOpen(const ComputerControl &computer)
+{
+    return std::to_string(computer.desktop().windowsOpen());
+}
+
 template <SharedWord TimingState::*field> std::string readTiming(const ComputerControl &computer)
 {
     return std::to_string((computer.timing().*field).load());
@@ -180,6 +244,12 @@ constexpr MachineValue VALUES[] = {
     {"gpu-reports", READ_ONLY, "GPU state reports received", readGpuReports, nullptr},
     {"mcu-update", READ_ONLY, "MCU update control; 0x20 update, 0x08 boot loader, 0x10 reset",
         readRegister<EC_MCU_UPDATE_CTRL>, nullptr},
+    {"session", "user or service", "session that the host's service runs in", readSession, writeSession},
+    {"gui-answer", "yes, no, wait or an exit code from 0 to 255",
+        "what the user does with a window of the GUI program; wait leaves it open", readAnswer, writeAnswer},
+    {"gui-window", READ_ONLY, "the switch that the GUI program was last started with", readWindow, nullptr},
+    {"gui-shown", READ_ONLY, "windows shown so far", readWindowsShown, nullptr},
+    {"gui-open", READ_ONLY, "windows open now", readWindowsOpen, nullptr},
     {"eeprom-ms", A_TIME, "time an EEPROM operation takes, ms", readTiming<&TimingState::eepromBusyMs>,
         writeTiming<&TimingState::eepromBusyMs, LONGEST_TIME_MS>},
     {"mailbox-ms", A_TIME, "time until an application command byte clears, ms",

@@ -1,6 +1,8 @@
 #include "simulator/power_on.h"
 
 #include "device/ec_registers.h"
+#include "simulator/desktop.h"
+#include "simulator/device_tree.h"
 
 namespace tarnSimulator {
 
@@ -110,6 +112,8 @@ void powerOn(MachineState &state)
     resetAccessory(state.accessory);
     resetCounters(state.counters);
     resetMemories(state);
+    DeviceTree(state).reset();
+    Desktop(state).reset();
 }
 
 } // namespace tarnSimulator

@@ -24,6 +24,8 @@ QString rangeText(const FaultDescription &fault)
             .arg(toQString(fault.unit));
     case FaultValue::Register:
         return QStringLiteral("off, or a register name or address and how many accesses succeed before");
+    case FaultValue::Device:
+        return QStringLiteral("on (every device), off, or a device and how many calls succeed before");
     case FaultValue::None:
         break;
     }
@@ -38,18 +40,31 @@ ExitCode complainAboutValue(ToolContext &context, const FaultDescription &fault,
         QStringLiteral("the fault %1 %2; allowed: %3").arg(toQString(fault.name), what, rangeText(fault)));
 }
 
-ExitCode switchOnAtRegister(
+// The register or device that a fault is to strike at.
+std::optional<std::int32_t> parseTarget(
+    const ToolContext &context, const FaultDescription &fault, const QString &text)
+{
+    if (fault.kind == FaultValue::Register) {
+        return parseRegister(text);
+    }
+    if (text == QLatin1String("on")) {
+        return fault.onValue;
+    }
+    return context.computer->devices().find(text.toStdString());
+}
+
+ExitCode switchOnAtTarget(
     ToolContext &context, const FaultDescription &fault, const QString &text, const QString &skipText)
 {
-    const auto address = parseRegister(text);
-    if (!address) {
+    const auto target = parseTarget(context, fault, text);
+    if (!target) {
         return complainAboutValue(context, fault, text);
     }
     const auto skip = parseNumber(skipText.toStdString());
     if (!skip || *skip < 0 || *skip > MOST_SKIPPED) {
         return complainAboutValue(context, fault, text + QLatin1Char(' ') + skipText);
     }
-    context.computer->faults().switchOn(fault.fault, *address, static_cast<std::uint32_t>(*skip));
+    context.computer->faults().switchOn(fault.fault, *target, static_cast<std::uint32_t>(*skip));
     return Done;
 }
 
@@ -69,19 +84,20 @@ ExitCode switchOn(ToolContext &context, const FaultDescription &fault, const QSt
 {
     const QString text = values.value(0);
     const bool plainOn = text.isEmpty() || text == QLatin1String("on");
-    const bool hasDefault = fault.kind == FaultValue::None || fault.kind == FaultValue::Number;
-    if (values.size() > 1 && fault.kind != FaultValue::Register) {
+    const bool takesTarget = fault.kind == FaultValue::Register || fault.kind == FaultValue::Device;
+    const bool hasDefault = fault.kind != FaultValue::Register && fault.kind != FaultValue::Count;
+    if (values.size() > 1 && !takesTarget) {
         return complainAboutValue(context, fault, values.join(QLatin1Char(' ')));
     }
-    if (plainOn && hasDefault) {
+    if (plainOn && hasDefault && values.size() < 2) {
         context.computer->faults().switchOn(fault.fault, fault.onValue);
         return Done;
     }
+    if (takesTarget && !text.isEmpty()) {
+        return switchOnAtTarget(context, fault, text, values.value(1, QStringLiteral("0")));
+    }
     if (plainOn || fault.kind == FaultValue::None) {
         return complainAboutValue(context, fault, text);
-    }
-    if (fault.kind == FaultValue::Register) {
-        return switchOnAtRegister(context, fault, text, values.value(1, QStringLiteral("0")));
     }
     return switchOnWithNumber(context, fault, text);
 }

@@ -27,6 +27,7 @@ const Line LINES[] = {
     {"KVane", {"kvane-battery", "kvane-charging", "kvane-led", "kvane-serial"}},
     {"Lights", {"dock-light", "graphics-light"}},
     {"GPU", {"gpu-state", "gpu-reports"}},
+    {"Desktop", {"session", "gui-answer", "gui-window", "gui-shown", "gui-open"}},
     {"Power", {"supply-mode", "power-mode", "smart-charging"}},
     {"Limits", {"pl-control", "pl1", "pl2", "pl4", "fan-mode"}},
     {"MCU update", {"mcu-update"}},
@@ -62,6 +63,16 @@ QString eventsText(const ComputerControl &computer)
         events << toQString(hexText(event.code, 2) + " data " + hexText(event.data, 2));
     }
     return events.isEmpty() ? QStringLiteral("none") : events.join(QLatin1String(", "));
+}
+
+QString devicesText(const ComputerControl &computer)
+{
+    QStringList devices;
+    for (const std::int32_t slot : computer.devices().presentSlots()) {
+        const Device device = computer.devices().device(slot);
+        devices << toQString(device.name) + QLatin1Char(' ') + deviceConditionText(device);
+    }
+    return devices.isEmpty() ? QStringLiteral("none") : devices.join(QLatin1String(", "));
 }
 
 QString faultsText(const ComputerControl &computer)
@@ -103,6 +114,7 @@ ExitCode showMachine(ToolContext &context, const QStringList &)
         }
         printLine(context.out, QString::fromLatin1(line.label), parts.join(QLatin1String(", ")));
     }
+    printLine(context.out, QStringLiteral("Devices"), devicesText(computer));
     printLine(context.out, QStringLiteral("Armed events"), eventsText(computer));
     printLine(context.out, QStringLiteral("Faults"), faultsText(computer));
     printLine(context.out, QStringLiteral("Traffic"), countersText(computer.counters()));

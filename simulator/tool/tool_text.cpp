@@ -100,6 +100,13 @@ QString faultStateText(const FaultPanel &panel, const FaultDescription &fault)
             ? name
             : QStringLiteral("%1, after %2 more accesses").arg(name, remaining);
     }
+    case FaultValue::Device: {
+        const QString name = *value == EVERY_DEVICE ? QStringLiteral("every device")
+                                                    : QStringLiteral("device %1").arg(*value + 1);
+        return panel.remaining(fault.fault) == 0
+            ? name
+            : QStringLiteral("%1, after %2 more calls").arg(name, remaining);
+    }
     case FaultValue::None:
         break;
     }

@@ -20,6 +20,9 @@ ExitCode complain(ToolContext &context, ExitCode code, const QString &message);
 ExitCode complainAboutName(
     ToolContext &context, const QString &kind, const QString &given, const QStringList &allowed);
 
+// "started", or "stopped, problem 22".
+[[nodiscard]] QString deviceConditionText(const Device &device);
+
 [[nodiscard]] QStringList verbNames();
 [[nodiscard]] QStringList accessoryNames();
 [[nodiscard]] QStringList valueNames();

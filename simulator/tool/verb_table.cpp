@@ -33,12 +33,30 @@ constexpr Verb VERBS[] = {
         "given.\n"
         "0x11 GPU key, 0x12 graphics connected, 0x13 ban the GPU.",
         StateNeed::MustExist, 1, 2, armEvent},
+    {"devices", "", "display adapters and audio devices of the host", "", StateNeed::MustExist, 0, 0,
+        showDevices},
+    {"device", "NAME KEY VALUE", "change a device of the host",
+        "NAME is one of \"tarnsim devices\". KEY is one of:\n"
+        "  description, hardware-id, instance-id   any text\n"
+        "  kind       display, audio or other\n"
+        "  place      computer, box (present while a graphics box is attached) or nowhere\n"
+        "  started    on or off\n"
+        "  problem    problem code of the configuration manager: 0 none, 22 disabled, 28 no driver, 31, 43, "
+        "...",
+        StateNeed::MustExist, 3, 3, changeDevice},
+    {"add-device", "NAME KIND DESCRIPTION", "add a device to the host",
+        "KIND is display, audio or other. It is started and has no problem and no ids until \"device\" gives "
+        "it some.",
+        StateNeed::MustExist, 3, 3, addDevice},
+    {"remove-device", "NAME", "take a device away for good", "", StateNeed::MustExist, 1, 1, removeDevice},
     {"fault", "NAME [on|off|VALUE [SKIP]]", "switch a fault on or off",
         "NAME is one of \"tarnsim list faults\"; \"tarnsim faults\" says what each one does and takes. "
         "Without a\n"
         "value the fault is switched on. The fail- faults of one register take the register's name or "
         "address and\n"
-        "SKIP, the number of accesses of it that still succeed.",
+        "SKIP, the number of accesses of it that still succeed; the fail-device- faults take "
+        "a device\n"
+        "of \"tarnsim devices\" or on for every device, and SKIP.",
         StateNeed::MustExist, 1, 3, switchFault},
     {"faults", "", "all faults and their state", "", StateNeed::MustExist, 0, 0, showFaults},
     {"clear-faults", "", "switch all faults off", "", StateNeed::MustExist, 0, 0, clearFaults},

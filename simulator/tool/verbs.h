@@ -16,6 +16,11 @@ ExitCode pressGpuKey(ToolContext &context, const QStringList &arguments);
 ExitCode armEvent(ToolContext &context, const QStringList &arguments);
 ExitCode resetMachine(ToolContext &context, const QStringList &arguments);
 
+ExitCode showDevices(ToolContext &context, const QStringList &arguments);
+ExitCode changeDevice(ToolContext &context, const QStringList &arguments);
+ExitCode addDevice(ToolContext &context, const QStringList &arguments);
+ExitCode removeDevice(ToolContext &context, const QStringList &arguments);
+
 ExitCode switchFault(ToolContext &context, const QStringList &arguments);
 ExitCode showFaults(ToolContext &context, const QStringList &arguments);
 ExitCode clearFaults(ToolContext &context, const QStringList &arguments);

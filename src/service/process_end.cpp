@@ -25,6 +25,8 @@ using tarnPlatform::ProcessWide;
 // A healthy cycle of the monitor and the pause before a message end well within it; a stop may take 3 s.
 constexpr auto patience = 1500ms;
 constexpr int pollMs = 10;
+// A thread that has finished still gives back what Qt keeps for it, which nothing tells the end of.
+constexpr unsigned long farewellMs = 20;
 
 bool hasFinished(const QThread *thread)
 {
@@ -64,5 +66,6 @@ int endProcess(int exitCode)
     if (sender)
         sender->wait(); // for the last steps of a thread that counts as finished already
     delete monitor;
+    QThread::msleep(farewellMs);
     return exitCode;
 }

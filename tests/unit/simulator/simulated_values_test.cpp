@@ -70,7 +70,11 @@ TEST(SimulatedValues, WhatIsSetIsReadBackAndNonsenseIsRefused)
         ++settable;
         const bool isColour = value.allowed.starts_with("RED");
         const bool isSerialNumber = value.allowed.starts_with("14");
-        const std::string text = isColour ? "7,8,9" : isSerialNumber ? "00112233445566" : "17";
+        const bool isSession = value.name == "session";
+        const std::string text = isColour ? "7,8,9"
+            : isSerialNumber              ? "00112233445566"
+            : isSession                   ? "service"
+                                          : "17";
         EXPECT_TRUE(value.write(host.computer, text)) << value.name;
         EXPECT_EQ(value.read(host.computer), text) << value.name;
         EXPECT_FALSE(value.write(host.computer, "nonsense")) << value.name;

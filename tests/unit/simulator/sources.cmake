@@ -11,6 +11,7 @@ set(SIMULATOR_TEST_SOURCES
     simulated_registers_test.cpp
     simulated_state_file_test.cpp
     simulated_values_test.cpp
+    tarnsim_device_verbs_test.cpp
     tarnsim_fault_verbs_test.cpp
     tarnsim_register_verbs_test.cpp
     tarnsim_test.cpp)

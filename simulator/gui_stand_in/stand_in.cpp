@@ -1,0 +1,86 @@
+#include "simulator/gui_stand_in/stand_in.h"
+
+#include "simulator/desktop.h"
+#include "simulator/machine_state_file.h"
+#include "simulator/state_location.h"
+
+#include <algorithm>
+#include <chrono>
+#include <ostream>
+#include <thread>
+
+namespace tarnSimulator {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto LOOK_PERIOD = 50ms;
+
+struct Window
+{
+    std::string_view programSwitch;
+    std::string_view text;
+};
+
+constexpr Window WINDOWS[] = {
+    {"--disengaged-graphics", "asks whether the graphics box may be removed"},
+    {"--graphics-disengaged-failed", "says that the graphics box could not be released"},
+    {"--graphics-device-error", "says that no graphics device was found in the box"},
+    {"--graphics-driver-error", "says that the driver of the GPU is not installed"},
+    {"--graphics-patch-error", "says that the driver of the GPU has failed"},
+};
+
+std::filesystem::path stateFile(std::string_view program)
+{
+    if (const auto named = stateFileFromEnvironment()) {
+        return *named;
+    }
+    std::error_code error;
+    const std::filesystem::path self = std::filesystem::absolute(program, error);
+    return self.parent_path().parent_path() / "function" / STATE_FILE_NAME;
+}
+
+// Nobody waits for an answer any longer once the machine's file has gone.
+std::int32_t awaitAnswer(const Desktop &desktop, const std::filesystem::path &file)
+{
+    std::error_code error;
+    while (desktop.answer() == Desktop::WAITS && std::filesystem::exists(file, error)) {
+        std::this_thread::sleep_for(LOOK_PERIOD);
+    }
+    return std::max(desktop.answer(), 0);
+}
+
+} // namespace
+
+int runStandIn(std::string_view programSwitch, std::string_view program, std::ostream &terminal)
+{
+    const auto window = std::find_if(std::begin(WINDOWS), std::end(WINDOWS),
+        [programSwitch](const Window &row) { return row.programSwitch == programSwitch; });
+    if (window == std::end(WINDOWS)) {
+        terminal << "TarnServiceGui (simulated): there is no window for \"" << programSwitch << "\"\n";
+        return WRONG_SWITCH;
+    }
+    std::string error;
+    const std::filesystem::path file = stateFile(program);
+    const auto machine = MachineStateFile::open(file, MachineStateFile::Missing::IsAnError, error);
+    if (!machine) {
+        terminal << "TarnServiceGui (simulated): " << error << '\n';
+        return WRONG_SWITCH;
+    }
+
+    Desktop desktop(machine->state());
+    desktop.windowOpened(programSwitch);
+    terminal << "TarnServiceGui (simulated) " << window->text;
+    if (desktop.answer() == Desktop::WAITS) {
+        terminal << "; answer with: tarnsim set gui-answer yes|no";
+    }
+    terminal << std::endl;
+    const std::int32_t answer = awaitAnswer(desktop, file);
+    terminal << "TarnServiceGui (simulated) " << window->programSwitch << " ends with exit code " << answer
+             << std::endl;
+    desktop.windowClosed();
+    return answer;
+}
+
+} // namespace tarnSimulator

@@ -1,0 +1,210 @@
+#include "simulator/tool/tool_text.h"
+#include "simulator/tool/verbs.h"
+#include "simulator/value_text.h"
+
+#include <algorithm>
+
+namespace tarnSimulator {
+
+namespace {
+
+constexpr std::int64_t LARGEST_PROBLEM = 0xFFFF;
+
+constexpr std::string_view KINDS[] = {"display", "audio", "other"};
+constexpr std::string_view PLACES[] = {"computer", "box", "nowhere"};
+
+template <std::size_t count> QStringList namesIn(const std::string_view (&names)[count])
+{
+    QStringList texts;
+    for (const std::string_view name : names) {
+        texts << toQString(name);
+    }
+    return texts;
+}
+
+// The enumerators are in the order of their names.
+template <typename Enumeration, std::size_t count>
+bool parseName(const std::string_view (&names)[count], std::string_view text, Enumeration &value)
+{
+    const auto found = std::find(std::begin(names), std::end(names), text);
+    if (found == std::end(names)) {
+        return false;
+    }
+    value = static_cast<Enumeration>(found - std::begin(names));
+    return true;
+}
+
+bool storeText(std::string &target, std::string_view text)
+{
+    if (text.size() >= DEVICE_TEXT_SIZE) {
+        return false;
+    }
+    target = text;
+    return true;
+}
+
+bool setKind(Device &device, std::string_view text)
+{
+    return parseName(KINDS, text, device.kind);
+}
+
+bool setPlace(Device &device, std::string_view text)
+{
+    return parseName(PLACES, text, device.place);
+}
+
+bool setDescription(Device &device, std::string_view text)
+{
+    return storeText(device.description, text);
+}
+
+bool setHardwareId(Device &device, std::string_view text)
+{
+    return storeText(device.hardwareId, text);
+}
+
+bool setInstanceId(Device &device, std::string_view text)
+{
+    return storeText(device.instanceId, text);
+}
+
+bool setStarted(Device &device, std::string_view text)
+{
+    device.started = text == "on";
+    return text == "on" || text == "off";
+}
+
+bool setProblem(Device &device, std::string_view text)
+{
+    const auto number = parseNumber(text);
+    if (!number || *number < 0 || *number > LARGEST_PROBLEM) {
+        return false;
+    }
+    device.problem = static_cast<std::uint32_t>(*number);
+    return true;
+}
+
+struct Key
+{
+    std::string_view name;
+    std::string_view allowed;
+    bool (*set)(Device &device, std::string_view text);
+};
+
+constexpr std::string_view SOME_TEXT = "a text of at most 127 characters";
+
+constexpr Key KEYS[] = {
+    {"description", SOME_TEXT, setDescription},
+    {"hardware-id", SOME_TEXT, setHardwareId},
+    {"instance-id", SOME_TEXT, setInstanceId},
+    {"kind", "display, audio or other", setKind},
+    {"place", "computer, box or nowhere", setPlace},
+    {"started", "on or off", setStarted},
+    {"problem", "0 to 65535", setProblem},
+};
+
+QStringList deviceNames(const DeviceTree &devices)
+{
+    QStringList names;
+    for (const std::int32_t slot : devices.allSlots()) {
+        names << toQString(devices.device(slot).name);
+    }
+    return names;
+}
+
+std::optional<std::int32_t> chooseDevice(ToolContext &context, const QString &name)
+{
+    const auto slot = context.computer->devices().find(name.toStdString());
+    if (!slot) {
+        complainAboutName(context, QStringLiteral("device"), name, deviceNames(context.computer->devices()));
+    }
+    return slot;
+}
+
+} // namespace
+
+QString deviceConditionText(const Device &device)
+{
+    const QString state = device.started ? QStringLiteral("started") : QStringLiteral("stopped");
+    return device.problem == 0 ? state : QStringLiteral("%1 (problem %2)").arg(state).arg(device.problem);
+}
+
+ExitCode showDevices(ToolContext &context, const QStringList &)
+{
+    const DeviceTree &devices = context.computer->devices();
+    const auto present = devices.presentSlots();
+    for (const std::int32_t slot : devices.allSlots()) {
+        const Device device = devices.device(slot);
+        const bool isPresent = std::find(present.begin(), present.end(), slot) != present.end();
+        context.out << toQString(device.name).leftJustified(12)
+                    << toQString(KINDS[static_cast<std::size_t>(device.kind)]).leftJustified(9)
+                    << (isPresent ? QStringLiteral("present") : QStringLiteral("absent")).leftJustified(9)
+                    << deviceConditionText(device).leftJustified(22) << toQString(device.description) << '\n'
+                    << QString(12, QLatin1Char(' ')) << "in "
+                    << toQString(PLACES[static_cast<std::size_t>(device.place)]) << ", hardware id "
+                    << toQString(device.hardwareId) << '\n';
+    }
+    return Done;
+}
+
+ExitCode changeDevice(ToolContext &context, const QStringList &arguments)
+{
+    const auto slot = chooseDevice(context, arguments.at(0));
+    if (!slot) {
+        return WrongUsage;
+    }
+    const std::string name = arguments.at(1).toStdString();
+    const auto key =
+        std::find_if(std::begin(KEYS), std::end(KEYS), [&name](const Key &row) { return row.name == name; });
+    if (key == std::end(KEYS)) {
+        QStringList keys;
+        for (const Key &row : KEYS) {
+            keys << toQString(row.name);
+        }
+        return complainAboutName(context, QStringLiteral("key"), arguments.at(1), keys);
+    }
+    Device device = context.computer->devices().device(*slot);
+    if (!key->set(device, arguments.at(2).toStdString())) {
+        return complain(context, WrongUsage,
+            QStringLiteral("%1 cannot be \"%2\"; allowed: %3")
+                .arg(arguments.at(1), arguments.at(2), toQString(key->allowed)));
+    }
+    context.computer->devices().store(*slot, device);
+    return Done;
+}
+
+ExitCode addDevice(ToolContext &context, const QStringList &arguments)
+{
+    DeviceTree &devices = context.computer->devices();
+    Device device;
+    device.name = arguments.at(0).toStdString();
+    if (device.name.empty() || device.name.size() >= DEVICE_NAME_SIZE || devices.find(device.name)) {
+        return complain(context, WrongUsage,
+            QStringLiteral("\"%1\" is no free name of at most %2 characters")
+                .arg(arguments.at(0))
+                .arg(DEVICE_NAME_SIZE - 1));
+    }
+    if (!setKind(device, arguments.at(1).toStdString())) {
+        return complainAboutName(context, QStringLiteral("kind of device"), arguments.at(1), namesIn(KINDS));
+    }
+    if (!setDescription(device, arguments.at(2).toStdString())) {
+        return complain(context, WrongUsage, QStringLiteral("the description is too long"));
+    }
+    if (!devices.add(device)) {
+        return complain(context, Failed,
+            QStringLiteral("there are %1 devices already; remove-device makes room").arg(DEVICE_SLOTS));
+    }
+    return Done;
+}
+
+ExitCode removeDevice(ToolContext &context, const QStringList &arguments)
+{
+    const auto slot = chooseDevice(context, arguments.at(0));
+    if (!slot) {
+        return WrongUsage;
+    }
+    context.computer->devices().remove(*slot);
+    return Done;
+}
+
+} // namespace tarnSimulator

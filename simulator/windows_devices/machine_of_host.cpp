@@ -1,0 +1,34 @@
+#include "simulator/windows_devices/machine_of_host.h"
+
+#include "simulator/machine_state_file.h"
+#include "simulator/state_location.h"
+
+#include <windows.h>
+
+namespace tarnSimulator {
+
+namespace {
+
+constexpr DWORD LONGEST_PATH = 32768; // characters, with the final zero
+
+std::filesystem::path stateFile()
+{
+    if (const auto named = stateFileFromEnvironment()) {
+        return *named;
+    }
+    std::wstring program(LONGEST_PATH, L'\0');
+    program.resize(GetModuleFileNameW(nullptr, program.data(), LONGEST_PATH));
+    return std::filesystem::path(program).parent_path() / "function" / STATE_FILE_NAME;
+}
+
+} // namespace
+
+MachineState *machineOfHost()
+{
+    static std::string error;
+    static const auto machine =
+        MachineStateFile::open(stateFile(), MachineStateFile::Missing::IsCreated, error);
+    return machine ? &machine->state() : nullptr;
+}
+
+} // namespace tarnSimulator
