@@ -42,6 +42,10 @@ public:
     void setEcUpdating(bool updating);
     [[nodiscard]] bool isEcUpdating() const { return ecUpdating; }
 
+    // Pauses the loop while the accessory's MCU is in its boot loader; whoever sets it takes and gives back
+    // ecAccessMutex.
+    void setMcuUpdating(bool updating) { mcuUpdating = updating; }
+
     // Asks the loop to end at its next wait or lock.
     void requestEnd() { endRequested = true; }
 
@@ -79,13 +83,14 @@ private:
     void announceAccessory(const char *name);
     void announceValue(Watched value);
     void announceChangedValues();
-    [[nodiscard]] bool isPaused() const { return ecUpdating || readerPaused; }
+    [[nodiscard]] bool isPaused() const { return ecUpdating || mcuUpdating || readerPaused; }
 
     std::array<std::atomic<int>, WatchedCount> sent {0, 251, 251, 251, 251};
     std::atomic<quint8> mcuLinkModel {0}; // accessory code; 251 when not known at first detection
     quint8 mcuLinkStatus = 0;
     std::atomic<bool> ecUpdating {false};
-    std::atomic<bool> readerPaused {false};
+    std::atomic<bool> mcuUpdating {false};
+    std::atomic<bool> readerPaused {false}; // set by nobody yet
     bool graphicsConnected = false;
     // 215 is deliberate: like 251 it stands for nothing read yet.
     std::array<int, WatchedCount> latest {0, 251, 251, 251, 215};

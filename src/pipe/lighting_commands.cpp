@@ -1,13 +1,36 @@
 #include "pipe/tarn_pipe_server.h"
 
 #include "accessory/dock_accessory_manager.h"
+#include "accessory/graphics_colours.h"
+#include "graphics/graphics_accessory_manager.h"
 #include "pipe/replies.h"
 
 #include <QDebug>
 
+#include <optional>
+
 namespace tarnPipeServer {
 
-using tarnAccessoryManager::DockAccessoryManager;
+namespace {
+
+using namespace tarnAccessoryManager;
+
+QString colourName(int number)
+{
+    return QString::fromLatin1(graphicsColours[isGraphicsColour(number) ? number : graphicsOff].wireName);
+}
+
+// Empty for a name that the box does not know.
+std::optional<int> colourNumber(const QString &name)
+{
+    for (int number = 0; number < graphicsColourCount; ++number) {
+        if (name == QLatin1String(graphicsColours[number].wireName))
+            return number;
+    }
+    return std::nullopt;
+}
+
+} // namespace
 
 QString TarnPipeServer::getDockLedStatus(QJsonObject &request)
 {
@@ -29,6 +52,32 @@ QString TarnPipeServer::setDockLedStatus(QJsonObject &request)
         return replyResult(request, false);
     }
     return replyResult(request, DockAccessoryManager::instance()->setDockLedStatus(on ? 1 : 0) == 0);
+}
+
+QString TarnPipeServer::getGraphicsRGB(QJsonObject &request)
+{
+    const int number = GraphicsAccessoryManager::instance()->getGraphicsRgb();
+    if (!isGraphicsColour(number))
+        qDebug() << "Get unknown graphics rgb ver: " << number;
+    return replyData(request, colourName(number));
+}
+
+QString TarnPipeServer::setGraphicsRGB(QJsonObject &request)
+{
+    GraphicsAccessoryManager *graphics = GraphicsAccessoryManager::instance();
+    const QString data = requestData(request);
+    if (data == QStringLiteral("on")) {
+        const int saved = graphics->readGraphicsColor();
+        const bool success = graphics->setGraphicsRgb(saved) == 0;
+        request.insert(QStringLiteral("data"), colourName(saved));
+        return replyResult(request, success);
+    }
+    const std::optional<int> number = colourNumber(data);
+    if (!number) {
+        qDebug() << "Unknown command: " << data;
+        return replyResult(request, false);
+    }
+    return replyResult(request, graphics->setGraphicsRgb(*number) == 0);
 }
 
 } // namespace tarnPipeServer

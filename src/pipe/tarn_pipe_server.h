@@ -80,6 +80,16 @@ private:
     // lighting_commands.cpp
     QString getDockLedStatus(QJsonObject &request);
     QString setDockLedStatus(QJsonObject &request);
+    QString getGraphicsRGB(QJsonObject &request);
+    QString setGraphicsRGB(QJsonObject &request);
+
+    // firmware_commands.cpp
+    QString requestMcuUpdate(QJsonObject &request);
+    QString requestEnterMcuUpdateMode(QJsonObject &request);
+    QString requestLeaveMcuUpdateMode(QJsonObject &request);
+    QString requestStartEcUpdate(QJsonObject &request);
+    QString requestEcUpdate(QJsonObject &request);
+    QString requestBeginGraphicsMcuUpdate(QJsonObject &request);
 
     // power_commands.cpp
     QString powerModeControl(QJsonObject &request);

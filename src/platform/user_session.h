@@ -1,16 +1,47 @@
 #pragma once
 
+#include "platform/seam.h"
+
+#include <QString>
+
+#include <chrono>
+
 namespace tarnPlatform {
 
-// What the service needs to know of the session it runs in.
-class UserSession
+// How far a program got that was started for the user of the console.
+enum class LaunchStage { NoActiveSession, NoUserToken, NoTokenCopy, NoProcess, NoExitCode, Ended };
+
+struct Launch
+{
+    LaunchStage stage = LaunchStage::NoActiveSession;
+    quint32 exitCode = 0; // only of a program that has ended
+};
+
+// The session that the service runs in, and programs with a window for the user. Any thread.
+class UserSession : public Seam<UserSession>
 {
 public:
     virtual ~UserSession() = default;
     // True in session 0; false in any other, and when the session cannot be told.
     [[nodiscard]] virtual bool isServiceSession() const = 0;
 
-    static UserSession &system();
+    // From the service session: runs a program with one argument on the desktop of whoever sits at the
+    // console and waits for its end, however long that takes.
+    [[nodiscard]] virtual Launch runForConsoleUser(const QString &program, const QString &argument) = 0;
+
+    // Where the user at the console finds downloads; empty when there is none or it cannot be told.
+    [[nodiscard]] virtual QString consoleUserDownloadFolder() const = 0;
+
+    // From a user's own session: runs a program and waits for its end for at most so long; its exit code, 0
+    // as long as there is none.
+    [[nodiscard]] virtual int run(
+        const QString &program, const QString &argument, std::chrono::milliseconds patience);
+    // The same without waiting. False when the program cannot be started.
+    [[nodiscard]] virtual bool startDetached(const QString &program, const QString &argument);
+
+private:
+    friend class Seam<UserSession>;
+    static UserSession &ofSystem();
 };
 
 } // namespace tarnPlatform

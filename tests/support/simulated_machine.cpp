@@ -2,6 +2,7 @@
 
 #include "pipe/send_queue_thread.h"
 #include "platform/process_wide.h"
+#include "platform/simulated/simulated_computer.h"
 #include "simulator/accessory_catalog.h"
 #include "simulator/power_on.h"
 #include "simulator/register_log.h"
@@ -37,12 +38,14 @@ SimulatedMachine::SimulatedMachine()
 {
     folder.installPortLibrary();
     setPortBackend(this);
+    tarnPlatform::setSimulatedComputer(state.get());
 }
 
 SimulatedMachine::~SimulatedMachine()
 {
     endSendThread();
     setPortBackend(nullptr);
+    tarnPlatform::setSimulatedComputer(nullptr);
 }
 
 void SimulatedMachine::attach(std::uint8_t accessoryCode)

@@ -1,19 +1,76 @@
 #include "platform/user_session.h"
 
+#include "platform/program_path.h"
+#include "platform/simulated/simulated_computer.h"
+#include "simulator/computer_control.h"
+
+#include <QDir>
+#include <QProcess>
+
 namespace tarnPlatform {
 namespace {
 
-class OrdinarySession final : public UserSession
+using tarnSimulator::Fault;
+using tarnSimulator::FaultPanel;
+
+struct LaunchFault
+{
+    Fault fault;
+    LaunchStage stage;
+};
+
+// What can go wrong before the program runs, in the order in which the steps are taken.
+constexpr LaunchFault launchFaults[] = {
+    {Fault::NoConsoleSession, LaunchStage::NoActiveSession},
+    {Fault::NoUserToken, LaunchStage::NoUserToken},
+    {Fault::NoTokenCopy, LaunchStage::NoTokenCopy},
+    {Fault::NoGuiProcess, LaunchStage::NoProcess},
+};
+
+class SimulatedSession final : public UserSession
 {
 public:
-    [[nodiscard]] bool isServiceSession() const override { return false; }
+    [[nodiscard]] bool isServiceSession() const override
+    {
+        auto *machine = simulatedComputer();
+        return machine && tarnSimulator::Desktop(*machine).isServiceSession();
+    }
+
+    [[nodiscard]] Launch runForConsoleUser(const QString &program, const QString &argument) override
+    {
+        auto *machine = simulatedComputer();
+        if (!machine)
+            return {LaunchStage::NoActiveSession, 0};
+        const FaultPanel faults(*machine);
+        for (const LaunchFault &step : launchFaults) {
+            if (faults.isOn(step.fault))
+                return {step.stage, 0};
+        }
+        QProcess process;
+        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        process.start(startablePath(program), {argument});
+        if (!process.waitForStarted(-1))
+            return {LaunchStage::NoProcess, 0};
+        process.waitForFinished(-1);
+        if (faults.isOn(Fault::NoGuiExitCode))
+            return {LaunchStage::NoExitCode, 0};
+        return {LaunchStage::Ended, static_cast<quint32>(process.exitCode())};
+    }
+
+    [[nodiscard]] QString consoleUserDownloadFolder() const override
+    {
+        auto *machine = simulatedComputer();
+        if (!machine || FaultPanel(*machine).isOn(Fault::NoConsoleSession))
+            return {};
+        return QDir::current().absoluteFilePath(QStringLiteral("console_user/Downloads"));
+    }
 };
 
 } // namespace
 
-UserSession &UserSession::system()
+UserSession &UserSession::ofSystem()
 {
-    static OrdinarySession session;
+    static SimulatedSession session;
     return session;
 }
 

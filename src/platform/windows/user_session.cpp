@@ -1,9 +1,34 @@
 #include "platform/user_session.h"
 
+#include "platform/windows/unique_handle.h"
+
+#include <QDir>
+
 #include <windows.h>
+
+#include <cwchar>
+#include <knownfolders.h>
+#include <objbase.h>
+#include <shlobj.h>
+#include <wtsapi32.h>
 
 namespace tarnPlatform {
 namespace {
+
+constexpr DWORD noSession = 0xFFFFFFFF;
+constexpr std::size_t commandLineLength = 260; // wide characters, with the final zero
+
+Launch failedAt(LaunchStage stage)
+{
+    return {stage, 0};
+}
+
+bool formatCommandLine(wchar_t (&line)[commandLineLength], const QString &program, const QString &argument)
+{
+    const int length = std::swprintf(line, commandLineLength, L"\"%ls\" %ls", program.toStdWString().c_str(),
+        argument.toStdWString().c_str());
+    return length >= 0 && static_cast<std::size_t>(length) < commandLineLength;
+}
 
 class WindowsSession final : public UserSession
 {
@@ -13,11 +38,57 @@ public:
         DWORD session = 0;
         return ProcessIdToSessionId(GetCurrentProcessId(), &session) && session == 0;
     }
+
+    [[nodiscard]] Launch runForConsoleUser(const QString &program, const QString &argument) override
+    {
+        const DWORD session = WTSGetActiveConsoleSessionId();
+        if (session == noSession)
+            return failedAt(LaunchStage::NoActiveSession);
+        UniqueHandle userToken;
+        if (!WTSQueryUserToken(session, userToken.receive()))
+            return failedAt(LaunchStage::NoUserToken);
+        UniqueHandle ownToken;
+        if (!DuplicateTokenEx(userToken.get(), TOKEN_ALL_ACCESS, nullptr, SecurityIdentification,
+                TokenPrimary, ownToken.receive()))
+            return failedAt(LaunchStage::NoTokenCopy);
+
+        wchar_t desktop[] = L"winsta0\\default";
+        STARTUPINFOW startup = {};
+        startup.cb = sizeof startup;
+        startup.lpDesktop = desktop;
+        wchar_t commandLine[commandLineLength] = {};
+        PROCESS_INFORMATION started = {};
+        if (!formatCommandLine(commandLine, program, argument)
+            || !CreateProcessAsUserW(ownToken.get(), nullptr, commandLine, nullptr, nullptr, FALSE,
+                CREATE_NEW_CONSOLE, nullptr, nullptr, &startup, &started))
+            return failedAt(LaunchStage::NoProcess);
+
+        const UniqueHandle process(started.hProcess);
+        const UniqueHandle thread(started.hThread);
+        WaitForSingleObject(process.get(), INFINITE);
+        DWORD exitCode = 0;
+        if (!GetExitCodeProcess(process.get(), &exitCode))
+            return failedAt(LaunchStage::NoExitCode);
+        return {LaunchStage::Ended, exitCode};
+    }
+
+    [[nodiscard]] QString consoleUserDownloadFolder() const override
+    {
+        UniqueHandle userToken;
+        wchar_t *path = nullptr;
+        const DWORD session = WTSGetActiveConsoleSessionId();
+        if (session == noSession || !WTSQueryUserToken(session, userToken.receive()))
+            return {};
+        const bool known = SUCCEEDED(SHGetKnownFolderPath(FOLDERID_Downloads, 0, userToken.get(), &path));
+        const QString folder = known ? QDir::fromNativeSeparators(QString::fromWCharArray(path)) : QString();
+        CoTaskMemFree(path); // also after a failure
+        return folder;
+    }
 };
 
 } // namespace
 
-UserSession &UserSession::system()
+UserSession &UserSession::ofSystem()
 {
     static WindowsSession session;
     return session;

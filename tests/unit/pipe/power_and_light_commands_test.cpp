@@ -172,3 +172,49 @@ TEST_F(PowerAndLightCommands, TellAnUnknownDockLight)
     EXPECT_EQ(ask("getDockLedStatus"), data("getDockLedStatus", "unknown"));
     EXPECT_TRUE(machine.log.contains("Get unknown dock led status:  -2"));
 }
+
+TEST_F(PowerAndLightCommands, NameTheColourOfTheBox)
+{
+    machine.attach(ACCESSORY_GRAPHICS);
+    machine.computer.setGraphicsLight({30, 149, 212});
+    EXPECT_EQ(ask("getGraphicsRGB"), data("getGraphicsRGB", "blue"));
+    breakRegister(XEC_RGB_CMD);
+    EXPECT_EQ(ask("getGraphicsRGB"), data("getGraphicsRGB", "shutdown"));
+    EXPECT_TRUE(machine.log.contains("Get unknown graphics rgb ver:  -1"));
+}
+
+TEST_F(PowerAndLightCommands, SetTheColourOfTheBox)
+{
+    machine.attach(ACCESSORY_GRAPHICS);
+    EXPECT_EQ(ask("setGraphicsRGB", "purplishred"), result("setGraphicsRGB", "purplishred", "successed"));
+    EXPECT_EQ(machine.computer.graphicsLight().toWord(), 0xFF00FFU);
+    EXPECT_EQ(ask("setGraphicsRGB", "shutdown"), result("setGraphicsRGB", "shutdown", "successed"));
+    EXPECT_EQ(machine.computer.graphicsLight().toWord(), 0U);
+    EXPECT_EQ(ask("setGraphicsRGB", "on"), result("setGraphicsRGB", "purplishred", "successed"));
+    EXPECT_EQ(machine.computer.graphicsLight().toWord(), 0xFF00FFU);
+    breakRegister(XEC_RGB_RED);
+    EXPECT_EQ(ask("setGraphicsRGB", "on"), result("setGraphicsRGB", "purplishred", "failed"));
+    EXPECT_EQ(ask("setGraphicsRGB", "red"), result("setGraphicsRGB", "red", "failed"));
+}
+
+TEST_F(PowerAndLightCommands, SetNoColourThatTheBoxDoesNotKnow)
+{
+    machine.attach(ACCESSORY_GRAPHICS);
+    machine.traffic();
+    for (const char *name : {"Red", "purplish red", "", "1"}) {
+        EXPECT_EQ(ask("setGraphicsRGB", name), result("setGraphicsRGB", name, "failed"));
+        EXPECT_TRUE(machine.log.contains(QString("Unknown command:  \"%1\"").arg(name)));
+    }
+    EXPECT_TRUE(machine.traffic().isEmpty());
+}
+
+TEST_F(PowerAndLightCommands, BanTheGpuBeforeAnUpdateOfTheBox)
+{
+    machine.attach(ACCESSORY_GRAPHICS);
+    auto &devices = machine.computer.devices();
+    const auto gpu = *devices.find("gpu");
+    devices.enable(gpu);
+    EXPECT_EQ(ask("requestBeginGraphicsMcuUpdate"), R"({"cmd":"requestBeginGraphicsMcuUpdate"})");
+    EXPECT_TRUE(machine.log.contains("Ban gpu before gpu mcu update."));
+    EXPECT_FALSE(devices.device(gpu).started);
+}

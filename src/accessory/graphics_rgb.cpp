@@ -1,0 +1,167 @@
+#include "accessory/graphics_colours.h"
+#include "accessory/mailbox_write.h"
+#include "device/ec_access_lock.h"
+#include "device/ec_dirver_controller_hal.h"
+#include "device/ec_registers.h"
+#include "graphics/graphics_accessory_manager.h"
+#include "platform/waits.h"
+
+#include <QDebug>
+#include <QSettings>
+
+#include <optional>
+
+namespace tarnAccessoryManager {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace tarnDeviceInfos;
+using tarnPlatform::sleepFor;
+
+constexpr auto mailboxPause = 10ms;
+constexpr auto pollPause = 50ms;
+constexpr int maximumPolls = 10;
+constexpr quint8 unreadByte = 240; // stands when a read of the command byte fails: not finished
+
+const QString colourFile = QStringLiteral("./graphicsRGB_config.ini");
+const QString colourKey = QStringLiteral("graphicsColor");
+
+void readCommandByte(quint8 *command)
+{
+    if (EcDirverControllerHal::instance()->readXdata(XEC_RGB_CMD, command) == 0)
+        qDebug() << "read ecRGBCmdData from xdata successed with: " << *command;
+    else
+        qWarning() << "read ecRGBCmdData from xdata failed.";
+}
+
+// Running out of polls is deliberately no error: the EC is taken to have answered.
+void awaitMailbox()
+{
+    quint8 command = unreadByte;
+    readCommandByte(&command);
+    for (int poll = 0; command != 0 && poll < maximumPolls; ++poll) {
+        sleepFor(pollPause);
+        qDebug() << "read ecRGBCmdData from xdata until it is 0.";
+        readCommandByte(&command);
+    }
+}
+
+// A colour byte of the EC's answer, the time it takes to be there, and the log's words.
+struct ColourByte
+{
+    quint16 address;
+    std::chrono::milliseconds pauseBefore;
+    const char *done;
+    const char *failed;
+};
+constexpr ColourByte colourBytes[] = {
+    {XEC_RGB_RED, 10ms, "read rgbRedVer from xdata successed with: ", "read rgbRedVer from xdata failed."},
+    {XEC_RGB_GREEN, 30ms,
+        "read rgbGreenVer from xdata successed with: ", "read rgbGreenVer from xdata failed."},
+    {XEC_RGB_BLUE, 10ms, "read rgbBlueVer from xdata successed with: ", "read rgbBlueVer from xdata failed."},
+};
+
+bool readColour(quint8 (&colour)[3])
+{
+    for (std::size_t i = 0; i < std::size(colourBytes); ++i) {
+        sleepFor(colourBytes[i].pauseBefore);
+        if (EcDirverControllerHal::instance()->readXdata(colourBytes[i].address, &colour[i]) != 0) {
+            qWarning() << colourBytes[i].failed;
+            return false;
+        }
+        qDebug() << colourBytes[i].done << colour[i];
+    }
+    return true;
+}
+
+// The number of a triple; empty when it is none of the box's colours.
+std::optional<int> numberOf(const quint8 (&colour)[3])
+{
+    for (int number = 0; number < graphicsColourCount; ++number) {
+        const GraphicsColour &row = graphicsColours[number];
+        if (row.red == colour[0] && row.green == colour[1] && row.blue == colour[2])
+            return number;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+int GraphicsAccessoryManager::getGraphicsRgb()
+{
+    const EcAccess access;
+    qDebug() << "start to get graphics rgb setting.";
+    if (!access)
+        return -1;
+    if (!writeMailbox({XEC_RGB_CMD, APP_EC_RGB_READ, "Success to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD.",
+            "Failed to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD. "}))
+        return -1;
+    sleepFor(mailboxPause);
+    awaitMailbox();
+
+    quint8 colour[3] = {};
+    if (!readColour(colour))
+        return -2;
+    const std::optional<int> number = numberOf(colour);
+    if (!number) {
+        qDebug() << "ec operation successed but get graphics rgb failed with wrong rgbver or rgb is down.";
+        return graphicsOff;
+    }
+    qDebug() << graphicsColours[*number].readText;
+    if (*number != graphicsOff)
+        saveGraphicsColor(*number);
+    return *number;
+}
+
+int GraphicsAccessoryManager::setGraphicsRgb(int colour)
+{
+    const EcAccess access;
+    qDebug() << "begin to set graphics rgb.";
+    if (!isGraphicsColour(colour)) {
+        qDebug() << "Set graphics rgb with wrong color!";
+        return -1;
+    }
+    if (!access)
+        return -2;
+    const GraphicsColour &row = graphicsColours[colour];
+    const MailboxWrite colourWrites[] = {
+        {XEC_RGB_RED, row.red, "Success to write rgbColorRed: ", "to XEC_RGB_RED.",
+            "Failed to write rgbColorRed: ", "to XEC_RGB_RED. "},
+        {XEC_RGB_GREEN, row.green, "Success to write rgbColorGreen: ", "to XEC_RGB_GREEN.",
+            "Failed to write rgbColorGreen: ", "to XEC_RGB_GREEN. "},
+        {XEC_RGB_BLUE, row.blue, "Success to write rgbColorBlue: ", "to XEC_RGB_BLUE.",
+            "Failed to write rgbColorBlue: ", "to XEC_RGB_BLUE. "},
+    };
+    for (const MailboxWrite &write : colourWrites) {
+        if (!writeMailbox(write))
+            return -2;
+        sleepFor(mailboxPause);
+    }
+    // The command goes last, and the EC takes its time with it unobserved.
+    if (!writeMailbox({XEC_RGB_CMD, APP_EC_RGB_WRITE, "Success to write APP_EC_RGB_WRITE: ",
+            "to XEC_RGB_CMD.", "Failed to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD. "}))
+        return -2;
+    qDebug() << "Set graphics rgb color successed：" << colour;
+    if (colour != graphicsOff)
+        saveGraphicsColor(colour);
+    return 0;
+}
+
+int GraphicsAccessoryManager::readGraphicsColor()
+{
+    const QSettings settings(colourFile, QSettings::IniFormat);
+    bool isNumber = false;
+    const int colour = settings.value(colourKey).toInt(&isNumber);
+    return isNumber && isGraphicsColour(colour) && colour != graphicsOff ? colour : graphicsWhite;
+}
+
+void GraphicsAccessoryManager::saveGraphicsColor(int colour)
+{
+    QSettings settings(colourFile, QSettings::IniFormat);
+    settings.setValue(colourKey, colour);
+    settings.sync();
+    if (settings.status() != QSettings::NoError)
+        qWarning() << "The colour of the graphics box cannot be remembered in" << settings.fileName();
+}
+
+} // namespace tarnAccessoryManager

@@ -1,0 +1,200 @@
+#include "device/ec_registers.h"
+#include "graphics/graphics_accessory_manager.h"
+#include "platform/device_manager.h"
+
+#include <QDebug>
+
+#include <functional>
+
+namespace tarnAccessoryManager {
+namespace {
+
+using namespace tarnPlatform;
+
+constexpr int longTextBytes = 4096;
+constexpr int shortTextBytes = 256;
+constexpr int instanceIdCharacters = 200;
+
+constexpr char installedName[] = "NVIDIA GeForce RTX 4060 Ti";
+constexpr char seriesName[] = "4060";
+constexpr char nvidiaPciId[] = "PCI\\VEN_10DE";
+constexpr char amdPciId[] = "PCI\\VEN_1002";
+
+std::unique_ptr<DeviceList> openAdapters()
+{
+    return DeviceManager::system().displayAdapters(DeviceManager::Text::Ansi);
+}
+
+// 1 or 0; -1 when the adapters cannot be listed.
+int isDriverInstalled()
+{
+    const auto adapters = openAdapters();
+    if (!adapters)
+        return -1;
+    while (adapters->next()) {
+        const auto description = adapters->ansiText(DeviceProperty::Description, longTextBytes);
+        if (description && description->contains(installedName))
+            return 1;
+    }
+    return 0;
+}
+
+bool isGpuOfSeries(DeviceList &adapter)
+{
+    const auto hardwareIds = adapter.ansiText(DeviceProperty::HardwareIds, longTextBytes);
+    if (!hardwareIds || (!hardwareIds->contains(nvidiaPciId) && !hardwareIds->contains(amdPciId)))
+        return false;
+    const auto description = adapter.ansiText(DeviceProperty::Description, shortTextBytes);
+    return description && description->contains(seriesName);
+}
+
+// 1 or 0; -1 when the adapters cannot be listed, -2 when there is none that can be asked.
+int isGpuStarted()
+{
+    const auto adapters = openAdapters();
+    if (!adapters)
+        return -1;
+    while (adapters->next()) {
+        if (!isGpuOfSeries(*adapters))
+            continue;
+        if (const auto status = adapters->status())
+            return status->bits & deviceStarted ? 1 : 0;
+    }
+    return -2;
+}
+
+// The adapter of an id decides: true when it needs no driver patch.
+bool isAdapterSound(DeviceList &adapter, const QString &id)
+{
+    const auto status = adapter.status();
+    if (!status) {
+        qDebug() << "Failed to get device status for:" << id;
+        return false;
+    }
+    if (!(status->bits & deviceHasProblem)) {
+        qDebug() << "Device" << id << "is functioning properly.";
+        return true;
+    }
+    qDebug() << "Device" << id << "has issues, ConfigManagerErrorCode:" << status->problem;
+    return status->problem != problemFailedPostStart && status->problem != problemFailedAdd;
+}
+
+bool isFirstNvidiaAdapterSound(DeviceList &adapters)
+{
+    int index = 1;
+    while (adapters.next()) {
+        ++index; // counts from 2, deliberately
+        const auto id = adapters.instanceId(instanceIdCharacters);
+        if (!id) {
+            qDebug() << "Failed to get device ID for index:" << index;
+            continue;
+        }
+        qDebug() << "Checking device index:" << index << ", ID:" << *id;
+        if (!id->contains(QStringLiteral("VEN_10DE"), Qt::CaseInsensitive))
+            continue;
+        qDebug() << "Found NVIDIA device:" << *id;
+        return isAdapterSound(adapters, *id);
+    }
+    return true;
+}
+
+// How the adapters of the series are switched, and what the log says about it.
+struct GpuSwitch
+{
+    bool (*isNeeded)(const std::optional<DeviceStatus> &status);
+    bool (DeviceList::*carryOut)();
+    const char *noList;
+    const char *done;
+    const char *failed;
+};
+
+constexpr GpuSwitch enabling = {
+    [](const std::optional<DeviceStatus> &status) { return !status || !(status->bits & deviceStarted); },
+    &DeviceList::enable,
+    "GraphicsActive_log: Failed to get device info set.",
+    "GraphicsActive_log: Enabled 4060 series GPU at index",
+    "GraphicsActive_log: Failed to enable 4060 series GPU at index",
+};
+constexpr GpuSwitch disabling = {
+    [](const std::optional<DeviceStatus> &status) { return status && (status->bits & deviceStarted); },
+    &DeviceList::disable,
+    "GraphicsDisengaged_log: Failed to get device info set.",
+    "GraphicsDisengaged_log: Disabled 4060 series GPU at index",
+    "GraphicsDisengaged_log: Failed to disable 4060 series GPU at index",
+};
+
+// Every adapter of the series is handled, whatever becomes of the others.
+int switchAdapters(const GpuSwitch &gpuSwitch, const std::function<void()> &onDone)
+{
+    const auto adapters = openAdapters();
+    if (!adapters) {
+        qDebug() << gpuSwitch.noList;
+        return -1;
+    }
+    int result = 0;
+    for (int index = 0; adapters->next(); ++index) {
+        const auto description = adapters->ansiText(DeviceProperty::Description, shortTextBytes);
+        if (!description || !description->contains(seriesName) || !gpuSwitch.isNeeded(adapters->status()))
+            continue;
+        if ((*adapters.*gpuSwitch.carryOut)()) {
+            qDebug() << gpuSwitch.done << index;
+            onDone();
+        } else {
+            qDebug() << gpuSwitch.failed << index;
+            result = -1;
+        }
+    }
+    return result;
+}
+
+} // namespace
+
+int GraphicsAccessoryManager::getGpuDriverData()
+{
+    // That the box is there is known from the EC.
+    qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: get gpu is exist or not: " << 1 << ".";
+    const int installed = isDriverInstalled();
+    qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: get gpu driver is install or not: " << installed
+             << ".";
+    if (installed == -1)
+        return -1;
+    int gpuDriverData = tarnDeviceInfos::GPU_PRESENT;
+    if (installed == 1) {
+        gpuDriverData |= tarnDeviceInfos::GPU_DRIVER_INSTALLED;
+        const int started = isGpuStarted();
+        qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: get gpu is active or not: " << started
+                 << ".";
+        // A driver whose adapter cannot be found or asked is an error, deliberately, and not an inactive GPU.
+        if (started < 0)
+            return -1;
+        if (started == 1)
+            gpuDriverData |= tarnDeviceInfos::GPU_STARTED;
+    }
+    qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: gpuDriverData is " << gpuDriverData << ".";
+    return gpuDriverData;
+}
+
+bool GraphicsAccessoryManager::checkNvidiaAdapterStatus()
+{
+    auto adapters = DeviceManager::system().displayAdapters(DeviceManager::Text::Wide);
+    if (!adapters) {
+        qDebug() << "Failed to get device info set for display adapters.";
+        return false;
+    }
+    const bool sound = isFirstNvidiaAdapterSound(*adapters);
+    adapters.reset();
+    qDebug() << "Device info list destroyed for display adapters.";
+    return sound;
+}
+
+int GraphicsAccessoryManager::enableGpu()
+{
+    return switchAdapters(enabling, [] {});
+}
+
+int GraphicsAccessoryManager::disableGpu()
+{
+    return switchAdapters(disabling, [this] { gpuActive = false; });
+}
+
+} // namespace tarnAccessoryManager

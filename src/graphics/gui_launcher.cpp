@@ -1,0 +1,83 @@
+#include "graphics/gui_launcher.h"
+
+#include "pipe/tarn_pipe_server.h"
+#include "platform/user_session.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+
+namespace tarnAccessoryManager {
+namespace {
+
+using namespace std::chrono_literals;
+using tarnPlatform::Launch;
+using tarnPlatform::LaunchStage;
+using tarnPlatform::UserSession;
+
+constexpr auto answerPatience = 30000ms;
+constexpr quint32 exitCodeNo = 0;
+constexpr quint32 exitCodeYes = 1;
+
+// What the log says when the program did not come to its end. In the order of LaunchStage.
+constexpr const char *failures[] = {
+    "GraphicsActive_log & GraphicsDisengaged_log: No active session found",
+    "GraphicsActive_log & GraphicsDisengaged_log: Failed to query user token",
+    "GraphicsActive_log & GraphicsDisengaged_log: Failed to duplicate token",
+    "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process",
+    "GraphicsActive_log & GraphicsDisengaged_log: Failed to get exit code",
+};
+
+// Deliberately without a separator: Windows does not count the dot that the folder's name then ends in, so
+// this is the folder beside the program.
+QString guiProgram()
+{
+    return QCoreApplication::applicationDirPath() + QStringLiteral("./TarnServiceGui/TarnServiceGui.exe");
+}
+
+int answerOf(quint32 exitCode)
+{
+    qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: exitCode for Gui program is " << exitCode;
+    if (exitCode == exitCodeNo) {
+        qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: click no!!!";
+        return 0;
+    }
+    if (exitCode == exitCodeYes) {
+        qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: click yes!!!";
+        return 1;
+    }
+    qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: exit code:" << exitCode;
+    return 0;
+}
+
+int launchForConsoleUser(const QString &programSwitch)
+{
+    const Launch launch = UserSession::system().runForConsoleUser(guiProgram(), programSwitch);
+    if (launch.stage == LaunchStage::Ended)
+        return answerOf(launch.exitCode);
+    qDebug() << failures[static_cast<std::size_t>(launch.stage)];
+    return 0;
+}
+
+int launchInOwnSession(const QString &programSwitch)
+{
+    qDebug()
+        << "GraphicsActive_log & GraphicsDisengaged_log: Starting TarnServiceGui in Debug or Release mode.";
+    qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: cmd：" << programSwitch;
+    UserSession &session = UserSession::system();
+    if (programSwitch == QStringLiteral("--disengaged-graphics"))
+        return answerOf(static_cast<quint32>(session.run(guiProgram(), programSwitch, answerPatience)));
+    if (!session.startDetached(guiProgram(), programSwitch))
+        qWarning() << failures[static_cast<std::size_t>(LaunchStage::NoProcess)] << guiProgram();
+    return 0;
+}
+
+} // namespace
+
+int launchGuiProgram(const QString &programSwitch)
+{
+    if (tarnPipeServer::TarnPipeServer::instance()->isServiceSession())
+        return launchForConsoleUser(programSwitch);
+    return launchInOwnSession(programSwitch);
+}
+
+} // namespace tarnAccessoryManager

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QObject>
+
+namespace tarnAccessoryManager {
+
+// Names the signal of a GPU key on the keyboard. Deliberately created nowhere: the key of the box reaches the
+// service only as an event of the EC.
+class KeyboardListener : public QObject
+{
+    Q_OBJECT
+
+Q_SIGNALS:
+    void graphicsDisengagedSignal();
+};
+
+} // namespace tarnAccessoryManager

@@ -1,0 +1,61 @@
+#include "update/ec_settings.h"
+
+#include <QDebug>
+
+namespace tarnFirmwareUpdate {
+namespace {
+
+struct Setting
+{
+    std::string_view key;
+    std::string_view line; // empty: the line of the firmware file
+};
+
+// The order counts: a key is looked for anywhere in a line, so "FW VERSION SHOW" has to come before "IO".
+// That any other line with these two letters becomes "IO=1", section headers too, is deliberate: the tool
+// knows no sections.
+constexpr Setting settings[] = {
+    {"ACPI PORT", "ACPI PORT=0x68"},
+    {"FW VERSION SHOW", "FW VERSION SHOW=0"},
+    {"HEX DISPLAY", "HEX DISPLAY=0"},
+    {"Read Method", "Read Method=0"},
+    {"IO", "IO=1"},
+    {"BRAM BANK", "BRAM BANK=0"},
+    {"Read BYTES", "Read BYTES=3"},
+    {"BRAM Start index", "BRAM Start index=0x7"},
+    {"FlashEnd CMD", "FlashEnd CMD=0xFC"},
+    {"AutoFlash", "AutoFlash=1"},
+    {"Warring Show", "Warring Show=0"}, // spelled so by the tool
+    {"SilentRun", "SilentRun=1"},
+    {"BinName", {}},
+    {"Shutdown", "Shutdown=1"},
+};
+
+constexpr std::string_view binNameStart = "BinName=";
+
+} // namespace
+
+std::string settingsLine(std::string_view line, const std::function<std::string()> &binNameLine)
+{
+    for (const Setting &setting : settings) {
+        if (line.find(setting.key) == std::string_view::npos)
+            continue;
+        return setting.line.empty() ? binNameLine() : std::string(setting.line);
+    }
+    return std::string(line);
+}
+
+std::string announcedBinNameLine(const std::function<std::string()> &build)
+{
+    std::string line = build();
+    qDebug() << "ecFileName line is: " << line.c_str();
+    if (!line.starts_with(binNameStart)) {
+        qDebug() << "write BinName failed! try again!";
+        line = build();
+        qDebug() << "again ecFileName line is: " << line.c_str();
+    }
+    qDebug() << "write BinName successful!";
+    return line;
+}
+
+} // namespace tarnFirmwareUpdate

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace tarnFirmwareUpdate {
+
+// A line of the EC tool's settings as this board needs it, without its line end: the first known key that
+// occurs anywhere in the line decides, a line without one stays as it is. `binNameLine` makes the line of the
+// firmware file and is called for that line only.
+[[nodiscard]] std::string settingsLine(
+    std::string_view line, const std::function<std::string()> &binNameLine);
+
+// Builds the line of the firmware file and says so in the log; built again if it does not name its key.
+[[nodiscard]] std::string announcedBinNameLine(const std::function<std::string()> &build);
+
+} // namespace tarnFirmwareUpdate

@@ -1,0 +1,64 @@
+#pragma once
+
+#include <QList>
+#include <QMutex>
+#include <QString>
+
+#include <atomic>
+#include <string>
+
+class QProcess;
+
+namespace tarnPlatform {
+template <typename Object> class ProcessWide;
+}
+
+namespace tarnFirmwareUpdate {
+
+// Flashes the accessory's MCU and the EC with the external tools under function/. All operations block for as
+// long as they take; they run on handler threads. File names come from clients: what is not a plain name of a
+// firmware file is refused before anything is touched.
+class FirmwareUpdater
+{
+public:
+    static FirmwareUpdater *instance();
+    virtual ~FirmwareUpdater() = default;
+    FirmwareUpdater(const FirmwareUpdater &) = delete;
+    FirmwareUpdater &operator=(const FirmwareUpdater &) = delete;
+
+    // firmware_files.cpp: takes the file out of the download folder and flashes it; 0 on success.
+    [[nodiscard]] int copyMcuFile(const QString &fileName);
+    // Only takes the file; 0 on success.
+    [[nodiscard]] int copyEcFile(const QString &fileName);
+
+    // mcu_update.cpp: 0 or -1. Holds ecAccessMutex for about 9 s and the flasher's run.
+    [[nodiscard]] int mcuUpdate(const QString &fileName);
+    // One run of the flasher, repeated at most twice while it complains; 0 or -1.
+    [[nodiscard]] int mcuUpdateProcess(const QString &fileName);
+    // The two halves of the switching; 0, or -1 when there is no KVane or, for leaving, when nothing was
+    // entered. In between the EC stays locked and the monitor paused, whichever threads call.
+    [[nodiscard]] int enterMcuUpdateMode();
+    [[nodiscard]] int leaveMcuUpdateMode();
+
+    // ec_update.cpp: true unless one of the two files could not be opened or replaced.
+    [[nodiscard]] bool modifyEcIniFile(const std::string &iniPath, const std::string &binName);
+    void ecUpdate();
+
+private:
+    friend class tarnPlatform::ProcessWide<FirmwareUpdater>;
+    FirmwareUpdater() = default;
+
+    void readControl();
+    void changeControl(quint8 bits, bool set);
+    void startBootLoader();
+    void startFirmware();
+
+    std::atomic<quint8> control {0xFF}; // EC_MCU_UPDATE_CTRL as last read or written
+    QMutex modeHold; // guards modeHeld, and lets a leave wait for an enter that is on its way
+    bool modeHeld = false;
+    QMutex mcuTurn; // two updates of the same file name would take it from each other
+    // One for each update, the last one running or done; deliberately never deleted.
+    QList<QProcess *> ecTools;
+};
+
+} // namespace tarnFirmwareUpdate

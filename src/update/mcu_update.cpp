@@ -1,0 +1,156 @@
+#include "device/ec_access_lock.h"
+#include "device/ec_dirver_controller_hal.h"
+#include "device/ec_dirver_reader.h"
+#include "device/ec_registers.h"
+#include "platform/waits.h"
+#include "update/firmware_updater.h"
+#include "update/tool_run.h"
+
+#include <QDebug>
+
+namespace tarnFirmwareUpdate {
+namespace {
+
+using namespace std::chrono_literals;
+using namespace tarnDeviceInfos;
+using tarnPlatform::sleepFor;
+
+constexpr auto controlPause = 1000ms; // before the sequence and after each of its writes
+constexpr auto handshakePause = 2000ms;
+constexpr int maximumRuns = 3;
+
+const QString mcuFolder = QStringLiteral("./function/MCU");
+const QString flasher = QStringLiteral("./function/MCU/stm32flash.exe");
+
+// Flasher runs in a row that complained. One update at a time counts: the EC lock sees to that.
+std::atomic<int> failedRuns {0};
+
+// Write, verify, start at address 0, on the first serial port.
+QStringList flasherArguments(const QString &fileName)
+{
+    return {QStringLiteral("-w"), fileName, QStringLiteral("-v"), QStringLiteral("-g"), QStringLiteral("0x0"),
+        QStringLiteral("\\\\.\\COM1")};
+}
+
+bool isKVaneAttached()
+{
+    return EcDirverReader::instance()->accessoryKind() == ACCESSORY_KVANE;
+}
+
+} // namespace
+
+int FirmwareUpdater::mcuUpdate(const QString &fileName)
+{
+    qDebug() << "mcuUpdate Enter |";
+    if (!isKVaneAttached()) {
+        sleepFor(handshakePause);
+        qWarning() << "MCU and base handshake failed!";
+        qDebug() << "mcuUpdate Leave |";
+        return -1;
+    }
+    int result = -1;
+    if (const EcAccess access; access) {
+        startBootLoader();
+        result = mcuUpdateProcess(fileName);
+        sleepFor(controlPause);
+        startFirmware();
+    }
+    qDebug() << "mcuUpdate Leave |";
+    return result;
+}
+
+int FirmwareUpdater::mcuUpdateProcess(const QString &fileName)
+{
+    qDebug() << "mcuUpdateProcess Enter |";
+    const QStringList arguments = flasherArguments(fileName);
+    qDebug() << arguments;
+    const ToolResult run = runTool(flasher, arguments, mcuFolder);
+    qDebug() << "Command output:" << run.output;
+    // The flasher's exit code says nothing: it succeeds by having nothing to complain about.
+    const QString complaint = run.started ? QString::fromLocal8Bit(run.errors) : run.failure;
+    if (complaint.isEmpty()) {
+        failedRuns = 0;
+        qDebug() << "mcuUpdateProcess successfully";
+        qDebug() << "mcuUpdateProcess Leave |";
+        return 0;
+    }
+    qWarning() << "mcuUpdateProcess failed. Error message: " << complaint;
+    if (++failedRuns == maximumRuns) {
+        failedRuns = 0;
+        qWarning() << "mcuUpdateProcess failed 3 times. Sending notification...";
+        return -1;
+    }
+    qDebug() << "Retrying...";
+    const int result = mcuUpdateProcess(fileName);
+    if (result != 0)
+        qWarning() << "mcuUpdateProcess failed again. Error message: " << complaint;
+    qDebug() << "mcuUpdateProcess Leave |";
+    return result;
+}
+
+int FirmwareUpdater::enterMcuUpdateMode()
+{
+    if (!isKVaneAttached()) {
+        qDebug() << "hand shake status is failed!";
+        return -1;
+    }
+    const QMutexLocker locker(&modeHold);
+    EcDirverReader::instance()->setMcuUpdating(true);
+    // A second enter works under the hold of the first.
+    if (!modeHeld && !ecAccessMutex.lock()) {
+        EcDirverReader::instance()->setMcuUpdating(false);
+        return -1;
+    }
+    modeHeld = true;
+    startBootLoader();
+    return 0;
+}
+
+int FirmwareUpdater::leaveMcuUpdateMode()
+{
+    const QMutexLocker locker(&modeHold);
+    if (!modeHeld)
+        return -1;
+    startFirmware();
+    modeHeld = false;
+    ecAccessMutex.unlock();
+    EcDirverReader::instance()->setMcuUpdating(false);
+    return 0;
+}
+
+void FirmwareUpdater::readControl()
+{
+    quint8 value = control;
+    if (EcDirverControllerHal::instance()->readXdata(EC_MCU_UPDATE_CTRL, &value) == 0)
+        control = value;
+}
+
+// Whether single writes arrive is deliberately not looked at: the sequence is the same in any case, and the
+// flasher sees whether the boot loader answers.
+void FirmwareUpdater::changeControl(quint8 bits, bool set)
+{
+    const quint8 before = control;
+    control = static_cast<quint8>(set ? before | bits : before & ~bits);
+    EcDirverControllerHal::instance()->writeXdata(EC_MCU_UPDATE_CTRL, control);
+    sleepFor(controlPause);
+}
+
+void FirmwareUpdater::startBootLoader()
+{
+    sleepFor(controlPause);
+    readControl();
+    changeControl(MCU_UPDATE_ON, true);
+    changeControl(MCU_BOOT_LOADER_SELECT, true);
+    changeControl(MCU_RESET_PULSE, true);
+    changeControl(MCU_RESET_PULSE, false);
+}
+
+void FirmwareUpdater::startFirmware()
+{
+    changeControl(MCU_BOOT_LOADER_SELECT, false);
+    changeControl(MCU_RESET_PULSE, true);
+    changeControl(MCU_RESET_PULSE, false);
+    changeControl(MCU_UPDATE_ON, false);
+}
+
+} // namespace tarnFirmwareUpdate

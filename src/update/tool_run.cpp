@@ -1,0 +1,26 @@
+#include "update/tool_run.h"
+
+#include <QFileInfo>
+#include <QProcess>
+
+namespace tarnFirmwareUpdate {
+
+ToolResult runTool(const QString &program, const QStringList &arguments, const QString &folder)
+{
+    QProcess process;
+    process.setWorkingDirectory(QFileInfo(folder).absoluteFilePath());
+    // By its absolute path: a relative one would be looked for from the tool's own folder on some systems.
+    process.start(QFileInfo(program).absoluteFilePath(), arguments, QIODevice::ReadWrite);
+    ToolResult result;
+    result.started = process.waitForStarted(-1);
+    if (!result.started) {
+        result.failure = process.errorString();
+        return result;
+    }
+    process.waitForFinished(-1);
+    result.output = process.readAllStandardOutput();
+    result.errors = process.readAllStandardError();
+    return result;
+}
+
+} // namespace tarnFirmwareUpdate

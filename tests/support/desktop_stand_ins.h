@@ -1,0 +1,76 @@
+#pragma once
+
+#include "platform/process_list.h"
+#include "platform/user_session.h"
+
+#include <QStringList>
+
+#include <algorithm>
+
+namespace tarnTest {
+
+// A session whose user answers as the test says, at once, and that notes what was shown.
+class ScriptedSession : public tarnPlatform::UserSession
+{
+public:
+    ScriptedSession() { replace(this); }
+    ~ScriptedSession() override { replace(nullptr); }
+    ScriptedSession(const ScriptedSession &) = delete;
+    ScriptedSession &operator=(const ScriptedSession &) = delete;
+
+    [[nodiscard]] bool isServiceSession() const override { return serviceSession; }
+    [[nodiscard]] tarnPlatform::Launch runForConsoleUser(
+        const QString &program, const QString &argument) override
+    {
+        note("console", program, argument);
+        return {stage, exitCode};
+    }
+    [[nodiscard]] QString consoleUserDownloadFolder() const override { return downloadFolder; }
+    [[nodiscard]] int run(
+        const QString &program, const QString &argument, std::chrono::milliseconds patience) override
+    {
+        note(QString("wait %1").arg(patience.count()), program, argument);
+        return static_cast<int>(exitCode);
+    }
+    [[nodiscard]] bool startDetached(const QString &program, const QString &argument) override
+    {
+        note("detached", program, argument);
+        return starts;
+    }
+
+    bool serviceSession = false;
+    tarnPlatform::LaunchStage stage = tarnPlatform::LaunchStage::Ended;
+    quint32 exitCode = 1;
+    bool starts = true;
+    QString downloadFolder;
+    QStringList shown; // "detached --graphics-patch-error"
+    QString lastProgram;
+    std::function<void()> onShow;
+
+private:
+    void note(const QString &how, const QString &program, const QString &argument)
+    {
+        shown << how + ' ' + argument;
+        lastProgram = program;
+        if (onShow)
+            onShow();
+    }
+};
+
+class ScriptedProcesses : public tarnPlatform::ProcessList
+{
+public:
+    ScriptedProcesses() { replace(this); }
+    ~ScriptedProcesses() override { replace(nullptr); }
+    ScriptedProcesses(const ScriptedProcesses &) = delete;
+    ScriptedProcesses &operator=(const ScriptedProcesses &) = delete;
+
+    [[nodiscard]] bool anyOf(const std::function<bool(const QString &)> &matches) override
+    {
+        return std::any_of(programs.begin(), programs.end(), matches);
+    }
+
+    QStringList programs {"init", "explorer.exe"};
+};
+
+} // namespace tarnTest

@@ -1,0 +1,198 @@
+#include "graphics_fixture.h"
+
+using namespace tarnDeviceInfos;
+using tarnSimulator::Fault;
+
+class GpuActivation : public tarnTest::GraphicsTest
+{
+protected:
+    // Of the log, what the activation itself says.
+    [[nodiscard]] QStringList steps() const
+    {
+        QStringList own;
+        for (const QString &line : machine.log.lines()) {
+            if (!line.contains("GraphicsActive_log & ")
+                && (line.contains("GraphicsActive_log") || line.contains("popup")))
+                own << line;
+        }
+        return own;
+    }
+    static QStringList beginning(int found)
+    {
+        return {"GraphicsActive_log: Received GPU connect signal.",
+            "GraphicsActive_log: Start the graphics active process.",
+            QString("GraphicsActive_log: get gpu driver data when graphics active process begin:  %1")
+                .arg(found)};
+    }
+    static QString reported(int state)
+    {
+        return QString("GraphicsActive_log: Success to write gpuDriverDataFirst:  %1 to XEC_APP_CMD_DATA0.")
+            .arg(state);
+    }
+    const QString commandWritten =
+        "GraphicsActive_log: Successed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ";
+    static QStringList report(const char *state) { return {QString("W 04B1 %1").arg(state), "W 04B0 10"}; }
+};
+
+TEST_F(GpuActivation, BringsTheGpuUpAndTellsTheEc)
+{
+    EXPECT_EQ(manager->graphicsActiveProcess(), 0);
+    EXPECT_TRUE(device("gpu").started);
+    EXPECT_EQ(machine.timeline(), QStringList({"3020 W 04B1 07", "3040 W 04B0 10"}));
+    EXPECT_EQ(machine.clock.waits().front(), 3000);
+    EXPECT_EQ(steps(),
+        beginning(3)
+            + QStringList({"GraphicsActive_log: Enabled 4060 series GPU at index 1",
+                "GraphicsActive_log: active gpu successed.",
+                "GraphicsActive_log: get gpu driver data after active gpu driver:  7", reported(7),
+                commandWritten}));
+    EXPECT_TRUE(session.shown.isEmpty());
+}
+
+TEST_F(GpuActivation, LeavesARunningGpuAsItIs)
+{
+    setCondition("gpu", true, 0);
+    fail(Fault::FailDeviceEnable, "gpu");
+    EXPECT_EQ(manager->graphicsActiveProcess(), 0);
+    EXPECT_EQ(machine.traffic(), report("07"));
+    EXPECT_EQ(steps().filter("Enabled"), QStringList());
+}
+
+TEST_F(GpuActivation, ReportsTheGpuAsActiveThoughItHasNotStartedYet)
+{
+    // Enabling is accepted, but the driver is not up.
+    setCondition("gpu", false, 28);
+    EXPECT_EQ(manager->graphicsActiveProcess(), 0);
+    EXPECT_FALSE(device("gpu").started);
+    EXPECT_EQ(machine.traffic(), report("07"));
+}
+
+TEST_F(GpuActivation, ShowsThatTheDriverIsMissing)
+{
+    rename("gpu", "Microsoft Basic Display Adapter");
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), report("01"));
+    EXPECT_EQ(session.shown, QStringList({"detached --graphics-driver-error"}));
+    EXPECT_EQ(steps(),
+        beginning(1)
+            + QStringList({"W: GraphicsActive_log: Gpu driver does not exist!",
+                "Tarn.exe is not running, shou the driver error popup.", reported(1), commandWritten}));
+}
+
+TEST_F(GpuActivation, LeavesTheMissingDriverToTheClientWhileItRuns)
+{
+    processes.programs << "TARN.EXE";
+    rename("gpu", "Microsoft Basic Display Adapter");
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), report("01"));
+    EXPECT_TRUE(session.shown.isEmpty());
+    EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the driver error popup."));
+    EXPECT_TRUE(machine.log.contains("\"Tarn.exe\"  is running."));
+}
+
+class FailedDriver : public GpuActivation, public ::testing::WithParamInterface<std::uint32_t>
+{ };
+
+TEST_P(FailedDriver, NeedsThePatchAndIsReportedAsNotStarted)
+{
+    setCondition("gpu", true, GetParam()); // the bit of the report is cleared whatever the status says
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), report("03"));
+    EXPECT_EQ(session.shown, QStringList({"detached --graphics-patch-error"}));
+    EXPECT_EQ(steps(),
+        beginning(7)
+            + QStringList({"W: GraphicsActive_log: Gpu driver status error!",
+                "Tarn.exe is not running, shou the patch error popup.", commandWritten}));
+}
+
+INSTANTIATE_TEST_SUITE_P(Problems, FailedDriver, ::testing::Values(43U, 31U));
+
+TEST_F(GpuActivation, LeavesTheFailedDriverToTheClientWhileItRuns)
+{
+    processes.programs << "Tarn.exe";
+    setCondition("gpu", false, 43);
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), report("03"));
+    EXPECT_TRUE(session.shown.isEmpty());
+    EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the patch error popup."));
+}
+
+TEST_F(GpuActivation, EndsWithoutAReportWhenTheStateCannotBeTold)
+{
+    machine.faults().switchOn(Fault::FailDeviceList);
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(steps().last(),
+        "W: GraphicsActive_log: failed to get gpu driver data when graphics active process begin: -1 .");
+}
+
+TEST_F(GpuActivation, EndsWithoutAReportWhenEnablingFails)
+{
+    fail(Fault::FailDeviceEnable, "gpu");
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(steps().last(), "W: GraphicsActive_log: active gpu failed.");
+    EXPECT_TRUE(session.shown.isEmpty());
+}
+
+TEST_F(GpuActivation, EndsWithoutAReportWhenTheStateCannotBeToldAfterwards)
+{
+    machine.faults().switchOn(Fault::FailDeviceList, 4, 4); // two for the state, the check and enabling
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(steps().last(),
+        "W: GraphicsActive_log: failed to get gpu driver data  after active gpu driver: -1 .");
+}
+
+TEST_F(GpuActivation, WritesNoCommandAfterFailedData)
+{
+    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(steps().last(),
+        "W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  7 to XEC_APP_CMD_DATA0. ");
+}
+
+TEST_F(GpuActivation, FailsWhenTheCommandCannotBeWritten)
+{
+    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), QStringList({"W 04B1 07"}));
+    EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
+}
+
+TEST_F(GpuActivation, ResetsTheSoundAfterSuccess)
+{
+    setCondition("gpu-audio", false, 10);
+    manager->handleGraphicsConnectSignal();
+    EXPECT_TRUE(device("gpu-audio").started);
+    const QStringList lines = machine.log.lines();
+    EXPECT_EQ(lines.first(), "GraphicsActive_log: Received graphics connected signal, begin active process.");
+    EXPECT_TRUE(lines.contains("GraphicsActive_log: Successed to active graphics."));
+    EXPECT_EQ(lines.last(), "High Definition Audio Device has been reset.");
+}
+
+TEST_F(GpuActivation, LeavesTheSoundAloneAfterAFailure)
+{
+    setCondition("gpu-audio", false, 10);
+    fail(Fault::FailDeviceEnable, "gpu");
+    manager->handleGraphicsConnectSignal();
+    EXPECT_FALSE(device("gpu-audio").started);
+    EXPECT_EQ(machine.log.lines().last(), "W: GraphicsActive_log: Failed to active graphics.");
+}
+
+TEST_F(GpuActivation, AtTheStartHasItsOwnWords)
+{
+    setCondition("gpu-audio", false, 10);
+    manager->gpuActiveProcessFirst();
+    EXPECT_TRUE(device("gpu-audio").started);
+    EXPECT_EQ(machine.log.lines().first(), "GraphicsActive_log: Gpu has connected when app begin to run.");
+    EXPECT_TRUE(machine.log.contains("GraphicsActive_log: Successed to active graphics for first."));
+}
+
+TEST_F(GpuActivation, AtTheStartMayFail)
+{
+    fail(Fault::FailDeviceEnable, "gpu");
+    manager->gpuActiveProcessFirst();
+    EXPECT_EQ(machine.log.lines().last(), "GraphicsActive_log: Failed to active graphics for first.");
+}
