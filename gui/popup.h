@@ -32,11 +32,11 @@ struct Popup
     std::wstring_view commandSwitch;
     // For the usage text.
     std::wstring_view summary;
-    PopupKind kind;
     std::wstring_view title;
     std::span<const std::wstring_view> paragraphs;
     std::span<const PopupButton> buttons;
     std::size_t defaultButton;
+    PopupKind kind;
     // Escape, or the window was closed without a button.
     ExitCode closeAnswer;
 };

@@ -52,14 +52,15 @@ constexpr std::wstring_view patchErrorParagraphs[] = {
 constexpr Popup notice(std::wstring_view commandSwitch, std::wstring_view summary, std::wstring_view title,
     std::span<const std::wstring_view> paragraphs)
 {
-    return {commandSwitch, summary, PopupKind::Notice, title, paragraphs, okOnly, 0, ExitCode::No};
+    return {commandSwitch, summary, title, paragraphs, okOnly, 0, PopupKind::Notice, ExitCode::No};
 }
 
 constexpr Popup popups[] = {
-    {L"--disengaged-graphics", L"asks whether to disconnect the external graphics card", PopupKind::Question,
-        L"Disconnect the external graphics card?", disengageParagraphs, yesNo, noButton, ExitCode::No},
+    {L"--disengaged-graphics", L"asks whether to disconnect the external graphics card",
+        L"Disconnect the external graphics card?", disengageParagraphs, yesNo, noButton, PopupKind::Question,
+        ExitCode::No},
     notice(L"--graphics-disengaged-failed", L"tells that it could not be disconnected",
-        L"The external graphics card could not be disconnected", disengageFailedParagraphs),
+        L"The graphics card could not be disconnected", disengageFailedParagraphs),
     notice(L"--graphics-device-error", L"tells that it was not found",
         L"The external graphics card was not found", deviceErrorParagraphs),
     notice(L"--graphics-driver-error", L"tells that its driver is missing",

@@ -8,9 +8,9 @@
 
 namespace tarnGui {
 
-// A popup on the screen. A window of our own, not TaskDialogIndirect: that one is neither topmost nor in the
-// task bar by itself, takes a bare "y" for a yes, and looks and scales differently in every version of the
-// common controls.
+// A popup on the screen. A window of our own in the look of a task dialog, not TaskDialogIndirect: that one
+// is neither topmost nor in the task bar unless somebody meddles with its window, takes a bare "y" for a yes,
+// and Wine, where it is tested, draws only the rough of it.
 class DialogWindow
 {
 public:
