@@ -1,6 +1,7 @@
 #include "dialog_window.h"
 
 #include "gui/popup_table.h"
+#include "screen_place.h"
 
 #include <commctrl.h>
 
@@ -36,17 +37,6 @@ bool registerWindowClass(WNDPROC procedure)
     windowClass.hCursor = LoadCursorW(nullptr, IDC_ARROW);
     windowClass.lpszClassName = className;
     return RegisterClassExW(&windowClass) != 0;
-}
-
-// Where the user is looking: the screen with the mouse pointer.
-RECT activeWorkArea()
-{
-    POINT pointer {};
-    GetCursorPos(&pointer);
-    MONITORINFO screen {};
-    screen.cbSize = sizeof screen;
-    GetMonitorInfoW(MonitorFromPoint(pointer, MONITOR_DEFAULTTOPRIMARY), &screen);
-    return screen.rcWork;
 }
 
 void place(HWND control, const Area &area)
@@ -175,7 +165,7 @@ bool DialogWindow::create()
     }
     createControls();
     applyDpi(static_cast<int>(GetDpiForWindow(m_window)));
-    centreOnActiveScreen();
+    centreOnTop(m_window, windowSize());
     return true;
 }
 
@@ -250,15 +240,6 @@ SIZE DialogWindow::windowSize() const
     RECT frame {0, 0, m_layout.width, m_layout.height};
     AdjustWindowRectExForDpi(&frame, windowStyle, FALSE, windowStyleEx, static_cast<UINT>(m_dpi));
     return {frame.right - frame.left, frame.bottom - frame.top};
-}
-
-void DialogWindow::centreOnActiveScreen()
-{
-    const RECT screen = activeWorkArea();
-    const SIZE size = windowSize();
-    const int left = screen.left + (screen.right - screen.left - size.cx) / 2;
-    const int top = screen.top + (screen.bottom - screen.top - size.cy) / 2;
-    SetWindowPos(m_window, HWND_TOPMOST, left, top, size.cx, size.cy, SWP_NOACTIVATE);
 }
 
 void DialogWindow::paintBackground(HDC context) const

@@ -34,7 +34,6 @@ private:
     void applyDpi(int dpi);
     void placeControls();
     [[nodiscard]] SIZE windowSize() const;
-    void centreOnActiveScreen();
 
     void paintBackground(HDC context) const;
     void paintIcon() const;
