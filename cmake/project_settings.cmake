@@ -19,12 +19,14 @@ endif()
 if(MSVC)
     add_compile_options(/W4 /WX /utf-8 /permissive-)
 else()
-    add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror)
+    # Not for the resource compiler.
+    add_compile_options(
+        "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor;-Werror>")
 endif()
 
 if(MINGW)
     # GCC 12 sees an overlap in std::string's own append that cannot happen (GCC bug 105651).
-    add_compile_options(-Wno-restrict)
+    add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 endif()
 
 if(WIN32)

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstddef>
+#include <span>
+#include <string_view>
+
+namespace tarnGui {
+
+// What the service reads from the end of the process. It takes everything but Yes for a no.
+enum class ExitCode {
+    No = 0,
+    Yes = 1,
+    Usage = 2,
+    NoWindow = 3,
+};
+
+enum class PopupKind {
+    Question,
+    Notice,
+};
+
+struct PopupButton
+{
+    // With an ampersand before the letter that presses it together with Alt.
+    std::wstring_view label;
+    ExitCode answer;
+};
+
+// One of the windows the program can show. Texts point at literals and end with a zero.
+struct Popup
+{
+    std::wstring_view commandSwitch;
+    // For the usage text.
+    std::wstring_view summary;
+    std::wstring_view title;
+    std::span<const std::wstring_view> paragraphs;
+    std::span<const PopupButton> buttons;
+    std::size_t defaultButton;
+    PopupKind kind;
+    // Escape, or the window was closed without a button.
+    ExitCode closeAnswer;
+};
+
+} // namespace tarnGui

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "popup.h"
+
+#include <span>
+#include <string_view>
+
+namespace tarnGui {
+
+// In the title bar and the task bar.
+inline constexpr std::wstring_view windowTitle(L"Tarn external graphics");
+
+[[nodiscard]] std::span<const Popup> popupTable();
+// The popup of a switch; null for anything that is not exactly one of the switches.
+[[nodiscard]] const Popup *findPopup(std::wstring_view commandSwitch);
+
+} // namespace tarnGui
