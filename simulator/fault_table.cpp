@@ -35,6 +35,18 @@ constexpr FaultTable FAULTS {{
         "writes of this one register stop before the value byte is taken"},
     {Fault::FailAfter, "fail-after", FaultValue::Count, "accesses", 0, 1000000, 0,
         "after so many more accesses of any register, one access fails; then the fault is off again"},
+    {Fault::FlashSilent, "flash-silent", FaultValue::None, "", 0, 0, 0,
+        "the MCU's boot loader says nothing more after it has told its version"},
+    {Fault::FlashWriteRefused, "flash-write-refused", FaultValue::Number, "blocks", 0, 1024, 8,
+        "the boot loader writes so many blocks to flash and refuses the next ones"},
+    {Fault::FlashCorrupt, "flash-corrupt", FaultValue::None, "", 0, 0, 0,
+        "one byte of the flash is read back wrong by the boot loader"},
+    {Fault::FlashUnplugged, "flash-unplugged", FaultValue::Number, "blocks", 0, 1024, 8,
+        "the serial line is dead once the boot loader has written so many blocks to flash"},
+    {Fault::FlashGoRefused, "flash-go-refused", FaultValue::None, "", 0, 0, 0,
+        "the boot loader refuses the address to start the firmware at"},
+    {Fault::FlashInitNoise, "flash-init-noise", FaultValue::None, "", 0, 0, 0,
+        "the boot loader's first answer after its start is a refusal, then it works"},
 }};
 
 constexpr bool isInOrder()

@@ -21,9 +21,15 @@ enum class Fault : std::uint8_t {
     FailRead,
     FailWrite,
     FailAfter,
+    FlashSilent,
+    FlashWriteRefused,
+    FlashCorrupt,
+    FlashUnplugged,
+    FlashGoRefused,
+    FlashInitNoise,
 };
 
-inline constexpr std::size_t FAULT_COUNT = 12;
+inline constexpr std::size_t FAULT_COUNT = 18;
 
 enum class FaultValue : std::uint8_t {
     None, // on or off

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "simulator/boot_loader_state.h"
+#include "simulator/shared_values.h"
+
 #include <array>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -11,21 +13,15 @@
 // process could leave held.
 namespace tarnSimulator {
 
-using SharedByte = std::atomic<std::uint8_t>;
-using SharedHalf = std::atomic<std::uint16_t>;
-using SharedWord = std::atomic<std::uint32_t>;
-using SharedInt = std::atomic<std::int32_t>;
-using SharedLong = std::atomic<std::uint64_t>;
-
 inline constexpr std::uint32_t STATE_MAGIC = 0x43535254; // "TRSC" in a dump of the file
 // Raised whenever the meaning or the place of something below changes. A feature that only takes bytes out of
 // `growth`, where zero means what older programs assumed, does not need it.
-inline constexpr std::uint32_t STATE_VERSION = 1;
+inline constexpr std::uint32_t STATE_VERSION = 2;
 
 inline constexpr std::size_t XDATA_SIZE = 0x10000;
 inline constexpr std::size_t EEPROM_SIZE = 0x100;
 inline constexpr std::size_t EVENT_SLOTS = 16;
-inline constexpr std::size_t FAULT_SLOTS = 32;
+inline constexpr std::size_t FAULT_SLOTS = 64;
 inline constexpr std::size_t LOG_ENTRIES = 4096;
 inline constexpr std::size_t SERIAL_NUMBER_LENGTH = 7;
 inline constexpr std::size_t GROWTH_SIZE = 0x8000;
@@ -148,13 +144,8 @@ struct MachineState
     std::array<SharedByte, XDATA_SIZE> xdata;
     RegisterLogState log;
     std::array<SharedByte, GROWTH_SIZE> growth; // room for later parts of the machine, all zero until then
+    BootLoaderState bootLoader;
 };
-
-static_assert(SharedByte::is_always_lock_free && sizeof(SharedByte) == 1);
-static_assert(SharedHalf::is_always_lock_free && sizeof(SharedHalf) == 2);
-static_assert(SharedWord::is_always_lock_free && sizeof(SharedWord) == 4);
-static_assert(SharedInt::is_always_lock_free && sizeof(SharedInt) == 4);
-static_assert(SharedLong::is_always_lock_free && sizeof(SharedLong) == 8);
 
 // Programs of different compilers share one file, so the layout is pinned down.
 static_assert(sizeof(StateHeader) == 16);
@@ -175,10 +166,11 @@ static_assert(offsetof(MachineState, timing) == 104);
 static_assert(offsetof(MachineState, counters) == 120);
 static_assert(offsetof(MachineState, events) == 184);
 static_assert(offsetof(MachineState, faults) == 320);
-static_assert(offsetof(MachineState, eeprom) == 832);
-static_assert(offsetof(MachineState, xdata) == 1088);
-static_assert(offsetof(MachineState, log) == 66624);
-static_assert(offsetof(MachineState, growth) == 164936);
-static_assert(sizeof(MachineState) == 197704);
+static_assert(offsetof(MachineState, eeprom) == 1344);
+static_assert(offsetof(MachineState, xdata) == 1600);
+static_assert(offsetof(MachineState, log) == 67136);
+static_assert(offsetof(MachineState, growth) == 165448);
+static_assert(offsetof(MachineState, bootLoader) == 198216);
+static_assert(sizeof(MachineState) == 350088);
 
 } // namespace tarnSimulator

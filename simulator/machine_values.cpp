@@ -114,6 +114,21 @@ std::string readGpuReports(const ComputerControl &computer)
     return std::to_string(computer.gpuReports().count);
 }
 
+std::string readMcuMode(const ComputerControl &computer)
+{
+    switch (computer.mcuMode()) {
+    case McuMode::Firmware:
+        return "firmware";
+    case McuMode::BootLoader:
+        return "boot-loader";
+    case McuMode::HeldInReset:
+        return "reset";
+    case McuMode::NoFirmware:
+        break;
+    }
+    return "nothing";
+}
+
 template <SharedWord TimingState::*field> std::string readTiming(const ComputerControl &computer)
 {
     return std::to_string((computer.timing().*field).load());
@@ -180,6 +195,8 @@ constexpr MachineValue VALUES[] = {
     {"gpu-reports", READ_ONLY, "GPU state reports received", readGpuReports, nullptr},
     {"mcu-update", READ_ONLY, "MCU update control; 0x20 update, 0x08 boot loader, 0x10 reset",
         readRegister<EC_MCU_UPDATE_CTRL>, nullptr},
+    {"mcu-mode", READ_ONLY, "what runs in the MCU of the KVane: firmware, boot-loader, reset or nothing",
+        readMcuMode, nullptr},
     {"eeprom-ms", A_TIME, "time an EEPROM operation takes, ms", readTiming<&TimingState::eepromBusyMs>,
         writeTiming<&TimingState::eepromBusyMs, LONGEST_TIME_MS>},
     {"mailbox-ms", A_TIME, "time until an application command byte clears, ms",

@@ -1,6 +1,7 @@
 #include "simulator/power_on.h"
 
 #include "device/ec_registers.h"
+#include "simulator/accessory_mcu.h"
 
 namespace tarnSimulator {
 
@@ -110,6 +111,7 @@ void powerOn(MachineState &state)
     resetAccessory(state.accessory);
     resetCounters(state.counters);
     resetMemories(state);
+    AccessoryMcu(state).restore();
 }
 
 } // namespace tarnSimulator

@@ -29,7 +29,7 @@ const Line LINES[] = {
     {"GPU", {"gpu-state", "gpu-reports"}},
     {"Power", {"supply-mode", "power-mode", "smart-charging"}},
     {"Limits", {"pl-control", "pl1", "pl2", "pl4", "fan-mode"}},
-    {"MCU update", {"mcu-update"}},
+    {"MCU update", {"mcu-update", "mcu-mode"}},
     {"Timing", {"eeprom-ms", "mailbox-ms"}},
 };
 
