@@ -161,7 +161,7 @@ std::vector<std::uint8_t> BootLoader::receive(std::span<const std::uint8_t> byte
 
 bool BootLoader::isDead() const
 {
-    if (faults.isOn(Fault::FlashSilent) && state.versionTold.load() != 0) {
+    if (faults.isOn(Fault::FlashSilent) && state.versionAsked.load() != 0) {
         return true;
     }
     const auto lastBlock = faults.value(Fault::FlashUnplugged);
@@ -175,7 +175,7 @@ void BootLoader::joinConversation()
     if (state.conversationRun.load() == run) {
         return;
     }
-    state.versionTold.store(0);
+    state.versionAsked.store(0);
     state.blocksWritten.store(0);
     await(AwaitsInit);
     state.conversationRun.store(run);
@@ -405,11 +405,14 @@ void BootLoader::tellCommands()
 
 void BootLoader::tellVersion()
 {
+    state.versionAsked.store(1);
+    if (isDead()) {
+        return;
+    }
     answer(VERSION);
     answer(0); // two bytes that were once about read protection
     answer(0);
     confirm(true);
-    state.versionTold.store(1);
 }
 
 void BootLoader::tellId()

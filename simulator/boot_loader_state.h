@@ -24,7 +24,7 @@ struct BootLoaderState
     SharedHalf received; // bytes of the input that are there
     SharedByte phase;
     SharedByte command;
-    SharedByte versionTold;
+    SharedByte versionAsked;
     SharedByte readoutProtected;
     std::array<SharedByte, 6> reserved;
     std::array<SharedByte, BOOT_LOADER_INPUT_SIZE> input;

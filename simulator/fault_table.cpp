@@ -36,7 +36,7 @@ constexpr FaultTable FAULTS {{
     {Fault::FailAfter, "fail-after", FaultValue::Count, "accesses", 0, 1000000, 0,
         "after so many more accesses of any register, one access fails; then the fault is off again"},
     {Fault::FlashSilent, "flash-silent", FaultValue::None, "", 0, 0, 0,
-        "the MCU's boot loader says nothing more after it has told its version"},
+        "the MCU's boot loader takes the question for its version and then says nothing more"},
     {Fault::FlashWriteRefused, "flash-write-refused", FaultValue::Number, "blocks", 0, 1024, 8,
         "the boot loader writes so many blocks to flash and refuses the next ones"},
     {Fault::FlashCorrupt, "flash-corrupt", FaultValue::None, "", 0, 0, 0,
