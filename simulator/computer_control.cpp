@@ -1,5 +1,6 @@
 #include "simulator/computer_control.h"
 
+#include "simulator/mcu_memory.h"
 #include "simulator/power_on.h"
 
 namespace tarnSimulator {
@@ -13,6 +14,7 @@ ComputerControl::ComputerControl(MachineState &state)
     , userDesktop(state)
     , events(state.events)
     , log(state.log)
+    , mcu(state)
 { }
 
 void ComputerControl::reset()
@@ -20,11 +22,15 @@ void ComputerControl::reset()
     powerOn(machine);
 }
 
-// The link comes up last: a host that sees it finds the identity complete.
+// The link comes up last: a host that sees it finds the identity complete. A KVane comes with the firmware
+// that was flashed into it last.
 void ComputerControl::attach(const Accessory &accessory)
 {
     setHardwareVersion(accessory.hardwareVersion);
     setMcuVersion(accessory.mcuMajor, accessory.mcuMinor, accessory.mcuPatch);
+    if (accessory.code == ACCESSORY_KVANE) {
+        mcu.powerUp();
+    }
     poke(ACCESSORY_CODE, accessory.code);
     setLinkStatus(MCU_LINKED);
 }
@@ -143,6 +149,11 @@ SerialNumber ComputerControl::kvaneSerialNumber() const
 GpuReports ComputerControl::gpuReports() const
 {
     return {machine.accessory.gpuReports.load(), machine.accessory.gpuDriverData.load()};
+}
+
+std::vector<std::uint8_t> ComputerControl::mcuFlash() const
+{
+    return McuMemory(machine.bootLoader).flash();
 }
 
 bool ComputerControl::pressGpuKey()

@@ -2,6 +2,7 @@
 
 #include "device/ec_registers.h"
 #include "simulator/accessory_catalog.h"
+#include "simulator/accessory_mcu.h"
 #include "simulator/colour.h"
 #include "simulator/desktop.h"
 #include "simulator/device_tree.h"
@@ -59,6 +60,8 @@ public:
     void setKvaneSerialNumber(const SerialNumber &bytes);
     [[nodiscard]] SerialNumber kvaneSerialNumber() const;
     [[nodiscard]] GpuReports gpuReports() const;
+    [[nodiscard]] McuMode mcuMode() const { return mcu.mode(); }
+    [[nodiscard]] std::vector<std::uint8_t> mcuFlash() const;
 
     // False when too many events wait already.
     [[nodiscard]] bool pressGpuKey();
@@ -88,6 +91,7 @@ private:
     Desktop userDesktop;
     EventQueue events;
     RegisterLog log;
+    AccessoryMcu mcu;
 };
 
 } // namespace tarnSimulator

@@ -61,6 +61,18 @@ constexpr FaultTable FAULTS {{
         "the service session cannot start the GUI program"},
     {Fault::NoGuiExitCode, "no-gui-exit-code", FaultValue::None, "", 0, 0, 0,
         "the service session cannot read the exit code of the GUI program"},
+    {Fault::FlashSilent, "flash-silent", FaultValue::None, "", 0, 0, 0,
+        "the MCU's boot loader takes the question for its version and then says nothing more"},
+    {Fault::FlashWriteRefused, "flash-write-refused", FaultValue::Number, "blocks", 0, 1024, 8,
+        "the boot loader writes so many blocks to flash and refuses the next ones"},
+    {Fault::FlashCorrupt, "flash-corrupt", FaultValue::None, "", 0, 0, 0,
+        "one byte of the flash is read back wrong by the boot loader"},
+    {Fault::FlashUnplugged, "flash-unplugged", FaultValue::Number, "blocks", 0, 1024, 8,
+        "the serial line is dead once the boot loader has written so many blocks to flash"},
+    {Fault::FlashGoRefused, "flash-go-refused", FaultValue::None, "", 0, 0, 0,
+        "the boot loader refuses the address to start the firmware at"},
+    {Fault::FlashInitNoise, "flash-init-noise", FaultValue::None, "", 0, 0, 0,
+        "the boot loader's first answer after its start is a refusal, then it works"},
 }};
 
 constexpr bool isInOrder()

@@ -34,9 +34,15 @@ enum class Fault : std::uint8_t {
     NoTokenCopy,
     NoGuiProcess,
     NoGuiExitCode,
+    FlashSilent,
+    FlashWriteRefused,
+    FlashCorrupt,
+    FlashUnplugged,
+    FlashGoRefused,
+    FlashInitNoise,
 };
 
-inline constexpr std::size_t FAULT_COUNT = 25;
+inline constexpr std::size_t FAULT_COUNT = 31;
 
 enum class FaultValue : std::uint8_t {
     None, // on or off

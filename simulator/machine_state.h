@@ -1,7 +1,9 @@
 #pragma once
 
+#include "simulator/boot_loader_state.h"
+#include "simulator/shared_values.h"
+
 #include <array>
-#include <atomic>
 #include <cstddef>
 #include <cstdint>
 
@@ -10,12 +12,6 @@
 // nothing but lock-free atomics of fixed width at fixed places: no pointers, and no lock that a killed
 // process could leave held.
 namespace tarnSimulator {
-
-using SharedByte = std::atomic<std::uint8_t>;
-using SharedHalf = std::atomic<std::uint16_t>;
-using SharedWord = std::atomic<std::uint32_t>;
-using SharedInt = std::atomic<std::int32_t>;
-using SharedLong = std::atomic<std::uint64_t>;
 
 inline constexpr std::uint32_t STATE_MAGIC = 0x43535254; // "TRSC" in a dump of the file
 // Raised whenever the meaning or the place of something below changes. A feature that only takes bytes out of
@@ -186,13 +182,8 @@ struct MachineState
     DeviceTreeState devices;
     DesktopState desktop;
     std::array<SharedByte, GROWTH_SIZE> growth; // room for later parts of the machine, all zero until then
+    BootLoaderState bootLoader;
 };
-
-static_assert(SharedByte::is_always_lock_free && sizeof(SharedByte) == 1);
-static_assert(SharedHalf::is_always_lock_free && sizeof(SharedHalf) == 2);
-static_assert(SharedWord::is_always_lock_free && sizeof(SharedWord) == 4);
-static_assert(SharedInt::is_always_lock_free && sizeof(SharedInt) == 4);
-static_assert(SharedLong::is_always_lock_free && sizeof(SharedLong) == 8);
 
 // Programs of different compilers share one file, so the layout is pinned down.
 static_assert(sizeof(StateHeader) == 16);
@@ -222,6 +213,7 @@ static_assert(offsetof(MachineState, log) == 67136);
 static_assert(offsetof(MachineState, devices) == 165448);
 static_assert(offsetof(MachineState, desktop) == 172240);
 static_assert(offsetof(MachineState, growth) == 172320);
-static_assert(sizeof(MachineState) == 196896);
+static_assert(offsetof(MachineState, bootLoader) == 196896);
+static_assert(sizeof(MachineState) == 348768);
 
 } // namespace tarnSimulator

@@ -178,6 +178,21 @@ std::string readWindowsOpen(const ComputerControl &computer)
     return std::to_string(computer.desktop().windowsOpen());
 }
 
+std::string readMcuMode(const ComputerControl &computer)
+{
+    switch (computer.mcuMode()) {
+    case McuMode::Firmware:
+        return "firmware";
+    case McuMode::BootLoader:
+        return "boot-loader";
+    case McuMode::HeldInReset:
+        return "reset";
+    case McuMode::NoFirmware:
+        break;
+    }
+    return "nothing";
+}
+
 template <SharedWord TimingState::*field> std::string readTiming(const ComputerControl &computer)
 {
     return std::to_string((computer.timing().*field).load());
@@ -250,6 +265,8 @@ constexpr MachineValue VALUES[] = {
     {"gui-window", READ_ONLY, "the switch that the GUI program was last started with", readWindow, nullptr},
     {"gui-shown", READ_ONLY, "windows shown so far", readWindowsShown, nullptr},
     {"gui-open", READ_ONLY, "windows open now", readWindowsOpen, nullptr},
+    {"mcu-mode", READ_ONLY, "what runs in the MCU of the KVane: firmware, boot-loader, reset or nothing",
+        readMcuMode, nullptr},
     {"eeprom-ms", A_TIME, "time an EEPROM operation takes, ms", readTiming<&TimingState::eepromBusyMs>,
         writeTiming<&TimingState::eepromBusyMs, LONGEST_TIME_MS>},
     {"mailbox-ms", A_TIME, "time until an application command byte clears, ms",

@@ -1,6 +1,7 @@
 #include "simulator/power_on.h"
 
 #include "device/ec_registers.h"
+#include "simulator/accessory_mcu.h"
 #include "simulator/desktop.h"
 #include "simulator/device_tree.h"
 
@@ -114,6 +115,7 @@ void powerOn(MachineState &state)
     resetMemories(state);
     DeviceTree(state).reset();
     Desktop(state).reset();
+    AccessoryMcu(state).restore();
 }
 
 } // namespace tarnSimulator

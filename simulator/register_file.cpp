@@ -31,6 +31,7 @@ const RegisterFile::WriteEffect RegisterFile::WRITE_EFFECTS[] = {
     {EC_POWERMODE_PL1, &RegisterFile::latchLimit},
     {EC_POWERMODE_PL2, &RegisterFile::latchLimit},
     {EC_POWERMODE_PL4, &RegisterFile::latchLimit},
+    {EC_MCU_UPDATE_CTRL, &RegisterFile::controlMcu},
 };
 
 namespace {
@@ -73,6 +74,7 @@ RegisterFile::RegisterFile(MachineState &machine, const NowMs &clock, const Faul
     , applicationMailbox(machine, clock, panel)
     , powerLimits(machine, panel)
     , events(machine.events)
+    , mcu(machine)
 { }
 
 std::uint8_t RegisterFile::read(std::uint16_t address)
@@ -134,6 +136,11 @@ void RegisterFile::executeCommand(std::uint16_t address)
 void RegisterFile::latchLimit(std::uint16_t address)
 {
     powerLimits.latch(address);
+}
+
+void RegisterFile::controlMcu(std::uint16_t)
+{
+    mcu.obeyControlByte();
 }
 
 } // namespace tarnSimulator

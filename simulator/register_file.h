@@ -1,5 +1,6 @@
 #pragma once
 
+#include "simulator/accessory_mcu.h"
 #include "simulator/application_mailbox.h"
 #include "simulator/eeprom_mailbox.h"
 #include "simulator/event_queue.h"
@@ -30,12 +31,14 @@ private:
     void startEeprom(std::uint16_t address);
     void executeCommand(std::uint16_t address);
     void latchLimit(std::uint16_t address);
+    void controlMcu(std::uint16_t address);
 
     MachineState &state;
     EepromMailbox eepromMailbox;
     ApplicationMailbox applicationMailbox;
     PowerLimits powerLimits;
     EventQueue events;
+    AccessoryMcu mcu;
 };
 
 } // namespace tarnSimulator

@@ -30,7 +30,7 @@ const Line LINES[] = {
     {"Desktop", {"session", "gui-answer", "gui-window", "gui-shown", "gui-open"}},
     {"Power", {"supply-mode", "power-mode", "smart-charging"}},
     {"Limits", {"pl-control", "pl1", "pl2", "pl4", "fan-mode"}},
-    {"MCU update", {"mcu-update"}},
+    {"MCU update", {"mcu-update", "mcu-mode"}},
     {"Timing", {"eeprom-ms", "mailbox-ms"}},
 };
 

@@ -77,6 +77,11 @@ constexpr Verb VERBS[] = {
     {"reset", "", "power-on condition: nothing attached, no faults, defaults",
         "Makes the state file if there is none. The register log is kept.", StateNeed::IsCreated, 0, 0,
         resetMachine},
+    {"firmware", "FILE MAJOR MINOR PATCH [SIZE]", "make a firmware file for the MCU of the KVane",
+        "SIZE is 16384 if not given, at least 1024 and a multiple of 4; the MCU holds 131072 bytes. The same "
+        "version\n"
+        "and size always give the same file.",
+        StateNeed::None, 4, 5, makeFirmware},
     {"list", "verbs|accessories|values|faults|registers", "names, one per line", "", StateNeed::None, 1, 1,
         listNames},
     {"help", "[VERB]", "this help, or that of a verb", "", StateNeed::None, 0, 1, showHelp},

@@ -29,6 +29,8 @@ ExitCode peekMemory(ToolContext &context, const QStringList &arguments);
 ExitCode pokeMemory(ToolContext &context, const QStringList &arguments);
 ExitCode showRegisterLog(ToolContext &context, const QStringList &arguments);
 
+ExitCode makeFirmware(ToolContext &context, const QStringList &arguments);
+
 ExitCode listNames(ToolContext &context, const QStringList &arguments);
 ExitCode showHelp(ToolContext &context, const QStringList &arguments);
 

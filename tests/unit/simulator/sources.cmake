@@ -1,11 +1,14 @@
 # Tests of the simulated computer; paths are relative to this folder.
 set(SIMULATOR_TEST_SOURCES
     simulated_accessories_test.cpp
+    simulated_boot_loader_test.cpp
     simulated_channel_test.cpp
     simulated_eeprom_test.cpp
     simulated_events_test.cpp
     simulated_faults_test.cpp
+    simulated_flash_faults_test.cpp
     simulated_mailbox_test.cpp
+    simulated_mcu_test.cpp
     simulated_port_library_test.cpp
     simulated_register_log_test.cpp
     simulated_registers_test.cpp
@@ -13,6 +16,7 @@ set(SIMULATOR_TEST_SOURCES
     simulated_values_test.cpp
     tarnsim_device_verbs_test.cpp
     tarnsim_fault_verbs_test.cpp
+    tarnsim_firmware_verb_test.cpp
     tarnsim_register_verbs_test.cpp
     tarnsim_test.cpp)
 

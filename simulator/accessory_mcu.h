@@ -1,0 +1,56 @@
+#pragma once
+
+#include "simulator/firmware_image.h"
+#include "simulator/machine_state.h"
+
+#include <cstdint>
+
+namespace tarnSimulator {
+
+enum class McuMode : std::uint8_t {
+    Firmware,
+    BootLoader,
+    HeldInReset,
+    NoFirmware, // started, but there is nothing sensible in the flash
+};
+
+// The MCU of the KVane and what the EC does to it. What runs is decided when reset ends: with both bits set
+// the boot loader, else the firmware in the flash, whose version the EC then reports.
+class AccessoryMcu
+{
+public:
+    explicit AccessoryMcu(MachineState &machine)
+        : state(machine)
+    { }
+
+    // Factory condition: a firmware of the version that the KVane has in the accessory catalog.
+    void restore();
+    // The connector has given it power.
+    void powerUp();
+    // The control byte has been written. Without a KVane nobody is there to be reset.
+    void obeyControlByte();
+
+    [[nodiscard]] McuMode mode() const;
+    // Another value after each start.
+    [[nodiscard]] std::uint32_t run() const { return state.bootLoader.run.load(); }
+    // Is there a boot loader at the other end of the serial line?
+    [[nodiscard]] bool isInBootLoader() const;
+
+    // What the boot loader of that run does last. Nothing happens when it has been reset in the meantime.
+    void startFirmware(std::uint32_t ofRun);
+    void leaveForNothing(std::uint32_t ofRun);
+    void restart(std::uint32_t ofRun);
+
+private:
+    [[nodiscard]] bool isConnected() const;
+    [[nodiscard]] std::uint8_t controlByte() const;
+    [[nodiscard]] McuMode modeAfterReset();
+    [[nodiscard]] McuMode bootFirmware();
+    void reportVersion(FirmwareVersion version);
+    void enter(McuMode next);
+    void leave(std::uint32_t ofRun, McuMode next);
+
+    MachineState &state;
+};
+
+} // namespace tarnSimulator

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "simulator/shared_values.h"
+
+#include <array>
+#include <cstddef>
+
+namespace tarnSimulator {
+
+// The accessory's MCU is an STM32F10x of medium density.
+inline constexpr std::size_t MCU_FLASH_SIZE = 0x20000;
+inline constexpr std::size_t MCU_RAM_SIZE = 0x5000;
+// The longest input of the boot loader that has to be kept: an extended erase of all 128 pages.
+inline constexpr std::size_t BOOT_LOADER_INPUT_SIZE = 288;
+
+// The MCU of the KVane: what is in its memories, and how far its boot loader is in a conversation.
+struct BootLoaderState
+{
+    SharedWord run; // number of starts << 8 | McuMode; changes in one step, whoever changes it
+    SharedWord conversationRun; // the value of `run` that the conversation below belongs to
+    SharedWord address;
+    SharedWord blocksWritten; // since the last start or erase
+    SharedWord writeProtected; // a bit for each of the 32 sectors of 4 KiB
+    SharedHalf received; // bytes of the input that are there
+    SharedByte phase;
+    SharedByte command;
+    SharedByte versionAsked;
+    SharedByte readoutProtected;
+    std::array<SharedByte, 6> reserved;
+    std::array<SharedByte, BOOT_LOADER_INPUT_SIZE> input;
+    std::array<SharedByte, MCU_RAM_SIZE> ram;
+    std::array<SharedByte, MCU_FLASH_SIZE> flash;
+};
+
+static_assert(offsetof(BootLoaderState, received) == 20);
+static_assert(offsetof(BootLoaderState, input) == 32);
+static_assert(offsetof(BootLoaderState, ram) == 320);
+static_assert(offsetof(BootLoaderState, flash) == 20800);
+static_assert(sizeof(BootLoaderState) == 151872);
+
+} // namespace tarnSimulator

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+// Firmware of the simulated MCU. A real one is a program; this one only tells its version, and its checksum
+// tells whether all of it has reached the flash. Layout:
+//
+//   0x000  vector table: stack pointer, reset vector, the other vectors
+//   0x200  "TARNMCU", major, minor, patch, two zero bytes, size of the image (32 bits, low byte first)
+//   0x210  some bytes or other, always the same for the same version and size
+//   end-4  FNV-1a checksum of everything before it (32 bits, low byte first)
+namespace tarnSimulator {
+
+inline constexpr std::size_t SMALLEST_FIRMWARE = 0x400;
+inline constexpr std::size_t USUAL_FIRMWARE = 0x4000;
+inline constexpr std::size_t LARGEST_FIRMWARE =
+    0x100000; // more than the flash holds, to see what happens then
+
+struct FirmwareVersion
+{
+    std::uint8_t major = 0;
+    std::uint8_t minor = 0;
+    std::uint8_t patch = 0;
+
+    friend bool operator==(const FirmwareVersion &, const FirmwareVersion &) = default;
+};
+
+// `size` is from SMALLEST_FIRMWARE to LARGEST_FIRMWARE and a multiple of 4.
+[[nodiscard]] std::vector<std::uint8_t> makeFirmwareImage(
+    FirmwareVersion version, std::size_t size = USUAL_FIRMWARE);
+
+// Empty when the flash does not begin with a complete image.
+[[nodiscard]] std::optional<FirmwareVersion> findFirmware(std::span<const std::uint8_t> flash);
+
+} // namespace tarnSimulator

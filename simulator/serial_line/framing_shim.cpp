@@ -1,0 +1,38 @@
+#include <dlfcn.h>
+#include <termios.h>
+
+// Preloaded into the flasher. A pseudo-terminal has no wire, so the kernel drops the parity bit and the like
+// that it is asked for; the flasher looks whether it got them, and would refuse the port. It is told what it
+// asked for last.
+namespace {
+
+constexpr tcflag_t FRAMING = CSIZE | CSTOPB | PARENB | PARODD | CRTSCTS;
+
+tcflag_t askedFor = 0;
+bool isKnown = false;
+
+template <typename Function> Function systemFunction(const char *name)
+{
+    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, name));
+}
+
+} // namespace
+
+extern "C" __attribute__((visibility("default"))) int tcsetattr(
+    int terminal, int when, const termios *settings) noexcept
+{
+    static const auto original = systemFunction<int (*)(int, int, const termios *)>("tcsetattr");
+    askedFor = settings->c_cflag & FRAMING;
+    isKnown = true;
+    return original(terminal, when, settings);
+}
+
+extern "C" __attribute__((visibility("default"))) int tcgetattr(int terminal, termios *settings) noexcept
+{
+    static const auto original = systemFunction<int (*)(int, termios *)>("tcgetattr");
+    const int result = original(terminal, settings);
+    if (result == 0 && isKnown) {
+        settings->c_cflag = (settings->c_cflag & ~FRAMING) | askedFor;
+    }
+    return result;
+}
