@@ -1,0 +1,124 @@
+#include "../update/update_fixture.h"
+
+#include "pipe/tarn_pipe_server.h"
+
+using namespace tarnDeviceInfos;
+using tarnPipeServer::TarnPipeServer;
+
+class FirmwareCommands : public tarnTest::UpdateTest
+{
+protected:
+    FirmwareCommands()
+        : server(TarnPipeServer::instance())
+    {
+        machine.log.clear();
+    }
+    QString ask(const char *command, const char *data = "")
+    {
+        return server->dispatch(QString(R"({"cmd":"%1","data":"%2"})").arg(command, data).toUtf8());
+    }
+    static QString reply(const char *command, const char *data)
+    {
+        return QString(R"({"cmd":"%1","data":"%2"})").arg(command, data);
+    }
+    // The hold of an EC update has no end of its own.
+    static void giveBackEc()
+    {
+        if (ecAccessMutex.isLocked())
+            ecAccessMutex.unlock();
+    }
+
+    TarnPipeServer *server;
+};
+
+TEST_F(FirmwareCommands, UpdateTheMcuAndTellItsVersion)
+{
+    installFlasher("exit 0");
+    download("new");
+    EXPECT_EQ(ask("requestMcuUpdate", "fw.bin"),
+        R"({"cmd":"requestMcuUpdate","data":"successed","mcuVer":"2.05"})");
+    EXPECT_EQ(ask("requestMcuUpdate", "fw.bin"), reply("requestMcuUpdate", "failed"));
+    EXPECT_EQ(ask("requestMcuUpdate", "../fw.bin"), reply("requestMcuUpdate", "failed"));
+}
+
+TEST_F(FirmwareCommands, EnterAndLeaveTheUpdateMode)
+{
+    EXPECT_EQ(ask("requestEnterMcuUpdateMode"), reply("requestEnterMcuUpdateMode", "successed"));
+    EXPECT_TRUE(machine.log.contains("Enter Enter Mcu Update Mode"));
+    EXPECT_EQ(ask("requestLeaveMcuUpdateMode"), reply("requestLeaveMcuUpdateMode", "2.05"));
+    EXPECT_TRUE(machine.log.contains("Enter Leave Mcu Update Mode"));
+    EXPECT_FALSE(ecAccessMutex.isLocked());
+}
+
+TEST_F(FirmwareCommands, AnswerWithTheVersionAlthoughNothingWasEntered)
+{
+    EXPECT_EQ(ask("requestLeaveMcuUpdateMode"), reply("requestLeaveMcuUpdateMode", "2.05"));
+    EXPECT_TRUE(machine.log.contains("W: The MCU was not in update mode."));
+    EXPECT_TRUE(machine.traffic().filter("06C1").isEmpty());
+}
+
+TEST_F(FirmwareCommands, RefuseTheUpdateModeWithoutAKVane)
+{
+    attachAccessory(ACCESSORY_DOCK);
+    EXPECT_EQ(ask("requestEnterMcuUpdateMode"), reply("requestEnterMcuUpdateMode", "failed"));
+}
+
+TEST_F(FirmwareCommands, RaiseTheHoldOfAnEcUpdate)
+{
+    EXPECT_EQ(ask("requestStartEcUpdate"), reply("requestStartEcUpdate", "successed"));
+    EXPECT_TRUE(monitor->isEcUpdating());
+    EXPECT_TRUE(ecAccessMutex.isLocked());
+    EXPECT_EQ(ask("requestStartEcUpdate"),
+        reply("requestStartEcUpdate", "successed")); // without waiting for itself
+    giveBackEc();
+}
+
+TEST_F(FirmwareCommands, CannotRaiseTheHoldWhileTheProcessEnds)
+{
+    ecAccessMutex.releaseWaiters();
+    EXPECT_EQ(ask("requestStartEcUpdate"), reply("requestStartEcUpdate", "failed"));
+}
+
+TEST_F(FirmwareCommands, UpdateTheEcUnderTheHold)
+{
+    machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
+    download("new");
+    installTool("function/EC/IFU_XE.exe", "cp uiset.ini seen.ini; cp fw.bin seen.bin; exit 1");
+    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "successed"));
+    EXPECT_EQ(machine.folder.read("function/EC/seen.ini"), "BinName=fw.bin\n");
+    EXPECT_EQ(machine.folder.read("function/EC/seen.bin"), "new");
+    EXPECT_FALSE(monitor->isEcUpdating());
+    EXPECT_TRUE(ecAccessMutex.isLocked()); // EC traffic comes back with a restart only
+    giveBackEc();
+}
+
+TEST_F(FirmwareCommands, UpdateTheEcAfterItsStartWithoutWaitingForThemselves)
+{
+    machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
+    download("new");
+    installTool("function/EC/IFU_XE.exe", "exit 0");
+    EXPECT_EQ(ask("requestStartEcUpdate"), reply("requestStartEcUpdate", "successed"));
+    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "successed"));
+    EXPECT_FALSE(monitor->isEcUpdating());
+    giveBackEc();
+}
+
+TEST_F(FirmwareCommands, FailBeforeTheToolAndLeaveTheEcAlone)
+{
+    download("new");
+    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "failed"));
+    EXPECT_TRUE(machine.log.contains("write uiset.ini file failed!"));
+    EXPECT_TRUE(exists("Downloads/fw.bin"));
+    machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
+    EXPECT_EQ(ask("requestEcUpdate", "missing.bin"), reply("requestEcUpdate", "failed"));
+    EXPECT_EQ(ask("requestEcUpdate", "..\\\\fw.bin"), reply("requestEcUpdate", "failed"));
+    EXPECT_FALSE(ecAccessMutex.isLocked());
+}
+
+TEST_F(FirmwareCommands, LowerTheHoldAfterAFailure)
+{
+    EXPECT_EQ(ask("requestStartEcUpdate"), reply("requestStartEcUpdate", "successed"));
+    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "failed"));
+    EXPECT_FALSE(monitor->isEcUpdating());
+    giveBackEc();
+}

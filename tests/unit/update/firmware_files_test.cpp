@@ -1,0 +1,143 @@
+#include "update_fixture.h"
+
+#include "update/firmware_file_name.h"
+
+using namespace tarnDeviceInfos;
+using tarnFirmwareUpdate::isSafeFirmwareName;
+
+TEST(FirmwareFileName, AcceptsPlainNames)
+{
+    for (const char *name : {"fw.bin", "KVane 1.24 (final).hex", "a", ".hidden", "..bin", "firmware", "-w",
+             "com10.bin", "console.bin", "exe.bin", "fw.exe.bin"})
+        EXPECT_TRUE(isSafeFirmwareName(name)) << name;
+}
+
+TEST(FirmwareFileName, RefusesWhatLeavesTheFolderOrSmuggles)
+{
+    for (const char *name : {"", ".", "..", "../fw.bin", "a/b", "/etc/passwd", "a\\b", "..\\fw.bin",
+             "C:fw.bin", "fw.bin:stream", "\\\\host\\share\\fw.bin", "fw\nBinName=other", "fw\r", "\tfw",
+             "fw\x7F", "fw.bin.", "fw.bin ", "fw?.bin", "f*w", "\"fw\"", "a<b", "a>b", "a|b"})
+        EXPECT_FALSE(isSafeFirmwareName(QString::fromLatin1(name))) << name;
+    EXPECT_FALSE(isSafeFirmwareName(QString("fw") + QChar(0) + ".bin"));
+    EXPECT_FALSE(isSafeFirmwareName(QString("fw") + QChar(0x85)));
+    EXPECT_FALSE(isSafeFirmwareName(QString(256, 'a')));
+}
+
+TEST(FirmwareFileName, RefusesDevices)
+{
+    for (const char *name : {"con", "NUL", "aux.bin", "COM1", "com1.bin", "Lpt9.txt", "nul .bin", "CONIN$"})
+        EXPECT_FALSE(isSafeFirmwareName(name)) << name;
+}
+
+TEST(FirmwareFileName, RefusesWhatTheToolsWouldLoad)
+{
+    for (const char *name : {"stm32flash.exe", "IFU_XE.EXE", "uiset.ini", "version.dll", "x.CMD",
+             "IFU_XE.exe.local", "IFU_XE.exe.manifest"})
+        EXPECT_FALSE(isSafeFirmwareName(name)) << name;
+}
+
+class McuFile : public tarnTest::UpdateTest
+{
+protected:
+    McuFile() { installFlasher("cp \"$2\" flashed"); }
+    const QString copied = "File copied successfully to: \"./function/MCU/fw.bin\"";
+};
+
+TEST_F(McuFile, IsTakenAndFlashed)
+{
+    download("new");
+    machine.folder.write("function/MCU/fw.bin", "old");
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
+    EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "new");
+    EXPECT_FALSE(exists("Downloads/fw.bin"));
+    EXPECT_EQ(machine.log.lines().mid(0, 3), QStringList({"file is exist!", copied, "mcuUpdate Enter |"}));
+}
+
+TEST_F(McuFile, StaysInTheToolsFolderWhenThereIsNoKVane)
+{
+    attachAccessory(ACCESSORY_DOCK);
+    download("new");
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), -1);
+    EXPECT_EQ(machine.folder.read("function/MCU/fw.bin"), "new");
+    EXPECT_FALSE(exists("Downloads/fw.bin"));
+    EXPECT_EQ(flasherRuns(), 0);
+}
+
+TEST_F(McuFile, ThatWasNotDownloadedTouchesNothing)
+{
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    EXPECT_EQ(machine.log.lines().first(), "file is exist!");
+    EXPECT_TRUE(machine.log.lines().last().startsWith("File copy failed: "));
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(flasherRuns(), 0);
+}
+
+TEST_F(McuFile, NeedsADownloadFolder)
+{
+    QDir().rmdir(machine.folder.path("Downloads"));
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    EXPECT_EQ(machine.log.lines(), QStringList({"Destination directory does not exist."}));
+}
+
+TEST_F(McuFile, IsKeptWhenItCannotBeCopied)
+{
+    download("new");
+    QDir().mkpath(machine.folder.path("function/MCU/fw.bin")); // a folder in the copy's place
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    EXPECT_TRUE(exists("Downloads/fw.bin"));
+    EXPECT_TRUE(machine.log.lines().last().startsWith("File copy failed: "));
+}
+
+TEST_F(McuFile, OfAnUnsafeNameIsRefusedBeforeAnythingIsTouched)
+{
+    machine.folder.write("fw.bin", "outside");
+    for (const char *name : {"../fw.bin", "stm32flash.exe", ""}) {
+        machine.log.clear();
+        EXPECT_EQ(updater->copyMcuFile(name), 1);
+        EXPECT_EQ(machine.log.lines(),
+            QStringList({QString("W: Not a plain name of a firmware file: \"%1\"").arg(name)}));
+    }
+    EXPECT_EQ(machine.folder.read("fw.bin"), "outside");
+    EXPECT_EQ(flasherRuns(), 0);
+}
+
+TEST_F(McuFile, IsTakenFromTheConsoleUserInTheServiceSession)
+{
+    QDir().mkpath(machine.folder.path("user"));
+    machine.folder.write("user/fw.bin", "of the user");
+    session.downloadFolder = machine.folder.path("user");
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1); // not from an ordinary session
+    session.serviceSession = true;
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
+    EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "of the user");
+    EXPECT_FALSE(exists("user/fw.bin"));
+    download("own");
+    machine.folder.write("user/fw.bin", "of the user");
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0); // the own folder comes first
+    EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "own");
+}
+
+class EcFile : public tarnTest::UpdateTest
+{ };
+
+TEST_F(EcFile, IsTakenAndNothingIsFlashed)
+{
+    download("new");
+    EXPECT_EQ(updater->copyEcFile("fw.bin"), 0);
+    EXPECT_EQ(machine.folder.read("function/EC/fw.bin"), "new");
+    EXPECT_FALSE(exists("Downloads/fw.bin"));
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({QString("\"%1/Downloads/fw.bin\" 11111111112333333333").arg(QDir::homePath()),
+            "file is exist!", "File copied successfully to: \"./function/EC/fw.bin\""}));
+}
+
+TEST_F(EcFile, SaysWhatFailed)
+{
+    EXPECT_NE(updater->copyEcFile("fw.bin"), 0);
+    EXPECT_TRUE(machine.log.lines().last().startsWith("File copy failed: "));
+    QDir().rmdir(machine.folder.path("Downloads"));
+    EXPECT_NE(updater->copyEcFile("fw.bin"), 0);
+    EXPECT_EQ(machine.log.lines().last(), "Destination directory does not exist.");
+    EXPECT_NE(updater->copyEcFile("..\\fw.bin"), 0);
+    EXPECT_TRUE(machine.log.lines().last().startsWith("W: Not a plain name"));
+}
