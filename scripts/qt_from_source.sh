@@ -19,6 +19,9 @@
 # of any build tree, and is built again only if the Qt version, the options or
 # the compiler change.
 
+# shellcheck source=scripts/debian_source.sh
+source "$(dirname "${BASH_SOURCE[0]}")/debian_source.sh"
+
 say() { printf '[qt-%s %3ds] %s\n' "$qt_name" $((SECONDS - qt_started)) "$*"; }
 die() { printf 'build_qt_%s: %s\n' "$qt_name" "$*"; exit 1; }
 
@@ -121,51 +124,8 @@ qt_finish_prefix() { :; }
 
 # Downloads and unpacks the source package into $1/qt.
 qt_fetch_source() {
-    local work=$1 source_version=$2 list apt_private
-    # Source packages are rarely switched on. A private copy of the machine's list
-    # with the type turned into "deb-src" leaves its own configuration alone.
-    # Lists of third parties are skipped: they do not carry Qt and often have no
-    # source index at all.
-    mkdir -p "$work/sources" "$work/lists/partial"
-    shopt -s nullglob
-    for list in /etc/apt/sources.list.d/*.sources; do
-        case $(<"$list") in
-            *debian-archive-keyring* | *debian.org*)
-                sed 's/^Types:.*/Types: deb-src/' "$list" \
-                    >"$work/sources/$(basename "$list")" ;;
-        esac
-    done
-    for list in /etc/apt/sources.list /etc/apt/sources.list.d/*.list; do
-        [ -e "$list" ] || continue
-        case $(<"$list") in
-            *debian-archive-keyring* | *debian.org*)
-                sed -n -E 's/^deb(-src)?([[:space:]])/deb-src\2/p' "$list" | sort -u \
-                    >"$work/sources/$(basename "$list")"
-                # A leftover sources.list without entries is no error.
-                [ -s "$work/sources/$(basename "$list")" ] \
-                    || rm "$work/sources/$(basename "$list")" ;;
-        esac
-    done
-    shopt -u nullglob
-    if [ -z "$(ls "$work/sources")" ]; then
-        die "there is no Debian package source on this machine"
-    fi
-
-    apt_private=(-qq
-        -o Dir::Etc::sourcelist=/dev/null
-        -o Dir::Etc::sourceparts="$work/sources"
-        -o Dir::State::lists="$work/lists"
-        -o Dir::Cache::pkgcache= -o Dir::Cache::srcpkgcache=
-        -o APT::Sandbox::User=root)
-
-    say "fetching the source of qt6-base $source_version"
-    apt-get "${apt_private[@]}" update || say "not every package list is there, going on"
-    (cd "$work" && apt-get "${apt_private[@]}" source --download-only \
-        --only-source "qt6-base=$source_version")
-    say "unpacking"
-    # apt has checked the hashes against the signed index already.
-    (cd "$work" && dpkg-source -q --no-check --extract qt6-base_*.dsc qt)
-    rm -rf "$work/lists" "$work"/*.tar.* "$work/qt/tests" "$work/qt/examples"
+    fetch_debian_source "$1" qt6-base "$2" qt
+    rm -rf "$1/qt/tests" "$1/qt/examples"
 }
 
 qt_compile() {

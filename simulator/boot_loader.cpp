@@ -1,55 +1,15 @@
 #include "simulator/boot_loader.h"
 
+#include "simulator/boot_protocol.h"
+
 #include <algorithm>
-#include <array>
-#include <functional>
 #include <iterator>
-#include <numeric>
 
 namespace tarnSimulator {
 
+using namespace bootProtocol;
+
 namespace {
-
-constexpr std::uint8_t INIT = 0x7F;
-constexpr std::uint8_t ACK = 0x79;
-constexpr std::uint8_t NACK = 0x1F;
-
-constexpr std::uint8_t VERSION = 0x22;
-constexpr std::uint16_t DEVICE_ID = 0x410; // STM32F10x, medium density
-
-constexpr std::uint8_t GET = 0x00;
-constexpr std::uint8_t GET_VERSION = 0x01;
-constexpr std::uint8_t GET_ID = 0x02;
-constexpr std::uint8_t READ_MEMORY = 0x11;
-constexpr std::uint8_t GO = 0x21;
-constexpr std::uint8_t WRITE_MEMORY = 0x31;
-constexpr std::uint8_t ERASE = 0x43;
-constexpr std::uint8_t EXTENDED_ERASE = 0x44;
-constexpr std::uint8_t WRITE_PROTECT = 0x63;
-constexpr std::uint8_t WRITE_UNPROTECT = 0x73;
-constexpr std::uint8_t READOUT_PROTECT = 0x82;
-constexpr std::uint8_t READOUT_UNPROTECT = 0x92;
-
-constexpr std::uint8_t ALL_PAGES = 0xFF;
-constexpr std::uint16_t ALL_PAGES_EXTENDED = 0xFFFF;
-constexpr std::uint16_t FIRST_SPECIAL_ERASE = 0xFFF0;
-
-constexpr std::size_t CORRUPT_OFFSET = 0x300; // of the byte in flash that the fault reads back wrong
-
-std::uint8_t xorOf(std::span<const std::uint8_t> bytes)
-{
-    return std::accumulate(bytes.begin(), bytes.end(), std::uint8_t {0}, std::bit_xor<std::uint8_t>());
-}
-
-bool isComplement(std::span<const std::uint8_t> pair)
-{
-    return xorOf(pair) == 0xFF;
-}
-
-std::uint16_t halfAt(std::span<const std::uint8_t> bytes, std::size_t offset)
-{
-    return static_cast<std::uint16_t>(bytes[offset] << 8 | bytes[offset + 1]);
-}
 
 using Length = std::size_t (*)(std::span<const std::uint8_t> input);
 
@@ -83,17 +43,6 @@ std::size_t extendedPageListLength(std::span<const std::uint8_t> input)
 }
 
 } // namespace
-
-enum BootLoader::Phase : std::uint8_t {
-    AwaitsInit,
-    AwaitsCommand,
-    AwaitsAddress,
-    AwaitsReadCount,
-    AwaitsWriteData,
-    AwaitsPages,
-    AwaitsExtendedPages,
-    AwaitsSectors,
-};
 
 // What is sent in one piece and answered as a whole; in the order of the phases, from AwaitsCommand on.
 struct BootLoader::Step
@@ -237,202 +186,6 @@ void BootLoader::takeCommand(Input input)
         (this->*known->action)();
     } else {
         await(known->next);
-    }
-}
-
-void BootLoader::takeAddress(Input input)
-{
-    state.address.store(std::uint32_t {halfAt(input, 0)} << 16 | halfAt(input, 2));
-    if (xorOf(input) != 0 || !isAddressGood()) {
-        confirm(false);
-        return;
-    }
-    confirm(true);
-    switch (state.command.load()) {
-    case READ_MEMORY:
-        await(AwaitsReadCount);
-        break;
-    case WRITE_MEMORY:
-        await(AwaitsWriteData);
-        break;
-    default:
-        go();
-    }
-}
-
-bool BootLoader::isAddressGood() const
-{
-    const std::uint32_t address = state.address.load();
-    switch (state.command.load()) {
-    case READ_MEMORY:
-        return McuMemory::isReadable(address);
-    case WRITE_MEMORY:
-        return McuMemory::flashOffset(address).has_value() || McuMemory::isFreeRam(address);
-    default:
-        return !faults.isOn(Fault::FlashGoRefused)
-            && (McuMemory::flashOffset(address).has_value() || McuMemory::isFreeRam(address));
-    }
-}
-
-void BootLoader::takeReadCount(Input input)
-{
-    const std::uint32_t address = state.address.load();
-    auto bytes = memory.read(address, std::size_t {input[0]} + 1);
-    if (!isComplement(input) || !bytes) {
-        confirm(false);
-        return;
-    }
-    if (const auto offset = McuMemory::flashOffset(address); offset && faults.isOn(Fault::FlashCorrupt)
-        && CORRUPT_OFFSET >= *offset && CORRUPT_OFFSET - *offset < bytes->size()) {
-        bytes->at(CORRUPT_OFFSET - *offset) ^= 1;
-    }
-    confirm(true);
-    reply.insert(reply.end(), bytes->begin(), bytes->end());
-}
-
-void BootLoader::takeWriteData(Input input)
-{
-    const std::uint32_t address = state.address.load();
-    const bool isFlash = McuMemory::flashOffset(address).has_value();
-    const auto lastBlock = faults.value(Fault::FlashWriteRefused);
-    const bool isRefused =
-        isFlash && lastBlock && state.blocksWritten.load() >= static_cast<std::uint32_t>(*lastBlock);
-    if (xorOf(input) != 0 || isRefused || !memory.write(address, input.subspan(1, input.size() - 2))) {
-        confirm(false);
-        return;
-    }
-    if (isFlash) {
-        state.blocksWritten.fetch_add(1);
-    }
-    confirm(true);
-}
-
-void BootLoader::takePages(Input input)
-{
-    if (input[0] == ALL_PAGES) {
-        confirm(isComplement(input) && eraseAll());
-        return;
-    }
-    const Input entries = input.subspan(1, input.size() - 2);
-    confirm(xorOf(input) == 0 && erasePages(std::vector<std::size_t>(entries.begin(), entries.end())));
-}
-
-void BootLoader::takeExtendedPages(Input input)
-{
-    const std::uint16_t last = halfAt(input, 0);
-    if (input.size() == 2 || xorOf(input) != 0) {
-        confirm(false);
-        return;
-    }
-    if (last >= FIRST_SPECIAL_ERASE) {
-        confirm(last == ALL_PAGES_EXTENDED && eraseAll());
-        return;
-    }
-    std::vector<std::size_t> pages;
-    for (std::size_t i = 2; i + 1 < input.size(); i += 2) {
-        pages.push_back(halfAt(input, i));
-    }
-    confirm(erasePages(pages));
-}
-
-bool BootLoader::eraseAll()
-{
-    state.blocksWritten.store(0);
-    return memory.eraseAll();
-}
-
-bool BootLoader::erasePages(std::span<const std::size_t> pages)
-{
-    state.blocksWritten.store(0);
-    return std::all_of(
-        pages.begin(), pages.end(), [this](std::size_t page) { return memory.erasePage(page); });
-}
-
-// The two kinds of protection come into force with a reset, which the chip does by itself.
-void BootLoader::takeSectors(Input input)
-{
-    const Input sectors = input.subspan(1, input.size() - 2);
-    const bool allThere =
-        std::all_of(sectors.begin(), sectors.end(), [](std::uint8_t sector) { return sector < MCU_SECTORS; });
-    if (xorOf(input) != 0 || !allThere) {
-        confirm(false);
-        return;
-    }
-    std::uint32_t mask = 0;
-    for (const std::uint8_t sector : sectors) {
-        mask |= 1U << sector;
-    }
-    state.writeProtected.store(mask);
-    confirm(true);
-    mcu.restart(state.conversationRun.load());
-}
-
-void BootLoader::releaseSectors()
-{
-    state.writeProtected.store(0);
-    confirm(true);
-    mcu.restart(state.conversationRun.load());
-}
-
-void BootLoader::protectReadout()
-{
-    state.readoutProtected.store(1);
-    confirm(true);
-    mcu.restart(state.conversationRun.load());
-}
-
-// Costs the contents of the flash: that is the sense of the protection.
-void BootLoader::releaseReadout()
-{
-    state.writeProtected.store(0);
-    state.readoutProtected.store(0);
-    static_cast<void>(eraseAll());
-    confirm(true);
-    mcu.restart(state.conversationRun.load());
-}
-
-// This chip has the plain erase command. The extended one, which later chips have in its place, is understood
-// as well, but not told.
-void BootLoader::tellCommands()
-{
-    constexpr std::uint8_t TOLD[] = {GET, GET_VERSION, GET_ID, READ_MEMORY, GO, WRITE_MEMORY, ERASE,
-        WRITE_PROTECT, WRITE_UNPROTECT, READOUT_PROTECT, READOUT_UNPROTECT};
-    answer(std::size(TOLD)); // the number of bytes less one: the version comes first
-    answer(VERSION);
-    reply.insert(reply.end(), std::begin(TOLD), std::end(TOLD));
-    confirm(true);
-}
-
-void BootLoader::tellVersion()
-{
-    state.versionAsked.store(1);
-    if (isDead()) {
-        return;
-    }
-    answer(VERSION);
-    answer(0); // two bytes that were once about read protection
-    answer(0);
-    confirm(true);
-}
-
-void BootLoader::tellId()
-{
-    answer(1); // the number of bytes less one
-    answer(DEVICE_ID >> 8);
-    answer(DEVICE_ID & 0xFF);
-    confirm(true);
-}
-
-// From RAM nothing can be run here but what flashers put there: a few instructions that reset the MCU.
-void BootLoader::go()
-{
-    const auto offset = McuMemory::flashOffset(state.address.load());
-    if (!offset) {
-        mcu.restart(state.conversationRun.load());
-    } else if (*offset == 0) {
-        mcu.startFirmware(state.conversationRun.load());
-    } else {
-        mcu.leaveForNothing(state.conversationRun.load());
     }
 }
 

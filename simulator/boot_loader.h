@@ -25,7 +25,16 @@ public:
 
 private:
     using Input = std::span<const std::uint8_t>;
-    enum Phase : std::uint8_t;
+    enum Phase : std::uint8_t {
+        AwaitsInit,
+        AwaitsCommand,
+        AwaitsAddress,
+        AwaitsReadCount,
+        AwaitsWriteData,
+        AwaitsPages,
+        AwaitsExtendedPages,
+        AwaitsSectors,
+    };
     struct Command;
     struct Step;
     static const Command COMMANDS[];
