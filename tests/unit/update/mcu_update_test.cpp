@@ -114,7 +114,7 @@ TEST_F(McuUpdate, NeedsAKVane)
 
 TEST_F(McuUpdate, RunsTheFlasherInItsFolderWithItsArguments)
 {
-    installFlasher("pwd >where; for a; do echo \"$a\" >>arguments; done");
+    installFlasher("pwd >where; for a; do printf '%s\\n' \"$a\" >>arguments; done");
     EXPECT_EQ(updater->mcuUpdateProcess("my fw.bin"), 0);
     EXPECT_EQ(machine.folder.read("function/MCU/arguments"), "-w\nmy fw.bin\n-v\n-g\n0x0\n\\\\.\\COM1\n");
     EXPECT_EQ(machine.folder.read("function/MCU/where").trimmed(),
