@@ -1,6 +1,6 @@
-#include "end_to_end/process_stop.h"
 #include "end_to_end/service_client.h"
 #include "end_to_end/service_process.h"
+#include "end_to_end/test_system.h"
 
 #include <QDir>
 #include <QElapsedTimer>

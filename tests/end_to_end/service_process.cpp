@@ -1,6 +1,6 @@
 #include "end_to_end/service_process.h"
 
-#include "end_to_end/process_stop.h"
+#include "end_to_end/test_system.h"
 #include "simulator/accessory_catalog.h"
 #include "simulator/fault_table.h"
 #include "support/pipe_peer.h"
@@ -17,6 +17,25 @@ const QString programName = QStringLiteral("TarnService" TARN_PROGRAM_SUFFIX);
 const QString logName = QStringLiteral("service.log");
 constexpr int endPatienceMs = 5000;
 
+void copyFiles(const QDir &from, const QString &to, const QStringList &names = {})
+{
+    QDir().mkpath(to);
+    for (const QString &name : from.entryList(names, QDir::Files))
+        QFile::copy(from.filePath(name), QDir(to).filePath(name));
+}
+
+QString standInsFolder()
+{
+    const QString given = qEnvironmentVariable("TARN_STAND_INS_FOLDER");
+    return given.isEmpty() ? QStringLiteral(TARN_STAND_INS_FOLDER) : given;
+}
+
+// A machine that a test does not make itself: the serial port of its MCU is served from outside.
+QString givenStateFile()
+{
+    return qEnvironmentVariable("TARN_SIMULATOR_STATE");
+}
+
 // What is shipped beside the program: on Windows its libraries as well.
 void copyProgram(const QDir &from, const QDir &to)
 {
@@ -26,6 +45,22 @@ void copyProgram(const QDir &from, const QDir &to)
     to.mkpath(QStringLiteral("function"));
     const QString ports = QStringLiteral("function/inpoutx64.dll");
     QFile::copy(from.filePath(ports), to.filePath(ports));
+    copyFiles(from.filePath(QStringLiteral("function/MCU")), to.filePath(QStringLiteral("function/MCU")));
+}
+
+// What is not ours, or would open windows. On Windows the simulated ones lie apart from what is shipped.
+void copyStandIns(const QDir &from, const QDir &to)
+{
+    const QDir apart(standInsFolder());
+    if (!apart.exists()) {
+        for (const QString &folder : {QStringLiteral("TarnServiceGui"), QStringLiteral("function/EC")})
+            copyFiles(from.filePath(folder), to.filePath(folder));
+        return;
+    }
+    copyFiles(apart, to.path(), {QStringLiteral("*.dll")});
+    copyFiles(apart, to.filePath(QStringLiteral("TarnServiceGui")), {QStringLiteral("TarnServiceGui.exe")});
+    copyFiles(apart, to.filePath(QStringLiteral("function/EC")),
+        {QStringLiteral("IFU_XE.exe"), QStringLiteral("uiset.ini")});
 }
 
 QString runFolder()
@@ -44,18 +79,26 @@ QString builtProgram(const QString &name)
 ServiceProcess::ServiceProcess()
 {
     copyProgram(QDir(runFolder()), QDir(folder.path()));
+    copyStandIns(QDir(runFolder()), QDir(folder.path()));
     qputenv("TMPDIR", folder.path().toLocal8Bit()); // the socket lies there; each test has its own
 
     std::string error;
-    const auto stateFile = path(QStringLiteral("function/simulated_computer.state")).toStdString();
+    const QString given = givenStateFile();
+    const auto stateFile =
+        (given.isEmpty() ? path(QStringLiteral("function/simulated_computer.state")) : given).toStdString();
     machine = tarnSimulator::MachineStateFile::open(
         stateFile, tarnSimulator::MachineStateFile::Missing::IsCreated, error);
     if (!machine)
         qFatal("%s", error.c_str());
     control = std::make_unique<tarnSimulator::ComputerControl>(machine->state());
+    if (!given.isEmpty())
+        control->reset();
 
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
+    // Downloads of its own, where the system lets a variable decide.
+    environment.insert(QStringLiteral("HOME"), folder.path());
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), folder.path());
     process.setProcessEnvironment(environment);
     // Into a file: a pipe that the test does not empty in time would hold the service up in its logging.
     process.setProcessChannelMode(QProcess::MergedChannels);
@@ -122,6 +165,13 @@ void ServiceProcess::write(const QString &name, const QByteArray &content) const
     QFile file(path(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(name));
+}
+
+QString ServiceProcess::downloads() const
+{
+    const QString downloads = downloadFolder(folder.path());
+    QDir().mkpath(downloads);
+    return downloads;
 }
 
 void ServiceProcess::attach(std::uint8_t accessoryCode)

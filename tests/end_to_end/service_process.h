@@ -41,6 +41,9 @@ public:
     [[nodiscard]] QByteArray read(const QString &name) const;
     void write(const QString &name, const QByteArray &content) const;
 
+    // The folder in which this service looks for downloaded files.
+    [[nodiscard]] QString downloads() const;
+
     [[nodiscard]] tarnSimulator::ComputerControl &computer() { return *control; }
     [[nodiscard]] tarnSimulator::MachineState &state() { return machine->state(); }
     void attach(std::uint8_t accessoryCode);

@@ -1,9 +1,10 @@
-#include "end_to_end/process_stop.h"
+#include "end_to_end/test_system.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QStandardPaths>
 
 #include <windows.h>
 
@@ -41,6 +42,11 @@ void requestStop(QProcess &process)
 void requestInterrupt(QProcess &process)
 {
     requestStop(process);
+}
+
+QString downloadFolder(const QString &)
+{
+    return QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
 }
 
 } // namespace tarnTest

@@ -1,4 +1,4 @@
-#include "end_to_end/process_stop.h"
+#include "end_to_end/test_system.h"
 
 #include <QProcess>
 
@@ -16,6 +16,11 @@ void requestStop(QProcess &process)
 void requestInterrupt(QProcess &process)
 {
     ::kill(static_cast<pid_t>(process.processId()), SIGINT);
+}
+
+QString downloadFolder(const QString &home)
+{
+    return home + QStringLiteral("/Downloads");
 }
 
 } // namespace tarnTest

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 class QProcess;
 
 namespace tarnTest {
@@ -10,5 +12,8 @@ void prepareForStop(QProcess &process);
 void requestStop(QProcess &process);
 // Asks as a person at the terminal does: SIGINT, or Ctrl+Break on the console.
 void requestInterrupt(QProcess &process);
+
+// Where a process whose home folder is this one, as far as it can be chosen, looks for downloads.
+[[nodiscard]] QString downloadFolder(const QString &home);
 
 } // namespace tarnTest

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <filesystem>
+#include <iosfwd>
+
+namespace tarnSimulator {
+
+enum EcToolResult { EcFlashed = 0, EcNotFlashed = 1, EcToolWaits = 2 };
+
+// Stands in for the EC's flashing tool: reads uiset.ini of its folder as that one does, and writes into
+// ec_tool.log what it was told and what it did. Without its silent settings it would show a window and wait.
+int runEcTool(const std::filesystem::path &folder, std::ostream &errors);
+
+} // namespace tarnSimulator

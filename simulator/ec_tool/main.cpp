@@ -1,0 +1,8 @@
+#include "simulator/ec_tool/ec_tool.h"
+
+#include <iostream>
+
+int main()
+{
+    return tarnSimulator::runEcTool(".", std::cerr);
+}

@@ -1,0 +1,277 @@
+#include "end_to_end/running_service.h"
+
+#include "device/ec_registers.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+
+using namespace tarnDeviceInfos;
+using tarnTest::waitUntil;
+
+// The graphics box, its GPU and the user who is asked about it.
+class GraphicsBox : public tarnTest::RunningService
+{
+protected:
+    void TearDown() override
+    {
+        desktop().setAnswer(0); // closes a window that a failed test has left open
+        RunningService::TearDown();
+        EXPECT_EQ(service.state().devices.listsOpened, service.state().devices.listsClosed);
+    }
+
+    [[nodiscard]] tarnSimulator::Desktop &desktop() { return service.computer().desktop(); }
+    [[nodiscard]] tarnSimulator::Device gpu()
+    {
+        return service.computer().devices().device(*service.computer().devices().find("gpu"));
+    }
+    void changeGpu(const std::function<void(tarnSimulator::Device &)> &change)
+    {
+        tarnSimulator::Device changed = gpu();
+        change(changed);
+        service.computer().devices().store(*service.computer().devices().find("gpu"), changed);
+    }
+    [[nodiscard]] int reported() { return service.computer().gpuReports().gpuDriverData; }
+
+    void plugIn()
+    {
+        service.attach(ACCESSORY_GRAPHICS);
+        ASSERT_TRUE(client.waitForNotification("changeAccessoryType", "graphics"));
+    }
+    void plugInAndActivate()
+    {
+        plugIn();
+        ASSERT_TRUE(service.waitForLog("GraphicsActive_log: Successed to active graphics."));
+    }
+    [[nodiscard]] bool waitForReport(std::uint32_t count)
+    {
+        return waitUntil([&] { return service.computer().gpuReports().count >= count; }, 30000);
+    }
+    [[nodiscard]] bool waitForWindow(const char *programSwitch)
+    {
+        return waitUntil(
+            [&] { return desktop().windowsShown() > 0 && desktop().lastSwitch() == programSwitch; }, 30000);
+    }
+};
+
+TEST_F(GraphicsBox, BringsItsGpuUpAndLetsItGoOnAYes)
+{
+    plugInAndActivate();
+    EXPECT_TRUE(gpu().started);
+    EXPECT_EQ(reported(), 7);
+
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
+    EXPECT_TRUE(waitForReport(2));
+    EXPECT_EQ(reported(), 3);
+    EXPECT_FALSE(gpu().started);
+    EXPECT_EQ(desktop().lastSwitch(), "--disengaged-graphics");
+    EXPECT_TRUE(service.waitForLog("GraphicsDisengaged_log: Graphics disengagement process finished."));
+    EXPECT_TRUE(service.log().contains("GraphicsActive_log & GraphicsDisengaged_log: click yes!!!"));
+}
+
+TEST_F(GraphicsBox, KeepsItsGpuOnANo)
+{
+    desktop().setAnswer(0);
+    plugInAndActivate();
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    EXPECT_TRUE(service.waitForLog("GraphicsDisengaged_log: Graphics disengagement process finished."));
+    EXPECT_TRUE(gpu().started);
+    EXPECT_EQ(service.computer().gpuReports().count, 1U);
+    EXPECT_EQ(client.notificationCount("disengagedGraphics", ""), 0);
+}
+
+TEST_F(GraphicsBox, LosesItsGpuWithoutAQuestionWhenTheEcBansIt)
+{
+    plugInAndActivate();
+    ASSERT_TRUE(service.computer().armEvent({APP_EVENT_BAN_GPU, 0}));
+    EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
+    EXPECT_TRUE(service.waitForLog("GraphicsDisengaged_log: ban gpu successed."));
+    EXPECT_FALSE(gpu().started);
+    EXPECT_EQ(desktop().windowsShown(), 0U);
+    // An event of the EC brings it back.
+    ASSERT_TRUE(service.computer().armEvent({APP_EVENT_GRAPHICS_CONNECTED, 0}));
+    EXPECT_TRUE(waitForReport(2));
+    EXPECT_TRUE(gpu().started);
+}
+
+TEST_F(GraphicsBox, LosesItsGpuBeforeAnUpdateOfItsMcu)
+{
+    plugInAndActivate();
+    EXPECT_EQ(client.ask({{"cmd", "requestBeginGraphicsMcuUpdate"}}),
+        (QJsonObject {{"cmd", "requestBeginGraphicsMcuUpdate"}}));
+    EXPECT_FALSE(gpu().started);
+    EXPECT_TRUE(service.log().contains("GraphicsDisengaged_log: ban gpu successed for mcu update."));
+}
+
+TEST_F(GraphicsBox, PopupsTellThatTheDriverIsMissing)
+{
+    changeGpu([](auto &changed) { changed.description = "Microsoft Basic Display Adapter"; });
+    plugIn();
+    EXPECT_TRUE(waitForReport(1));
+    EXPECT_EQ(reported(), 1);
+    EXPECT_TRUE(waitForWindow("--graphics-driver-error"));
+    EXPECT_TRUE(service.waitForLog("GraphicsActive_log: Failed to active graphics."));
+}
+
+TEST_F(GraphicsBox, PopupsTellThatTheDriverHasFailed)
+{
+    changeGpu([](auto &changed) { changed.problem = 43; });
+    plugIn();
+    EXPECT_TRUE(waitForReport(1));
+    EXPECT_EQ(reported(), 3);
+    EXPECT_TRUE(waitForWindow("--graphics-patch-error"));
+}
+
+TEST_F(GraphicsBox, PopupsTellThatTheGpuCouldNotBeReleased)
+{
+    plugInAndActivate();
+    service.breakDown("fail-device-disable");
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    EXPECT_TRUE(waitForWindow("--graphics-disengaged-failed"));
+    EXPECT_TRUE(gpu().started);
+    EXPECT_EQ(service.computer().gpuReports().count, 1U);
+    // Once it can be released again, the key works.
+    service.repair();
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    EXPECT_TRUE(waitForReport(2));
+    EXPECT_FALSE(gpu().started);
+}
+
+TEST_F(GraphicsBox, PopupsAreLeftToTheClientApplicationWhileItRuns)
+{
+    const QString application = service.path("Tarn.exe");
+    ASSERT_TRUE(QFile::copy(tarnTest::builtProgram("tarnsim"), application));
+    QProcess running;
+    running.start(
+        application, {"--state", service.path("function/simulated_computer.state"), "log", "--follow"});
+    ASSERT_TRUE(running.waitForStarted());
+    changeGpu([](auto &changed) { changed.description = "Microsoft Basic Display Adapter"; });
+    plugIn();
+    EXPECT_TRUE(waitForReport(1));
+    EXPECT_TRUE(service.waitForLog("Tarn.exe is running, don't shou the driver error popup."));
+    EXPECT_EQ(desktop().windowsShown(), 0U);
+    running.kill();
+    running.waitForFinished();
+}
+
+TEST_F(GraphicsBox, WhileAQuestionIsOpenOnlyTheEcWaits)
+{
+    plugInAndActivate();
+    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    ASSERT_TRUE(waitForWindow("--disengaged-graphics"));
+
+    // What needs no EC is answered, what needs it waits.
+    EXPECT_EQ(client.answer("getAccessoryType"), "graphics");
+    EXPECT_EQ(client.answer("getTarnBatteryNum"), "80");
+    EXPECT_TRUE(client.ask({{"cmd", "getHardwareVersion"}}, 1500).isEmpty());
+    client.leave();
+    ASSERT_TRUE(service.waitForLog("Tarn pipe client is exit!"));
+
+    // A client that comes back gets what has been queued for it.
+    tarnTest::ServiceClient again;
+    ASSERT_TRUE(again.connectToService());
+    desktop().setAnswer(1);
+    EXPECT_TRUE(again.waitForNotification("disengagedGraphics", ""));
+    EXPECT_TRUE(waitUntil(
+        [&] { return again.documents().join('\n').contains(R"("cmd":"getHardwareVersion","data":"5")"); },
+        30000));
+    EXPECT_EQ(reported(), 3);
+}
+
+TEST_F(GraphicsBox, AQuestionThatIsOpenDoesNotHoldUpAStop)
+{
+    plugInAndActivate();
+    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    ASSERT_TRUE(waitForWindow("--disengaged-graphics"));
+    QElapsedTimer time;
+    time.start();
+    EXPECT_EQ(service.stop(), 0);
+    EXPECT_LT(time.elapsed(), 4000);
+    ASSERT_TRUE(service.start()); // for the end of the test
+}
+
+class GraphicsBoxOfAService : public GraphicsBox
+{
+protected:
+    void SetUp() override
+    {
+        desktop().setServiceSession(true);
+        GraphicsBox::SetUp();
+    }
+};
+
+TEST_F(GraphicsBoxOfAService, AsksTheUserAtTheConsole)
+{
+    plugInAndActivate();
+    desktop().setAnswer(2);
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    EXPECT_TRUE(service.waitForLog("GraphicsActive_log & GraphicsDisengaged_log: exit code: 2"));
+    EXPECT_TRUE(gpu().started);
+
+    desktop().setAnswer(1);
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
+    EXPECT_TRUE(waitForReport(2));
+    EXPECT_FALSE(gpu().started);
+    EXPECT_FALSE(service.log().contains("Debug or Release mode"));
+}
+
+TEST_F(GraphicsBoxOfAService, TakesFailedLaunchesForANo)
+{
+    plugInAndActivate();
+    const std::pair<const char *, const char *> steps[] = {{"no-console-session", "No active session found"},
+        {"no-user-token", "Failed to query user token"}, {"no-token-copy", "Failed to duplicate token"},
+        {"no-gui-process", "Failed to create process"}, {"no-gui-exit-code", "Failed to get exit code"}};
+    int answered = 0;
+    for (const auto &[fault, text] : steps) {
+        service.breakDown(fault);
+        ASSERT_TRUE(service.computer().pressGpuKey());
+        EXPECT_TRUE(service.waitForLog("GraphicsDisengaged_log: click no when second check.", ++answered))
+            << fault;
+        EXPECT_TRUE(
+            service.log().contains(QString("GraphicsActive_log & GraphicsDisengaged_log: %1").arg(text)))
+            << fault;
+        service.repair();
+    }
+    EXPECT_TRUE(gpu().started);
+}
+
+TEST_F(GraphicsBoxOfAService, PopupsHoldTheEcUntilTheyAreClosed)
+{
+    changeGpu([](auto &changed) { changed.problem = 31; });
+    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    plugIn();
+    EXPECT_TRUE(waitForWindow("--graphics-patch-error"));
+    EXPECT_EQ(service.computer().gpuReports().count, 0U);
+    desktop().setAnswer(0);
+    EXPECT_TRUE(waitForReport(1));
+    EXPECT_EQ(reported(), 3);
+}
+
+using GraphicsLight = GraphicsBox;
+
+TEST_F(GraphicsLight, IsSetReadAndRemembered)
+{
+    plugInAndActivate();
+    for (const char *colour : {"white", "red", "yellow", "green", "cyan", "blue", "purplishred"}) {
+        EXPECT_EQ(client.answer("setGraphicsRGB", colour), "successed") << colour;
+        EXPECT_EQ(client.answer("getGraphicsRGB"), colour);
+    }
+    EXPECT_EQ(client.answer("setGraphicsRGB", "shutdown"), "successed");
+    EXPECT_EQ(client.answer("getGraphicsRGB"), "shutdown");
+    EXPECT_EQ(client.answer("setGraphicsRGB", "pink"), "failed");
+
+    // The colour outlives the service.
+    EXPECT_EQ(service.stop(), 0);
+    ASSERT_TRUE(service.start());
+    ASSERT_TRUE(client.connectToService());
+    EXPECT_EQ(client.answer("setGraphicsRGB", "on"), "purplishred successed");
+    EXPECT_EQ(service.computer().graphicsLight().toWord(), 0xFF00FFU);
+
+    service.breakDown("fail-register", XEC_RGB_GREEN);
+    EXPECT_EQ(client.answer("setGraphicsRGB", "red"), "failed");
+    service.repair();
+    EXPECT_EQ(client.answer("setGraphicsRGB", "red"), "successed");
+}
