@@ -50,23 +50,22 @@ ServiceRun::ServiceRun(ServiceHost &service, quint32 accepted, Report reportToMa
     , report(std::move(reportToManager))
 { }
 
-int ServiceRun::exec()
+void ServiceRun::start()
 {
     {
         const std::scoped_lock lock(mutex);
         enter(ServiceState::StartPending);
     }
     host.startService();
-    starting = false;
-    {
-        const std::scoped_lock lock(mutex);
-        enter(ServiceState::Running);
-    }
+    const std::scoped_lock lock(mutex);
+    enter(ServiceState::Running);
+}
+
+int ServiceRun::serve()
+{
     const int exitCode = host.runEventLoop();
-    {
-        const std::scoped_lock lock(mutex);
-        enterStop();
-    }
+    const std::scoped_lock lock(mutex);
+    enterStop();
     return exitCode;
 }
 

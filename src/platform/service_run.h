@@ -2,7 +2,6 @@
 
 #include "platform/service_controls.h"
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -47,15 +46,15 @@ public:
     // time and in the order of the states.
     ServiceRun(ServiceHost &host, quint32 acceptedControls, Report report);
 
-    // On the application thread: starts the service and serves it until its event loop ends; the exit code.
-    [[nodiscard]] int exec();
+    // On the application thread, one after the other: starts the service, and serves it until its event loop
+    // ends; the exit code.
+    void start();
+    [[nodiscard]] int serve();
     // A control (ServiceControl) from the manager, on any thread; returns without waiting for its effect.
     void control(quint32 code);
     // The service has let go of everything. Only the first report counts.
     void reportStopped(int exitCode);
 
-    // True until the service has been started.
-    [[nodiscard]] bool isStarting() const { return starting; }
     // Waits for the report that the service has stopped. False when a stop has gone on for longer than the
     // manager's users are to wait.
     [[nodiscard]] bool waitUntilStopped();
@@ -74,7 +73,6 @@ private:
     std::condition_variable changed;
     ServiceStatus status;
     std::optional<std::chrono::steady_clock::time_point> stopDeadline;
-    std::atomic<bool> starting {true};
 };
 
 } // namespace tarnPlatform

@@ -4,7 +4,7 @@
 #include "platform/windows/event_log.h"
 #include "platform/windows/wide_text.h"
 
-#include <csignal>
+#include <atomic>
 #include <cstdlib>
 #include <future>
 #include <thread>
@@ -29,6 +29,7 @@ public:
     void serve();
     // The reason why the service does not run; 0 when it does.
     [[nodiscard]] DWORD waitForConnection() { return connection.get_future().get(); }
+    [[nodiscard]] bool isConnected() const { return statusHandle != nullptr; }
 
     const ServiceFunctions &functions;
     const QString name;
@@ -38,7 +39,7 @@ private:
     void report(const ServiceStatus &status);
     void noteConnection(DWORD error);
 
-    SERVICE_STATUS_HANDLE statusHandle = nullptr;
+    std::atomic<SERVICE_STATUS_HANDLE> statusHandle {nullptr};
     std::promise<DWORD> connection;
     std::atomic<bool> connectionNoted {false};
 };
@@ -56,15 +57,28 @@ void WINAPI handleControl(DWORD control)
     dispatcher->run.control(control);
 }
 
-// A start that cannot succeed ends the process with a fatal message, which a service shows to nobody.
-void noteAbort(int)
+// A start that cannot succeed ends the process with a fatal message, which nobody sees of a service. While
+// this object lives, such a message reaches the event log and the manager as well; all go where they went.
+class FatalMessageWatch
 {
-    if (!dispatcher->run.isStarting())
-        return;
-    reportStartFailure(dispatcher->functions, dispatcher->name,
-        QStringLiteral("the program ended itself with a fatal message in its debug output"));
-    dispatcher->run.reportStopped(EXIT_FAILURE);
-}
+public:
+    FatalMessageWatch() { passOn = qInstallMessageHandler(note); }
+    FatalMessageWatch(const FatalMessageWatch &) = delete;
+    FatalMessageWatch &operator=(const FatalMessageWatch &) = delete;
+    ~FatalMessageWatch() { qInstallMessageHandler(passOn); }
+
+private:
+    static void note(QtMsgType type, const QMessageLogContext &context, const QString &message)
+    {
+        if (type == QtFatalMsg) {
+            reportStartFailure(dispatcher->functions, dispatcher->name, message);
+            dispatcher->run.reportStopped(EXIT_FAILURE);
+        }
+        passOn(type, context, message);
+    }
+
+    static inline QtMessageHandler passOn = nullptr;
+};
 
 void Dispatcher::connectToManager()
 {
@@ -115,15 +129,17 @@ bool runUnderServiceManager(const ServiceFunctions &functions, const QString &na
             reportStartFailure(functions, name, qt_error_string(static_cast<int>(error)));
         return false;
     }
-    std::signal(SIGABRT, noteAbort);
-    *exitCode = dispatcher->run.exec();
+    {
+        const FatalMessageWatch watch;
+        dispatcher->run.start();
+    }
+    *exitCode = dispatcher->run.serve();
     return true;
 }
 
 void reportServiceStopped(int exitCode)
 {
-    // A process that the manager does not run never got beyond its start.
-    if (dispatcher && !dispatcher->run.isStarting())
+    if (dispatcher && dispatcher->isConnected())
         dispatcher->run.reportStopped(exitCode);
 }
 
