@@ -84,13 +84,14 @@ void ServiceRun::control(quint32 code)
         enter(ServiceState::ContinuePending);
         perform(ServiceState::ContinuePending, &ServiceHost::resumeService, ServiceState::Running);
     } else {
-        if (takesControls(status.state) && code >= FirstUserControl && code <= LastUserControl)
+        if (takesControls(status.state) && code >= FirstUserControl && code <= LastUserControl) {
             QMetaObject::invokeMethod(
                 qApp,
                 [this, command = static_cast<int>(code - FirstUserControl)] {
                     host.processServiceCommand(command);
                 },
                 Qt::QueuedConnection);
+        }
         reportStatus(); // the manager expects an answer to every control
     }
 }

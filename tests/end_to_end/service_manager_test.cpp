@@ -182,7 +182,8 @@ TEST_F(ServiceUnderManager, ComesBackAfterBeingKilled)
     ASSERT_TRUE(start());
     kill();
     ASSERT_TRUE(waitUntil([this] { return requestStart(); }));
-    ASSERT_TRUE(waitUntil([this] { return answers(); }));
+    // Wine still shows the state of the process that was killed, so only clients can tell.
+    ASSERT_TRUE(waitUntil([this] { return answers(); }, 60000));
     EXPECT_EQ(state(), DWORD(SERVICE_RUNNING));
     expectPromptStop();
 }
