@@ -27,6 +27,8 @@ endif()
 if(MINGW)
     # GCC 12 sees an overlap in std::string's own append that cannot happen (GCC bug 105651).
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
+    # The same sources make the same bytes.
+    add_link_options(-Wl,--no-insert-timestamp)
 endif()
 
 if(WIN32)

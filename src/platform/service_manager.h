@@ -1,18 +1,10 @@
 #pragma once
 
+#include "platform/service_registration.h"
+
 #include <QString>
 
 namespace tarnPlatform {
-
-// How a service is registered with the system.
-struct ServiceRegistration
-{
-    QString name; // key and display name in one
-    QString description;
-    QString account; // empty: the local system account
-    QString password; // used only with an account
-    bool startAutomatically = true;
-};
 
 // What the system's service manager asks of a running service; called on the application thread.
 class ServiceHost
@@ -34,20 +26,26 @@ class ServiceManager
 public:
     virtual ~ServiceManager() = default;
 
+    // The program of this process, as the system names it: what a service is installed with.
+    [[nodiscard]] virtual QString programPath() = 0;
     [[nodiscard]] virtual bool isInstalled(const QString &name) = 0;
     [[nodiscard]] virtual bool isRunning(const QString &name) = 0;
-    // The program that the service is registered with; empty when it is not installed.
-    [[nodiscard]] virtual QString programPath(const QString &name) = 0;
 
     [[nodiscard]] virtual bool install(const ServiceRegistration &registration) = 0;
     [[nodiscard]] virtual bool uninstall(const QString &name) = 0;
+    // True when the service has stopped.
     [[nodiscard]] virtual bool terminate(const QString &name) = 0;
     virtual bool pause(const QString &name) = 0;
     virtual bool resume(const QString &name) = 0;
     virtual bool sendCommand(const QString &name, int code) = 0;
 
-    // Hands the process to the manager. False when it was not the manager that started the process.
-    [[nodiscard]] virtual bool runService(const QString &name, ServiceHost &host, int *exitCode) = 0;
+    // Hands the process to the manager, who may ask the host for the accepted controls (AcceptedControl)
+    // until its event loop has ended. False when the manager does not run the process.
+    [[nodiscard]] virtual bool runService(
+        const QString &name, quint32 acceptedControls, ServiceHost &host, int *exitCode) = 0;
+    // The last thing before the process ends, when the service holds nothing any more: the manager learns
+    // that it has stopped. Does nothing in a process that the manager does not run.
+    virtual void reportStopped(int exitCode) = 0;
 
     static ServiceManager &system();
 };

@@ -35,7 +35,7 @@ bool hasFinished(const QThread *thread)
 
 } // namespace
 
-int endProcess(int exitCode)
+int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
 {
     auto *monitor = ProcessWide<EcDirverReader>::existing();
     auto *sender = ProcessWide<SendQueueThread>::existing();
@@ -61,11 +61,13 @@ int endProcess(int exitCode)
     }
     if (!finished) {
         std::fflush(nullptr);
+        manager.reportStopped(exitCode);
         std::_Exit(exitCode); // a normal end would wait for the threads that are held up
     }
     if (sender)
         sender->wait(); // for the last steps of a thread that counts as finished already
     delete monitor;
     QThread::msleep(farewellMs);
+    manager.reportStopped(exitCode);
     return exitCode;
 }

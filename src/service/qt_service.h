@@ -11,8 +11,9 @@
 template <typename Application> class QtService : public QtServiceBase
 {
 public:
-    QtService(int argc, char **argv, const QString &requestedName)
-        : QtServiceBase(argc, argv, requestedName)
+    QtService(int argc, char **argv, const QString &requestedName,
+        tarnPlatform::ServiceManager &serviceManager = tarnPlatform::ServiceManager::system())
+        : QtServiceBase(argc, argv, requestedName, serviceManager)
     { }
 
 protected:

@@ -1,5 +1,6 @@
 #include "service/qt_service_base.h"
 
+#include "platform/service_controls.h"
 #include "platform/stop_requests.h"
 
 #include <QCoreApplication>
@@ -13,7 +14,6 @@ namespace {
 constexpr int maximumNameLength = 255;
 constexpr int exitFailed = -1;
 constexpr int exitNotStarted = -4;
-constexpr int maximumUserCommand = 127;
 
 constexpr const char *usageText =
     "\n%s -[i|u|e|t|p|r|c|v|h]\n"
@@ -28,11 +28,6 @@ constexpr const char *usageText =
     "\t-v(ersion)\t: Print version and status information.\n"
     "\t-h(elp)   \t: Show this help\n"
     "\tNo arguments\t: Start the service.\n";
-
-tarnPlatform::ServiceManager &manager()
-{
-    return tarnPlatform::ServiceManager::system();
-}
 
 QString usableName(QString name)
 {
@@ -69,8 +64,22 @@ const QtServiceBase::Option QtServiceBase::options[] = {
     {"-h", "-help", &QtServiceBase::printHelp},
 };
 
-QtServiceBase::QtServiceBase(int argc, char **argv, const QString &requestedName)
-    : name(usableName(requestedName))
+quint32 QtServiceBase::acceptedControls(ServiceFlags flags)
+{
+    quint32 controls = tarnPlatform::AcceptsNothing;
+    if (!flags.testFlag(CannotBeStopped))
+        controls |= tarnPlatform::AcceptsStop;
+    if (flags.testFlag(CanBeSuspended))
+        controls |= tarnPlatform::AcceptsPauseAndContinue;
+    if (flags.testFlag(NeedsStopOnShutdown))
+        controls |= tarnPlatform::AcceptsShutdown;
+    return controls;
+}
+
+QtServiceBase::QtServiceBase(
+    int argc, char **argv, const QString &requestedName, tarnPlatform::ServiceManager &serviceManager)
+    : manager(serviceManager)
+    , name(usableName(requestedName))
     , arguments(argv, argv + argc)
     , argumentCount(argc)
 {
@@ -90,28 +99,28 @@ int QtServiceBase::exec()
 
 int QtServiceBase::installService()
 {
-    if (manager().isInstalled(name)) {
+    if (manager.isInstalled(name)) {
         std::fprintf(stderr, "The service %s is already installed\n", latinName().constData());
         return 0;
     }
     const tarnPlatform::ServiceRegistration registration {
         name, description, argument(2), argument(3), startup == AutoStartup};
-    if (!manager().install(registration)) {
+    if (!manager.install(registration)) {
         std::fprintf(stderr, "The service %s could not be installed\n", latinName().constData());
         return exitFailed;
     }
     std::printf("The service %s has been installed under: %s\n", latinName().constData(),
-        manager().programPath(name).toLatin1().constData());
+        manager.programPath().toLatin1().constData());
     return 0;
 }
 
 int QtServiceBase::uninstallService()
 {
-    if (!manager().isInstalled(name)) {
+    if (!manager.isInstalled(name)) {
         std::fprintf(stderr, "The service %s is not installed\n", latinName().constData());
         return 0;
     }
-    if (!manager().uninstall(name)) {
+    if (!manager.uninstall(name)) {
         std::fprintf(stderr, "The service %s could not be uninstalled\n", latinName().constData());
         return exitFailed;
     }
@@ -121,10 +130,10 @@ int QtServiceBase::uninstallService()
 
 int QtServiceBase::printVersion()
 {
-    std::printf("The service\n\t%s\n\t%s\n\n", latinName().constData(),
-        manager().programPath(name).toLatin1().constData());
-    std::printf("is %s", manager().isInstalled(name) ? "installed" : "not installed");
-    std::printf(" and %s\n\n", manager().isRunning(name) ? "running" : "not running");
+    std::printf(
+        "The service\n\t%s\n\t%s\n\n", latinName().constData(), manager.programPath().toLatin1().constData());
+    std::printf("is %s", manager.isInstalled(name) ? "installed" : "not installed");
+    std::printf(" and %s\n\n", manager.isRunning(name) ? "running" : "not running");
     return 0;
 }
 
@@ -149,28 +158,28 @@ int QtServiceBase::executeAsApplication()
 
 int QtServiceBase::terminateService()
 {
-    if (!manager().terminate(name))
+    if (!manager.terminate(name))
         qErrnoWarning("The service could not be stopped.");
     return 0;
 }
 
 int QtServiceBase::sendPause()
 {
-    manager().pause(name);
+    manager.pause(name);
     return 0;
 }
 
 int QtServiceBase::sendResume()
 {
-    manager().resume(name);
+    manager.resume(name);
     return 0;
 }
 
 int QtServiceBase::sendUserCommand()
 {
     const int code = argument(2).toInt();
-    if (code >= 0 && code <= maximumUserCommand)
-        manager().sendCommand(name, code);
+    if (tarnPlatform::isUserCommand(code))
+        manager.sendCommand(name, code);
     return 0;
 }
 
@@ -184,7 +193,7 @@ int QtServiceBase::runUnderManager()
 {
     createApplication(argumentCount, arguments.data());
     int exitCode = 0;
-    if (manager().runService(name, *this, &exitCode))
+    if (manager.runService(name, acceptedControls(flags), *this, &exitCode))
         return exitCode;
     std::fprintf(stderr, "The service %s could not start\n", latinName().constData());
     return exitNotStarted;

@@ -22,8 +22,12 @@ public:
     };
     Q_DECLARE_FLAGS(ServiceFlags, ServiceFlag)
 
+    // The controls (tarnPlatform::AcceptedControl) that a service with these flags asks its manager for.
+    [[nodiscard]] static quint32 acceptedControls(ServiceFlags flags);
+
     // A name longer than 255 characters is cut; backslashes in it become NUL characters.
-    QtServiceBase(int argc, char **argv, const QString &requestedName);
+    QtServiceBase(int argc, char **argv, const QString &requestedName,
+        tarnPlatform::ServiceManager &serviceManager = tarnPlatform::ServiceManager::system());
     ~QtServiceBase() override = default;
     QtServiceBase(const QtServiceBase &) = delete;
     QtServiceBase &operator=(const QtServiceBase &) = delete;
@@ -74,6 +78,7 @@ private:
     void processServiceCommand(int code) override { processCommand(code); }
     int runEventLoop() override { return executeApplication(); }
 
+    tarnPlatform::ServiceManager &manager;
     QString name;
     QString description;
     StartupType startup = AutoStartup;

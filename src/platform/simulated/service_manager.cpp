@@ -1,5 +1,7 @@
 #include "platform/service_manager.h"
 
+#include <QCoreApplication>
+
 namespace tarnPlatform {
 namespace {
 
@@ -7,16 +9,17 @@ namespace {
 class NoServiceManager final : public ServiceManager
 {
 public:
+    QString programPath() override { return QCoreApplication::applicationFilePath(); }
     bool isInstalled(const QString &) override { return false; }
     bool isRunning(const QString &) override { return false; }
-    QString programPath(const QString &) override { return {}; }
     bool install(const ServiceRegistration &) override { return false; }
     bool uninstall(const QString &) override { return false; }
     bool terminate(const QString &) override { return false; }
     bool pause(const QString &) override { return false; }
     bool resume(const QString &) override { return false; }
     bool sendCommand(const QString &, int) override { return false; }
-    bool runService(const QString &, ServiceHost &, int *) override { return false; }
+    bool runService(const QString &, quint32, ServiceHost &, int *) override { return false; }
+    void reportStopped(int) override { }
 };
 
 } // namespace

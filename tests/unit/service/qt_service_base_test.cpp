@@ -122,7 +122,9 @@ TEST(ServiceHost, SaysThatItIsNotInstalledWhereThereIsNoManager)
 {
     const Output version = run({"tarn", "-v"});
     EXPECT_EQ(version.exitCode, 0);
-    EXPECT_EQ(version.out, "The service\n\tNoting Service\n\t\n\nis not installed and not running\n\n");
+    EXPECT_EQ(version.out,
+        "The service\n\tNoting Service\n\t" + QCoreApplication::applicationFilePath()
+            + "\n\nis not installed and not running\n\n");
     const Output install = run({"tarn", "-install", "account", "password"});
     EXPECT_EQ(install.exitCode, -1);
     EXPECT_EQ(install.err, "The service Noting Service could not be installed\n");

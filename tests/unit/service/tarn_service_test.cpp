@@ -8,6 +8,7 @@
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"
 #include "support/simulated_machine.h"
+#include "unit/service/scripted_service_manager.h"
 
 #include <QElapsedTimer>
 #include <QtConcurrent>
@@ -137,6 +138,39 @@ TEST_F(ServiceObject, DoesNotWaitForAHandlerThatIsHeldUp)
         },
         ::testing::ExitedWithCode(5), "");
     EXPECT_LT(timer.elapsed(), 3000);
+}
+
+TEST_F(ServiceObject, TellsTheManagerWhenItHasLetGo)
+{
+    DirectService service;
+    service.start();
+    service.stop();
+    tarnTest::ScriptedServiceManager manager;
+    QString lastWord;
+    manager.onStopped = [&] {
+        lastWord = machine.log.lines().last();
+    };
+    EXPECT_EQ(endProcess(6, manager), 6);
+    EXPECT_EQ(manager.calls, QStringList({"stopped|6"}));
+    EXPECT_EQ(lastWord, "EcDirverReader object is kill!");
+}
+
+TEST_F(ServiceObject, TellsTheManagerEvenWhenItIsHeldUp)
+{
+    EXPECT_EXIT(
+        {
+            std::atomic<bool> heldUp {true};
+            const auto future = QtConcurrent::run([&heldUp] {
+                while (heldUp)
+                    QThread::msleep(20);
+            });
+            tarnTest::ScriptedServiceManager manager;
+            manager.onStopped = [] {
+                std::fputs("the manager knows\n", stderr);
+            };
+            std::exit(endProcess(5, manager));
+        },
+        ::testing::ExitedWithCode(5), "the manager knows");
 }
 
 TEST(ProcessEnd, CreatesNothingForAControlAction)

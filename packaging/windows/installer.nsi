@@ -1,0 +1,182 @@
+; The installer of Tarn Service for 64-bit Windows, made by scripts/package.
+;
+;   /S             asks nothing and shows nothing
+;   /D=FOLDER      installs there (last argument, no quotes)
+;   /SIMULATED=1   installs the simulated computer instead of waiting for the port library
+;
+; Exit codes: 0 done, 1 cancelled, 2 failed, 3 installed but the service did not start.
+
+!include LogicLib.nsh
+!include FileFunc.nsh
+!include Sections.nsh
+!include x64.nsh
+!include service.nsh
+!include program_files.nsh ; made by scripts/package
+
+Target amd64-unicode
+Name "Tarn Service"
+BrandingText "Tarn Service ${VERSION}"
+OutFile "${OUTPUT}"
+InstallDir "$PROGRAMFILES64\Tarn Service"
+RequestExecutionLevel admin
+SetCompressor /SOLID lzma
+SetDateSave off ; the same sources make the same bytes
+ShowInstDetails show
+ShowUninstDetails show
+!ifdef ICON
+    Icon "${ICON}"
+    UninstallIcon "${ICON}"
+!endif
+
+VIProductVersion "${VERSION}.0.0"
+VIAddVersionKey ProductName "Tarn Service"
+VIAddVersionKey ProductVersion "${VERSION}"
+VIAddVersionKey FileVersion "${VERSION}"
+VIAddVersionKey FileDescription "Installer of Tarn Service"
+VIAddVersionKey LegalCopyright ""
+
+!define PRODUCT_KEY "Software\Tarn Service"
+!define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Tarn Service"
+!define PORT_LIBRARY "$INSTDIR\function\inpoutx64.dll"
+
+Page components
+Page directory
+Page instfiles
+UninstPage uninstConfirm
+UninstPage instfiles
+
+; $0 becomes 1 when the port library in place is the simulated computer that an installer has put there. One
+; that was replaced since then has another time.
+Function IsLibrarySimulated
+    StrCpy $0 0
+    ${IfNot} ${FileExists} "${PORT_LIBRARY}"
+        Return
+    ${EndIf}
+    GetFileTime "${PORT_LIBRARY}" $1 $2
+    ReadRegStr $3 HKLM "${PRODUCT_KEY}" SimulatedLibraryTime
+    ${If} $3 == "$1 $2"
+        StrCpy $0 1
+    ${EndIf}
+FunctionEnd
+
+; Takes the files of an older version away, but nothing that the service or an administrator has put beside
+; them, nor the registration.
+Function RemoveOlderVersion
+    ${If} ${FileExists} "$INSTDIR\uninstall.exe"
+        DetailPrint "Removing the installed version"
+        ExecWait '"$INSTDIR\uninstall.exe" /S /UPGRADE _?=$INSTDIR'
+    ${EndIf}
+FunctionEnd
+
+Section "Tarn Service" SectionService
+    SectionIn RO
+    Call RemoveOlderVersion
+    ${StopTarnService}
+    ClearErrors
+    ${InstallProgramFiles}
+    WriteUninstaller "$INSTDIR\uninstall.exe"
+    ${If} ${Errors}
+        SetErrorLevel 2
+        Abort "The files could not be written. Is TarnService.exe or tarnctl.exe still running?"
+    ${EndIf}
+
+    WriteRegStr HKLM "${PRODUCT_KEY}" Folder "$INSTDIR"
+    WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayName "Tarn Service"
+    WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayVersion "${VERSION}"
+    WriteRegStr HKLM "${UNINSTALL_KEY}" DisplayIcon "$INSTDIR\TarnService.exe"
+    WriteRegStr HKLM "${UNINSTALL_KEY}" InstallLocation "$INSTDIR"
+    WriteRegStr HKLM "${UNINSTALL_KEY}" UninstallString '"$INSTDIR\uninstall.exe"'
+    WriteRegStr HKLM "${UNINSTALL_KEY}" QuietUninstallString '"$INSTDIR\uninstall.exe" /S'
+    WriteRegDWORD HKLM "${UNINSTALL_KEY}" EstimatedSize ${PROGRAM_SIZE_KB}
+    WriteRegDWORD HKLM "${UNINSTALL_KEY}" NoModify 1
+    WriteRegDWORD HKLM "${UNINSTALL_KEY}" NoRepair 1
+SectionEnd
+
+Section /o "Simulated computer" SectionSimulated
+    Call IsLibrarySimulated
+    ${If} ${FileExists} "${PORT_LIBRARY}"
+    ${AndIf} $0 = 0
+        DetailPrint "The port library in place is kept: it is not a simulated computer"
+    ${Else}
+        SetOutPath "$INSTDIR\function"
+        File "${STAGE}/simulated/function/inpoutx64.dll"
+        SetOutPath "$INSTDIR"
+        File "${STAGE}/simulated/tarnsim.exe"
+        GetFileTime "${PORT_LIBRARY}" $1 $2
+        WriteRegStr HKLM "${PRODUCT_KEY}" SimulatedLibraryTime "$1 $2"
+    ${EndIf}
+SectionEnd
+
+Section # registered and started when all files are in place
+    DetailPrint "Registering the service"
+    nsExec::ExecToLog '"$INSTDIR\TarnService.exe" -install'
+    Pop $0
+    ; With quotes, unlike what the program itself registers: the folder's name has blanks.
+    ${SetTarnServiceProgram} '"$INSTDIR\TarnService.exe"' $0
+    ${If} $0 = 0
+        SetErrorLevel 2
+        Abort "The service could not be registered"
+    ${EndIf}
+    ${IfNot} ${FileExists} "${PORT_LIBRARY}"
+        DetailPrint "Not started: copy the port library to ${PORT_LIBRARY}, then start Tarn Service"
+        Return
+    ${EndIf}
+    DetailPrint "Starting the service"
+    ${StartTarnService} $0
+    ${If} $0 = 0
+        DetailPrint "The service did not start; the event log may tell why"
+        SetErrorLevel 3
+    ${EndIf}
+SectionEnd
+
+Function .onInit
+    ${IfNot} ${RunningX64}
+        MessageBox MB_ICONSTOP "Tarn Service needs a 64-bit Windows." /SD IDOK
+        SetErrorLevel 2
+        Quit
+    ${EndIf}
+    SetRegView 64
+    SetShellVarContext all
+    ReadRegStr $0 HKLM "${PRODUCT_KEY}" Folder
+    ${If} $0 != ""
+    ${AndIf} $INSTDIR == "$PROGRAMFILES64\Tarn Service" ; no other one was asked for
+        StrCpy $INSTDIR $0
+    ${EndIf}
+    Call IsLibrarySimulated
+    ${GetParameters} $1
+    ClearErrors
+    ${GetOptions} $1 "/SIMULATED=" $2
+    ${If} $0 = 1
+    ${OrIf} $2 == 1
+        !insertmacro SelectSection ${SectionSimulated}
+    ${EndIf}
+FunctionEnd
+
+Function un.onInit
+    SetRegView 64
+    SetShellVarContext all
+FunctionEnd
+
+Section Uninstall
+    ${StopTarnService}
+    ${RemoveProgramFiles}
+    Delete "$INSTDIR\tarnsim.exe"
+    Delete "$INSTDIR\uninstall.exe"
+    ${GetParameters} $1
+    ClearErrors
+    ${GetOptions} $1 "/UPGRADE" $2
+    ${IfNot} ${Errors}
+        Return
+    ${EndIf}
+
+    ${DeleteTarnService}
+    ; What the service itself keeps beside its program.
+    Delete "$INSTDIR\powermodeconfig.xml"
+    Delete "$INSTDIR\graphicsRGB_config.ini"
+    Delete "$INSTDIR\graphicsRGB_config.ini.lock"
+    Delete "$INSTDIR\temp.ini"
+    RMDir /r "$INSTDIR\function" ; the port library, the flashing tools and what they left
+    RMDir "$INSTDIR"
+    DeleteRegKey HKLM "${UNINSTALL_KEY}"
+    DeleteRegKey HKLM "${PRODUCT_KEY}"
+SectionEnd

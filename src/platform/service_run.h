@@ -1,0 +1,78 @@
+#pragma once
+
+#include "platform/service_controls.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <functional>
+#include <mutex>
+#include <optional>
+
+namespace tarnPlatform {
+
+class ServiceHost;
+
+// As the system numbers them.
+enum class ServiceState : quint32 {
+    Stopped = 1,
+    StartPending = 2,
+    StopPending = 3,
+    Running = 4,
+    ContinuePending = 5,
+    PausePending = 6,
+    Paused = 7,
+};
+
+// What the service manager is told.
+struct ServiceStatus
+{
+    ServiceState state = ServiceState::StartPending;
+    quint32 acceptedControls = AcceptsNothing;
+    quint32 checkPoint = 0; // counts the reports of one pending state, 0 in the others
+    std::chrono::milliseconds waitHint {0}; // until the next report at the latest, in a pending state
+    int exitCode = 0;
+
+    bool operator==(const ServiceStatus &) const = default;
+};
+
+// One run of a service under its manager: brings the manager's controls to the application thread in their
+// order, and tells the manager what has become of them.
+class ServiceRun
+{
+public:
+    using Report = std::function<void(const ServiceStatus &)>;
+
+    // Controls (AcceptedControl) that are not accepted have no effect. Reports come from any thread, one at a
+    // time and in the order of the states.
+    ServiceRun(ServiceHost &host, quint32 acceptedControls, Report report);
+
+    // On the application thread, one after the other: starts the service, and serves it until its event loop
+    // ends; the exit code.
+    void start();
+    [[nodiscard]] int serve();
+    // A control (ServiceControl) from the manager, on any thread; returns without waiting for its effect.
+    void control(quint32 code);
+    // The service has let go of everything. Only the first report counts.
+    void reportStopped(int exitCode);
+
+    // Waits for the report that the service has stopped. False when a stop has gone on for longer than the
+    // manager's users are to wait.
+    [[nodiscard]] bool waitUntilStopped();
+
+private:
+    using Operation = void (ServiceHost::*)();
+    void perform(ServiceState pending, Operation operation, std::optional<ServiceState> settled);
+    void enter(ServiceState state);
+    void enterStop();
+    void reportStatus();
+
+    ServiceHost &host;
+    const quint32 acceptedControls;
+    const Report report;
+    std::mutex mutex; // for all below, and around each report
+    std::condition_variable changed;
+    ServiceStatus status;
+    std::optional<std::chrono::steady_clock::time_point> stopDeadline;
+};
+
+} // namespace tarnPlatform

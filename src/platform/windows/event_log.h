@@ -1,0 +1,12 @@
+#pragma once
+
+#include "platform/windows/service_functions.h"
+
+#include <QString>
+
+namespace tarnPlatform {
+
+// Tells the readers of the system's event log that the service could not be started, and why.
+void reportStartFailure(const ServiceFunctions &functions, const QString &service, const QString &reason);
+
+} // namespace tarnPlatform

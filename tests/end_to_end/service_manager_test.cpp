@@ -1,0 +1,198 @@
+#include "end_to_end/installed_service.h"
+#include "end_to_end/service_client.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+
+using tarnTest::ServiceClient;
+using tarnTest::ServiceRecord;
+using tarnTest::waitUntil;
+
+namespace {
+
+constexpr int promptStopMs = 3000;
+constexpr int notStarted = -4;
+
+class ServiceUnderManager : public tarnTest::InstalledService
+{
+protected:
+    [[nodiscard]] QString programPath() const
+    {
+        return QDir::toNativeSeparators(program.path(QStringLiteral("TarnService.exe")));
+    }
+    [[nodiscard]] bool answers()
+    {
+        ServiceClient client;
+        const bool connected = client.connectToService();
+        return connected && client.answer("getAccessoryType") == QStringLiteral("disconnected");
+    }
+    void expectPromptStop()
+    {
+        const auto elapsed = stop();
+        ASSERT_TRUE(elapsed);
+        EXPECT_LT(*elapsed, promptStopMs);
+        EXPECT_EQ(status().dwWin32ExitCode, NO_ERROR);
+    }
+    // The pipe's name is free when the service has stopped, but for the moment that its process takes to go.
+    [[nodiscard]] static bool hasLeftThePipe()
+    {
+        return waitUntil([] { return !QFile::exists(QStringLiteral("\\\\.\\pipe\\tarnPipe")); }, 2000);
+    }
+};
+
+} // namespace
+
+TEST_F(ServiceUnderManager, IsInstalledOnceAndUninstalledOnce)
+{
+    EXPECT_EQ(command({"-i"}), 0);
+    EXPECT_TRUE(
+        program.log().endsWith("The service Tarn Service has been installed under: " + programPath() + '\n'));
+    const ServiceRecord record = this->record();
+    EXPECT_EQ(record.serviceType, 0x110U);
+    EXPECT_EQ(record.startType, 2U);
+    EXPECT_EQ(record.errorControl, 1U);
+    EXPECT_EQ(record.program, programPath());
+    EXPECT_EQ(record.displayName, "Tarn Service");
+    EXPECT_EQ(record.account, "LocalSystem");
+    EXPECT_EQ(record.description, "Tarn Service in Windows");
+
+    EXPECT_EQ(command({"-install"}), 0);
+    EXPECT_TRUE(program.log().endsWith("The service Tarn Service is already installed\n"));
+    EXPECT_EQ(command({"-version"}), 0);
+    EXPECT_TRUE(program.log().endsWith(
+        "The service\n\tTarn Service\n\t" + programPath() + "\n\nis installed and not running\n\n"));
+    EXPECT_EQ(command({"-u"}), 0);
+    EXPECT_TRUE(program.log().endsWith("The service Tarn Service has been uninstalled.\n"));
+    EXPECT_FALSE(isInstalled());
+    EXPECT_EQ(command({"-uninstall"}), 0);
+    EXPECT_TRUE(program.log().endsWith("The service Tarn Service is not installed\n"));
+    EXPECT_EQ(command({"-v"}), 0);
+    EXPECT_TRUE(program.log().endsWith("is not installed and not running\n\n"));
+}
+
+TEST_F(ServiceUnderManager, IsInstalledUnderAnAccountOfItsOwn)
+{
+    EXPECT_EQ(command({"-i", "NT AUTHORITY\\LocalService"}), 0);
+    EXPECT_EQ(record().serviceType, 0x10U);
+    EXPECT_EQ(record().account, "NT AUTHORITY\\LocalService");
+    EXPECT_EQ(command({"-u"}), 0);
+    EXPECT_EQ(command({"-i", "LocalSystem", "secret"}), 0);
+    EXPECT_EQ(record().serviceType, 0x110U);
+    EXPECT_EQ(record().account, "LocalSystem");
+}
+
+TEST_F(ServiceUnderManager, CannotBeControlledWhenItIsNotInstalled)
+{
+    EXPECT_EQ(command({"-t"}), 0);
+    EXPECT_TRUE(program.log().contains("The service could not be stopped."));
+    for (const QStringList &words : {QStringList {"-p"}, {"-r"}, {"-c", "5"}})
+        EXPECT_EQ(command(words), 0);
+}
+
+TEST_F(ServiceUnderManager, RunsOnlyWhenTheManagerStartsIt)
+{
+    for (const QStringList &words : {QStringList(), {"-INSTALL"}}) {
+        EXPECT_EQ(command(words), notStarted);
+        EXPECT_TRUE(program.log().endsWith("The service Tarn Service could not start\n"));
+    }
+    EXPECT_FALSE(isInstalled());
+}
+
+TEST_F(ServiceUnderManager, ObeysTheCommandLine)
+{
+    install();
+    ASSERT_TRUE(start());
+    EXPECT_EQ(status().dwControlsAccepted, DWORD(SERVICE_ACCEPT_STOP | SERVICE_ACCEPT_PAUSE_CONTINUE));
+    EXPECT_TRUE(answers());
+    EXPECT_EQ(command({"-v"}), 0);
+    EXPECT_TRUE(program.log().endsWith("is installed and running\n\n"));
+
+    EXPECT_EQ(command({"-p"}), 0);
+    EXPECT_TRUE(waitForState(SERVICE_PAUSED));
+    EXPECT_TRUE(answers()); // a paused service deliberately goes on
+    EXPECT_EQ(command({"-r"}), 0);
+    EXPECT_TRUE(waitForState(SERVICE_RUNNING));
+
+    for (const char *code : {"0", "5", "127", "128", "200"})
+        EXPECT_EQ(command({"-c", code}), 0);
+    EXPECT_EQ(state(), DWORD(SERVICE_RUNNING));
+    EXPECT_TRUE(answers());
+
+    EXPECT_EQ(command({"-t"}), 0);
+    EXPECT_FALSE(program.log().contains("could not be stopped"));
+    EXPECT_EQ(state(), DWORD(SERVICE_STOPPED));
+    EXPECT_TRUE(hasLeftThePipe());
+}
+
+TEST_F(ServiceUnderManager, TakesTheManagersControls)
+{
+    install();
+    ASSERT_TRUE(start());
+    EXPECT_TRUE(control(SERVICE_CONTROL_INTERROGATE));
+    EXPECT_TRUE(control(128));
+    EXPECT_TRUE(control(255));
+    EXPECT_FALSE(requestStart()); // it runs already
+    for (int round = 0; round < 3; ++round) {
+        EXPECT_TRUE(control(SERVICE_CONTROL_PAUSE));
+        EXPECT_TRUE(waitForState(SERVICE_PAUSED));
+        EXPECT_TRUE(control(SERVICE_CONTROL_CONTINUE));
+        EXPECT_TRUE(waitForState(SERVICE_RUNNING));
+    }
+    EXPECT_TRUE(control(SERVICE_CONTROL_PAUSE));
+    expectPromptStop();
+    EXPECT_FALSE(control(SERVICE_CONTROL_PAUSE));
+}
+
+TEST_F(ServiceUnderManager, StopsWithAClientAndStartsAgain)
+{
+    install();
+    ASSERT_TRUE(start());
+    ServiceClient client;
+    ASSERT_TRUE(client.connectToService());
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+    expectPromptStop();
+    ASSERT_TRUE(start());
+    EXPECT_TRUE(answers());
+    expectPromptStop();
+    EXPECT_TRUE(hasLeftThePipe());
+}
+
+TEST_F(ServiceUnderManager, StopsWhileTheEcIsStuck)
+{
+    install();
+    ASSERT_TRUE(start());
+    program.breakDown("ibf-stuck");
+    ServiceClient client;
+    ASSERT_TRUE(client.connectToService());
+    // The handler waits at the EC for five seconds at least.
+    EXPECT_TRUE(client.ask({{"cmd", "getMcuVersion"}}, 1000).isEmpty());
+    expectPromptStop();
+    EXPECT_TRUE(hasLeftThePipe());
+
+    program.repair();
+    ASSERT_TRUE(start());
+    EXPECT_TRUE(answers());
+    expectPromptStop();
+}
+
+TEST_F(ServiceUnderManager, ComesBackAfterBeingKilled)
+{
+    install();
+    ASSERT_TRUE(start());
+    kill();
+    ASSERT_TRUE(waitUntil([this] { return requestStart(); }));
+    // Wine still shows the state of the process that was killed, so only clients can tell.
+    ASSERT_TRUE(waitUntil([this] { return answers(); }, 60000));
+    EXPECT_EQ(state(), DWORD(SERVICE_RUNNING));
+    expectPromptStop();
+}
+
+TEST_F(ServiceUnderManager, DoesNotStayWithoutItsPortLibrary)
+{
+    install();
+    ASSERT_TRUE(QFile::remove(program.path("function/inpoutx64.dll")));
+    ASSERT_TRUE(requestStart());
+    ASSERT_TRUE(waitUntil([this] { return state() == SERVICE_STOPPED; }));
+    EXPECT_EQ(status().dwWin32ExitCode, DWORD(ERROR_SERVICE_SPECIFIC_ERROR));
+}

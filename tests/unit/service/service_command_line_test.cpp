@@ -1,0 +1,298 @@
+#include "service/qt_service.h"
+
+#include "support/log_capture.h"
+#include "unit/service/scripted_service_manager.h"
+
+#include <gtest/gtest.h>
+
+using tarnTest::ScriptedServiceManager;
+
+namespace {
+
+// One process started with some words on a system with a service manager.
+class CommandLine : public ::testing::Test
+{
+protected:
+    class Host : public QtService<QCoreApplication>
+    {
+    public:
+        Host(int argc, char **argv, ScriptedServiceManager &scripted)
+            : QtService(argc, argv, QString::fromUtf8("Bl\u00e4ser"), scripted)
+        { }
+        QStringList calls;
+        int loopResult = 0;
+
+    protected:
+        void start() override { calls << QStringLiteral("start"); }
+        void stop() override { calls << QStringLiteral("stop"); }
+        void pause() override { calls << QStringLiteral("pause"); }
+        void resume() override { calls << QStringLiteral("resume"); }
+        void processCommand(int code) override { calls << QStringLiteral("command %1").arg(code); }
+        int executeApplication() override
+        {
+            calls << QStringLiteral("loop");
+            return loopResult;
+        }
+    };
+
+    void run(std::vector<std::string> words)
+    {
+        words.insert(words.begin(), "tarn");
+        std::vector<char *> pointers;
+        for (std::string &word : words)
+            pointers.push_back(word.data());
+        Host host(static_cast<int>(pointers.size()), pointers.data(), manager);
+        host.setServiceDescription(QStringLiteral("what it is for"));
+        host.setStartupType(startup);
+        host.setServiceFlags(flags);
+        host.loopResult = loopResult;
+        manager.calls.clear();
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        exitCode = host.exec();
+        std::fflush(nullptr);
+        out = testing::internal::GetCapturedStdout();
+        err = testing::internal::GetCapturedStderr();
+        hostCalls = host.calls;
+    }
+
+    ScriptedServiceManager manager;
+    QtServiceBase::StartupType startup = QtServiceBase::AutoStartup;
+    QtServiceBase::ServiceFlags flags = QtServiceBase::CanBeSuspended;
+    int loopResult = 0;
+    int exitCode = 99;
+    std::string out; // in Latin-1, as all that the host prints
+    std::string err;
+    QStringList hostCalls;
+};
+
+const QString name = QString::fromUtf8("Bl\u00e4ser");
+
+} // namespace
+
+TEST_F(CommandLine, Installs)
+{
+    for (const char *option : {"-i", "-install"}) {
+        run({option});
+        EXPECT_EQ(exitCode, 0);
+        EXPECT_EQ(out, "The service Bl\xe4ser has been installed under: C:\\where it is\\tarn.exe\n");
+        EXPECT_EQ(err, "");
+        EXPECT_EQ(manager.calls, QStringList({"install|" + name + "|what it is for|||automatic"}));
+    }
+    EXPECT_TRUE(hostCalls.isEmpty());
+}
+
+TEST_F(CommandLine, InstallsUnderAnAccountToBeStartedOnDemand)
+{
+    startup = QtServiceBase::ManualStartup;
+    run({"-i", "somebody", "secret", "more"});
+    EXPECT_EQ(manager.calls, QStringList({"install|" + name + "|what it is for|somebody|secret|on demand"}));
+    run({"-install", "somebody"});
+    EXPECT_EQ(manager.calls, QStringList({"install|" + name + "|what it is for|somebody||on demand"}));
+}
+
+TEST_F(CommandLine, InstallsOnlyOnce)
+{
+    manager.installed = true;
+    run({"-install"});
+    EXPECT_EQ(exitCode, 0);
+    EXPECT_EQ(out, "");
+    EXPECT_EQ(err, "The service Bl\xe4ser is already installed\n");
+    EXPECT_TRUE(manager.calls.isEmpty());
+}
+
+TEST_F(CommandLine, SaysThatItCouldNotInstall)
+{
+    manager.obeys = false;
+    run({"-i"});
+    EXPECT_EQ(exitCode, -1);
+    EXPECT_EQ(out, "");
+    EXPECT_EQ(err, "The service Bl\xe4ser could not be installed\n");
+}
+
+TEST_F(CommandLine, Uninstalls)
+{
+    manager.installed = true;
+    for (const char *option : {"-u", "-uninstall"}) {
+        run({option});
+        EXPECT_EQ(exitCode, 0);
+        EXPECT_EQ(out, "The service Bl\xe4ser has been uninstalled.\n");
+        EXPECT_EQ(err, "");
+        EXPECT_EQ(manager.calls, QStringList({"uninstall|" + name}));
+    }
+}
+
+TEST_F(CommandLine, UninstallsOnlyWhatIsInstalled)
+{
+    run({"-uninstall"});
+    EXPECT_EQ(exitCode, 0);
+    EXPECT_EQ(out, "");
+    EXPECT_EQ(err, "The service Bl\xe4ser is not installed\n");
+    EXPECT_TRUE(manager.calls.isEmpty());
+}
+
+TEST_F(CommandLine, SaysThatItCouldNotUninstall)
+{
+    manager.installed = true;
+    manager.obeys = false;
+    run({"-u"});
+    EXPECT_EQ(exitCode, -1);
+    EXPECT_EQ(out, "");
+    EXPECT_EQ(err, "The service Bl\xe4ser could not be uninstalled\n");
+}
+
+TEST_F(CommandLine, PrintsItsPathAndStatus)
+{
+    const struct
+    {
+        bool installed;
+        bool running;
+        const char *text;
+    } cases[] = {
+        {false, false, "is not installed and not running\n\n"},
+        {true, false, "is installed and not running\n\n"},
+        {true, true, "is installed and running\n\n"},
+    };
+    for (const auto &status : cases) {
+        manager.installed = status.installed;
+        manager.running = status.running;
+        for (const char *option : {"-v", "-version"}) {
+            run({option});
+            EXPECT_EQ(exitCode, 0);
+            EXPECT_EQ(
+                out, std::string("The service\n\tBl\xe4ser\n\tC:\\where it is\\tarn.exe\n\n") + status.text);
+            EXPECT_EQ(err, "");
+            EXPECT_TRUE(manager.calls.isEmpty());
+        }
+    }
+}
+
+TEST_F(CommandLine, Terminates)
+{
+    const tarnTest::LogCapture log;
+    for (const char *option : {"-t", "-terminate"}) {
+        run({option});
+        EXPECT_EQ(exitCode, 0);
+        EXPECT_EQ(out + err, "");
+        EXPECT_EQ(manager.calls, QStringList({"terminate|" + name}));
+    }
+    EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TEST_F(CommandLine, WarnsThatItCouldNotTerminate)
+{
+    const tarnTest::LogCapture log;
+    manager.obeys = false;
+    run({"-t"});
+    EXPECT_EQ(exitCode, 0);
+    ASSERT_EQ(log.lines().size(), 1);
+    EXPECT_TRUE(log.lines().first().contains("The service could not be stopped."));
+}
+
+TEST_F(CommandLine, PausesAndResumesWithoutAWord)
+{
+    const tarnTest::LogCapture log;
+    for (const bool obeys : {true, false}) {
+        manager.obeys = obeys;
+        for (const char *option : {"-p", "-pause"}) {
+            run({option});
+            EXPECT_EQ(exitCode, 0);
+            EXPECT_EQ(out + err, "");
+            EXPECT_EQ(manager.calls, QStringList({"pause|" + name}));
+        }
+        for (const char *option : {"-r", "-resume"}) {
+            run({option});
+            EXPECT_EQ(exitCode, 0);
+            EXPECT_EQ(out + err, "");
+            EXPECT_EQ(manager.calls, QStringList({"resume|" + name}));
+        }
+    }
+    EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TEST_F(CommandLine, SendsUserCommandsWithoutAWord)
+{
+    const struct
+    {
+        std::vector<std::string> words;
+        const char *sent; // null: refused
+    } cases[] = {
+        {{"-c"}, "0"},
+        {{"-command"}, "0"},
+        {{"-c", "0"}, "0"},
+        {{"-c", "5"}, "5"},
+        {{"-command", "127"}, "127"},
+        {{"-c", "128"}, nullptr},
+        {{"-command", "200"}, nullptr},
+        {{"-c", "-1"}, nullptr},
+    };
+    const tarnTest::LogCapture log;
+    for (const bool obeys : {true, false}) {
+        manager.obeys = obeys;
+        for (const auto &command : cases) {
+            run(command.words);
+            EXPECT_EQ(exitCode, 0);
+            EXPECT_EQ(out + err, "");
+            EXPECT_EQ(manager.calls,
+                command.sent ? QStringList({"command|" + name + '|' + command.sent}) : QStringList())
+                << command.words.back();
+        }
+    }
+    EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TEST_F(CommandLine, RunsWithoutTheManagerWhenItIsToldTo)
+{
+    loopResult = 7;
+    run({"-exec", "-install"});
+    EXPECT_EQ(exitCode, 7);
+    EXPECT_EQ(hostCalls, QStringList({"start", "loop"}));
+    EXPECT_TRUE(manager.calls.isEmpty());
+}
+
+TEST_F(CommandLine, AnythingElseIsTheManagersStart)
+{
+    manager.run = [](tarnPlatform::ServiceHost &host) {
+        host.startService();
+        host.pauseService();
+        host.resumeService();
+        host.processServiceCommand(5);
+        const int result = host.runEventLoop();
+        host.stopService();
+        host.stopService();
+        return result;
+    };
+    loopResult = 3;
+    for (const std::vector<std::string> &words :
+        {std::vector<std::string> {}, {"-INSTALL"}, {"-I"}, {"install"}, {"-inst"}, {""}, {"more", "-i"}}) {
+        run(words);
+        EXPECT_EQ(exitCode, 3);
+        EXPECT_EQ(out + err, "");
+        EXPECT_EQ(manager.calls, QStringList({"run|" + name + "|3"}));
+        EXPECT_EQ(hostCalls, QStringList({"start", "pause", "resume", "command 5", "loop", "stop"}));
+    }
+}
+
+TEST_F(CommandLine, CannotStartWhenTheManagerHasNotStartedIt)
+{
+    run({});
+    EXPECT_EQ(exitCode, -4);
+    EXPECT_EQ(out, "");
+    EXPECT_EQ(err, "The service Bl\xe4ser could not start\n");
+    EXPECT_TRUE(hostCalls.isEmpty());
+}
+
+TEST_F(CommandLine, AsksForTheControlsThatItsFlagsStandFor)
+{
+    const struct
+    {
+        int flags;
+        const char *controls;
+    } cases[] = {{0x00, "1"}, {0x01, "3"}, {0x02, "0"}, {0x03, "2"}, {0x04, "5"}, {0x05, "7"}, {0x06, "4"},
+        {0x07, "6"}};
+    for (const auto &row : cases) {
+        flags = QtServiceBase::ServiceFlags(row.flags);
+        run({});
+        EXPECT_EQ(manager.calls, QStringList({"run|" + name + '|' + row.controls})) << row.flags;
+    }
+}
