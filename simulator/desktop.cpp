@@ -20,6 +20,13 @@ void Desktop::windowOpened(std::string_view programSwitch)
     shared.guiShown.fetch_add(1);
 }
 
+// The machine may have been reset while the window was open.
+void Desktop::windowClosed()
+{
+    std::uint32_t open = shared.guiOpen.load();
+    while (open > 0 && !shared.guiOpen.compare_exchange_weak(open, open - 1)) { }
+}
+
 std::string Desktop::lastSwitch() const
 {
     return loadText(shared.guiSwitch);

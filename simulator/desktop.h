@@ -30,7 +30,7 @@ public:
 
     // Told by the stand-in.
     void windowOpened(std::string_view programSwitch);
-    void windowClosed() { shared.guiOpen.fetch_sub(1); }
+    void windowClosed();
 
     [[nodiscard]] std::uint32_t windowsShown() const { return shared.guiShown.load(); }
     [[nodiscard]] std::uint32_t windowsOpen() const { return shared.guiOpen.load(); }

@@ -32,8 +32,6 @@ void DeviceTree::reset()
     for (const Device &device : FACTORY_DEVICES) {
         store(slot++, device);
     }
-    machine.devices.listsOpened.store(0);
-    machine.devices.listsClosed.store(0);
 }
 
 std::vector<std::int32_t> DeviceTree::allSlots() const

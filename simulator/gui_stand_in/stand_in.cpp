@@ -45,10 +45,12 @@ std::filesystem::path stateFile(std::string_view program)
 std::int32_t awaitAnswer(const Desktop &desktop, const std::filesystem::path &file)
 {
     std::error_code error;
-    while (desktop.answer() == Desktop::WAITS && std::filesystem::exists(file, error)) {
+    std::int32_t answer = desktop.answer();
+    while (answer == Desktop::WAITS && std::filesystem::exists(file, error)) {
         std::this_thread::sleep_for(LOOK_PERIOD);
+        answer = desktop.answer();
     }
-    return std::max(desktop.answer(), 0);
+    return std::max(answer, 0);
 }
 
 } // namespace

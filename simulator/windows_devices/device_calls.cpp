@@ -86,6 +86,15 @@ std::string propertyText(const SP_DEVINFO_DATA &data, DWORD property)
     return text;
 }
 
+std::wstring wideText(const std::string &text)
+{
+    const int size = static_cast<int>(text.size());
+    std::wstring wide(
+        static_cast<std::size_t>(MultiByteToWideChar(CP_UTF8, 0, text.data(), size, nullptr, 0)), L'\0');
+    MultiByteToWideChar(CP_UTF8, 0, text.data(), size, wide.data(), static_cast<int>(wide.size()));
+    return wide;
+}
+
 BOOL giveProperty(const void *text, std::size_t bytes, BYTE *buffer, DWORD size, DWORD *needed)
 {
     if (needed != nullptr) {
@@ -141,7 +150,7 @@ BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(
     HDEVINFO, PSP_DEVINFO_DATA data, DWORD property, PDWORD, PBYTE buffer, DWORD size, PDWORD needed)
 {
     const std::string text = propertyText(*data, property);
-    const std::wstring wide(text.begin(), text.end());
+    const std::wstring wide = wideText(text);
     return giveProperty(wide.data(), wide.size() * sizeof(wchar_t), buffer, size, needed);
 }
 
@@ -171,7 +180,7 @@ BOOL WINAPI SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO list, PSP_D
 
 CONFIGRET WINAPI CM_Get_Device_IDW(DEVINST instance, PWSTR buffer, ULONG length, ULONG)
 {
-    const std::string id = deviceOf(instance).instanceId;
+    const std::wstring id = wideText(deviceOf(instance).instanceId);
     if (refuses(Fault::FailDeviceId, instance)) {
         return CR_FAILURE;
     }

@@ -16,6 +16,8 @@ public:
     // From now on lock() fails at once, for those who wait already too.
     void releaseWaiters();
     [[nodiscard]] bool isLocked() const;
+    // The process ends: nothing that takes long should be begun.
+    [[nodiscard]] bool isReleased() const;
 
 private:
     mutable QMutex state;

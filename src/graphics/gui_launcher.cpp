@@ -15,8 +15,8 @@ using tarnPlatform::LaunchStage;
 using tarnPlatform::UserSession;
 
 constexpr auto answerPatience = 30000ms;
-constexpr quint32 exitCodeNo = 0;
-constexpr quint32 exitCodeYes = 1;
+constexpr int exitCodeNo = 0;
+constexpr int exitCodeYes = 1;
 
 // What the log says when the program did not come to its end. In the order of LaunchStage.
 constexpr const char *failures[] = {
@@ -34,7 +34,8 @@ QString guiProgram()
     return QCoreApplication::applicationDirPath() + QStringLiteral("./TarnServiceGui/TarnServiceGui.exe");
 }
 
-int answerOf(quint32 exitCode)
+// An exit code is a DWORD from the system and an int from the ordinary session.
+int answerOf(qint64 exitCode)
 {
     qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: exitCode for Gui program is " << exitCode;
     if (exitCode == exitCodeNo) {
@@ -65,7 +66,7 @@ int launchInOwnSession(const QString &programSwitch)
     qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: cmd：" << programSwitch;
     UserSession &session = UserSession::system();
     if (programSwitch == QStringLiteral("--disengaged-graphics"))
-        return answerOf(static_cast<quint32>(session.run(guiProgram(), programSwitch, answerPatience)));
+        return answerOf(session.run(guiProgram(), programSwitch, answerPatience));
     if (!session.startDetached(guiProgram(), programSwitch))
         qWarning() << failures[static_cast<std::size_t>(LaunchStage::NoProcess)] << guiProgram();
     return 0;

@@ -1,5 +1,6 @@
 #include "pipe/tarn_pipe_server.h"
 
+#include "device/ec_access_lock.h"
 #include "device/ec_dirver_reader.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "pipe/replies.h"
@@ -40,7 +41,11 @@ bool updateEc(const QString &fileName)
     }
     if (updater->copyEcFile(fileName) != 0)
         return false;
-    EcDirverReader::instance()->setEcUpdating(true);
+    EcDirverReader *monitor = EcDirverReader::instance();
+    monitor->setEcUpdating(true);
+    // A tool that is started while the process ends would flash an EC that others still talk to.
+    if (!monitor->isEcUpdating() || tarnDeviceInfos::ecAccessMutex.isReleased())
+        return false;
     updater->ecUpdate();
     return true;
 }

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <chrono>
+#include <functional>
 
 namespace tarnPlatform {
 
@@ -31,6 +32,10 @@ public:
 
     // Where the user at the console finds downloads; empty when there is none or it cannot be told.
     [[nodiscard]] virtual QString consoleUserDownloadFolder() const = 0;
+
+    // Does something with no more rights than the user at the console has; false when there is none, and then
+    // it is not done.
+    virtual bool asConsoleUser(const std::function<void()> &action) = 0;
 
     // From a user's own session: runs a program and waits for its end for at most so long; its exit code, 0
     // as long as there is none.

@@ -4,6 +4,7 @@
 #include "update/firmware_updater.h"
 
 #include <QDebug>
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 
@@ -56,6 +57,7 @@ bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::str
     // The old settings go only when the new ones are complete.
     if (!written || !tarnPlatform::flushToDisk(temporary) || !tarnPlatform::replaceFile(temporary, target)) {
         qWarning() << "The settings of the EC tool cannot be replaced:" << target;
+        QFile::remove(temporary);
         return false;
     }
     qDebug() << "modifyEcIniFile Leave |";

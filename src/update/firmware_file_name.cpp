@@ -13,7 +13,8 @@ const QString forbiddenCharacters = QStringLiteral("/\\:*?\"<>|");
 // The service runs the tools in these folders with its own rights, so nothing that could take the place of a
 // tool, its libraries or its settings may arrive there.
 const char *const forbiddenEndings[] = {".exe", ".dll", ".com", ".scr", ".cpl", ".ocx", ".sys", ".drv",
-    ".bat", ".cmd", ".ps1", ".vbs", ".js", ".ini", ".config", ".manifest", ".local", ".lnk"};
+    ".bat", ".cmd", ".ps1", ".vbs", ".js", ".msi", ".reg", ".inf", ".cfg", ".ini", ".config", ".manifest",
+    ".local", ".lnk"};
 
 // Names that Windows takes for devices, with whatever ending.
 const char *const deviceNames[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
@@ -51,8 +52,10 @@ bool isSafeFirmwareName(const QString &name)
         return false;
     const bool hasForbidden = std::any_of(name.begin(), name.end(),
         [](QChar character) { return isControl(character) || forbiddenCharacters.contains(character); });
-    // Windows drops dots and blanks at the end, which would turn one name into another.
-    if (hasForbidden || name.endsWith(QLatin1Char('.')) || name.endsWith(QLatin1Char(' ')))
+    // A leading dash is an option to the tools, and a dash alone their standard input. Windows drops dots and
+    // blanks at the end, which would turn one name into another.
+    if (hasForbidden || name.startsWith(QLatin1Char('-')) || name.endsWith(QLatin1Char('.'))
+        || name.endsWith(QLatin1Char(' ')))
         return false;
     if (isDeviceName(name) || isLoadable(name))
         return false;

@@ -80,6 +80,11 @@ int FirmwareUpdater::mcuUpdateProcess(const QString &fileName)
         qWarning() << "mcuUpdateProcess failed 3 times. Sending notification...";
         return -1;
     }
+    if (ecAccessMutex.isReleased()) {
+        failedRuns = 0;
+        qWarning() << "The service ends, so the flasher is not run again.";
+        return -1;
+    }
     qDebug() << "Retrying...";
     const int result = mcuUpdateProcess(fileName);
     if (result != 0)

@@ -17,6 +17,7 @@ ToolResult runTool(const QString &program, const QStringList &arguments, const Q
         result.failure = process.errorString();
         return result;
     }
+    process.closeWriteChannel(); // a tool that reads its input must not wait for a person
     process.waitForFinished(-1);
     result.output = process.readAllStandardOutput();
     result.errors = process.readAllStandardError();

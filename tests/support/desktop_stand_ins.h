@@ -26,6 +26,14 @@ public:
         return {stage, exitCode};
     }
     [[nodiscard]] QString consoleUserDownloadFolder() const override { return downloadFolder; }
+    bool asConsoleUser(const std::function<void()> &action) override
+    {
+        if (downloadFolder.isEmpty())
+            return false;
+        ++actionsAsUser;
+        action();
+        return true;
+    }
     [[nodiscard]] int run(
         const QString &program, const QString &argument, std::chrono::milliseconds patience) override
     {
@@ -43,6 +51,7 @@ public:
     quint32 exitCode = 1;
     bool starts = true;
     QString downloadFolder;
+    int actionsAsUser = 0;
     QStringList shown; // "detached --graphics-patch-error"
     QString lastProgram;
     std::function<void()> onShow;

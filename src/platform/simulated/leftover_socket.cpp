@@ -7,11 +7,19 @@
 #include <algorithm>
 #include <cerrno>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
 namespace tarnPlatform {
 namespace {
+
+// Nobody can be connected to on a file of another kind either, and that is not ours to remove.
+bool isSocket(const QByteArray &path)
+{
+    struct stat status = {};
+    return ::lstat(path.constData(), &status) == 0 && S_ISSOCK(status.st_mode);
+}
 
 // Asks without connecting, which a live server would take for a client: a datagram socket cannot be connected
 // to a stream server (EPROTOTYPE), and to nobody at all (ECONNREFUSED).
@@ -36,7 +44,7 @@ bool isBoundByNobody(const QByteArray &path)
 void removeLeftoverSocket(const QString &pipeName)
 {
     const QString path = QDir(QDir::tempPath()).absoluteFilePath(pipeName); // where QLocalServer puts it
-    if (isBoundByNobody(QFile::encodeName(path)))
+    if (isSocket(QFile::encodeName(path)) && isBoundByNobody(QFile::encodeName(path)))
         QLocalServer::removeServer(pipeName);
 }
 

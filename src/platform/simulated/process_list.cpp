@@ -2,19 +2,26 @@
 
 #include <QDir>
 #include <QFile>
+#include <QStringList>
+
+#include <algorithm>
 
 namespace tarnPlatform {
 namespace {
 
-// The kernel's own name of a process has at most 15 characters, so the program's file name is better, where
-// it may be read.
-QString programName(const QString &processFolder)
+// The file name of the program, and the name that the process goes by, which a script has too. The latter has
+// at most 15 characters.
+QStringList programNames(const QString &processFolder)
 {
-    const QString program = QFile::symLinkTarget(processFolder + QStringLiteral("/exe"));
-    if (!program.isEmpty())
-        return program.section(QLatin1Char('/'), -1);
+    QString program = QFile::symLinkTarget(processFolder + QStringLiteral("/exe"));
+    const QString replacedMark = QStringLiteral(" (deleted)");
+    if (program.endsWith(replacedMark))
+        program.chop(replacedMark.size());
+    QStringList names {program.section(QLatin1Char('/'), -1)};
     QFile name(processFolder + QStringLiteral("/comm"));
-    return name.open(QIODevice::ReadOnly) ? QString::fromLocal8Bit(name.readAll()).trimmed() : QString();
+    if (name.open(QIODevice::ReadOnly))
+        names << QString::fromLocal8Bit(name.readAll()).trimmed();
+    return names;
 }
 
 class ProcFileSystem final : public ProcessList
@@ -24,7 +31,8 @@ public:
     {
         const QDir processes(QStringLiteral("/proc"));
         for (const QString &entry : processes.entryList({QStringLiteral("[0-9]*")}, QDir::Dirs)) {
-            if (matches(programName(processes.filePath(entry))))
+            const QStringList names = programNames(processes.filePath(entry));
+            if (std::any_of(names.begin(), names.end(), matches))
                 return true;
         }
         return false;

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -19,9 +20,11 @@ std::atomic<bool> requested {false};
 
 void noteSignal(int)
 {
+    const int before = errno; // of whatever is interrupted
     requested = true;
     const char byte = 1;
     [[maybe_unused]] const auto written = ::write(wire[0], &byte, sizeof byte);
+    errno = before;
 }
 
 } // namespace

@@ -57,6 +57,15 @@ public:
         return {LaunchStage::Ended, static_cast<quint32>(process.exitCode())};
     }
 
+    // The user of the simulated computer is whoever runs the service.
+    bool asConsoleUser(const std::function<void()> &action) override
+    {
+        if (consoleUserDownloadFolder().isEmpty())
+            return false;
+        action();
+        return true;
+    }
+
     [[nodiscard]] QString consoleUserDownloadFolder() const override
     {
         auto *machine = simulatedComputer();

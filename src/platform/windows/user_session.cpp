@@ -30,6 +30,27 @@ bool formatCommandLine(wchar_t (&line)[commandLineLength], const QString &progra
     return length >= 0 && static_cast<std::size_t>(length) < commandLineLength;
 }
 
+bool queryConsoleUser(UniqueHandle &userToken)
+{
+    const DWORD session = WTSGetActiveConsoleSessionId();
+    return session != noSession && WTSQueryUserToken(session, userToken.receive());
+}
+
+// The thread has the rights of somebody else for as long as this lives.
+class Impersonation
+{
+public:
+    Impersonation() = default;
+    ~Impersonation()
+    {
+        // Going on with the wrong rights would be worse than not going on.
+        if (!RevertToSelf())
+            qFatal("The rights of the service cannot be taken back.");
+    }
+    Impersonation(const Impersonation &) = delete;
+    Impersonation &operator=(const Impersonation &) = delete;
+};
+
 class WindowsSession final : public UserSession
 {
 public:
@@ -72,12 +93,21 @@ public:
         return {LaunchStage::Ended, exitCode};
     }
 
+    bool asConsoleUser(const std::function<void()> &action) override
+    {
+        UniqueHandle userToken;
+        if (!queryConsoleUser(userToken) || !ImpersonateLoggedOnUser(userToken.get()))
+            return false;
+        const Impersonation impersonation;
+        action();
+        return true;
+    }
+
     [[nodiscard]] QString consoleUserDownloadFolder() const override
     {
         UniqueHandle userToken;
         wchar_t *path = nullptr;
-        const DWORD session = WTSGetActiveConsoleSessionId();
-        if (session == noSession || !WTSQueryUserToken(session, userToken.receive()))
+        if (!queryConsoleUser(userToken))
             return {};
         const bool known = SUCCEEDED(SHGetKnownFolderPath(FOLDERID_Downloads, 0, userToken.get(), &path));
         const QString folder = known ? QDir::fromNativeSeparators(QString::fromWCharArray(path)) : QString();

@@ -1,10 +1,12 @@
 #include "accessory/dock_accessory_manager.h"
 #include "accessory/kvane_accessory_manager.h"
+#include "graphics/graphics_accessory_manager.h"
 #include "power_mode_fixture.h"
 
 using namespace tarnDeviceInfos;
 using tarnAccessoryManager::DockAccessoryManager;
 using tarnAccessoryManager::EcPowerModeManager;
+using tarnAccessoryManager::GraphicsAccessoryManager;
 using tarnAccessoryManager::KvaneAccessoryManager;
 
 // An operation, and what it gives when the EC is not to be had any more because the process ends.
@@ -64,6 +66,14 @@ const ReleasedOperation releasedOperations[] = {
     {"setDockLedStatus",
         [] {
             return DockAccessoryManager::instance()->setDockLedStatus(1) == -2;
+        }},
+    {"getGraphicsRgb",
+        [] {
+            return GraphicsAccessoryManager::instance()->getGraphicsRgb() == -1;
+        }},
+    {"setGraphicsRgb",
+        [] {
+            return GraphicsAccessoryManager::instance()->setGraphicsRgb(1) == -2;
         }},
     {"getKvaneSnCode",
         [] {

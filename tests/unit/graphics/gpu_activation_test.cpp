@@ -179,6 +179,8 @@ TEST_F(GpuActivation, LeavesTheSoundAloneAfterAFailure)
     manager->handleGraphicsConnectSignal();
     EXPECT_FALSE(device("gpu-audio").started);
     EXPECT_EQ(machine.log.lines().last(), "W: GraphicsActive_log: Failed to active graphics.");
+    manager->graphicsDisengagementProcess();
+    EXPECT_TRUE(machine.log.contains("GraphicsDisengaged_log: Start the graphics disengagement process."));
 }
 
 TEST_F(GpuActivation, AtTheStartHasItsOwnWords)
@@ -188,6 +190,9 @@ TEST_F(GpuActivation, AtTheStartHasItsOwnWords)
     EXPECT_TRUE(device("gpu-audio").started);
     EXPECT_EQ(machine.log.lines().first(), "GraphicsActive_log: Gpu has connected when app begin to run.");
     EXPECT_TRUE(machine.log.contains("GraphicsActive_log: Successed to active graphics for first."));
+    // From now on the key is obeyed.
+    present(APP_EVENT_GPU_KEY, APP_EVENT_DATA_DISENGAGE);
+    EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"}));
 }
 
 TEST_F(GpuActivation, AtTheStartMayFail)
@@ -195,4 +200,9 @@ TEST_F(GpuActivation, AtTheStartMayFail)
     fail(Fault::FailDeviceEnable, "gpu");
     manager->gpuActiveProcessFirst();
     EXPECT_EQ(machine.log.lines().last(), "GraphicsActive_log: Failed to active graphics for first.");
+    // The key is not obeyed, but a disengagement would no longer be refused.
+    present(APP_EVENT_GPU_KEY, APP_EVENT_DATA_DISENGAGE);
+    EXPECT_TRUE(session.shown.isEmpty());
+    manager->graphicsDisengagementProcess();
+    EXPECT_TRUE(machine.log.contains("GraphicsDisengaged_log: Start the graphics disengagement process."));
 }

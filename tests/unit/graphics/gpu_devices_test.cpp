@@ -118,6 +118,18 @@ TEST_F(GpuState, ABoxThatHasGoneTakesItsGpuWithIt)
     EXPECT_EQ(manager->getGpuDriverData(), 1);
 }
 
+TEST_F(GpuState, AnAdapterWhoseDescriptionCannotBeReadIsSkipped)
+{
+    setCondition("gpu", true, 0);
+    fail(Fault::FailDeviceDescription, "graphics");
+    EXPECT_EQ(manager->getGpuDriverData(), 7);
+    EXPECT_EQ(manager->disableGpu(), 0);
+    EXPECT_FALSE(device("gpu").started);
+    fail(Fault::FailDeviceDescription, "gpu");
+    EXPECT_EQ(manager->enableGpu(), 0);
+    EXPECT_FALSE(device("gpu").started);
+}
+
 class NvidiaCheck : public GpuState
 {
 protected:

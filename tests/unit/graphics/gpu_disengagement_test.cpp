@@ -56,11 +56,16 @@ TEST_F(Disengagement, OnAYesTellsTheClientAndTheEc)
 {
     const tarnTest::QueueMark queue;
     bool startedUntilThen = false;
-    session.onShow = [this, &startedUntilThen] {
+    QStringList toldUntilThen;
+    session.onShow = [&] {
+        machine.clock.at(
+            machine.clock.now() + tarnTest::milliseconds(1), [&] { toldUntilThen = queue.added(); });
         machine.clock.at(machine.clock.now() + tarnTest::milliseconds(1999),
-            [this, &startedUntilThen] { startedUntilThen = device("gpu").started; });
+            [&] { startedUntilThen = device("gpu").started; });
     };
     pressKey();
+    EXPECT_EQ(toldUntilThen, QStringList({goodbye}));
+    EXPECT_TRUE(machine.log.contains("GraphicsActive_log & GraphicsDisengaged_log: ecAppEvent is 0x11."));
     EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"}));
     EXPECT_TRUE(startedUntilThen);
     EXPECT_FALSE(device("gpu").started);

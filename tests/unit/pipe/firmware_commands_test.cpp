@@ -1,6 +1,9 @@
 #include "../update/update_fixture.h"
 
 #include "pipe/tarn_pipe_server.h"
+#include "support/pipe_peer.h"
+
+#include <thread>
 
 using namespace tarnDeviceInfos;
 using tarnPipeServer::TarnPipeServer;
@@ -89,6 +92,60 @@ TEST_F(FirmwareCommands, UpdateTheEcUnderTheHold)
     EXPECT_EQ(machine.folder.read("function/EC/seen.bin"), "new");
     EXPECT_FALSE(monitor->isEcUpdating());
     EXPECT_TRUE(ecAccessMutex.isLocked()); // EC traffic comes back with a restart only
+    giveBackEc();
+}
+
+TEST_F(FirmwareCommands, HoldTheEcWhileItsToolRuns)
+{
+    machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
+    download("new");
+    installTool("function/EC/IFU_XE.exe", "touch running; while [ ! -e go ]; do sleep 0.01; done");
+    std::thread update(
+        [this] { EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "successed")); });
+    EXPECT_TRUE(tarnTest::waitUntil([this] { return exists("function/EC/running"); }));
+    EXPECT_TRUE(monitor->isEcUpdating());
+    EXPECT_TRUE(ecAccessMutex.isLocked());
+    machine.folder.write("function/EC/go", "");
+    update.join();
+    EXPECT_FALSE(monitor->isEcUpdating());
+    giveBackEc();
+}
+
+TEST_F(FirmwareCommands, RunTheToolsOfTwoEcUpdatesOneAfterTheOther)
+{
+    machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
+    download("first", "a.bin");
+    download("second", "b.bin");
+    installTool("function/EC/IFU_XE.exe",
+        "[ -e busy ] && echo overlap >>told; touch busy; sleep 0.1; cat uiset.ini >>told; rm busy");
+    std::thread other([this] { ask("requestEcUpdate", "a.bin"); });
+    ask("requestEcUpdate", "b.bin");
+    other.join();
+    const QByteArray told = machine.folder.read("function/EC/told");
+    EXPECT_TRUE(told == "BinName=a.bin\nBinName=b.bin\n" || told == "BinName=b.bin\nBinName=a.bin\n")
+        << told.toStdString();
+    giveBackEc();
+}
+
+TEST_F(FirmwareCommands, StartNoToolWhileTheProcessEnds)
+{
+    machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
+    download("new");
+    installTool("function/EC/IFU_XE.exe", "touch ran");
+    ecAccessMutex.releaseWaiters();
+    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "failed"));
+    EXPECT_FALSE(exists("function/EC/ran"));
+}
+
+TEST_F(FirmwareCommands, StartNoToolUnderAnOlderHoldWhileTheProcessEnds)
+{
+    machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
+    download("new");
+    installTool("function/EC/IFU_XE.exe", "touch ran");
+    EXPECT_EQ(ask("requestStartEcUpdate"), reply("requestStartEcUpdate", "successed"));
+    ecAccessMutex.releaseWaiters();
+    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "failed"));
+    EXPECT_FALSE(exists("function/EC/ran"));
     giveBackEc();
 }
 

@@ -174,6 +174,19 @@ TEST_F(GuiStandIn, EndsWhenItsMachineGoesAway)
     user.join();
 }
 
+TEST_F(GuiStandIn, SurvivesAResetOfTheMachine)
+{
+    computer->desktop().setAnswer(Desktop::WAITS);
+    std::thread user([this] {
+        while (computer->desktop().windowsOpen() == 0)
+            std::this_thread::yield();
+        computer->reset();
+    });
+    EXPECT_EQ(show("--disengaged-graphics"), 1);
+    user.join();
+    EXPECT_EQ(computer->desktop().windowsOpen(), 0U);
+}
+
 TEST_F(GuiStandIn, KnowsItsSwitches)
 {
     EXPECT_EQ(show("--surprise"), WRONG_SWITCH);

@@ -137,6 +137,7 @@ TEST_F(EcSettingsFile, IsNotTouchedOnAFullDisk)
     EXPECT_EQ(machine.log.lines().last(),
         "W: The settings of the EC tool cannot be replaced: \"./function/EC/uiset.ini\"");
     EXPECT_EQ(machine.folder.read(settingsFile), "IO=0\n");
+    EXPECT_FALSE(exists("temp.ini"));
 }
 
 TEST_F(EcSettingsFile, TakesNoLineFromAName)

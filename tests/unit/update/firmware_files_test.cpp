@@ -7,16 +7,16 @@ using tarnFirmwareUpdate::isSafeFirmwareName;
 
 TEST(FirmwareFileName, AcceptsPlainNames)
 {
-    for (const char *name : {"fw.bin", "KVane 1.24 (final).hex", "a", ".hidden", "..bin", "firmware", "-w",
+    for (const char *name : {"fw.bin", "KVane 1.24 (final).hex", "a", ".hidden", "..bin", "firmware",
              "com10.bin", "console.bin", "exe.bin", "fw.exe.bin"})
         EXPECT_TRUE(isSafeFirmwareName(name)) << name;
 }
 
 TEST(FirmwareFileName, RefusesWhatLeavesTheFolderOrSmuggles)
 {
-    for (const char *name : {"", ".", "..", "../fw.bin", "a/b", "/etc/passwd", "a\\b", "..\\fw.bin",
-             "C:fw.bin", "fw.bin:stream", "\\\\host\\share\\fw.bin", "fw\nBinName=other", "fw\r", "\tfw",
-             "fw\x7F", "fw.bin.", "fw.bin ", "fw?.bin", "f*w", "\"fw\"", "a<b", "a>b", "a|b"})
+    for (const char *name : {"", ".", "..", "-", "-w", "../fw.bin", "a/b", "/etc/passwd", "a\\b",
+             "..\\fw.bin", "C:fw.bin", "fw.bin:stream", "\\\\host\\share\\fw.bin", "fw\nBinName=other",
+             "fw\r", "\tfw", "fw\x7F", "fw.bin.", "fw.bin ", "fw?.bin", "f*w", "\"fw\"", "a<b", "a>b", "a|b"})
         EXPECT_FALSE(isSafeFirmwareName(QString::fromLatin1(name))) << name;
     EXPECT_FALSE(isSafeFirmwareName(QString("fw") + QChar(0) + ".bin"));
     EXPECT_FALSE(isSafeFirmwareName(QString("fw") + QChar(0x85)));
@@ -111,10 +111,33 @@ TEST_F(McuFile, IsTakenFromTheConsoleUserInTheServiceSession)
     EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
     EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "of the user");
     EXPECT_FALSE(exists("user/fw.bin"));
+    EXPECT_EQ(session.actionsAsUser, 2); // opening and deleting, both with the user's rights only
     download("own");
     machine.folder.write("user/fw.bin", "of the user");
     EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0); // the own folder comes first
     EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "own");
+}
+
+TEST_F(McuFile, OfTheConsoleUserThatCannotBeReadIsKept)
+{
+    session.serviceSession = true;
+    session.downloadFolder = machine.folder.path("user");
+    QDir().mkpath(machine.folder.path("user/fw.bin")); // a folder in the file's place
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    EXPECT_TRUE(machine.log.lines().last().startsWith("File copy failed: "));
+    EXPECT_TRUE(exists("user/fw.bin"));
+    EXPECT_FALSE(exists("function/MCU/fw.bin"));
+}
+
+TEST_F(McuFile, ThatWasWriteProtectedCanBeReplaced)
+{
+    download("first");
+    QFile::setPermissions(machine.folder.path("Downloads/fw.bin"), QFile::ReadOwner);
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
+    EXPECT_TRUE(QFile::permissions(machine.folder.path("function/MCU/fw.bin")) & QFile::WriteOwner);
+    download("second");
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
+    EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "second");
 }
 
 class EcFile : public tarnTest::UpdateTest

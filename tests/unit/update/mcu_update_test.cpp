@@ -66,12 +66,18 @@ TEST_F(McuUpdate, SwitchesFlashesAndSwitchesBack)
 
 TEST_F(McuUpdate, FlashesWhileTheBootLoaderRuns)
 {
-    // The script asks the machine through the control byte, which only the EC writes.
-    installFlasher("exit 0");
+    // The flasher takes no virtual time, so it has run between these two instants.
+    int runsBefore = -1;
+    int runsAfter = -1;
     McuMode during = McuMode::NoFirmware;
-    machine.clock.at(
-        start + tarnTest::milliseconds(enterTime + 500), [&] { during = machine.computer.mcuMode(); });
+    machine.clock.at(start + tarnTest::milliseconds(enterTime - 1), [&] { runsBefore = flasherRuns(); });
+    machine.clock.at(start + tarnTest::milliseconds(enterTime + 1), [&] {
+        runsAfter = flasherRuns();
+        during = machine.computer.mcuMode();
+    });
     EXPECT_EQ(updater->mcuUpdate("fw.bin"), 0);
+    EXPECT_EQ(runsBefore, 0);
+    EXPECT_EQ(runsAfter, 1);
     EXPECT_EQ(during, McuMode::BootLoader);
     EXPECT_EQ(machine.computer.mcuMode(), McuMode::Firmware);
 }
@@ -172,6 +178,22 @@ TEST_F(McuUpdate, TakesWhateverAFlasherPrints)
     installFlasher("head -c 1000000 /dev/zero | tr '\\0' x");
     EXPECT_EQ(updater->mcuUpdateProcess("fw.bin"), 0);
     EXPECT_GT(machine.log.lines().at(2).size(), 1000000);
+}
+
+TEST_F(McuUpdate, IsNotRetriedWhileTheProcessEnds)
+{
+    installFlasher("echo bad >&2");
+    ecAccessMutex.releaseWaiters();
+    EXPECT_EQ(updater->mcuUpdateProcess("fw.bin"), -1);
+    EXPECT_EQ(flasherRuns(), 1);
+    EXPECT_EQ(machine.log.lines().last(), "W: The service ends, so the flasher is not run again.");
+}
+
+TEST_F(McuUpdate, DoesNotLetAFlasherWaitForInput)
+{
+    installFlasher("cat >input; exit 0");
+    EXPECT_EQ(updater->mcuUpdateProcess("fw.bin"), 0);
+    EXPECT_TRUE(exists("function/MCU/input"));
 }
 
 // The two halves of the switching by themselves.
