@@ -90,26 +90,25 @@ constexpr UpdateStep ecSteps[] = {
 constexpr UpdatePlan mcuPlan {
     .verb = L("update-mcu"),
     .steps = mcuSteps,
-    .notice = L("Keep the computer on and the KVane attached. The service reports nothing before the end; "
-                "what is shown\nis its schedule."),
+    .notice = L("Keep the computer on and the KVane attached. The service reports nothing before the end:\n"
+                "the phases shown are those of its schedule."),
     .versionKey = L("mcuVer"),
     .doneText = L("The KVane's MCU now runs version %1."),
     .noVersionText = L("The service calls the update done, but the MCU's version cannot be read."),
-    .adviceText = L("If that is not the version of the file, the flasher failed without a complaint: see the "
-                    "service's log\nand update again."),
+    .adviceText = L("If that is not the version of the file, the flasher failed without a complaint:\n"
+                    "see the service's log and update again."),
 };
 
 constexpr UpdatePlan ecPlan {
     .verb = L("update-ec"),
     .steps = ecSteps,
-    .notice =
-        L("Save your work and keep the computer on: the EC tool may shut it down by itself. The service "
-          "reports\nnothing before the tool has ended."),
+    .notice = L("Save your work and keep the computer on: the EC tool may shut it down by itself.\n"
+                "The service reports nothing before the tool has ended."),
     .versionKey = {},
     .doneText = L("The EC tool has been run. Whether it succeeded only the tool knows."),
     .noVersionText = {},
     .adviceText = L("Restart the computer now: until then the EC stays reserved, and commands that need it "
-                    "wait. Then check\nthat getTarnBatteryNum, getTarnPowerMode and getSmartChargingStatus "
+                    "wait.\nThen check that getTarnBatteryNum, getTarnPowerMode and getSmartChargingStatus "
                     "answer as they did before."),
 };
 
