@@ -10,7 +10,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds progressPeriod(1000);
+// Often enough that no second is left out.
+constexpr milliseconds progressPeriod(200);
 constexpr QLatin1StringView dataKey("data");
 constexpr QLatin1StringView untouchedText("Nothing has been touched.");
 

@@ -38,7 +38,9 @@ void UpdateProgress::show(milliseconds now)
     }
     const QString line = clockText(now) + QLatin1StringView("  ") + phase->text;
     if (m_streams.errorsAreTerminal) {
-        write(line);
+        if (line != m_line) {
+            write(line);
+        }
     } else if (phase != m_shown) {
         m_streams.remark(line);
     }
@@ -47,7 +49,7 @@ void UpdateProgress::show(milliseconds now)
 
 void UpdateProgress::clear()
 {
-    if (m_width > 0) {
+    if (!m_line.isEmpty()) {
         write({});
     }
 }
@@ -72,13 +74,13 @@ const UpdatePhase *UpdateProgress::phaseAt(milliseconds now) const
 // Blanks instead of an escape sequence that erases: older Windows consoles show such a sequence as it is.
 void UpdateProgress::write(const QString &line)
 {
-    const QString padded = line.leftJustified(m_width);
+    const QString padded = line.leftJustified(m_line.size());
     m_streams.errors << '\r' << padded.toStdString();
     if (line.isEmpty()) {
         m_streams.errors << '\r';
     }
     m_streams.errors.flush();
-    m_width = line.size();
+    m_line = line;
 }
 
 } // namespace tarnClient

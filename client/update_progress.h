@@ -14,6 +14,7 @@ public:
 
     // A step begins. The phases have to outlive it.
     void begin(std::span<const UpdatePhase> phases, std::chrono::milliseconds now);
+    // Writes only when there is something new to see, so that it may be called often.
     void show(std::chrono::milliseconds now);
     // Takes the line away, so that something else can be written; the next show() brings it back.
     void clear();
@@ -29,8 +30,8 @@ private:
     std::span<const UpdatePhase> m_phases;
     std::chrono::milliseconds m_stepBegan {0};
     const UpdatePhase *m_shown = nullptr;
-    // Characters of the line on the terminal.
-    qsizetype m_width = 0;
+    // What stands on the terminal.
+    QString m_line;
 };
 
 } // namespace tarnClient

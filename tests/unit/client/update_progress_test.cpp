@@ -61,6 +61,8 @@ TEST(TarnctlUpdateProgressTest, OnATerminalOneLineIsWrittenOver)
     EXPECT_EQ(streams.takeErrors(), "\r0:00  a long beginning");
     progress.show(milliseconds(1000));
     EXPECT_EQ(streams.takeErrors(), "\r0:01  a long beginning");
+    progress.show(milliseconds(1999));
+    EXPECT_EQ(streams.takeErrors(), "");
     progress.show(milliseconds(754321));
     // The rest of the longer line before is blanked out.
     EXPECT_EQ(streams.takeErrors(), "\r12:34  the end        ");
