@@ -19,13 +19,14 @@ struct Topic
 constexpr QLatin1StringView usage(R"(Usage: tarnctl [OPTIONS] COMMAND [DATA]
        tarnctl [OPTIONS] watch
        tarnctl [OPTIONS] raw TEXT
+       tarnctl [OPTIONS] update-mcu|update-ec FILE
        tarnctl help [COMMAND])");
 
 constexpr QLatin1StringView optionsAndCodes(R"(Options:
   --json             print each answer as one line of JSON
   --timeout SECONDS  how long to wait for an answer (default: depends on the command)
   --pipe NAME        the service's pipe (default: tarnPipe)
-  --force            send commands and data that tarnctl does not know
+  --force            send commands and data that tarnctl does not know; update-mcu: whatever is attached
   -v, --verbose      show on the error output what else arrives
   --count N          watch, raw: end after N notifications (raw: messages)
   --for SECONDS      watch, raw: end after this time
@@ -70,9 +71,43 @@ Lists the names of the service's commands, one per line.
 
 Example: tarnctl commands)");
 
+constexpr QLatin1StringView updateMcuText(R"(tarnctl update-mcu FILE
+
+Flashes FILE into the MCU of the attached KVane: puts a copy of it into the download folder, from where the service
+takes it away, asks whether a KVane is attached (not with --force), sends requestMcuUpdate and waits. It takes about
+10 s and the flasher's time. Keep the computer on and the KVane attached.
+
+The service reports nothing before the end. What is shown meanwhile on the error output are the phases of its
+schedule. Ctrl+C ends tarnctl, not the update. An update that failed can be repeated: the MCU's boot loader stays.
+
+A FILE that lies in the download folder itself is moved, not copied. With --json the standard output is the last
+answer as it came, and no progress is shown.
+
+Exit codes: 0 done, 1 no KVane or "failed", 2 FILE cannot be used, 3 no service, 4 no answer in time or interrupted.
+
+Example: tarnctl update-mcu kvane-1.24.bin)");
+
+constexpr QLatin1StringView updateEcText(R"(tarnctl update-ec FILE
+
+Flashes FILE into the EC: puts a copy of it into the download folder, from where the service takes it away, sends
+requestStartEcUpdate and requestEcUpdate, and waits until the EC tool has ended. The tool may shut the computer down.
+
+From the first request on nothing else reaches the EC. Commands that need it wait until the service is restarted;
+after an update restart the computer. Nobody but the tool knows whether the update succeeded.
+
+A FILE that lies in the download folder itself is moved, not copied. With --json the standard output is the last
+answer as it came, and no progress is shown.
+
+Exit codes: 0 the tool has been run, 1 "failed" (it has not), 2 FILE cannot be used, 3 no service, 4 no answer in
+time or interrupted; the service then goes on.
+
+Example: tarnctl update-ec ec-0105.bin)");
+
 constexpr Topic topics[] = {
     {QLatin1StringView("watch"), watchText},
     {QLatin1StringView("raw"), rawText},
+    {QLatin1StringView("update-mcu"), updateMcuText},
+    {QLatin1StringView("update-ec"), updateEcText},
     {QLatin1StringView("help"), helpText},
     {QLatin1StringView("commands"), commandsText},
 };
@@ -112,6 +147,8 @@ QString generalHelp()
         "service (\"tarnctl help COMMAND\" explains one):\n%3\n\nCommands of tarnctl:\n"
         "  watch      show notifications and take typed commands\n"
         "  raw        send bytes as they are\n"
+        "  update-mcu flash a file into the KVane's MCU\n"
+        "  update-ec  flash a file into the EC\n"
         "  commands   list the service's commands, one per line\n"
         "  help       explain a command")
         .arg(usageText(), optionsAndCodes.toString(), commandTable());

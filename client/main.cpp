@@ -13,7 +13,8 @@ int main(int argc, char *argv[])
     // Not owned: the standard input lives as long as the process.
     const std::shared_ptr<std::istream> input(&std::cin, [](std::istream *) {});
     const int code = tarnClient::runTarnctl(QCoreApplication::arguments(),
-        tarnClient::ToolStreams {input, std::cout, std::cerr, tarnClient::inputIsTerminal()});
+        tarnClient::ToolStreams {
+            input, std::cout, std::cerr, tarnClient::inputIsTerminal(), tarnClient::errorsAreTerminal()});
     std::cout.flush();
     if (tarnClient::StdinReader::hasThreadLeftBehind()) {
         // The usual way out locks and closes the standard input, which a thread may still be reading.

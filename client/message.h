@@ -23,6 +23,8 @@ public:
     // Every field of the request comes back in it, unchanged.
     [[nodiscard]] bool echoes(const QJsonObject &request) const;
     [[nodiscard]] QString command() const;
+    // A field's value as text; empty when there is none.
+    [[nodiscard]] QString value(QLatin1StringView key) const;
 
     // The answer in plain text, several lines where the command has several answer keys. A null entry stands
     // for a command that this tool does not know.
@@ -36,7 +38,6 @@ public:
     [[nodiscard]] QByteArray json() const;
 
 private:
-    [[nodiscard]] QString value(QLatin1StringView key) const;
     [[nodiscard]] QStringList answerLines(const CommandEntry *entry) const;
 
     QJsonObject m_object;

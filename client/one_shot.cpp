@@ -72,21 +72,11 @@ ExitCode OneShot::runSilently()
 
 void OneShot::handleDocument(const QByteArray &bytes)
 {
-    const std::optional<Message> message = Message::parse(bytes);
     if (isFinished()) {
         return;
     }
+    const std::optional<Message> message = takeAnswer(m_tag, bytes);
     if (!message) {
-        if (m_options.verbose) {
-            remarkGarbage(bytes);
-        }
-        return;
-    }
-    if (!message->answers(m_tag)) {
-        m_deadline.extend();
-        if (m_options.verbose) {
-            m_streams.remark(QStringLiteral("meanwhile: ") + message->notificationText());
-        }
         return;
     }
     printAnswer(*message, m_entry);

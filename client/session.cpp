@@ -63,6 +63,25 @@ bool Session::isFinished() const
     return m_exitCode.has_value();
 }
 
+std::optional<Message> Session::takeAnswer(const QString &tag, const QByteArray &bytes)
+{
+    std::optional<Message> message = Message::parse(bytes);
+    if (!message) {
+        if (m_options.verbose) {
+            remarkGarbage(bytes);
+        }
+        return std::nullopt;
+    }
+    if (message->answers(tag)) {
+        return message;
+    }
+    m_deadline.extend();
+    if (m_options.verbose) {
+        m_streams.remark(QStringLiteral("meanwhile: ") + message->notificationText());
+    }
+    return std::nullopt;
+}
+
 void Session::print(const QByteArray &line)
 {
     if (!m_streams.printLine(line)) {

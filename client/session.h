@@ -40,6 +40,9 @@ protected:
     [[nodiscard]] ExitCode waitForFinish();
     void finish(ExitCode code);
     [[nodiscard]] bool isFinished() const;
+    // The message if it is the answer with this tag. Any other puts the deadline off and is shown when the
+    // user wants to see what else arrives.
+    [[nodiscard]] std::optional<Message> takeAnswer(const QString &tag, const QByteArray &bytes);
     // Ends the run when the reader of the output has gone away.
     void print(const QByteArray &line);
     void print(const QString &line);

@@ -1,9 +1,12 @@
 #include "tarnctl.h"
 
+#include "firmware_update.h"
 #include "help_text.h"
 #include "one_shot.h"
 #include "raw_exchange.h"
 #include "watch.h"
+
+#include <QStandardPaths>
 
 #include <algorithm>
 #include <iterator>
@@ -65,11 +68,31 @@ ExitCode runRaw(const ToolOptions &options, const QStringList &arguments, ToolSt
     return RawExchange(options, streams, bytes).run();
 }
 
+// The file goes to where the service looks for it.
+ExitCode runUpdate(
+    const UpdatePlan &plan, const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
+{
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    return FirmwareUpdate(options, streams, plan, folder).run(arguments.first());
+}
+
+ExitCode runUpdateMcu(const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
+{
+    return runUpdate(mcuUpdatePlan(), options, arguments, streams);
+}
+
+ExitCode runUpdateEc(const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
+{
+    return runUpdate(ecUpdatePlan(), options, arguments, streams);
+}
+
 constexpr Verb verbs[] = {
     {QLatin1StringView("help"), 0, 1, false, runHelp},
     {QLatin1StringView("commands"), 0, 0, false, runCommands},
     {QLatin1StringView("watch"), 0, 0, true, runWatch},
     {QLatin1StringView("raw"), 1, 1, true, runRaw},
+    {QLatin1StringView("update-mcu"), 1, 1, false, runUpdateMcu},
+    {QLatin1StringView("update-ec"), 1, 1, false, runUpdateEc},
 };
 
 const Verb *findVerb(const QString &name)

@@ -9,4 +9,9 @@ bool inputIsTerminal()
     return isatty(STDIN_FILENO) == 1;
 }
 
+bool errorsAreTerminal()
+{
+    return isatty(STDERR_FILENO) == 1;
+}
+
 } // namespace tarnClient

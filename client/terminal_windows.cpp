@@ -10,4 +10,9 @@ bool inputIsTerminal()
     return _isatty(_fileno(stdin)) != 0;
 }
 
+bool errorsAreTerminal()
+{
+    return _isatty(_fileno(stderr)) != 0;
+}
+
 } // namespace tarnClient

@@ -19,6 +19,8 @@ struct ToolStreams
     std::ostream &errors;
     // A person types at a terminal: greet, and take the end of the input for "quit".
     bool interactive = false;
+    // The errors go to a terminal: progress may be shown in place.
+    bool errorsAreTerminal = false;
 
     // False once the reader of the output has gone away.
     [[nodiscard]] bool printLine(const QByteArray &line);

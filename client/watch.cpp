@@ -1,7 +1,7 @@
 #include "watch.h"
 
 #include "help_text.h"
-#include "interrupt_flag.h"
+#include "interrupt_poll.h"
 #include "request.h"
 
 #include <QDateTime>
@@ -12,7 +12,6 @@ namespace {
 
 using std::chrono::milliseconds;
 
-constexpr milliseconds interruptPollPeriod(50);
 constexpr milliseconds retryPeriod(1000);
 // The service needs up to 500 ms to wind up the last connection; a new one that overlaps may be taken for
 // closed.
@@ -42,14 +41,8 @@ Watch::Watch(const ToolOptions &options, ToolStreams &streams)
 
 ExitCode Watch::run()
 {
-    const InterruptFlag interrupt;
-    QTimer interruptPoll;
-    connect(&interruptPoll, &QTimer::timeout, this, [this, &interrupt] {
-        if (interrupt.isRaised()) {
-            finish(ExitCode::Done);
-        }
-    });
-    interruptPoll.start(interruptPollPeriod);
+    const InterruptPoll interrupt;
+    connect(&interrupt, &InterruptPoll::raised, this, [this] { finish(ExitCode::Done); });
     if (m_options.duration) {
         QTimer::singleShot(*m_options.duration, this, &Watch::handleDurationEnd);
     }

@@ -89,10 +89,13 @@ TEST(TarnctlHelpTest, ExplainsEveryCommand)
 
 TEST(TarnctlHelpTest, ExplainsTheToolsOwnWords)
 {
-    for (const char *word : {"watch", "raw", "help", "commands"}) {
+    for (const char *word : {"watch", "raw", "help", "commands", "update-mcu", "update-ec"}) {
         const ToolRun run = runTool({"help", word});
         EXPECT_EQ(run.code, 0) << word;
         EXPECT_TRUE(run.output.startsWith(QByteArray("tarnctl ") + word)) << word;
+    }
+    for (const char *line : {"\n  watch ", "\n  raw ", "\n  update-mcu ", "\n  update-ec "}) {
+        EXPECT_TRUE(runTool({"help"}).output.contains(line)) << line;
     }
     const ToolRun general = runTool({"help"});
     EXPECT_EQ(general.code, 0);

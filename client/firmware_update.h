@@ -1,0 +1,53 @@
+#pragma once
+
+#include "interrupt_poll.h"
+#include "session.h"
+#include "staged_firmware.h"
+#include "update_plan.h"
+#include "update_progress.h"
+
+#include <QElapsedTimer>
+
+namespace tarnClient {
+
+// A whole firmware update: puts the file where the service looks, sends the plan's requests one after the
+// other, and says what stands at the end and what to do next.
+class FirmwareUpdate : public Session
+{
+    Q_OBJECT
+
+public:
+    FirmwareUpdate(const ToolOptions &options, ToolStreams &streams, const UpdatePlan &plan,
+        const QString &downloadFolder);
+
+    [[nodiscard]] ExitCode run(const QString &file);
+
+private:
+    [[nodiscard]] bool placeFile(const QString &file);
+    void beginStep();
+    void handleDocument(const QByteArray &bytes);
+    void handleAnswer(const Message &answer);
+    void handleExpiry();
+    void handleServiceGone();
+    void handleInterrupt();
+    void showProgress();
+
+    void endWell(const Message &answer);
+    void endRefused(const Message &answer);
+    void endUnfinished(const QString &reason);
+    void end(ExitCode code, const QString &text);
+
+    [[nodiscard]] const UpdateStep &step() const;
+    [[nodiscard]] std::chrono::milliseconds elapsed() const;
+
+    const UpdatePlan &m_plan;
+    StagedFirmware m_firmware;
+    UpdateProgress m_progress;
+    InterruptPoll m_interrupt;
+    QTimer m_progressTimer;
+    QElapsedTimer m_clock;
+    std::size_t m_stepIndex = 0;
+    QString m_tag;
+};
+
+} // namespace tarnClient

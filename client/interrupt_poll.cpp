@@ -1,0 +1,33 @@
+#include "interrupt_poll.h"
+
+#include <chrono>
+
+namespace tarnClient {
+
+namespace {
+
+constexpr std::chrono::milliseconds pollPeriod(50);
+
+} // namespace
+
+InterruptPoll::InterruptPoll(QObject *parent)
+    : QObject(parent)
+{
+    connect(&m_timer, &QTimer::timeout, this, &InterruptPoll::look);
+    m_timer.start(pollPeriod);
+}
+
+bool InterruptPoll::isRaised() const
+{
+    return m_flag.isRaised();
+}
+
+void InterruptPoll::look()
+{
+    if (m_flag.isRaised()) {
+        m_timer.stop();
+        emit raised();
+    }
+}
+
+} // namespace tarnClient

@@ -1,0 +1,162 @@
+#include "staged_firmware.h"
+
+#include "update/firmware_file_name.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QScopeGuard>
+
+namespace tarnClient {
+
+namespace {
+
+constexpr qint64 comparedAtOnce = 65536;
+
+// Something has this name, a link that leads nowhere included.
+bool isNameTaken(const QString &path)
+{
+    const QFileInfo entry(path);
+    return entry.exists() || entry.isSymLink();
+}
+
+bool haveSameContent(const QString &one, const QString &other)
+{
+    QFile first(one);
+    QFile second(other);
+    const bool comparable = QFileInfo(one).isFile() && QFileInfo(other).isFile()
+        && first.open(QIODevice::ReadOnly) && second.open(QIODevice::ReadOnly)
+        && first.size() == second.size();
+    if (!comparable) {
+        return false;
+    }
+    while (!first.atEnd()) {
+        const QByteArray piece = first.read(comparedAtOnce);
+        if (piece.isEmpty() || piece != second.read(comparedAtOnce)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+} // namespace
+
+StagedFirmware::StagedFirmware(QString downloadFolder)
+    : m_folder(std::move(downloadFolder))
+{ }
+
+StagedFirmware::~StagedFirmware()
+{
+    withdraw();
+}
+
+std::optional<QString> StagedFirmware::objection(const QString &file)
+{
+    const QFileInfo info(file);
+    if (!info.exists()) {
+        return QStringLiteral("There is no file \"%1\".").arg(file);
+    }
+    if (!info.isFile()) {
+        return QStringLiteral("\"%1\" is no regular file.").arg(file);
+    }
+    if (!tarnFirmwareUpdate::isSafeFirmwareName(info.fileName())) {
+        return QStringLiteral(
+            "The service takes no firmware file named \"%1\".\nA name must not be that of a "
+            "program, a settings file or a device, and must fit into the system's code "
+            "page: give the file another name.")
+            .arg(info.fileName());
+    }
+    QFile opened(file);
+    if (!opened.open(QIODevice::ReadOnly)) {
+        return QStringLiteral("\"%1\" cannot be read: %2.").arg(file, opened.errorString());
+    }
+    if (opened.size() == 0) {
+        // The flasher would erase the MCU, write nothing and call that a success.
+        return QStringLiteral("\"%1\" is empty.").arg(file);
+    }
+    return std::nullopt;
+}
+
+std::optional<QString> StagedFirmware::place(const QString &file)
+{
+    m_name = QFileInfo(file).fileName();
+    if (m_folder.isEmpty() || !QDir().mkpath(m_folder)) {
+        return QStringLiteral("There is no download folder (%1), from where the service takes the file.")
+            .arg(m_folder);
+    }
+    if (!isNameTaken(path())) {
+        return copy(file);
+    }
+    // The file itself, under whatever path, or as good as that.
+    if (haveSameContent(file, path())) {
+        return std::nullopt;
+    }
+    return QStringLiteral(
+        "There is another file of that name in the download folder, which the service would "
+        "take instead:\n%1\nMove it away, or give the firmware file another name.")
+        .arg(QDir::toNativeSeparators(path()));
+}
+
+QString StagedFirmware::name() const
+{
+    return m_name;
+}
+
+QString StagedFirmware::path() const
+{
+    return m_folder + u'/' + m_name;
+}
+
+bool StagedFirmware::isCopy() const
+{
+    return m_isCopy;
+}
+
+bool StagedFirmware::isThere() const
+{
+    return isNameTaken(path());
+}
+
+void StagedFirmware::leave()
+{
+    m_isCopy = false;
+}
+
+// Under another name first: a copy that is not complete must not be flashed by anyone.
+std::optional<QString> StagedFirmware::copy(const QString &file)
+{
+    const QString partial =
+        m_folder + QStringLiteral("/tarnctl-%1.part").arg(QCoreApplication::applicationPid());
+    const auto removePartial = qScopeGuard([&partial] { QFile::remove(partial); });
+    QFile::remove(partial);
+    QFile source(file);
+    if (!source.copy(partial)) {
+        return QStringLiteral("The file cannot be copied to the download folder: %1.")
+            .arg(source.errorString());
+    }
+    QFile target(partial);
+    // The copy of a protected file could not be taken away again.
+    target.setPermissions(target.permissions() | QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    // Does not write over a file that has come up meanwhile.
+    if (!target.rename(path())) {
+        return QStringLiteral("The file cannot be copied to the download folder: %1.")
+            .arg(target.errorString());
+    }
+    const QFileInfo copied(path());
+    m_isCopy = true;
+    m_copySize = copied.size();
+    m_copyTime = copied.lastModified();
+    return std::nullopt;
+}
+
+void StagedFirmware::withdraw()
+{
+    const QFileInfo now(path());
+    if (m_isCopy && now.size() == m_copySize && now.lastModified() == m_copyTime) {
+        QFile::remove(path());
+    }
+    m_isCopy = false;
+}
+
+} // namespace tarnClient

@@ -1,0 +1,117 @@
+#include "firmware_update_fixture.h"
+
+using namespace tarnClientTest;
+using std::chrono::milliseconds;
+using tarnClient::ecUpdatePlan;
+using tarnClient::mcuUpdatePlan;
+using tarnClient::UpdatePlan;
+
+TEST_F(TarnctlUpdateTest, WithoutAServiceNothingIsCopied)
+{
+    service.stopListening();
+    const ToolRun run = update(mcuUpdatePlan());
+    EXPECT_EQ(run.code, 3);
+    EXPECT_TRUE(run.errors.startsWith("tarnctl: No service answers on the pipe"));
+    EXPECT_TRUE(folders.downloadNames().isEmpty());
+}
+
+TEST_F(TarnctlUpdateTest, NoAnswerBeforeTheUpdate)
+{
+    silentAt = "getAccessoryType";
+    const ToolRun mcu = update(mcuUpdatePlan(), {"--timeout", "0.2"});
+    EXPECT_EQ(mcu.code, 4);
+    EXPECT_TRUE(mcu.errors.contains("No answer to getAccessoryType within 0.2 s."));
+    EXPECT_TRUE(mcu.errors.contains("\nNothing has been touched.\n"));
+
+    silentAt = "requestStartEcUpdate";
+    const ToolRun ec = update(ecUpdatePlan(), {"--timeout", "0.2"});
+    EXPECT_EQ(ec.code, 4);
+    EXPECT_TRUE(ec.errors.contains("the service may reserve the EC all the same"));
+    EXPECT_EQ(service.commands(), (QStringList {"getAccessoryType", "requestStartEcUpdate"}));
+    EXPECT_TRUE(folders.downloadNames().isEmpty());
+}
+
+TEST_F(TarnctlUpdateTest, NoAnswerToTheUpdateLeavesTheFileToTheService)
+{
+    silentAt = "requestMcuUpdate";
+    const ToolRun mcu = update(mcuUpdatePlan(), {"--timeout", "0.2"});
+    EXPECT_EQ(mcu.code, 4);
+    EXPECT_TRUE(mcu.errors.contains("The service goes on with the update."));
+    EXPECT_TRUE(mcu.errors.contains("The copy stays in the download folder"));
+    EXPECT_EQ(folders.downloadNames(), placed);
+
+    silentAt = "requestEcUpdate";
+    const ToolRun ec = update(ecUpdatePlan(), {"--timeout", "0.2"});
+    EXPECT_EQ(ec.code, 4);
+    EXPECT_TRUE(ec.errors.contains("then restart the computer."));
+    // It lay there already.
+    EXPECT_FALSE(ec.errors.contains("The copy stays in the download folder"));
+    EXPECT_EQ(folders.downloadNames(), placed);
+}
+
+namespace {
+
+struct Departure
+{
+    const UpdatePlan &plan;
+    const char *command;
+    const char *text;
+};
+
+// The name that a report shows.
+void PrintTo(const Departure &value, std::ostream *out)
+{
+    *out << value.command;
+}
+
+class TarnctlUpdateDepartures : public TarnctlUpdateTest, public ::testing::WithParamInterface<Departure>
+{ };
+
+} // namespace
+
+TEST_P(TarnctlUpdateDepartures, EndWithThreeAndAdvice)
+{
+    leavingAt = GetParam().command;
+    const ToolRun run = update(GetParam().plan);
+    EXPECT_EQ(run.code, 3);
+    EXPECT_TRUE(run.output.isEmpty());
+    EXPECT_EQ(service.commands().last(), leavingAt);
+    EXPECT_TRUE(run.errors.contains("went away before it answered " + leavingAt.toUtf8()));
+    EXPECT_TRUE(run.errors.contains(GetParam().text)) << run.errors.toStdString();
+    // Nobody is left to take it.
+    EXPECT_TRUE(folders.downloadNames().isEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Steps, TarnctlUpdateDepartures,
+    ::testing::Values(Departure {mcuUpdatePlan(), "getAccessoryType", "Nothing has been touched."},
+        Departure {mcuUpdatePlan(), "requestMcuUpdate", "may be left in its boot loader"},
+        Departure {ecUpdatePlan(), "requestStartEcUpdate", "Nothing has been flashed."},
+        Departure {ecUpdatePlan(), "requestEcUpdate", "The EC tool may still be running"}));
+
+TEST_F(TarnctlUpdateTest, AnInterruptOfTheUpdateLeavesItToTheService)
+{
+    silentAt = "requestMcuUpdate";
+    service.onConnection([this] { service.later(milliseconds(200), [] { std::raise(SIGINT); }); });
+    const ToolRun run = update(mcuUpdatePlan());
+    EXPECT_EQ(run.code, 4);
+    EXPECT_EQ(service.commands(), mcuCommands);
+    EXPECT_TRUE(run.errors.contains("tarnctl: Interrupted before the service answered requestMcuUpdate.\n"
+                                    "The service goes on with the update."))
+        << run.errors.toStdString();
+    EXPECT_EQ(folders.downloadNames(), placed);
+}
+
+TEST_F(TarnctlUpdateTest, AnInterruptBetweenTheStepsStopsBeforeTheNext)
+{
+    interruptedAt = "getAccessoryType";
+    const ToolRun mcu = update(mcuUpdatePlan());
+    EXPECT_EQ(mcu.code, 4);
+    EXPECT_TRUE(mcu.errors.contains("\nNothing has been touched.\n")) << mcu.errors.toStdString();
+
+    interruptedAt = "requestStartEcUpdate";
+    const ToolRun ec = update(ecUpdatePlan());
+    EXPECT_EQ(ec.code, 4);
+    EXPECT_TRUE(ec.errors.contains("Restart the service before you go on.")) << ec.errors.toStdString();
+    EXPECT_EQ(service.commands(), (QStringList {"getAccessoryType", "requestStartEcUpdate"}));
+    EXPECT_TRUE(folders.downloadNames().isEmpty());
+}

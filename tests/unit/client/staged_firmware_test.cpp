@@ -1,0 +1,190 @@
+#include "client/staged_firmware.h"
+#include "update_run.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+using namespace tarnClientTest;
+using tarnClient::StagedFirmware;
+
+namespace {
+
+QString objectionTo(const QString &file)
+{
+    return StagedFirmware::objection(file).value_or(QString());
+}
+
+} // namespace
+
+TEST(TarnctlStagedFirmwareTest, FindsNothingWrongWithAnOrdinaryFile)
+{
+    const FirmwareFolders folders;
+    EXPECT_FALSE(StagedFirmware::objection(folders.firmware()).has_value());
+}
+
+TEST(TarnctlStagedFirmwareTest, RefusesWhatIsNoFirmwareFile)
+{
+    const FirmwareFolders folders;
+    EXPECT_TRUE(objectionTo(folders.downloaded("none.bin")).startsWith("There is no file \""));
+    EXPECT_TRUE(objectionTo(QString()).startsWith("There is no file \""));
+    EXPECT_TRUE(objectionTo(folders.downloads()).endsWith("is no regular file."));
+    writeFile(folders.downloaded("empty.bin"), "");
+    EXPECT_TRUE(objectionTo(folders.downloaded("empty.bin")).endsWith("is empty."));
+    // The rule itself is the service's own and tested there.
+    for (const char *name : {"tool.exe", "uiset.ini", "aux.bin"}) {
+        writeFile(folders.downloaded(name), "x");
+        EXPECT_TRUE(objectionTo(folders.downloaded(name)).startsWith("The service takes no firmware file"))
+            << name;
+    }
+}
+
+TEST(TarnctlStagedFirmwareTest, RefusesAFileThatMayNotBeRead)
+{
+    const FirmwareFolders folders;
+    QFile file(folders.firmware());
+    ASSERT_TRUE(file.setPermissions(QFileDevice::WriteOwner));
+    if (QFile probe(folders.firmware()); probe.open(QIODevice::ReadOnly)) {
+        GTEST_SKIP() << "This user may read everything.";
+    }
+    EXPECT_TRUE(objectionTo(folders.firmware()).contains("cannot be read: "));
+}
+
+TEST(TarnctlStagedFirmwareTest, CopiesAndTakesTheCopyBack)
+{
+    const FirmwareFolders folders;
+    {
+        StagedFirmware staged(folders.downloads());
+        EXPECT_FALSE(staged.place(folders.firmware()).has_value());
+        EXPECT_EQ(staged.name(), "fw.bin");
+        EXPECT_EQ(staged.path(), folders.downloaded());
+        EXPECT_TRUE(staged.isCopy());
+        EXPECT_TRUE(staged.isThere());
+        // No other name is left from the copying.
+        EXPECT_EQ(folders.downloadNames(), QStringList {"fw.bin"});
+        EXPECT_EQ(readFile(folders.downloaded()), "new firmware");
+    }
+    EXPECT_TRUE(folders.downloadNames().isEmpty());
+    EXPECT_EQ(readFile(folders.firmware()), "new firmware");
+}
+
+TEST(TarnctlStagedFirmwareTest, LeavesTheCopyWhenTold)
+{
+    const FirmwareFolders folders;
+    {
+        StagedFirmware staged(folders.downloads());
+        EXPECT_FALSE(staged.place(folders.firmware()).has_value());
+        staged.leave();
+    }
+    EXPECT_EQ(readFile(folders.downloaded()), "new firmware");
+}
+
+TEST(TarnctlStagedFirmwareTest, KnowsThatTheServiceHasTakenIt)
+{
+    const FirmwareFolders folders;
+    StagedFirmware staged(folders.downloads());
+    EXPECT_FALSE(staged.place(folders.firmware()).has_value());
+    ASSERT_TRUE(QFile::remove(folders.downloaded()));
+    EXPECT_FALSE(staged.isThere());
+}
+
+TEST(TarnctlStagedFirmwareTest, AProtectedFileCanBeTakenBackToo)
+{
+    const FirmwareFolders folders;
+    ASSERT_TRUE(QFile::setPermissions(folders.firmware(), QFileDevice::ReadOwner));
+    StagedFirmware staged(folders.downloads());
+    EXPECT_FALSE(staged.place(folders.firmware()).has_value());
+    EXPECT_TRUE(QFile::permissions(folders.downloaded()).testFlag(QFileDevice::WriteOwner));
+}
+
+TEST(TarnctlStagedFirmwareTest, AFileOfTheDownloadFolderStaysAsItIs)
+{
+    const FirmwareFolders folders;
+    writeFile(folders.downloaded(), "own");
+    {
+        StagedFirmware staged(folders.downloads());
+        EXPECT_FALSE(staged.place(folders.downloads() + "/../Downloads/fw.bin").has_value());
+        EXPECT_FALSE(staged.isCopy());
+    }
+    EXPECT_EQ(readFile(folders.downloaded()), "own");
+}
+
+TEST(TarnctlStagedFirmwareTest, TakesTheSameContentForTheFileItself)
+{
+    const FirmwareFolders folders;
+    writeFile(folders.downloaded(), "new firmware");
+    {
+        StagedFirmware staged(folders.downloads());
+        EXPECT_FALSE(staged.place(folders.firmware()).has_value());
+        EXPECT_FALSE(staged.isCopy());
+    }
+    EXPECT_EQ(folders.downloadNames(), QStringList {"fw.bin"});
+}
+
+TEST(TarnctlStagedFirmwareTest, AnotherFileOfTheNameIsNotTouched)
+{
+    const FirmwareFolders folders;
+    // As long as the new one, and longer.
+    for (const char *content : {"own firmware", "my own document"}) {
+        writeFile(folders.downloaded(), content);
+        {
+            StagedFirmware staged(folders.downloads());
+            const QString objection = staged.place(folders.firmware()).value_or(QString());
+            EXPECT_TRUE(objection.startsWith("There is another file of that name"))
+                << objection.toStdString();
+        }
+        EXPECT_EQ(readFile(folders.downloaded()), content);
+        EXPECT_EQ(folders.downloadNames(), QStringList {"fw.bin"});
+    }
+}
+
+TEST(TarnctlStagedFirmwareTest, AFolderOrADeadLinkOfTheNameIsInTheWay)
+{
+    const FirmwareFolders folders;
+    ASSERT_TRUE(QDir().mkdir(folders.downloaded()));
+    EXPECT_TRUE(StagedFirmware(folders.downloads()).place(folders.firmware()).has_value());
+    ASSERT_TRUE(QDir().rmdir(folders.downloaded()));
+    ASSERT_TRUE(QFile::link(folders.downloaded("gone"), folders.downloaded()));
+    EXPECT_TRUE(StagedFirmware(folders.downloads()).place(folders.firmware()).has_value());
+    EXPECT_TRUE(QFileInfo(folders.downloaded()).isSymLink());
+}
+
+TEST(TarnctlStagedFirmwareTest, AFileThatReplacedTheCopyIsNotRemoved)
+{
+    const FirmwareFolders folders;
+    {
+        StagedFirmware staged(folders.downloads());
+        EXPECT_FALSE(staged.place(folders.firmware()).has_value());
+        writeFile(folders.downloaded(), "somebody else's");
+    }
+    EXPECT_EQ(readFile(folders.downloaded()), "somebody else's");
+}
+
+TEST(TarnctlStagedFirmwareTest, MakesTheDownloadFolder)
+{
+    const FirmwareFolders folders;
+    StagedFirmware staged(folders.downloaded("deeper/still"));
+    EXPECT_FALSE(staged.place(folders.firmware()).has_value());
+    EXPECT_EQ(readFile(folders.downloaded("deeper/still/fw.bin")), "new firmware");
+}
+
+TEST(TarnctlStagedFirmwareTest, SaysWhenThereCanBeNoDownloadFolder)
+{
+    const FirmwareFolders folders;
+    EXPECT_TRUE(StagedFirmware(QString()).place(folders.firmware()).has_value());
+    // A file is in the way.
+    EXPECT_TRUE(StagedFirmware(folders.firmware() + "/Downloads").place(folders.firmware()).has_value());
+}
+
+TEST(TarnctlStagedFirmwareTest, AFailedCopyLeavesNothing)
+{
+    const FirmwareFolders folders;
+    // Gone between the check and the copying.
+    const QString missing = folders.downloaded("vanished.bin");
+    StagedFirmware staged(folders.downloads());
+    EXPECT_TRUE(staged.place(missing).value_or(QString()).startsWith("The file cannot be copied"));
+    EXPECT_FALSE(staged.isCopy());
+    EXPECT_TRUE(folders.downloadNames().isEmpty());
+}

@@ -1,0 +1,90 @@
+#include "client/update_progress.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+using std::chrono::milliseconds;
+using tarnClient::ToolStreams;
+using tarnClient::UpdatePhase;
+using tarnClient::UpdateProgress;
+
+namespace {
+
+constexpr UpdatePhase phases[] = {
+    {milliseconds(0), QLatin1StringView("a long beginning")},
+    {milliseconds(5000), QLatin1StringView("the end")},
+};
+
+struct Streams
+{
+    std::ostringstream output {};
+    std::ostringstream errors {};
+    ToolStreams tool {nullptr, output, errors};
+
+    std::string takeErrors()
+    {
+        const std::string text = errors.str();
+        errors.str({});
+        return text;
+    }
+};
+
+} // namespace
+
+TEST(TarnctlUpdateProgressTest, AwayFromATerminalALineForEachPhase)
+{
+    Streams streams;
+    UpdateProgress progress(streams.tool, false);
+    progress.show(milliseconds(0));
+    EXPECT_EQ(streams.takeErrors(), "");
+    progress.begin(phases, milliseconds(1000));
+    EXPECT_EQ(streams.takeErrors(), "0:01  a long beginning\n");
+    progress.show(milliseconds(5999));
+    EXPECT_EQ(streams.takeErrors(), "");
+    // The phases count from the beginning of the step, the time shown from that of the update.
+    progress.show(milliseconds(6000));
+    EXPECT_EQ(streams.takeErrors(), "0:06  the end\n");
+    progress.show(milliseconds(700000));
+    progress.clear();
+    progress.end();
+    EXPECT_EQ(streams.takeErrors(), "");
+    EXPECT_EQ(streams.output.str(), "");
+}
+
+TEST(TarnctlUpdateProgressTest, OnATerminalOneLineIsWrittenOver)
+{
+    Streams streams;
+    streams.tool.errorsAreTerminal = true;
+    UpdateProgress progress(streams.tool, false);
+    progress.begin(phases, milliseconds(0));
+    EXPECT_EQ(streams.takeErrors(), "\r0:00  a long beginning");
+    progress.show(milliseconds(1000));
+    EXPECT_EQ(streams.takeErrors(), "\r0:01  a long beginning");
+    progress.show(milliseconds(1999));
+    EXPECT_EQ(streams.takeErrors(), "");
+    progress.show(milliseconds(754321));
+    // The rest of the longer line before is blanked out.
+    EXPECT_EQ(streams.takeErrors(), "\r12:34  the end        ");
+    progress.clear();
+    EXPECT_EQ(streams.takeErrors(), "\r              \r");
+    progress.clear();
+    EXPECT_EQ(streams.takeErrors(), "");
+    progress.show(milliseconds(755000));
+    EXPECT_EQ(streams.takeErrors(), "\r12:35  the end");
+    progress.end();
+    EXPECT_EQ(streams.takeErrors(), "\r              \r");
+    progress.show(milliseconds(756000));
+    EXPECT_EQ(streams.takeErrors(), "");
+}
+
+TEST(TarnctlUpdateProgressTest, QuietShowsNothing)
+{
+    Streams streams;
+    streams.tool.errorsAreTerminal = true;
+    UpdateProgress progress(streams.tool, true);
+    progress.begin(phases, milliseconds(0));
+    progress.show(milliseconds(6000));
+    progress.end();
+    EXPECT_EQ(streams.takeErrors(), "");
+}
