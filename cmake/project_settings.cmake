@@ -24,6 +24,11 @@ else()
         "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor;-Werror>")
 endif()
 
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    # Part of Clang's -Wconversion, but not of GCC's.
+    add_compile_options(-Wno-sign-conversion)
+endif()
+
 if(MINGW)
     # GCC 12 sees an overlap in std::string's own append that cannot happen (GCC bug 105651).
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
@@ -41,6 +46,11 @@ add_compile_definitions(QT_NO_CAST_FROM_BYTEARRAY QT_NO_FOREACH)
 
 if(TARN_SANITIZE STREQUAL "address")
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=address,undefined)
+elseif(TARN_SANITIZE STREQUAL "fuzzer")
+    # Also with the address sanitizer; the fuzzer's own main function comes with its programs only.
+    add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_compile_definitions(_GLIBCXX_ASSERTIONS)
     add_link_options(-fsanitize=address,undefined)
 elseif(TARN_SANITIZE STREQUAL "thread")
     add_compile_options(-fsanitize=thread -fno-omit-frame-pointer)

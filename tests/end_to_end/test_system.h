@@ -16,4 +16,8 @@ void requestInterrupt(QProcess &process);
 // Where a process whose home folder is this one, as far as it can be chosen, looks for downloads.
 [[nodiscard]] QString downloadFolder(const QString &home);
 
+// Wine retires an idle thread after 5 s and cancels what it has begun to read, which ends the connection of a
+// client that waits for a long tool run. Windows does not.
+[[nodiscard]] bool losesIdleConnections();
+
 } // namespace tarnTest

@@ -18,6 +18,11 @@ void requestInterrupt(QProcess &process)
     ::kill(static_cast<pid_t>(process.processId()), SIGINT);
 }
 
+bool losesIdleConnections()
+{
+    return false;
+}
+
 QString downloadFolder(const QString &home)
 {
     return home + QStringLiteral("/Downloads");

@@ -44,6 +44,11 @@ void requestInterrupt(QProcess &process)
     requestStop(process);
 }
 
+bool losesIdleConnections()
+{
+    return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
+}
+
 QString downloadFolder(const QString &)
 {
     return QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);

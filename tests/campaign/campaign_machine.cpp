@@ -1,0 +1,66 @@
+#include "campaign_machine.h"
+
+#include "device/ec_dirver_controller_hal.h"
+#include "pipe/tarn_pipe_server.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace tarnCampaign {
+
+using namespace tarnDeviceInfos;
+
+CampaignMachine::CampaignMachine()
+    : homeBefore(qgetenv("HOME"))
+{
+    qputenv("HOME", folder.path(".").toLocal8Bit());
+    qputenv("XDG_CONFIG_HOME", folder.path(".").toLocal8Bit());
+    for (const char *name : {"Downloads", "function/MCU", "function/EC"})
+        QDir().mkpath(folder.path(name));
+    folder.write("function/EC/uiset.ini", "AutoFlash=0\nBinName=old.rom\n");
+    const QString flasher = folder.path("function/MCU/stm32flash.exe");
+    folder.write("function/MCU/stm32flash.exe", "#!/bin/sh\n[ ! -e refuse ] || echo no >&2\n");
+    QFile(flasher).setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+
+    EcDirverControllerHal::instance();
+    tarnPipeServer::TarnPipeServer::instance();
+}
+
+CampaignMachine::~CampaignMachine()
+{
+    qputenv("HOME", homeBefore);
+    qunsetenv("XDG_CONFIG_HOME");
+}
+
+void CampaignMachine::out(std::uint16_t port, std::uint8_t value)
+{
+    SimulatedMachine::out(port, value);
+    const auto reports = computer.gpuReports();
+    if (reports.count == reportsSeen)
+        return;
+    reportsSeen = reports.count;
+    if (onGpuReport)
+        onGpuReport(reports.gpuDriverData);
+}
+
+void CampaignMachine::heal()
+{
+    faults().clear();
+    const std::uint32_t opened = state->devices.listsOpened;
+    const std::uint32_t closed = state->devices.listsClosed;
+    computer.devices().reset();
+    state->devices.listsOpened = opened;
+    state->devices.listsClosed = closed;
+    computer.setHostBattery(70);
+    session.serviceSession = false;
+    session.stage = tarnPlatform::LaunchStage::Ended;
+    session.exitCode = 1;
+    processes.programs.removeAll("Tarn.exe");
+}
+
+std::uint8_t CampaignMachine::attachedCode() const
+{
+    return computer.isAttached() ? computer.peek(ACCESSORY_CODE) : ACCESSORY_NONE;
+}
+
+} // namespace tarnCampaign

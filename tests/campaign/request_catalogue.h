@@ -1,0 +1,13 @@
+#pragma once
+
+#include "random_source.h"
+
+#include <QJsonObject>
+
+namespace tarnCampaign {
+
+// A request that clients may send, sensible or not. `withoutEc`: only such as do not wait for the EC, which
+// somebody holds. Commands that take the EC for good are not among them.
+[[nodiscard]] QJsonObject randomRequest(RandomSource &random, bool withoutEc);
+
+} // namespace tarnCampaign

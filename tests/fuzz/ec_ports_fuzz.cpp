@@ -1,0 +1,165 @@
+// An EC that answers anything. Input: the operation, then what the ports read in turn, over and over.
+#include "accessory/dock_accessory_manager.h"
+#include "accessory/ec_power_mode_manager.h"
+#include "accessory/graphics_colours.h"
+#include "accessory/kvane_accessory_manager.h"
+#include "device/ec_access_lock.h"
+#include "device/ec_dirver_controller_hal.h"
+#include "device/ec_dirver_reader.h"
+#include "device/ec_registers.h"
+#include "graphics/graphics_accessory_manager.h"
+#include "harness.h"
+#include "support/port_backend.h"
+#include "support/run_folder.h"
+#include "support/virtual_clock.h"
+
+using namespace std::chrono_literals;
+using namespace tarnAccessoryManager;
+using namespace tarnDeviceInfos;
+using tarnFuzz::require;
+
+namespace {
+
+class AnsweringPorts : public tarnTest::PortBackend
+{
+public:
+    AnsweringPorts()
+    {
+        folder.installPortLibrary();
+        setPortBackend(this);
+    }
+
+    void out(std::uint16_t port, std::uint8_t) override
+    {
+        require(port == EC_DATA_PORT || port == EC_CMD_STATUS_PORT, "only the EC's ports are written");
+    }
+    std::uint8_t in(std::uint16_t port) override
+    {
+        require(port == EC_DATA_PORT || port == EC_CMD_STATUS_PORT, "only the EC's ports are read");
+        if (answers.isEmpty())
+            return 0;
+        return static_cast<std::uint8_t>(answers.at(next++ % answers.size()));
+    }
+    void answer(const QByteArray &bytes)
+    {
+        answers = bytes;
+        next = 0;
+        clock.forgetWaits();
+    }
+
+    tarnTest::RunFolder folder;
+    tarnTest::VirtualClock clock;
+
+private:
+    QByteArray answers;
+    qsizetype next = 0;
+};
+
+AnsweringPorts &ports()
+{
+    static auto *backend = new AnsweringPorts;
+    return *backend;
+}
+
+EcDirverControllerHal &ec()
+{
+    return *EcDirverControllerHal::instance();
+}
+
+bool readsRegister()
+{
+    constexpr quint8 sentinel = 0xA7;
+    quint8 value = sentinel;
+    const int result = ec().readXdata(MCU_LINK_STATUS, &value);
+    return result == 0 || (result == -1 && value == sentinel);
+}
+bool writesRegister()
+{
+    const int result = ec().writeXdata(XEC_APP_EVENT, 0);
+    return result == 0 || result == -1;
+}
+bool readsEeprom()
+{
+    const int result = ec().readEeprom(EEP_SMART_CHARGING);
+    return result >= -2 && result <= 255;
+}
+bool writesEeprom()
+{
+    const int result = ec().writeEeprom(EEP_SMART_CHARGING, SMART_CHARGING_ON);
+    return result >= -2 && result <= 0;
+}
+bool readsDockLight()
+{
+    const int result = DockAccessoryManager::instance()->getDockLedStatus();
+    return result >= -3 && result <= 1;
+}
+bool readsColour()
+{
+    const int result = GraphicsAccessoryManager::instance()->getGraphicsRgb();
+    return result == -1 || result == -2 || isGraphicsColour(result);
+}
+bool readsSerialNumber()
+{
+    const QString text = KvaneAccessoryManager::instance()->getKvaneSnCode();
+    return text == "default" || (text.size() == 14 && QByteArray::fromHex(text.toLatin1()).size() == 7);
+}
+bool readsLight()
+{
+    const int result = KvaneAccessoryManager::instance()->getKVaneLedLight();
+    return result >= -1 && result <= 255;
+}
+bool appliesProfile()
+{
+    const int result = EcPowerModeManager::instance()->setEcPowerModeBalance();
+    return result >= -2 && result <= 0;
+}
+bool setsPowerMode()
+{
+    const int result = EcPowerModeManager::instance()->getTarnPowerMode();
+    EcPowerModeManager::instance()->setTarnPowerMode(0);
+    return result >= 0 && result <= 3;
+}
+bool pollsAccessory()
+{
+    QString version;
+    EcDirverReader::instance()->getMcuVersion(version);
+    return version.isEmpty() || version.count('.') == 1;
+}
+
+// No wait of the driver is longer than about 5 s, and there are at most five in one register access.
+constexpr auto longestAccess = 26s;
+
+struct Operation
+{
+    bool (*run)(); // whether the result is one of those laid down
+    int accesses; // of registers, at most
+};
+constexpr Operation operations[] = {
+    {readsRegister, 1},
+    {writesRegister, 1},
+    {readsEeprom, 16},
+    {writesEeprom, 18},
+    {readsDockLight, 24},
+    {readsColour, 16},
+    {readsSerialNumber, 8},
+    {readsLight, 2},
+    {appliesProfile, 40},
+    {setsPowerMode, 3},
+    {pollsAccessory, 3},
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
+{
+    if (size == 0 || data[0] >= std::size(operations))
+        return -1;
+    const Operation &operation = operations[data[0]];
+    AnsweringPorts &backend = ports();
+    backend.answer(tarnFuzz::bytesOf(data + 1, size - 1));
+    const auto before = backend.clock.now();
+    require(operation.run(), "the result is one of those laid down");
+    require(!ecAccessMutex.isLocked(), "the EC is given back");
+    require(backend.clock.now() - before <= operation.accesses * longestAccess, "every wait is bounded");
+    return 0;
+}
