@@ -9,8 +9,21 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
+// Constant-initialised: the port library makes a machine while it is being loaded.
+struct FactoryDevice
+{
+    std::string_view name;
+    DeviceKind kind;
+    DevicePlace place;
+    bool started;
+    std::uint32_t problem;
+    std::string_view description;
+    std::string_view hardwareId;
+    std::string_view instanceId;
+};
+
 // The GPU comes out of the box disabled, so that whoever attaches it sees it brought up.
-const Device FACTORY_DEVICES[] = {
+constexpr FactoryDevice FACTORY_DEVICES[] = {
     {"graphics", DeviceKind::Display, DevicePlace::Computer, true, 0, "Intel(R) Iris(R) Xe Graphics",
         "PCI\\VEN_8086&DEV_A7A0&SUBSYS_00000000&REV_04", "PCI\\VEN_8086&DEV_A7A0\\3&11583659&0&10"},
     {"gpu", DeviceKind::Display, DevicePlace::Box, false, PROBLEM_DISABLED, "NVIDIA GeForce RTX 4060 Ti",
@@ -29,8 +42,11 @@ void DeviceTree::reset()
         remove(slot);
     }
     std::int32_t slot = 0;
-    for (const Device &device : FACTORY_DEVICES) {
-        store(slot++, device);
+    for (const FactoryDevice &device : FACTORY_DEVICES) {
+        store(slot++,
+            {std::string(device.name), device.kind, device.place, device.started, device.problem,
+                std::string(device.description), std::string(device.hardwareId),
+                std::string(device.instanceId)});
     }
 }
 

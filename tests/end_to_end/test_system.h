@@ -17,7 +17,7 @@ void requestInterrupt(QProcess &process);
 [[nodiscard]] QString downloadFolder(const QString &home);
 
 // Wine retires an idle thread after 5 s and cancels what it has begun to read, which ends the connection of a
-// client that waits for a long tool run. Windows does not.
+// client that waits for a long tool run, unless it asks for something meanwhile. Windows does not.
 [[nodiscard]] bool losesIdleConnections();
 
 } // namespace tarnTest

@@ -81,6 +81,10 @@ TEST_F(SimulatedPortLibrary, LoadingMakesTheMachineBesideIt)
     ASSERT_TRUE(file.has_value());
     EXPECT_EQ(file->state().counters.libraryLoads.load(), 1U);
     EXPECT_EQ(read(EC_TARN_BATTERY_NUM), 80);
+    // All of it is made before any start code of the library but this has run.
+    const tarnSimulator::DeviceTree devices(file->state());
+    ASSERT_TRUE(devices.find("gpu").has_value());
+    EXPECT_EQ(devices.device(*devices.find("gpu")).description, "NVIDIA GeForce RTX 4060 Ti");
 
     tarnSimulator::ComputerControl(file->state()).setHostBattery(201);
     EXPECT_EQ(read(EC_TARN_BATTERY_NUM), 201);
