@@ -1,6 +1,6 @@
 #include "accessory/dock_accessory_manager.h"
 
-#include "accessory/mailbox_write.h"
+#include "accessory/mailbox.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
@@ -17,28 +17,15 @@ using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 
 constexpr auto mailboxPause = 10ms;
-constexpr int maximumPolls = 20;
-constexpr quint8 unreadByte = 0xF0; // stands when a read fails: command not finished, state unknown
+constexpr quint8 unreadByte = 0xF0; // stands when the state cannot be read
 
-void readCommandByte(quint8 *command)
-{
-    if (EcDirverControllerHal::instance()->readXdata(XEC_RGB_CMD, command) == 0)
-        qDebug() << "read ecRGBCmdDataDock from xdata successed with: " << *command;
-    else
-        qWarning() << "read ecRGBCmdDataDock from xdata failed.";
-}
-
-// Running out of polls is deliberately no error: the state is read all the same.
-void awaitMailbox()
-{
-    quint8 command = unreadByte;
-    readCommandByte(&command);
-    for (int poll = 0; command != 0 && poll < maximumPolls; ++poll) {
-        sleepFor(mailboxPause);
-        qDebug() << "read ecRGBCmdDataDock from xdata until it is 0.";
-        readCommandByte(&command);
-    }
-}
+constexpr MailboxPoll commandPoll = {
+    mailboxPause,
+    20,
+    "read ecRGBCmdDataDock from xdata successed with: ",
+    "read ecRGBCmdDataDock from xdata failed.",
+    "read ecRGBCmdDataDock from xdata until it is 0.",
+};
 
 } // namespace
 
@@ -67,7 +54,7 @@ int DockAccessoryManager::getDockLedStatus()
             "Failed to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD."}))
         return -1;
     sleepFor(mailboxPause);
-    awaitMailbox();
+    awaitMailbox(commandPoll);
     sleepFor(mailboxPause);
 
     quint8 red = unreadByte;

@@ -1,5 +1,5 @@
 #include "accessory/graphics_colours.h"
-#include "accessory/mailbox_write.h"
+#include "accessory/mailbox.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
@@ -19,32 +19,17 @@ using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 
 constexpr auto mailboxPause = 10ms;
-constexpr auto pollPause = 50ms;
-constexpr int maximumPolls = 10;
-constexpr quint8 unreadByte = 240; // stands when a read of the command byte fails: not finished
 
 const QString colourFile = QStringLiteral("./graphicsRGB_config.ini");
 const QString colourKey = QStringLiteral("graphicsColor");
 
-void readCommandByte(quint8 *command)
-{
-    if (EcDirverControllerHal::instance()->readXdata(XEC_RGB_CMD, command) == 0)
-        qDebug() << "read ecRGBCmdData from xdata successed with: " << *command;
-    else
-        qWarning() << "read ecRGBCmdData from xdata failed.";
-}
-
-// Running out of polls is deliberately no error: the EC is taken to have answered.
-void awaitMailbox()
-{
-    quint8 command = unreadByte;
-    readCommandByte(&command);
-    for (int poll = 0; command != 0 && poll < maximumPolls; ++poll) {
-        sleepFor(pollPause);
-        qDebug() << "read ecRGBCmdData from xdata until it is 0.";
-        readCommandByte(&command);
-    }
-}
+constexpr MailboxPoll commandPoll = {
+    50ms,
+    10,
+    "read ecRGBCmdData from xdata successed with: ",
+    "read ecRGBCmdData from xdata failed.",
+    "read ecRGBCmdData from xdata until it is 0.",
+};
 
 // A colour byte of the EC's answer, the time it takes to be there, and the log's words.
 struct ColourByte
@@ -97,7 +82,7 @@ int GraphicsAccessoryManager::getGraphicsRgb()
             "Failed to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD. "}))
         return -1;
     sleepFor(mailboxPause);
-    awaitMailbox();
+    awaitMailbox(commandPoll);
 
     quint8 colour[3] = {};
     if (!readColour(colour))

@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include <chrono>
+
 namespace tarnAccessoryManager {
 
 // One byte for the application mailbox with the log's words around its value.
@@ -17,5 +19,19 @@ struct MailboxWrite
 
 // Writes the byte and logs how it went; ecAccessMutex is held by the caller.
 [[nodiscard]] bool writeMailbox(const MailboxWrite &write);
+
+// How a getter waits for the EC to take its command, with the log's words.
+struct MailboxPoll
+{
+    std::chrono::milliseconds pause;
+    int maximumPolls;
+    const char *done;
+    const char *failed;
+    const char *again;
+};
+
+// Looks at the command byte until the EC has cleared it. Running out of polls is deliberately no error: the
+// EC is taken to have answered. ecAccessMutex is held by the caller.
+void awaitMailbox(const MailboxPoll &poll);
 
 } // namespace tarnAccessoryManager
