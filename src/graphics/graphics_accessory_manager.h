@@ -36,7 +36,9 @@ public:
     void banGpuForMcuUpdate();
 
     // gpu_devices.cpp: GPU_PRESENT, GPU_DRIVER_INSTALLED and GPU_STARTED as a number, -1 when in doubt.
-    [[nodiscard]] int getGpuDriverData();
+    // Virtual for tests: that the box itself is there is known from the EC, so this never says that it is
+    // absent.
+    [[nodiscard]] virtual int getGpuDriverData();
     // False when the NVIDIA adapter is in a state that needs the driver patch, or cannot be looked at.
     [[nodiscard]] bool checkNvidiaAdapterStatus();
     // 0, or -1 when the list could not be opened or any adapter refused.
@@ -60,9 +62,11 @@ public Q_SLOTS:
     void handleGraphicsDisengagedSignal();
     void handleGraphicsConnectSignal();
 
+protected:
+    GraphicsAccessoryManager();
+
 private:
     friend class tarnPlatform::ProcessWide<GraphicsAccessoryManager>;
-    GraphicsAccessoryManager();
 
     std::atomic<bool> gpuActive {false}; // brought up by this service and not disabled since
     bool gpuConnectHandled = false; // an activation has been tried

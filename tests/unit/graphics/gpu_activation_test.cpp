@@ -90,6 +90,35 @@ TEST_F(GpuActivation, LeavesTheMissingDriverToTheClientWhileItRuns)
     EXPECT_TRUE(machine.log.contains("\"Tarn.exe\"  is running."));
 }
 
+// A manager that finds no graphics device at all.
+class AbsentDevice : public GpuActivation
+{
+protected:
+    struct Manager : tarnAccessoryManager::GraphicsAccessoryManager
+    {
+        int getGpuDriverData() override { return 0; }
+    };
+    Manager absent;
+};
+
+TEST_F(AbsentDevice, IsShownAndReported)
+{
+    EXPECT_EQ(absent.graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), report("00"));
+    EXPECT_EQ(session.shown, QStringList({"detached --graphics-device-error"}));
+    EXPECT_TRUE(machine.log.contains("W: GraphicsActive_log: Graphics does not exist!"));
+    EXPECT_TRUE(machine.log.contains("Tarn.exe is not running, shou the device error popup."));
+}
+
+TEST_F(AbsentDevice, IsLeftToTheClientWhileItRuns)
+{
+    processes.programs << "Tarn.exe";
+    EXPECT_EQ(absent.graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), report("00"));
+    EXPECT_TRUE(session.shown.isEmpty());
+    EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the device error popup."));
+}
+
 class FailedDriver : public GpuActivation, public ::testing::WithParamInterface<std::uint32_t>
 { };
 
