@@ -18,6 +18,8 @@ QStringList programNames(const QString &processFolder)
     if (program.endsWith(replacedMark))
         program.chop(replacedMark.size());
     QStringList names {program.section(QLatin1Char('/'), -1)};
+    if (names.first().startsWith(QStringLiteral("wine")))
+        return names; // goes by the name of a Windows program, which is on another computer as it were
     QFile name(processFolder + QStringLiteral("/comm"));
     if (name.open(QIODevice::ReadOnly))
         names << QString::fromLocal8Bit(name.readAll()).trimmed();

@@ -115,3 +115,22 @@ TEST_F(SimulatedDesktop, ListsTheProcessesOfTheComputer)
     process.waitForFinished();
     EXPECT_FALSE(isListed());
 }
+
+// A process may go by another name than its program has, as scripts do, and as Windows programs do under
+// Wine.
+TEST_F(SimulatedDesktop, KnowsProcessesByTheirOwnNameButNotThoseUnderWine)
+{
+    const QString ownName = "tarn-own-name"; // at most 15 characters
+    for (const bool underWine : {false, true}) {
+        const QString shell = machine.folder.path(underWine ? "wine64-shell" : "shell");
+        QFile::copy(QFileInfo("/bin/sh").canonicalFilePath(), shell);
+        QProcess process;
+        process.start(shell, {"-c", QString("printf %1 >/proc/$$/comm; echo named; read end").arg(ownName)});
+        ASSERT_TRUE(process.waitForReadyRead());
+        EXPECT_EQ(
+            ProcessList::system().anyOf([&ownName](const QString &program) { return program == ownName; }),
+            !underWine);
+        process.kill();
+        process.waitForFinished();
+    }
+}
