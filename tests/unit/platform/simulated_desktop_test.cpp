@@ -134,3 +134,15 @@ TEST_F(SimulatedDesktop, KnowsProcessesByTheirOwnNameButNotThoseUnderWine)
         process.waitForFinished();
     }
 }
+
+TEST_F(SimulatedDesktop, ActsForTheConsoleUserWhileThereIsOne)
+{
+    EXPECT_EQ(
+        session.consoleUserDownloadFolder(), QDir::current().absoluteFilePath("console_user/Downloads"));
+    int acted = 0;
+    EXPECT_TRUE(session.asConsoleUser([&acted] { ++acted; }));
+    machine.faults().switchOn(Fault::NoConsoleSession);
+    EXPECT_TRUE(session.consoleUserDownloadFolder().isEmpty());
+    EXPECT_FALSE(session.asConsoleUser([&acted] { ++acted; }));
+    EXPECT_EQ(acted, 1);
+}
