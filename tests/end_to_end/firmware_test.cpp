@@ -44,16 +44,10 @@ class McuFirmware : public FirmwareUpdate
 protected:
     void SetUp() override
     {
-        if (!port.open(service))
-            GTEST_SKIP() << "no serial port to the MCU is served here";
+        ASSERT_TRUE(port.open(service)) << "no serial port to the MCU is served";
         service.attach(ACCESSORY_KVANE);
         FirmwareUpdate::SetUp();
         ASSERT_EQ(client.answer("getMcuVersion"), "2.05");
-    }
-    void TearDown() override
-    {
-        if (!IsSkipped())
-            FirmwareUpdate::TearDown();
     }
 
     [[nodiscard]] QString update(const char *name = "fw.bin")

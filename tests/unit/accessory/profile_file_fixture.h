@@ -1,13 +1,13 @@
 #pragma once
 
 #include "power_mode_fixture.h"
+#include "support/unprivileged.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace tarnTest {
 
@@ -67,31 +67,5 @@ private:
         return found - lines.cbegin();
     }
 };
-
-// Takes away root's right to open anything, for as long as it lives. The folder of the test stays reachable.
-class Unprivileged
-{
-public:
-    Unprivileged()
-        : lowered(::geteuid() == 0 && ::seteuid(65534) == 0)
-    { }
-    ~Unprivileged()
-    {
-        if (lowered && ::seteuid(0) != 0)
-            qFatal("cannot become root again");
-    }
-    Unprivileged(const Unprivileged &) = delete;
-    Unprivileged &operator=(const Unprivileged &) = delete;
-
-    [[nodiscard]] static bool works() { return ::geteuid() != 0; }
-
-private:
-    const bool lowered;
-};
-
-inline void setMode(const QString &path, unsigned mode)
-{
-    ASSERT_EQ(::chmod(qPrintable(path), mode), 0) << errno;
-}
 
 } // namespace tarnTest

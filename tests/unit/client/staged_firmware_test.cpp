@@ -1,4 +1,5 @@
 #include "client/staged_firmware.h"
+#include "support/unprivileged.h"
 #include "update_run.h"
 
 #include <gtest/gtest.h>
@@ -44,10 +45,12 @@ TEST(TarnctlStagedFirmwareTest, RefusesWhatIsNoFirmwareFile)
 TEST(TarnctlStagedFirmwareTest, RefusesAFileThatMayNotBeRead)
 {
     const FirmwareFolders folders;
-    QFile file(folders.firmware());
-    ASSERT_TRUE(file.setPermissions(QFileDevice::WriteOwner));
-    if (QFile probe(folders.firmware()); probe.open(QIODevice::ReadOnly)) {
-        GTEST_SKIP() << "This user may read everything.";
+    tarnTest::setMode(QFileInfo(folders.downloads()).path(), 0755);
+    tarnTest::setMode(QFileInfo(folders.firmware()).path(), 0755);
+    tarnTest::setMode(folders.firmware(), 0200);
+    const tarnTest::Unprivileged unprivileged;
+    if (!tarnTest::Unprivileged::works()) {
+        GTEST_SKIP() << "the rights of root cannot be given up here";
     }
     EXPECT_TRUE(objectionTo(folders.firmware()).contains("cannot be read: "));
 }
