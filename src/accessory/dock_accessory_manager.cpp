@@ -89,14 +89,9 @@ int DockAccessoryManager::setDockLedStatus(quint32 value)
         {XEC_RGB_BLUE, 0, "Success to write rgbColorBlueDock: ", "to XEC_RGB_BLUE.",
             "Failed to write rgbColorBlueDock: ", "to XEC_RGB_BLUE."},
     };
-    for (const MailboxWrite &colour : colours) {
-        if (!writeMailbox(colour))
-            return -2;
-        sleepFor(mailboxPause);
-    }
-    // The command goes last, and the EC takes its time with it unobserved.
-    if (!writeMailbox({XEC_RGB_CMD, APP_EC_RGB_WRITE, "Success to write APP_EC_RGB_WRITE: ",
-            "to XEC_RGB_CMD.", "Failed to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD."}))
+    if (!writeMailboxColour(colours,
+            {XEC_RGB_CMD, APP_EC_RGB_WRITE, "Success to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD.",
+                "Failed to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD."}))
         return -2;
     qDebug() << "Set dock led status successed：" << value;
     return 0;

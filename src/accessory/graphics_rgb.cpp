@@ -117,14 +117,9 @@ int GraphicsAccessoryManager::setGraphicsRgb(int colour)
         {XEC_RGB_BLUE, row.blue, "Success to write rgbColorBlue: ", "to XEC_RGB_BLUE.",
             "Failed to write rgbColorBlue: ", "to XEC_RGB_BLUE. "},
     };
-    for (const MailboxWrite &write : colourWrites) {
-        if (!writeMailbox(write))
-            return -2;
-        sleepFor(mailboxPause);
-    }
-    // The command goes last, and the EC takes its time with it unobserved.
-    if (!writeMailbox({XEC_RGB_CMD, APP_EC_RGB_WRITE, "Success to write APP_EC_RGB_WRITE: ",
-            "to XEC_RGB_CMD.", "Failed to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD. "}))
+    if (!writeMailboxColour(colourWrites,
+            {XEC_RGB_CMD, APP_EC_RGB_WRITE, "Success to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD.",
+                "Failed to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD. "}))
         return -2;
     qDebug() << "Set graphics rgb color successed：" << colour;
     if (colour != graphicsOff)

@@ -11,6 +11,7 @@ namespace {
 
 using tarnDeviceInfos::EcDirverControllerHal;
 
+constexpr std::chrono::milliseconds colourPause {10};
 constexpr quint8 unreadCommand = 0xF0; // stands when a look fails: the command counts as not finished
 
 void readCommandByte(const MailboxPoll &poll, quint8 *command)
@@ -31,6 +32,16 @@ bool writeMailbox(const MailboxWrite &write)
     }
     qDebug() << write.done << write.value << write.doneEnd;
     return true;
+}
+
+bool writeMailboxColour(const MailboxWrite (&colour)[3], const MailboxWrite &command)
+{
+    for (const MailboxWrite &byte : colour) {
+        if (!writeMailbox(byte))
+            return false;
+        tarnPlatform::sleepFor(colourPause);
+    }
+    return writeMailbox(command);
 }
 
 void awaitMailbox(const MailboxPoll &poll)

@@ -20,6 +20,10 @@ struct MailboxWrite
 // Writes the byte and logs how it went; ecAccessMutex is held by the caller.
 [[nodiscard]] bool writeMailbox(const MailboxWrite &write);
 
+// Writes the three bytes of a colour with a pause after each, then the command that makes the EC take them on
+// its own time, unobserved. The first failure ends it, so the command never follows a missing byte.
+[[nodiscard]] bool writeMailboxColour(const MailboxWrite (&colour)[3], const MailboxWrite &command);
+
 // How a getter waits for the EC to take its command, with the log's words.
 struct MailboxPoll
 {
