@@ -58,6 +58,11 @@ void CampaignMachine::heal()
     processes.programs.removeAll("Tarn.exe");
 }
 
+bool CampaignMachine::isInputWaiting() const
+{
+    return state->channel.inputKind.load() != 0;
+}
+
 std::uint8_t CampaignMachine::attachedCode() const
 {
     return computer.isAttached() ? computer.peek(ACCESSORY_CODE) : ACCESSORY_NONE;

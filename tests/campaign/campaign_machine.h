@@ -21,6 +21,8 @@ public:
     void heal();
     // As the EC reports it now; the code of nothing when nothing is linked.
     [[nodiscard]] std::uint8_t attachedCode() const;
+    // A byte lies in the EC's input buffer that the EC has not looked at yet.
+    [[nodiscard]] bool isInputWaiting() const;
 
     std::function<void(std::uint8_t gpuDriverData)> onGpuReport;
     tarnTest::ScriptedSession session;

@@ -20,8 +20,9 @@ QString GpuWatch::endCycle()
     for (const QString &line : lines)
         judgeLine(line);
     machine.log.clear();
-    // A slow EC takes what has been written in this cycle only in the next one.
-    outOfDate = machine.faults().isOn(tarnSimulator::Fault::Slow);
+    // A slow EC takes what has been written in this cycle only in the next one, though it may be quick again
+    // by then.
+    outOfDate = machine.faults().isOn(tarnSimulator::Fault::Slow) || machine.isInputWaiting();
     return std::exchange(fault, {});
 }
 
