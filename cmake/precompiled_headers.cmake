@@ -1,0 +1,29 @@
+# Headers that nearly every source of a target includes are compiled once. Each source still includes what it
+# uses: clang-tidy sees the sources without these.
+
+# The precompiled form of a header depends on options only, so ccache may take its text for its content.
+if(CCACHE_PROGRAM AND NOT MSVC)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
+        CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM})
+    add_compile_options($<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess>)
+endif()
+
+set(TARN_STANDARD_HEADERS
+    <algorithm> <array> <atomic> <chrono> <cstdint> <filesystem> <fstream> <functional> <memory> <optional> <span>
+    <string> <string_view> <utility> <vector>)
+set(TARN_QT_HEADERS
+    <QByteArray> <QCoreApplication> <QDebug> <QDir> <QFile> <QFileInfo> <QJsonDocument> <QJsonObject> <QList> <QMutex>
+    <QObject> <QProcess> <QString> <QStringList> <QThread> <QTimer>)
+
+function(tarn_precompile_standard target)
+    target_precompile_headers(${target} PRIVATE ${TARN_STANDARD_HEADERS})
+endfunction()
+
+function(tarn_precompile_qt target)
+    target_precompile_headers(${target} PRIVATE <atomic> <chrono> <functional> <memory> <optional> <string> <vector>
+        ${TARN_QT_HEADERS})
+endfunction()
+
+function(tarn_precompile_tests target)
+    target_precompile_headers(${target} PRIVATE <gtest/gtest.h> ${TARN_STANDARD_HEADERS} ${TARN_QT_HEADERS})
+endfunction()
