@@ -1,5 +1,9 @@
 # Headers that nearly every source of a target includes are compiled once. Each source still includes what it
-# uses: clang-tidy sees the sources without these.
+# uses: clang-tidy and the cross build see the sources without these. (GCC's cross compiler would also warn about
+# std::string's insides from a precompiled header.)
+if(MINGW)
+    set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
+endif()
 
 # The precompiled form of a header depends on options only, so ccache may take its text for its content.
 if(CCACHE_PROGRAM AND NOT MSVC)
