@@ -1,5 +1,6 @@
 #include "pipe/tarn_pipe_server.h"
 
+#include "pipe/handler_threads.h"
 #include "pipe/message_format.h"
 #include "pipe/send_queue_thread.h"
 #include "platform/leftover_socket.h"
@@ -14,16 +15,11 @@
 #include <QLocalSocket>
 #include <QMutex>
 #include <QThread>
-#include <QThreadPool>
 #include <QTimer>
 #include <QtConcurrent>
 
 namespace tarnPipeServer {
 namespace {
-
-// Handlers wait for the EC on their pool threads; with the pool's default size two of them could starve
-// the very command that frees it.
-constexpr int minimumHandlerThreads = 64;
 
 // Keeps the replies of handlers that finish together in one order; taken before the queue's own lock.
 QMutex replyMutex;
@@ -37,8 +33,7 @@ TarnPipeServer *TarnPipeServer::instance()
 
 TarnPipeServer::TarnPipeServer()
 {
-    QThreadPool *pool = QThreadPool::globalInstance();
-    pool->setMaxThreadCount(qMax(pool->maxThreadCount(), minimumHandlerThreads));
+    prepareHandlerThreads();
 
     qDebug() << "TarnPipeServer ThreadID(): " << QThread::currentThreadId();
     localServer = new QLocalServer(this);
@@ -146,7 +141,7 @@ void TarnPipeServer::readDataFromClient()
         watcher->deleteLater();
     });
     watcher->setFuture(
-        QtConcurrent::run(QThreadPool::globalInstance(), [this, request] { return dispatch(request); }));
+        QtConcurrent::run(handlerThreadsFor(request), [this, request] { return dispatch(request); }));
 }
 
 void TarnPipeServer::sendDataToClient(QString message)

@@ -2,13 +2,13 @@
 
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_reader.h"
+#include "pipe/handler_threads.h"
 #include "pipe/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
 #include "platform/process_wide.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <QThreadPool>
 
 #include <chrono>
 #include <cstdio>
@@ -49,8 +49,7 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
 
     // The send thread hands its last message to this thread, so events are served until all have gone.
     const auto everythingFinished = [monitor, sender] {
-        return hasFinished(monitor) && hasFinished(sender)
-            && QThreadPool::globalInstance()->waitForDone(pollMs);
+        return hasFinished(monitor) && hasFinished(sender) && tarnPipeServer::waitForHandlers(pollMs);
     };
     const QDeadlineTimer deadline(patience);
     bool finished = everythingFinished();
