@@ -21,9 +21,10 @@
 namespace tarnPipeServer {
 namespace {
 
-// Handlers wait for the EC on their pool threads; with the pool's default size two of them could starve
-// the very command that frees it.
-constexpr int minimumHandlerThreads = 64;
+// Handlers wait for the EC on their pool threads, for as long as a question to the user is open or an
+// accessory is updated, and a client may ask every second meanwhile. They must not keep the very command that
+// frees the EC waiting, nor those that do not need it. A thread is made only when all others are taken.
+constexpr int minimumHandlerThreads = 1024;
 
 // Keeps the replies of handlers that finish together in one order; taken before the queue's own lock.
 QMutex replyMutex;
