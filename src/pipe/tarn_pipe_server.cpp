@@ -96,8 +96,21 @@ bool TarnPipeServer::isServiceSession() const
     return tarnPlatform::UserSession::system().isServiceSession();
 }
 
+// A disconnection silences the service towards everybody, so one that was there before the newcomer must not
+// be noticed after it. Their sockets may be ready at the same time, and then the newcomer's turn comes first.
+void TarnPipeServer::noticeWhoHasLeft(const QLocalSocket *newcomer)
+{
+    constexpr int lookCount = 2; // what it still had to say, and its end
+    const auto sockets = localServer->findChildren<QLocalSocket *>(Qt::FindDirectChildrenOnly);
+    for (QLocalSocket *socket : sockets) {
+        for (int look = 0; look < lookCount && socket != newcomer && socket->waitForReadyRead(0); ++look) { }
+    }
+}
+
 void TarnPipeServer::handleConnection()
 {
+    QLocalSocket *newcomer = localServer->nextPendingConnection();
+    noticeWhoHasLeft(newcomer);
     qDebug() << "is connection!";
     qDebug() << "Tarn Service version is " << tarnService::version();
     sendThread = SendQueueThread::instance();
@@ -105,7 +118,7 @@ void TarnPipeServer::handleConnection()
     clientOnline = true;
     qDebug() << QThread::currentThreadId();
 
-    clientSocket = localServer->nextPendingConnection();
+    clientSocket = newcomer;
     if (!clientSocket)
         return;
     connect(clientSocket, &QLocalSocket::readyRead, this, &TarnPipeServer::readDataFromClient);

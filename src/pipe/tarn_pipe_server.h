@@ -58,6 +58,7 @@ private:
     using Handler = std::function<QString(QJsonObject &)>;
 
     TarnPipeServer();
+    void noticeWhoHasLeft(const QLocalSocket *newcomer);
     void writeToClient(const QByteArray &message);
 
     // command_table.cpp

@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QLocalServer>
 #include <QMetaMethod>
+#include <QRegularExpression>
 #include <QThreadPool>
 
 using namespace tarnPipeServer;
@@ -162,6 +163,22 @@ TEST_F(PipeServer, WhenEitherOfTwoClientsLeavesNobodyIsTalkedToUntilTheNextConne
     PipePeer third;
     ASSERT_TRUE(third.connectToService());
     EXPECT_EQ(third.take(typeReply()), typeReply());
+}
+
+TEST_F(PipeServer, AClientThatLeftBeforeTheNextCameDoesNotSilenceIt)
+{
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
+    // Before the server looks: one asks and goes, another one comes.
+    client.write(R"({"cmd":"nothing"})");
+    client.socket.abort();
+    PipePeer next;
+    next.socket.connectToServer("tarnPipe");
+    next.write(typeRequest());
+    EXPECT_EQ(next.take(typeReply()), typeReply());
+    EXPECT_TRUE(machine.log.contains("Unknown command:  \"nothing\""));
+    const QStringList order = {"Tarn pipe client is exit!", "is connection!"};
+    EXPECT_EQ(machine.log.lines().filter(QRegularExpression("exit!$|connection!$")).mid(1, 2), order);
 }
 
 TEST_F(PipeServer, ALateReplyGoesToTheNextClient)
