@@ -45,9 +45,7 @@ TarnPipeServer::TarnPipeServer()
     localServer = new QLocalServer(this);
     fillCommandTable();
     connect(localServer, &QLocalServer::newConnection, this, &TarnPipeServer::handleConnection);
-    const QString pipeName = QStringLiteral("tarnPipe");
-    tarnPlatform::removeLeftoverSocket(pipeName);
-    localServer->listen(pipeName); // without it the service runs on, for the accessories, without clients
+    openDoor();
     createSmartChargingTimer();
 }
 
@@ -55,7 +53,7 @@ TarnPipeServer::~TarnPipeServer()
 {
     if (localServer) {
         qDebug() << "Destory server resource!";
-        localServer->close();
+        closeDoor();
         localServer->deleteLater();
     }
     if (clientOnline && clientSocket) {
@@ -67,8 +65,16 @@ TarnPipeServer::~TarnPipeServer()
     delete smartChargingTimer;
 }
 
+void TarnPipeServer::openDoor()
+{
+    const QString pipeName = QStringLiteral("tarnPipe");
+    tarnPlatform::removeLeftoverSocket(pipeName);
+    localServer->listen(pipeName); // without it the service runs on, for the accessories, without clients
+}
+
 void TarnPipeServer::closeDoor()
 {
+    doorClosed = true;
     localServer->close();
 }
 
@@ -139,6 +145,9 @@ void TarnPipeServer::handleDisconnection()
         sendThread->requestStop();
         sendThread->quit();
     }
+    // On Unix a crowd that takes the last descriptor makes the local server give up; now one is free again.
+    if (!doorClosed && !localServer->isListening())
+        openDoor();
 }
 
 void TarnPipeServer::readDataFromClient()

@@ -343,9 +343,28 @@ TEST(PipeServerStart, DoesNotDisturbTheClientOfALiveServer)
     EXPECT_FALSE(waitUntil([&live] { return live.hasPendingConnections(); }, 50));
 }
 
+// As the local server does by itself when it cannot accept another one.
+TEST_F(PipeServer, OpensItsDoorAgainWhenSomebodyLeaves)
+{
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
+    server->findChild<QLocalServer *>()->close();
+    client.leave();
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Tarn pipe client is exit!"); }));
+    PipePeer next;
+    ASSERT_TRUE(next.connectToService());
+    next.write(typeRequest());
+    EXPECT_EQ(next.take(typeReply()), typeReply());
+}
+
 TEST_F(PipeServer, TakesNobodyOnceItsDoorIsClosed)
 {
+    PipePeer lastOne;
+    ASSERT_TRUE(lastOne.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
     server->closeDoor();
+    lastOne.leave();
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Tarn pipe client is exit!"); }));
     client.socket.connectToServer("tarnPipe");
     EXPECT_EQ(client.socket.error(), QLocalSocket::ServerNotFoundError);
 }
