@@ -11,17 +11,31 @@ QString filePath()
     return QStringLiteral("./powermodeconfig.xml");
 }
 
+constexpr qint64 profileLength = 1;
+
+// Truncating it first would lose the profile when the process ends, or the disk is full, before the new one
+// is there. One that cannot be read as well can only be opened so.
+bool openForWriting(QFile &file)
+{
+    return file.open(QIODevice::ReadWrite | QIODevice::Text)
+        || file.open(QIODevice::WriteOnly | QIODevice::Text);
+}
+
 } // namespace
 
 PowerModeFile::Write PowerModeFile::write(quint32 profile)
 {
     QFile file(filePath());
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+    if (!openForWriting(file))
         return Write::NotCreated;
     QTextStream stream(&file);
     stream << profile;
     stream.flush(); // a full disk shows here and only here; the file's own flush does not tell the stream
-    return stream.status() == QTextStream::Ok ? Write::Done : Write::NotWritten;
+    if (stream.status() != QTextStream::Ok)
+        return Write::NotWritten;
+    if (file.size() > profileLength && !file.resize(profileLength))
+        return Write::NotWritten;
+    return Write::Done;
 }
 
 PowerModeFile::Read PowerModeFile::read(QString *content)

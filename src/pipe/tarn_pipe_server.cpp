@@ -39,9 +39,7 @@ TarnPipeServer::TarnPipeServer()
     localServer = new QLocalServer(this);
     fillCommandTable();
     connect(localServer, &QLocalServer::newConnection, this, &TarnPipeServer::handleConnection);
-    const QString pipeName = QStringLiteral("tarnPipe");
-    tarnPlatform::removeLeftoverSocket(pipeName);
-    localServer->listen(pipeName); // without it the service runs on, for the accessories, without clients
+    openDoor();
     createSmartChargingTimer();
 }
 
@@ -49,7 +47,7 @@ TarnPipeServer::~TarnPipeServer()
 {
     if (localServer) {
         qDebug() << "Destory server resource!";
-        localServer->close();
+        closeDoor();
         localServer->deleteLater();
     }
     if (clientOnline && clientSocket) {
@@ -61,8 +59,16 @@ TarnPipeServer::~TarnPipeServer()
     delete smartChargingTimer;
 }
 
+void TarnPipeServer::openDoor()
+{
+    const QString pipeName = QStringLiteral("tarnPipe");
+    tarnPlatform::removeLeftoverSocket(pipeName);
+    localServer->listen(pipeName); // without it the service runs on, for the accessories, without clients
+}
+
 void TarnPipeServer::closeDoor()
 {
+    doorClosed = true;
     localServer->close();
 }
 
@@ -90,8 +96,21 @@ bool TarnPipeServer::isServiceSession() const
     return tarnPlatform::UserSession::system().isServiceSession();
 }
 
+// A disconnection silences the service towards everybody, so one that was there before the newcomer must not
+// be noticed after it. Their sockets may be ready at the same time, and then the newcomer's turn comes first.
+void TarnPipeServer::noticeWhoHasLeft(const QLocalSocket *newcomer)
+{
+    constexpr int lookCount = 2; // what it still had to say, and its end
+    const auto sockets = localServer->findChildren<QLocalSocket *>(Qt::FindDirectChildrenOnly);
+    for (QLocalSocket *socket : sockets) {
+        for (int look = 0; look < lookCount && socket != newcomer && socket->waitForReadyRead(0); ++look) { }
+    }
+}
+
 void TarnPipeServer::handleConnection()
 {
+    QLocalSocket *newcomer = localServer->nextPendingConnection();
+    noticeWhoHasLeft(newcomer);
     qDebug() << "is connection!";
     qDebug() << "Tarn Service version is " << tarnService::version();
     sendThread = SendQueueThread::instance();
@@ -99,7 +118,7 @@ void TarnPipeServer::handleConnection()
     clientOnline = true;
     qDebug() << QThread::currentThreadId();
 
-    clientSocket = localServer->nextPendingConnection();
+    clientSocket = newcomer;
     if (!clientSocket)
         return;
     connect(clientSocket, &QLocalSocket::readyRead, this, &TarnPipeServer::readDataFromClient);
@@ -120,6 +139,9 @@ void TarnPipeServer::handleDisconnection()
         sendThread->requestStop();
         sendThread->quit();
     }
+    // On Unix a crowd that takes the last descriptor makes the local server give up; now one is free again.
+    if (!doorClosed && !localServer->isListening())
+        openDoor();
 }
 
 void TarnPipeServer::readDataFromClient()

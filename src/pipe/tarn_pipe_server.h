@@ -58,6 +58,8 @@ private:
     using Handler = std::function<QString(QJsonObject &)>;
 
     TarnPipeServer();
+    void openDoor();
+    void noticeWhoHasLeft(const QLocalSocket *newcomer);
     void writeToClient(const QByteArray &message);
 
     // command_table.cpp
@@ -107,6 +109,7 @@ private:
     std::atomic<bool> clientOnline {false};
     QMap<QString, Handler> commandTable;
     QLocalServer *localServer = nullptr;
+    bool doorClosed = false; // for good
     // Deliberately left as it is when its client goes away: a reply that is finished later is still queued,
     // for the next client. Never looked into while clientOnline is false.
     QLocalSocket *clientSocket = nullptr;

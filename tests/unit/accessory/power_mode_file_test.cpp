@@ -1,6 +1,7 @@
 #include "accessory/power_mode_file.h"
 
 #include "profile_file_fixture.h"
+#include "support/file_size_limit.h"
 
 using namespace tarnDeviceInfos;
 using tarnAccessoryManager::PowerModeFile;
@@ -175,4 +176,24 @@ TEST_F(ProfileFile, TellsHowItCannotBeWritten)
     EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::NotCreated);
     replaceProfileFile(InItsPlace::FullDisk);
     EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::NotWritten);
+}
+
+// A disk that is full, or an end of the process between the opening and the writing.
+TEST_F(ProfileFile, KeepsTheOldCharacterUntilTheNewOneIsWritten)
+{
+    save("2");
+    {
+        const tarnTest::FileSizeLimit nothingMore(0);
+        EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::NotWritten);
+    }
+    EXPECT_EQ(savedBytes(), "2");
+    EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::Done);
+    EXPECT_EQ(savedBytes(), "1");
+}
+
+TEST_F(ProfileFile, LosesWhatItHeldBesides)
+{
+    save("02 and more\n");
+    EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::Done);
+    EXPECT_EQ(savedBytes(), "1");
 }

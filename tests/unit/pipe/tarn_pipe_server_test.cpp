@@ -10,6 +10,7 @@
 #include <QFile>
 #include <QLocalServer>
 #include <QMetaMethod>
+#include <QRegularExpression>
 #include <QThreadPool>
 
 using namespace tarnPipeServer;
@@ -164,6 +165,22 @@ TEST_F(PipeServer, WhenEitherOfTwoClientsLeavesNobodyIsTalkedToUntilTheNextConne
     EXPECT_EQ(third.take(typeReply()), typeReply());
 }
 
+TEST_F(PipeServer, AClientThatLeftBeforeTheNextCameDoesNotSilenceIt)
+{
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
+    // Before the server looks: one asks and goes, another one comes.
+    client.write(R"({"cmd":"nothing"})");
+    client.socket.abort();
+    PipePeer next;
+    next.socket.connectToServer("tarnPipe");
+    next.write(typeRequest());
+    EXPECT_EQ(next.take(typeReply()), typeReply());
+    EXPECT_TRUE(machine.log.contains("Unknown command:  \"nothing\""));
+    const QStringList order = {"Tarn pipe client is exit!", "is connection!"};
+    EXPECT_EQ(machine.log.lines().filter(QRegularExpression("exit!$|connection!$")).mid(1, 2), order);
+}
+
 TEST_F(PipeServer, ALateReplyGoesToTheNextClient)
 {
     ASSERT_TRUE(tarnDeviceInfos::ecAccessMutex.lock()); // as a prompt or an update would
@@ -210,6 +227,22 @@ TEST_F(PipeServer, HandlersDoNotHoldEachOtherUp)
     tarnDeviceInfos::ecAccessMutex.unlock();
     const QByteArray reply = R"({"cmd":"getAccessoryCode","data":"0"})";
     EXPECT_EQ(client.take(reply.repeated(40)), reply.repeated(40));
+}
+
+// A client that polls while a question to the user is open must still get what needs no EC.
+TEST_F(PipeServer, ManyHandlersThatWaitForTheEcDoNotHoldTheOthersUp)
+{
+    ASSERT_TRUE(tarnDeviceInfos::ecAccessMutex.lock());
+    ASSERT_TRUE(client.connectToService());
+    for (int number = 1; number <= 300; ++number) {
+        client.write(R"({"cmd":"getAccessoryCode"})");
+        ASSERT_TRUE(
+            waitUntil([&] { return machine.log.count(R"("{\"cmd\":\"getAccessoryCode\"}")") == number; }));
+    }
+    client.write(typeRequest());
+    EXPECT_EQ(client.take(typeReply()), typeReply());
+    tarnDeviceInfos::ecAccessMutex.unlock();
+    QThreadPool::globalInstance()->waitForDone();
 }
 
 TEST_F(PipeServer, SendsDirectlyFromItsOwnThread)
@@ -310,9 +343,28 @@ TEST(PipeServerStart, DoesNotDisturbTheClientOfALiveServer)
     EXPECT_FALSE(waitUntil([&live] { return live.hasPendingConnections(); }, 50));
 }
 
+// As the local server does by itself when it cannot accept another one.
+TEST_F(PipeServer, OpensItsDoorAgainWhenSomebodyLeaves)
+{
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
+    server->findChild<QLocalServer *>()->close();
+    client.leave();
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Tarn pipe client is exit!"); }));
+    PipePeer next;
+    ASSERT_TRUE(next.connectToService());
+    next.write(typeRequest());
+    EXPECT_EQ(next.take(typeReply()), typeReply());
+}
+
 TEST_F(PipeServer, TakesNobodyOnceItsDoorIsClosed)
 {
+    PipePeer lastOne;
+    ASSERT_TRUE(lastOne.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
     server->closeDoor();
+    lastOne.leave();
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Tarn pipe client is exit!"); }));
     client.socket.connectToServer("tarnPipe");
     EXPECT_EQ(client.socket.error(), QLocalSocket::ServerNotFoundError);
 }

@@ -1,0 +1,187 @@
+#include "device/ec_registers.h"
+#include "load/figure_table.h"
+#include "load/loaded_service.h"
+#include "support/pipe_peer.h"
+
+#include <QElapsedTimer>
+#include <QSet>
+
+#include <memory>
+
+using tarnLoad::markedRequest;
+using tarnLoad::marksIn;
+using tarnLoad::report;
+using tarnLoad::scaled;
+using tarnLoad::sentMarks;
+using tarnTest::ServiceClient;
+using tarnTest::waitUntil;
+
+namespace {
+
+constexpr int pauseMs = 500; // before each message that the service sends
+constexpr int atOnceMs = 3000;
+
+QList<int> upTo(int count)
+{
+    QList<int> marks;
+    for (int mark = 1; mark <= count; ++mark)
+        marks << mark;
+    return marks;
+}
+
+QList<int> sorted(QList<int> marks)
+{
+    std::sort(marks.begin(), marks.end());
+    return marks;
+}
+
+} // namespace
+
+// More requests than can be answered for a while.
+class RequestFlood : public tarnLoad::LoadedService
+{
+protected:
+    void SetUp() override
+    {
+        LoadedService::SetUp();
+        ASSERT_TRUE(client.connectToService());
+        // The service tells each client's predecessor's news first.
+        ASSERT_EQ(client.answer("getAccessoryType"), "disconnected");
+        sentBefore = linesThatBegin("send");
+    }
+    // Reads that hold one of the marked requests, or several that arrived together.
+    [[nodiscard]] qsizetype reads() { return linesThatBegin(R"("{\"cmd\":\"getAccessoryType\",\"load\")"); }
+    [[nodiscard]] qsizetype writes() { return linesThatBegin("send") - sentBefore; }
+
+    static constexpr int boundMs(int messages) { return 30000 + 2 * pauseMs * messages; }
+
+    ServiceClient client;
+    qsizetype sentBefore = 0;
+};
+
+TEST_F(RequestFlood, AsFastAsTheyGoInIsAnsweredReadByRead)
+{
+    const auto before = figures();
+    const int count = scaled(10, 200);
+    QElapsedTimer timer;
+    timer.start();
+    for (int mark = 1; mark <= count; ++mark)
+        client.write(markedRequest(mark));
+    const qint64 writtenMs = timer.elapsed();
+    ASSERT_TRUE(
+        waitUntil([&] { return service.log().contains(QStringLiteral("\\\"load\\\":%1}\"\n").arg(count)); }));
+    const int obeyedMs = msUntilObeyed(client);
+    EXPECT_GE(obeyedMs, 0);
+    EXPECT_LT(obeyedMs, atOnceMs);
+
+    ASSERT_EQ(client.ask({{"cmd", "getAccessoryType"}}, boundMs(count)).value("data"), "disconnected");
+    // What came alone in a read is answered with its mark, what was glued together with nothing.
+    const QList<int> replies = marksIn(client.documents());
+    EXPECT_EQ(QSet<int>(replies.begin(), replies.end()).size(), replies.size()) << "a reply came twice";
+    EXPECT_EQ(replies, sentMarks(service.log()));
+    EXPECT_LE(replies.size(), reads());
+    // One message a read, and the two requests after them.
+    EXPECT_GE(writes(), reads());
+    EXPECT_LE(writes(), reads() + 2);
+    report("requests without a pause",
+        QStringLiteral("%1 in %2 ms, %3 reads, %4 understood, answered in %5 s")
+            .arg(count)
+            .arg(writtenMs)
+            .arg(reads())
+            .arg(replies.size())
+            .arg(tarnLoad::seconds(timer.elapsed())));
+    client.leave();
+    expectAsIdleAs(before, "requests without a pause");
+}
+
+TEST_F(RequestFlood, OneReadEachIsAnsweredOneByOne)
+{
+    const auto before = figures();
+    const int count = scaled(10, 200);
+    QElapsedTimer timer;
+    timer.start();
+    for (int mark = 1; mark <= count; ++mark) {
+        client.write(markedRequest(mark));
+        ASSERT_TRUE(waitUntil([&] { return reads() >= mark; })) << mark;
+    }
+    const qint64 writtenMs = timer.elapsed();
+    ASSERT_TRUE(waitUntil([&] { return marksIn(client.documents()).size() >= count; }, boundMs(count)));
+    EXPECT_GE(timer.elapsed(), pauseMs * (count - 1));
+    const QList<int> replies = marksIn(client.documents());
+    EXPECT_EQ(sorted(replies), upTo(count));
+    EXPECT_EQ(replies, sentMarks(service.log()));
+    report("requests read one by one",
+        QStringLiteral("%1 read in %2 ms, answered in %3 s, %4 ms a reply")
+            .arg(count)
+            .arg(writtenMs)
+            .arg(tarnLoad::seconds(timer.elapsed()))
+            .arg(timer.elapsed() / count));
+    client.leave();
+    expectAsIdleAs(before, "requests read one by one");
+}
+
+TEST_F(RequestFlood, OfManyClientsGoesToTheOneWhoAskedLast)
+{
+    const auto before = figures();
+    const int count = scaled(10, 200);
+    std::vector<std::unique_ptr<ServiceClient>> crowd;
+    for (int mark = 1; mark <= count; ++mark) {
+        crowd.push_back(std::make_unique<ServiceClient>());
+        ASSERT_TRUE(crowd.back()->connectToService()) << mark;
+    }
+    QElapsedTimer timer;
+    timer.start();
+    for (int mark = 1; mark <= count; ++mark)
+        crowd[static_cast<std::size_t>(mark - 1)]->write(markedRequest(mark));
+    ASSERT_TRUE(waitUntil([&] { return reads() >= count; }));
+    const qint64 askedMs = timer.elapsed();
+
+    const auto arrived = [&crowd] {
+        qsizetype all = 0;
+        for (const auto &one : crowd)
+            all += marksIn(one->documents()).size();
+        return all;
+    };
+    ASSERT_TRUE(waitUntil([&] { return arrived() >= count; }, boundMs(count))) << arrived();
+    QList<int> all;
+    qsizetype most = 0;
+    for (const auto &one : crowd) {
+        const QList<int> marks = marksIn(one->documents());
+        most = std::max(most, marks.size());
+        all += marks;
+    }
+    EXPECT_EQ(sorted(all), upTo(count)) << "lost or doubled";
+    EXPECT_EQ(sorted(sentMarks(service.log())), upTo(count));
+    // Only what was sent while others were still asking went to others.
+    EXPECT_GE(most, count - askedMs / pauseMs - 1);
+    report("clients that ask at once",
+        QStringLiteral("%1 read in %2 ms, %3 replies went to the last, in %4 s")
+            .arg(count)
+            .arg(askedMs)
+            .arg(most)
+            .arg(tarnLoad::seconds(timer.elapsed())));
+    crowd.clear();
+    client.leave();
+    expectAsIdleAs(before, "clients that ask at once");
+}
+
+// A client that polls during the update of its own accessory must not lock itself out.
+TEST_F(RequestFlood, OfHandlersThatWaitForTheEcDoesNotHoldUpTheOneThatFreesIt)
+{
+    service.attach(tarnDeviceInfos::ACCESSORY_KVANE);
+    ASSERT_TRUE(client.waitForNotification("changeAccessoryType", "k_vane"));
+    ASSERT_EQ(client.answer("requestEnterMcuUpdateMode"), "successed");
+    const int count = scaled(70, 300);
+    for (int mark = 1; mark <= count; ++mark) {
+        client.write(R"({"cmd":"getHardwareVersion"})");
+        ASSERT_TRUE(waitUntil([&] {
+            return linesThatBegin(R"("{\"cmd\":\"getHardwareVersion\"}")") >= mark;
+        })) << mark;
+    }
+    client.write(R"({"cmd":"requestLeaveMcuUpdateMode"})");
+    EXPECT_TRUE(service.waitForLog("Enter Leave Mcu Update Mode", 1, 10000))
+        << "the EC stays reserved for good";
+    EXPECT_GE(msUntilObeyed(client), 0);
+    report(
+        "handlers that wait for the EC", QStringLiteral("%1, threads %2").arg(count).arg(figures().threads));
+}

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <cstdint>
+
+namespace tarnLoad {
+
+// Within the test suite each test is quick; scripts/load sets TARN_LOAD for the long forms.
+[[nodiscard]] inline bool isLong()
+{
+    return qEnvironmentVariable("TARN_LOAD") == QStringLiteral("long");
+}
+
+template <typename Number> [[nodiscard]] Number scaled(Number quick, Number longForm)
+{
+    return isLong() ? longForm : quick;
+}
+
+// How much more memory than before is still the same: what an allocator keeps, and a sanitizer keeps most.
+[[nodiscard]] inline double keptMib(double mib)
+{
+#ifdef TARN_SANITIZED
+    return mib + 500;
+#else
+    return mib;
+#endif
+}
+
+[[nodiscard]] inline std::uint64_t numberFromEnvironment(const char *name, std::uint64_t otherwise)
+{
+    bool isNumber = false;
+    const qulonglong number = qEnvironmentVariable(name).toULongLong(&isNumber);
+    return isNumber ? number : otherwise;
+}
+
+// Each run is the same unless TARN_LOAD_SEED says otherwise.
+[[nodiscard]] inline std::uint64_t seed()
+{
+    return numberFromEnvironment("TARN_LOAD_SEED", 1);
+}
+
+} // namespace tarnLoad

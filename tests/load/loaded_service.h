@@ -1,0 +1,47 @@
+#pragma once
+
+#include "end_to_end/service_client.h"
+#include "end_to_end/service_process.h"
+#include "load/load_scale.h"
+#include "load/process_figures.h"
+
+#include <gtest/gtest.h>
+
+namespace tarnLoad {
+
+// A service that is watched while others are unkind to it.
+class LoadedService : public ::testing::Test
+{
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // The normal client: how long until the service does what it asks, -1 for never. Each call asks for
+    // something that was not so before, and which shows in the EC and not in a reply: replies wait their
+    // turn.
+    [[nodiscard]] int msUntilObeyed(tarnTest::ServiceClient &client);
+    // Lines of the log that begin so.
+    [[nodiscard]] qsizetype linesThatBegin(const char *text)
+    {
+        return service.logCount(QLatin1Char('\n') + QLatin1String(text));
+    }
+    [[nodiscard]] ProcessFigures figures() const { return figuresOf(service.process.processId()); }
+    // CPU time of the service over the next seconds, in percent of a core.
+    [[nodiscard]] double cpuPercent(int overMs);
+    // Everybody has left: the service has to be what it was, but for memory that its allocator keeps.
+    void expectAsIdleAs(const ProcessFigures &before, const char *name, double moreMib = 16);
+
+    tarnTest::ServiceProcess service;
+
+private:
+    int obeyed = 0;
+};
+
+// A request that the service answers with its mark.
+[[nodiscard]] QByteArray markedRequest(int mark, const QByteArray &ballast = {});
+// The marks of the replies among these documents, in the order of arrival.
+[[nodiscard]] QList<int> marksIn(const QByteArrayList &documents);
+// The marks of what the service says to have sent, in its order.
+[[nodiscard]] QList<int> sentMarks(const QString &log);
+
+} // namespace tarnLoad

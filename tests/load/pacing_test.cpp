@@ -1,0 +1,128 @@
+#include "campaign/random_source.h"
+#include "load/figure_table.h"
+#include "load/load_scale.h"
+#include "pipe/send_queue_thread.h"
+#include "pipe/tarn_pipe_server.h"
+#include "support/pipe_peer.h"
+#include "support/queued_messages.h"
+#include "support/simulated_machine.h"
+
+#include <QElapsedTimer>
+
+#include <gtest/gtest.h>
+
+using tarnLoad::report;
+using tarnPipeServer::SendQueueThread;
+using tarnPipeServer::TarnPipeServer;
+using tarnTest::PipePeer;
+using tarnTest::waitUntil;
+
+namespace {
+
+constexpr int messageCount = 10000;
+constexpr int pauseMs = 500;
+
+QString numbered(int number)
+{
+    return QString::number(number) + QLatin1Char(';');
+}
+
+} // namespace
+
+// Hours of messages on virtual time, with the server and its send thread in this process.
+class Pacing : public tarnTest::MachineTest
+{
+protected:
+    Pacing() { TarnPipeServer::instance(); }
+    ~Pacing() override
+    {
+        client.leave();
+        SendQueueThread::instance()->endQuietly();
+        waitUntil([] { return SendQueueThread::instance()->isFinished(); });
+    }
+
+    void expectAllPauses()
+    {
+        const std::vector<int> waits = machine.clock.waits();
+        EXPECT_EQ(waits.size(), static_cast<std::size_t>(messageCount));
+        EXPECT_TRUE(std::all_of(waits.begin(), waits.end(), [](int wait) { return wait == pauseMs; }));
+    }
+
+    // What the server says to have sent since the last call, empty messages left out.
+    QList<int> sentNumbers()
+    {
+        QList<int> numbers;
+        for (const QString &line : machine.log.lines()) {
+            if (line.startsWith(QStringLiteral("send")) && line.endsWith(QLatin1Char(';')))
+                numbers << line.mid(4, line.size() - 5).toInt();
+        }
+        return numbers;
+    }
+
+    PipePeer client;
+};
+
+TEST_F(Pacing, OfManyRequestsInARowAnswersEachOnceAndInTurn)
+{
+    ASSERT_TRUE(client.connectToService());
+    QElapsedTimer timer;
+    timer.start();
+    for (int number = 0; number < messageCount; ++number) {
+        client.write(QByteArray(R"({"cmd":"getAccessoryType","n":)") + QByteArray::number(number) + '}');
+        const QByteArray expected = QByteArray(R"({"cmd":"getAccessoryType","data":"disconnected","n":)")
+            + QByteArray::number(number) + '}';
+        ASSERT_EQ(client.take(expected), expected);
+        if (number % 1000 == 0)
+            machine.log.clear();
+    }
+    expectAllPauses();
+    report("requests in a row",
+        QStringLiteral("%1 in %2 virtual s, %3 ms")
+            .arg(messageCount)
+            .arg(machine.clock.now().count() / 1000)
+            .arg(timer.elapsed()));
+}
+
+TEST_F(Pacing, OfABacklogKeepsItsOrder)
+{
+    QByteArray expected;
+    for (int number = 0; number < messageCount; ++number) {
+        expected += numbered(number).toUtf8();
+        SendQueueThread::instance()->enqueueMessage(numbered(number));
+    }
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(client.waitForBytes(expected.size()));
+    EXPECT_EQ(client.received(), expected);
+    expectAllPauses();
+}
+
+TEST_F(Pacing, OfABacklogLosesOneMessageALeaveAtMost)
+{
+    tarnCampaign::RandomSource random(tarnLoad::seed());
+    for (int number = 1; number <= messageCount; ++number)
+        SendQueueThread::instance()->enqueueMessage(numbered(number));
+    int visits = 0;
+    QList<int> received;
+    while (!tarnTest::queuedMessages().isEmpty()) {
+        ++visits;
+        PipePeer visitor;
+        ASSERT_TRUE(visitor.connectToService());
+        const qsizetype patience = random.below(300);
+        ASSERT_TRUE(waitUntil(
+            [&] { return visitor.received().size() >= patience || tarnTest::queuedMessages().isEmpty(); }));
+        visitor.leave();
+        ASSERT_TRUE(waitUntil([] { return SendQueueThread::instance()->isFinished(); }));
+        const QByteArray bytes = visitor.received();
+        for (const QByteArray &number : bytes.left(bytes.lastIndexOf(';')).split(';'))
+            received << number.toInt();
+    }
+    const QList<int> sent = sentNumbers();
+    EXPECT_TRUE(std::is_sorted(sent.begin(), sent.end(), std::less_equal<>())) << "doubled or out of order";
+    EXPECT_TRUE(std::is_sorted(received.begin(), received.end()));
+    EXPECT_GE(sent.size(), messageCount - visits);
+    report("backlog for many visitors",
+        QStringLiteral("%1 messages, %2 visitors, %3 dropped as they left")
+            .arg(messageCount)
+            .arg(visits)
+            .arg(messageCount - sent.size()));
+}
