@@ -1,6 +1,7 @@
 #include "end_to_end/service_client.h"
 
 #include "end_to_end/test_system.h"
+#include "support/seen_texts.h"
 
 #include <QElapsedTimer>
 #include <QJsonDocument>
@@ -18,6 +19,12 @@ void ServiceClient::leave()
 {
     peer.leave();
     waitUntil([this] { return peer.socket.state() == QLocalSocket::UnconnectedState; });
+}
+
+void ServiceClient::write(const QByteArray &bytes)
+{
+    unmarked += bytes;
+    peer.write(bytes);
 }
 
 QJsonObject ServiceClient::ask(QJsonObject request, int boundMs)
@@ -76,9 +83,24 @@ qsizetype ServiceClient::notificationCount(const char *command, const char *data
 QByteArrayList ServiceClient::documents()
 {
     const QByteArray bytes = peer.received();
-    arrived += splitter.feed(QByteArrayView(bytes).sliced(taken)).documents;
+    const QByteArrayList fresh = splitter.feed(QByteArrayView(bytes).sliced(taken)).documents;
     taken = bytes.size();
+    for (const QByteArray &document : fresh)
+        noteMessage(document);
+    arrived += fresh;
     return arrived;
+}
+
+// What has no mark is a notification, unless the command was also written without one.
+void ServiceClient::noteMessage(const QByteArray &document) const
+{
+    QJsonObject message = QJsonDocument::fromJson(document).object();
+    const bool isReply = message.contains(markKey);
+    if (!isReply && unmarked.contains(message.value(QStringLiteral("cmd")).toString().toUtf8()))
+        return;
+    message.remove(markKey);
+    noteSeen(isReply ? "reply" : "notification",
+        QString::fromUtf8(QJsonDocument(message).toJson(QJsonDocument::Compact)));
 }
 
 } // namespace tarnTest

@@ -14,7 +14,7 @@ class ServiceClient
 public:
     [[nodiscard]] bool connectToService() { return peer.connectToService(); }
     void leave();
-    void write(const QByteArray &bytes) { peer.write(bytes); }
+    void write(const QByteArray &bytes);
 
     // Sends the request and waits for the message that echoes its mark; nothing if none comes.
     [[nodiscard]] QJsonObject ask(QJsonObject request, int boundMs = 120000);
@@ -29,10 +29,13 @@ public:
     [[nodiscard]] QByteArrayList documents();
 
 private:
+    void noteMessage(const QByteArray &document) const;
+
     PipePeer peer;
     tarnClient::JsonSplitter splitter;
     qsizetype taken = 0;
     QByteArrayList arrived;
+    QByteArray unmarked; // requests that were written as they were
     int asked = 0;
 };
 
