@@ -109,7 +109,7 @@ bool DialogueScript::expectMessage(const QByteArray &message)
         }
         return client.documents().size() > seen;
     };
-    if (!waitUntil(hasCome, patienceMs)) {
+    if (!client.waitConnected(hasCome, patienceMs)) {
         ADD_FAILURE() << "it does not come; after: " << client.documents().mid(seen).join('\n').toStdString();
         return false;
     }
@@ -122,8 +122,8 @@ bool DialogueScript::expectMessage(const QByteArray &message)
 
 bool DialogueScript::expectEmptyAnswer()
 {
-    const bool has =
-        waitUntil([this] { return service.logLines().count(emptyAnswerLine) > emptyAnswers; }, patienceMs);
+    const bool has = client.waitConnected(
+        [this] { return service.logLines().count(emptyAnswerLine) > emptyAnswers; }, patienceMs);
     EXPECT_TRUE(has) << "no empty answer";
     return has;
 }
@@ -148,7 +148,8 @@ bool DialogueScript::expectWrites(const QString &expected)
 
 bool DialogueScript::awaitLog(const QString &text)
 {
-    const bool said = waitUntil([&] { return service.log().mid(logMark).contains(text); }, patienceMs);
+    const bool said =
+        client.waitConnected([&] { return service.log().mid(logMark).contains(text); }, patienceMs);
     EXPECT_TRUE(said) << "the log does not say it";
     return said;
 }

@@ -11,7 +11,10 @@ namespace {
 
 // The service echoes every field; this one tells a reply from the others and from notifications.
 const QString markKey = QStringLiteral("mark");
+
 constexpr qint64 keepAliveMs = 2000;
+const QByteArray keepAliveKey = "keepAlive";
+const QByteArray keepAliveRequest = R"({"cmd":"getAccessoryType","keepAlive":true})";
 
 } // namespace
 
@@ -33,14 +36,8 @@ QJsonObject ServiceClient::ask(QJsonObject request, int boundMs)
     request.insert(markKey, mark);
     peer.write(QJsonDocument(request).toJson(QJsonDocument::Compact));
     QJsonObject reply;
-    QElapsedTimer sinceRequest;
-    sinceRequest.start();
-    waitUntil(
+    (void)waitConnected(
         [&] {
-            if (losesIdleConnections() && sinceRequest.elapsed() > keepAliveMs) {
-                peer.write(R"({"cmd":"getAccessoryType"})");
-                sinceRequest.start();
-            }
             for (const QByteArray &document : documents()) {
                 const QJsonObject message = QJsonDocument::fromJson(document).object();
                 if (message.value(markKey).toInt() == mark)
@@ -68,6 +65,21 @@ QString ServiceClient::answer(const char *command, const char *data)
     return reply.isEmpty() ? QStringLiteral("(no reply)") : added.join(QLatin1Char(' '));
 }
 
+bool ServiceClient::waitConnected(const std::function<bool()> &condition, int boundMs)
+{
+    QElapsedTimer sinceRequest;
+    sinceRequest.start();
+    return waitUntil(
+        [&] {
+            if (losesIdleConnections() && sinceRequest.elapsed() > keepAliveMs) {
+                peer.write(keepAliveRequest);
+                sinceRequest.start();
+            }
+            return condition();
+        },
+        boundMs);
+}
+
 bool ServiceClient::waitForNotification(const char *command, const char *data, int boundMs)
 {
     return waitUntil([=, this] { return notificationCount(command, data) > 0; }, boundMs);
@@ -85,9 +97,12 @@ QByteArrayList ServiceClient::documents()
     const QByteArray bytes = peer.received();
     const QByteArrayList fresh = splitter.feed(QByteArrayView(bytes).sliced(taken)).documents;
     taken = bytes.size();
-    for (const QByteArray &document : fresh)
+    for (const QByteArray &document : fresh) {
+        if (document.contains(keepAliveKey))
+            continue;
         noteMessage(document);
-    arrived += fresh;
+        arrived << document;
+    }
     return arrived;
 }
 

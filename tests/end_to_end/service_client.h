@@ -6,6 +6,8 @@
 #include <QByteArrayList>
 #include <QJsonObject>
 
+#include <functional>
+
 namespace tarnTest {
 
 // A client of a real service: takes the messages apart and tells replies from notifications.
@@ -27,6 +29,8 @@ public:
 
     // Every document so far.
     [[nodiscard]] QByteArrayList documents();
+    // As waitUntil, and keeps the connection alive meanwhile where that is needed.
+    [[nodiscard]] bool waitConnected(const std::function<bool()> &condition, int boundMs);
 
 private:
     void noteMessage(const QByteArray &document) const;
