@@ -8,8 +8,8 @@ namespace {
 
 const QString reasonMark = QStringLiteral(" not here: ");
 
-const QStringList kinds = {"debug", "warning", "fatal", "out", "err", "reply", "notification", "file", "name",
-    "started", "device", "manager", "event", "desktop"};
+const QStringList kinds = {"debug", "warning", "fatal", "out", "err", "exit", "reply", "notification", "file",
+    "name", "started", "device", "manager", "event", "desktop"};
 
 } // namespace
 

@@ -1,7 +1,10 @@
+#include "client/command_catalogue.h"
 #include "end_to_end/dialogue_script.h"
 #include "end_to_end/running_service.h"
 
 #include <QFile>
+#include <QJsonDocument>
+#include <QSet>
 
 using tarnTest::DialogueScript;
 
@@ -22,6 +25,25 @@ QStringList dialogueLines(const QString &name)
 }
 
 } // namespace
+
+// No command is left out.
+TEST(ConformanceDialogues, AskForEveryCommand)
+{
+    QSet<QString> answered;
+    for (const char *name : dialogueNames) {
+        QString previous;
+        for (const QString &line : dialogueLines(QString::fromUtf8(name))) {
+            if (previous.startsWith("->") && line.startsWith("<- "))
+                answered += QJsonDocument::fromJson(line.sliced(3).toUtf8()).object().value("cmd").toString();
+            previous = line;
+        }
+    }
+    QSet<QString> commands;
+    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue())
+        commands += QString(command.name);
+    EXPECT_EQ(commands.size(), 27);
+    EXPECT_EQ(answered, commands);
+}
 
 // Every command with all that it takes and refuses, and every notification: nothing else may arrive, and
 // nothing else may be written to the EC.

@@ -67,6 +67,14 @@ void noteSeenFile(const QString &name, const QByteArray &content)
         noteSeen("file", plainName + QStringLiteral(": ") + line);
 }
 
+void noteSeenRun(const std::vector<std::string> &words, int exitCode, const QString &out, const QString &err)
+{
+    const QString option = words.size() < 2 ? QStringLiteral("(none)") : QString::fromStdString(words[1]);
+    noteSeen("exit", QStringLiteral("%1 %2").arg(option).arg(exitCode));
+    noteSeenLines("out", out);
+    noteSeenLines("err", err);
+}
+
 void writeSeenTexts()
 {
     const ::testing::TestInfo *test = ::testing::UnitTest::GetInstance()->current_test_info();

@@ -54,8 +54,8 @@ protected:
         std::fflush(nullptr);
         out = testing::internal::GetCapturedStdout();
         err = testing::internal::GetCapturedStderr();
-        tarnTest::noteSeenLines("out", QString::fromLatin1(out.c_str()));
-        tarnTest::noteSeenLines("err", QString::fromLatin1(err.c_str()));
+        tarnTest::noteSeenRun(
+            words, exitCode, QString::fromLatin1(out.c_str()), QString::fromLatin1(err.c_str()));
         hostCalls = host.calls;
     }
 
