@@ -15,7 +15,10 @@ namespace {
 std::string quoted(const std::filesystem::path &file)
 {
     const std::u8string name = file.u8string();
-    return "\"" + std::string(name.begin(), name.end()) + "\"";
+    // Not "..." + string: GCC 12 warns of an overflow in it that there is not.
+    std::string text = "\"";
+    text.append(name.begin(), name.end());
+    return text + '"';
 }
 
 // Removes the half-made file on every way out.

@@ -1,16 +1,12 @@
-#include "end_to_end/service_client.h"
-#include "end_to_end/service_process.h"
-
-#include "simulator/tool/run_tool.h"
+#include "end_to_end/dialogue_script.h"
 
 #include <QFile>
-#include <QTextStream>
 
 #include <gtest/gtest.h>
 
+using tarnTest::DialogueScript;
 using tarnTest::ServiceClient;
 using tarnTest::ServiceProcess;
-using tarnTest::waitUntil;
 
 namespace {
 
@@ -50,34 +46,6 @@ TEST(ProtocolDocument, ShowsWhatTheServiceReallySays)
     ServiceClient client;
     ASSERT_TRUE(client.connectToService());
     ASSERT_TRUE(client.waitForNotification("getTarnBatteryNum", "80"));
-
-    qsizetype seen = client.documents().size();
-    for (const QString &line : lines) {
-        const QString rest = line.section(QLatin1Char(' '), 1);
-        if (line.startsWith("-> ")) {
-            client.write(rest.toUtf8());
-        } else if (line.startsWith("<- ")) {
-            qsizetype at = -1;
-            EXPECT_TRUE(waitUntil(
-                [&] {
-                    at = client.documents().indexOf(rest.toUtf8(), seen);
-                    return at >= 0;
-                },
-                20000))
-                << line.toStdString() << "\nafter: " << client.documents().mid(seen).join('\n').toStdString();
-            if (at >= 0)
-                seen = at + 1;
-        } else {
-            ASSERT_TRUE(line.startsWith("tarnsim ")) << line.toStdString();
-            QString out;
-            QString err;
-            QTextStream outStream(&out);
-            QTextStream errStream(&err);
-            const QStringList arguments =
-                QStringList({"tarnsim", "--state", service.path("function/simulated_computer.state")})
-                + rest.split(' ');
-            EXPECT_EQ(tarnSimulator::runTool(arguments, outStream, errStream), 0) << err.toStdString();
-        }
-    }
+    DialogueScript(service, client, DialogueScript::Others::AreSkipped).follow(lines);
     EXPECT_EQ(service.stop(), 0);
 }

@@ -1,6 +1,7 @@
 #include "end_to_end/service_client.h"
 
 #include "end_to_end/test_system.h"
+#include "support/seen_texts.h"
 
 #include <QElapsedTimer>
 #include <QJsonDocument>
@@ -10,7 +11,10 @@ namespace {
 
 // The service echoes every field; this one tells a reply from the others and from notifications.
 const QString markKey = QStringLiteral("mark");
+
 constexpr qint64 keepAliveMs = 2000;
+const QByteArray keepAliveKey = "keepAlive";
+const QByteArray keepAliveRequest = R"({"cmd":"getAccessoryType","keepAlive":true})";
 
 } // namespace
 
@@ -20,20 +24,20 @@ void ServiceClient::leave()
     waitUntil([this] { return peer.socket.state() == QLocalSocket::UnconnectedState; });
 }
 
+void ServiceClient::write(const QByteArray &bytes)
+{
+    unmarked += bytes;
+    peer.write(bytes);
+}
+
 QJsonObject ServiceClient::ask(QJsonObject request, int boundMs)
 {
     const int mark = ++asked;
     request.insert(markKey, mark);
     peer.write(QJsonDocument(request).toJson(QJsonDocument::Compact));
     QJsonObject reply;
-    QElapsedTimer sinceRequest;
-    sinceRequest.start();
-    waitUntil(
+    (void)waitConnected(
         [&] {
-            if (losesIdleConnections() && sinceRequest.elapsed() > keepAliveMs) {
-                peer.write(R"({"cmd":"getAccessoryType"})");
-                sinceRequest.start();
-            }
             for (const QByteArray &document : documents()) {
                 const QJsonObject message = QJsonDocument::fromJson(document).object();
                 if (message.value(markKey).toInt() == mark)
@@ -61,6 +65,21 @@ QString ServiceClient::answer(const char *command, const char *data)
     return reply.isEmpty() ? QStringLiteral("(no reply)") : added.join(QLatin1Char(' '));
 }
 
+bool ServiceClient::waitConnected(const std::function<bool()> &condition, int boundMs)
+{
+    QElapsedTimer sinceRequest;
+    sinceRequest.start();
+    return waitUntil(
+        [&] {
+            if (losesIdleConnections() && sinceRequest.elapsed() > keepAliveMs) {
+                peer.write(keepAliveRequest);
+                sinceRequest.start();
+            }
+            return condition();
+        },
+        boundMs);
+}
+
 bool ServiceClient::waitForNotification(const char *command, const char *data, int boundMs)
 {
     return waitUntil([=, this] { return notificationCount(command, data) > 0; }, boundMs);
@@ -76,9 +95,27 @@ qsizetype ServiceClient::notificationCount(const char *command, const char *data
 QByteArrayList ServiceClient::documents()
 {
     const QByteArray bytes = peer.received();
-    arrived += splitter.feed(QByteArrayView(bytes).sliced(taken)).documents;
+    const QByteArrayList fresh = splitter.feed(QByteArrayView(bytes).sliced(taken)).documents;
     taken = bytes.size();
+    for (const QByteArray &document : fresh) {
+        if (document.contains(keepAliveKey))
+            continue;
+        noteMessage(document);
+        arrived << document;
+    }
     return arrived;
+}
+
+// What has no mark is a notification, unless the command was also written without one.
+void ServiceClient::noteMessage(const QByteArray &document) const
+{
+    QJsonObject message = QJsonDocument::fromJson(document).object();
+    const bool isReply = message.contains(markKey);
+    if (!isReply && unmarked.contains(message.value(QStringLiteral("cmd")).toString().toUtf8()))
+        return;
+    message.remove(markKey);
+    noteSeen(isReply ? "reply" : "notification",
+        QString::fromUtf8(QJsonDocument(message).toJson(QJsonDocument::Compact)));
 }
 
 } // namespace tarnTest

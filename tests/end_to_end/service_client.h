@@ -6,6 +6,8 @@
 #include <QByteArrayList>
 #include <QJsonObject>
 
+#include <functional>
+
 namespace tarnTest {
 
 // A client of a real service: takes the messages apart and tells replies from notifications.
@@ -14,7 +16,7 @@ class ServiceClient
 public:
     [[nodiscard]] bool connectToService() { return peer.connectToService(); }
     void leave();
-    void write(const QByteArray &bytes) { peer.write(bytes); }
+    void write(const QByteArray &bytes);
 
     // Sends the request and waits for the message that echoes its mark; nothing if none comes.
     [[nodiscard]] QJsonObject ask(QJsonObject request, int boundMs = 120000);
@@ -27,12 +29,17 @@ public:
 
     // Every document so far.
     [[nodiscard]] QByteArrayList documents();
+    // As waitUntil, and keeps the connection alive meanwhile where that is needed.
+    [[nodiscard]] bool waitConnected(const std::function<bool()> &condition, int boundMs);
 
 private:
+    void noteMessage(const QByteArray &document) const;
+
     PipePeer peer;
     tarnClient::JsonSplitter splitter;
     qsizetype taken = 0;
     QByteArrayList arrived;
+    QByteArray unmarked; // requests that were written as they were
     int asked = 0;
 };
 

@@ -4,6 +4,7 @@
 #include "simulator/accessory_catalog.h"
 #include "simulator/fault_table.h"
 #include "support/pipe_peer.h"
+#include "support/seen_texts.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -109,6 +110,7 @@ ServiceProcess::ServiceProcess()
 ServiceProcess::~ServiceProcess()
 {
     kill();
+    noteSeenLines("said", log());
 }
 
 bool ServiceProcess::start(const QStringList &arguments)
@@ -118,6 +120,7 @@ bool ServiceProcess::start(const QStringList &arguments)
 
 bool ServiceProcess::launch(const QStringList &arguments, const QString &workingFolder)
 {
+    noteSeenLines("said", log()); // a new process begins a new log
     process.setWorkingDirectory(workingFolder.isEmpty() ? folder.path() : workingFolder);
     process.start(path(programName), arguments);
     return process.waitForStarted();
@@ -151,13 +154,20 @@ bool ServiceProcess::waitForEnd(int boundMs)
 
 QString ServiceProcess::log()
 {
-    return QString::fromLocal8Bit(read(logName)).remove(QLatin1Char('\r'));
+    QFile file(path(logName));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromLocal8Bit(file.readAll()).remove(QLatin1Char('\r'));
 }
 
 QByteArray ServiceProcess::read(const QString &name) const
 {
     QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = file.readAll();
+    noteSeenFile(name, content);
+    return content;
 }
 
 void ServiceProcess::write(const QString &name, const QByteArray &content) const
@@ -165,6 +175,7 @@ void ServiceProcess::write(const QString &name, const QByteArray &content) const
     QFile file(path(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(name));
+    noteSeenFile(name, {});
 }
 
 QString ServiceProcess::downloads() const

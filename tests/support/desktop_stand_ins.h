@@ -2,6 +2,7 @@
 
 #include "platform/process_list.h"
 #include "platform/user_session.h"
+#include "support/seen_texts.h"
 
 #include <QStringList>
 
@@ -60,6 +61,7 @@ private:
     void note(const QString &how, const QString &program, const QString &argument)
     {
         shown << how + ' ' + argument;
+        noteSeen("started", program + ' ' + argument);
         lastProgram = program;
         if (onShow)
             onShow();

@@ -1,5 +1,7 @@
 #include "support/log_capture.h"
 
+#include "support/seen_texts.h"
+
 #include <atomic>
 #include <cstdio>
 
@@ -7,6 +9,18 @@ namespace tarnTest {
 namespace {
 
 std::atomic<LogCapture *> active {nullptr};
+
+const char *kindOf(QtMsgType type)
+{
+    switch (type) {
+    case QtDebugMsg:
+        return "debug";
+    case QtFatalMsg:
+        return "fatal";
+    default:
+        return "warning";
+    }
+}
 
 } // namespace
 
@@ -39,8 +53,11 @@ void LogCapture::clear()
 
 void LogCapture::collect(QtMsgType type, const QMessageLogContext &, const QString &text)
 {
-    if (type == QtFatalMsg)
+    noteSeen(kindOf(type), text);
+    if (type == QtFatalMsg) {
         std::fprintf(stderr, "%s\n", qPrintable(text)); // for death tests
+        writeSeenTexts();
+    }
     LogCapture *capture = active;
     if (!capture)
         return;

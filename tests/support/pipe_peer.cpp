@@ -1,5 +1,7 @@
 #include "support/pipe_peer.h"
 
+#include "support/seen_texts.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QEventLoop>
@@ -41,8 +43,12 @@ PipePeer::PipePeer()
 
 bool PipePeer::connectToService()
 {
-    socket.connectToServer(QStringLiteral("tarnPipe"));
-    return waitUntil([this] { return socket.state() == QLocalSocket::ConnectedState; });
+    const QString pipe = QStringLiteral("tarnPipe");
+    socket.connectToServer(pipe);
+    const bool connected = waitUntil([this] { return socket.state() == QLocalSocket::ConnectedState; });
+    if (connected)
+        noteSeen("name", pipe);
+    return connected;
 }
 
 void PipePeer::write(const QByteArray &bytes)

@@ -2,6 +2,7 @@
 
 #include "pipe/message_format.h"
 #include "pipe/send_queue_thread.h"
+#include "support/seen_texts.h"
 
 #include <QStringList>
 
@@ -15,7 +16,10 @@ inline QString notification(const char *command, const QString &data)
 // Everything that waits for a client, oldest first.
 inline QStringList queuedMessages()
 {
-    return tarnPipeServer::SendQueueThread::instance()->waitingMessages();
+    const QStringList messages = tarnPipeServer::SendQueueThread::instance()->waitingMessages();
+    for (const QString &message : messages)
+        noteSeen("message", message);
+    return messages;
 }
 
 // What has been queued since the mark was made.

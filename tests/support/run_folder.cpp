@@ -1,5 +1,7 @@
 #include "support/run_folder.h"
 
+#include "support/seen_texts.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -29,6 +31,7 @@ void RunFolder::installPortLibrary(const QString &library)
     QDir(folder.path()).mkpath(QStringLiteral("function"));
     removePortLibrary();
     QFile::link(library, path(libraryName));
+    noteSeen("file", libraryName);
 }
 
 void RunFolder::removePortLibrary()
@@ -41,12 +44,17 @@ void RunFolder::write(const QString &name, const QByteArray &content) const
     QFile file(path(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot write %s", qPrintable(name));
+    noteSeenFile(name, {});
 }
 
 QByteArray RunFolder::read(const QString &name) const
 {
     QFile file(path(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray content = file.readAll();
+    noteSeenFile(name, content);
+    return content;
 }
 
 } // namespace tarnTest

@@ -6,6 +6,7 @@
 #include "graphics/graphics_accessory_manager.h"
 #include "support/desktop_stand_ins.h"
 #include "support/queued_messages.h"
+#include "support/seen_texts.h"
 #include "support/simulated_machine.h"
 
 namespace tarnTest {
@@ -22,6 +23,8 @@ protected:
         tarnDeviceInfos::EcDirverControllerHal::instance();
         tarnPipeServer::SendQueueThread::instance();
         machine.attach(tarnDeviceInfos::ACCESSORY_GRAPHICS);
+        noteSeen("device", QString::fromStdString(device(gpuName).description));
+        noteSeen("device", QString::fromStdString(device(gpuName).hardwareId));
         forgetPast();
     }
 
@@ -52,11 +55,14 @@ protected:
     {
         tarnSimulator::Device changed = device(name);
         changed.description = description;
+        noteSeen("device", description);
         devices().store(slot(name), changed);
     }
     void addDevice(const char *name, tarnSimulator::DeviceKind kind, const char *description,
         const char *hardwareId = "", const char *instanceId = "")
     {
+        noteSeen("device", description);
+        noteSeen("device", hardwareId);
         ASSERT_TRUE(devices().add({name, kind, tarnSimulator::DevicePlace::Computer, true, 0, description,
             hardwareId, instanceId}));
     }

@@ -2,6 +2,7 @@
 
 #include "platform/stop_requests.h"
 #include "support/log_capture.h"
+#include "support/seen_texts.h"
 #include "support/virtual_clock.h"
 
 #include <QTimer>
@@ -65,9 +66,9 @@ struct Output
     QString err;
 };
 
-Output run(std::vector<std::string> words)
+Output run(const std::vector<std::string> &words)
 {
-    NotingService service(std::move(words));
+    NotingService service(words);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     Output output;
@@ -75,6 +76,7 @@ Output run(std::vector<std::string> words)
     std::fflush(nullptr);
     output.out = QString::fromStdString(testing::internal::GetCapturedStdout());
     output.err = QString::fromStdString(testing::internal::GetCapturedStderr());
+    tarnTest::noteSeenRun(words, output.exitCode, output.out, output.err);
     EXPECT_TRUE(service.calls.isEmpty());
     return output;
 }

@@ -1,6 +1,7 @@
 #include "service/qt_service.h"
 
 #include "support/log_capture.h"
+#include "support/seen_texts.h"
 #include "unit/service/scripted_service_manager.h"
 
 #include <gtest/gtest.h>
@@ -53,6 +54,8 @@ protected:
         std::fflush(nullptr);
         out = testing::internal::GetCapturedStdout();
         err = testing::internal::GetCapturedStderr();
+        tarnTest::noteSeenRun(
+            words, exitCode, QString::fromLatin1(out.c_str()), QString::fromLatin1(err.c_str()));
         hostCalls = host.calls;
     }
 

@@ -7,6 +7,7 @@
 #include "service/running_check.h"
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"
+#include "support/seen_texts.h"
 #include "support/simulated_machine.h"
 #include "unit/service/scripted_service_manager.h"
 
@@ -46,6 +47,7 @@ TEST_F(ServiceObject, DescribesItself)
     EXPECT_EQ(machine.log.lines(), QStringList({"0"}));
     EXPECT_EQ(service.serviceName(), "Tarn Service");
     EXPECT_EQ(service.serviceDescription(), "Tarn Service in Windows");
+    tarnTest::noteSeen("manager", service.serviceName() + '|' + service.serviceDescription());
     EXPECT_EQ(service.serviceFlags(), QtServiceBase::CanBeSuspended);
     EXPECT_EQ(static_cast<const QtServiceBase &>(service).startupType(), QtServiceBase::AutoStartup);
 }

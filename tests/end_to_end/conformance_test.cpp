@@ -1,0 +1,61 @@
+#include "client/command_catalogue.h"
+#include "end_to_end/dialogue_script.h"
+#include "end_to_end/running_service.h"
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QSet>
+
+using tarnTest::DialogueScript;
+
+namespace {
+
+// The conversations, each a file of its own in the folder beside this one.
+const char *const dialogueNames[] = {"accessory", "device_settings", "dock", "external_gpu", "firmware",
+    "graphics_light", "kvane", "not_understood", "power_control", "power_profiles", "unreadable_registers"};
+
+QStringList dialogueLines(const QString &name)
+{
+    const QString given = qEnvironmentVariable("TARN_DIALOGUES_FOLDER");
+    const QString folder = given.isEmpty() ? QStringLiteral(TARN_DIALOGUES_FOLDER) : given;
+    QFile file(folder + QLatin1Char('/') + name + QStringLiteral(".txt"));
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return QString::fromUtf8(file.readAll()).split(QLatin1Char('\n'));
+}
+
+} // namespace
+
+// No command is left out.
+TEST(ConformanceDialogues, AskForEveryCommand)
+{
+    QSet<QString> answered;
+    for (const char *name : dialogueNames) {
+        QString previous;
+        for (const QString &line : dialogueLines(QString::fromUtf8(name))) {
+            if (previous.startsWith("->") && line.startsWith("<- "))
+                answered += QJsonDocument::fromJson(line.sliced(3).toUtf8()).object().value("cmd").toString();
+            previous = line;
+        }
+    }
+    QSet<QString> commands;
+    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue())
+        commands += QString(command.name);
+    EXPECT_EQ(commands.size(), 27);
+    EXPECT_EQ(answered, commands);
+}
+
+// Every command with all that it takes and refuses, and every notification: nothing else may arrive, and
+// nothing else may be written to the EC.
+class Conformance : public tarnTest::RunningService, public ::testing::WithParamInterface<const char *>
+{ };
+
+TEST_P(Conformance, OfTheWholeDialogue)
+{
+    const QStringList lines = dialogueLines(QString::fromUtf8(GetParam()));
+    ASSERT_GT(lines.filter(QStringLiteral("<-")).size(), 4);
+    DialogueScript(service, client, DialogueScript::Others::Fail).follow(lines);
+}
+
+INSTANTIATE_TEST_SUITE_P(Protocol, Conformance, ::testing::ValuesIn(dialogueNames),
+    [](const auto &dialogue) { return std::string(dialogue.param); });
