@@ -32,8 +32,12 @@ struct Command
     Figures realMs {};
 };
 
-// Commands that belong together, measured one after the other.
-using Group = std::vector<Command>;
+// Commands that belong together, measured one after the other with the accessory they are for.
+struct Group
+{
+    quint8 accessory;
+    std::vector<Command> commands;
+};
 
 Command plain(const char *name, const char *data = nullptr)
 {
@@ -59,40 +63,50 @@ std::vector<Group> everyCommand(tarnCampaign::CampaignMachine &machine, bool isQ
         return command;
     };
     std::vector<Group> groups {
-        {plain("getAccessoryType")},
-        {plain("getMcuVersion")},
-        {plain("getHardwareVersion")},
-        {plain("getAccessoryCode")},
-        {plain("getMcuUpdateParameters")},
-        {plain("powerModeControl", "first")},
-        {plain("powerModeControl", "high")},
-        {plain("powerModeControl", "balance")},
-        {plain("powerModeControl", "low")},
-        {plain("powerModeControl", "last")},
-        {plain("setDockLedStatus", "on")},
-        {plain("getDockLedStatus")},
-        {plain("setGraphicsRGB", "red")},
-        {plain("setGraphicsRGB", "on")},
-        {plain("getGraphicsRGB")},
-        {plain("setSmartChargingStatus", "ON")},
-        {plain("getSmartChargingStatus")},
-        {plain("setTarnPowerMode", "high")},
-        {plain("getTarnPowerMode")},
-        {plain("requestBeginGraphicsMcuUpdate")},
-        {plain("getTarnKvaneSnCode")},
-        {plain("setKVaneLedLight", "5")},
-        {plain("getKVaneLedLight")},
-        {plain("getKvaneChargingStatus")},
-        {plain("getKvaneBatteryNum")},
-        {plain("getTarnChargingStatus")},
-        {plain("getTarnBatteryNum")},
-        {plain("requestEnterMcuUpdateMode"), plain("requestLeaveMcuUpdateMode")},
+        {ACCESSORY_DOCK, {plain("getAccessoryType")}},
+        {ACCESSORY_DOCK, {plain("getMcuVersion")}},
+        {ACCESSORY_DOCK, {plain("getHardwareVersion")}},
+        {ACCESSORY_DOCK, {plain("getAccessoryCode")}},
+        {ACCESSORY_DOCK, {plain("getMcuUpdateParameters")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "first")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "high")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "balance")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "low")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "last")}},
+        {ACCESSORY_DOCK, {plain("setSmartChargingStatus", "ON")}},
+        {ACCESSORY_DOCK, {plain("getSmartChargingStatus")}},
+        {ACCESSORY_DOCK, {plain("setTarnPowerMode", "high")}},
+        {ACCESSORY_DOCK, {plain("getTarnPowerMode")}},
+        {ACCESSORY_DOCK, {plain("setDockLedStatus", "on")}},
+        {ACCESSORY_DOCK, {plain("getDockLedStatus")}},
+        // Each in turn, so that the colour is another one every time and has to be saved.
+        {ACCESSORY_GRAPHICS, {plain("setGraphicsRGB", "red"), plain("setGraphicsRGB", "blue")}},
+        {ACCESSORY_GRAPHICS, {plain("setGraphicsRGB", "on")}},
+        {ACCESSORY_GRAPHICS, {plain("getGraphicsRGB")}},
+        {ACCESSORY_GRAPHICS, {plain("requestBeginGraphicsMcuUpdate")}},
+        {ACCESSORY_KVANE, {plain("getTarnKvaneSnCode")}},
+        {ACCESSORY_KVANE, {plain("setKVaneLedLight", "5")}},
+        {ACCESSORY_KVANE, {plain("getKVaneLedLight")}},
+        {ACCESSORY_KVANE, {plain("getKvaneChargingStatus")}},
+        {ACCESSORY_KVANE, {plain("getKvaneBatteryNum")}},
+        {ACCESSORY_KVANE, {plain("getTarnChargingStatus")}},
+        {ACCESSORY_KVANE, {plain("getTarnBatteryNum")}},
+        {ACCESSORY_KVANE, {plain("requestEnterMcuUpdateMode"), plain("requestLeaveMcuUpdateMode")}},
     };
     if (!isQuick)
-        groups.push_back({withDownload(plain("requestMcuUpdate", "firmware.bin"))});
-    groups.push_back({plain("requestStartEcUpdate")});
-    groups.push_back({withDownload(plain("requestEcUpdate", "firmware.bin"))});
+        groups.push_back({ACCESSORY_KVANE, {withDownload(plain("requestMcuUpdate", "firmware.bin"))}});
+    groups.push_back({ACCESSORY_KVANE, {plain("requestStartEcUpdate")}});
+    groups.push_back({ACCESSORY_KVANE, {withDownload(plain("requestEcUpdate", "firmware.bin"))}});
     return groups;
+}
+
+void attach(quint8 accessory, tarnCampaign::CampaignMachine &machine)
+{
+    if (machine.attachedCode() == accessory)
+        return;
+    machine.attach(accessory);
+    const EcAccess access;
+    EcDirverReader::instance()->pollAccessory(); // the updates ask the monitor what is attached
 }
 
 // Runs the command; its own milliseconds of real time.
@@ -120,12 +134,13 @@ int roundsFor(double waitsMs, bool isQuick)
 
 void measure(Group &group, tarnCampaign::CampaignMachine &machine, bool isQuick)
 {
+    attach(group.accessory, machine);
     // On virtual time first, which tells the waits of the sequence and what it costs without them. The first
     // round creates what is created on first use.
     double groupMs = 0;
     for (int round = 0; round < 2; ++round) {
         groupMs = 0;
-        for (Command &command : group) {
+        for (Command &command : group.commands) {
             machine.clock.forgetWaits();
             command.workMs = run(command);
             command.waitsMs = sum(machine.clock.waits());
@@ -134,7 +149,7 @@ void measure(Group &group, tarnCampaign::CampaignMachine &machine, bool isQuick)
     }
     machine.clock.onWait = tarnPlatform::systemSleep; // and then for real, as the service itself sleeps
     for (int round = 0; round < roundsFor(groupMs, isQuick); ++round) {
-        for (Command &command : group) {
+        for (Command &command : group.commands) {
             machine.clock.forgetWaits();
             machine.log.clear();
             command.realMs.add(run(command));
@@ -188,19 +203,13 @@ int main(int argc, char **argv)
     const bool isQuick = QCoreApplication::arguments().contains(QStringLiteral("--quick"));
     tarnCampaign::CampaignMachine machine;
     makeTool(machine, QStringLiteral("function/EC/IFU_XE.exe"));
-    machine.attach(ACCESSORY_KVANE);
-    {
-        const EcAccess access;
-        EcDirverReader::instance()->pollAccessory();
-    }
-
     printHeading("Commands: time beside their waits");
     Table table({"command", "data", "waits ms", "median ms", "more ms", "more %", "least more ms",
         "largest more ms", "own work ms", "runs"});
     Figures morePercent;
     for (Group &group : everyCommand(machine, isQuick)) {
         measure(group, machine, isQuick);
-        for (const Command &command : group) {
+        for (const Command &command : group.commands) {
             table.add(cellsOf(command));
             if (command.waitsMs > 0)
                 morePercent.add(morePercentOf(command));
