@@ -11,17 +11,29 @@ QString filePath()
     return QStringLiteral("./powermodeconfig.xml");
 }
 
+// With its content, which is written over: the close of a file that was emptied first waits for the disk on
+// some file systems, and an error or a power cut in between would leave no profile at all.
+bool openForWriting(QFile &file)
+{
+    // A file that may not be read can only be opened the other way.
+    return file.open(QIODevice::ReadWrite | QIODevice::Text)
+        || file.open(QIODevice::WriteOnly | QIODevice::Text);
+}
+
 } // namespace
 
 PowerModeFile::Write PowerModeFile::write(quint32 profile)
 {
     QFile file(filePath());
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+    if (!openForWriting(file))
         return Write::NotCreated;
     QTextStream stream(&file);
     stream << profile;
     stream.flush(); // a full disk shows here and only here; the file's own flush does not tell the stream
-    return stream.status() == QTextStream::Ok ? Write::Done : Write::NotWritten;
+    if (stream.status() != QTextStream::Ok)
+        return Write::NotWritten;
+    const qint64 end = file.pos();
+    return file.size() <= end || file.resize(end) ? Write::Done : Write::NotWritten;
 }
 
 PowerModeFile::Read PowerModeFile::read(QString *content)

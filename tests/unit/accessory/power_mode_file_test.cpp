@@ -2,6 +2,9 @@
 
 #include "profile_file_fixture.h"
 
+#include <csignal>
+#include <sys/resource.h>
+
 using namespace tarnDeviceInfos;
 using tarnAccessoryManager::PowerModeFile;
 using tarnSimulator::Fault;
@@ -175,4 +178,45 @@ TEST_F(ProfileFile, TellsHowItCannotBeWritten)
     EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::NotCreated);
     replaceProfileFile(InItsPlace::FullDisk);
     EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::NotWritten);
+}
+
+// An empty file would bring the default back at the next start.
+TEST_F(ProfileFile, AFailedWriteLeavesTheLastProfile)
+{
+    save("2");
+    rlimit before {};
+    ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &before), 0);
+    const auto handler = ::signal(SIGXFSZ, SIG_IGN);
+    rlimit nothing = before;
+    nothing.rlim_cur = 0;
+    ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &nothing), 0);
+    const auto result = PowerModeFile::write(1);
+    ::setrlimit(RLIMIT_FSIZE, &before);
+    ::signal(SIGXFSZ, handler);
+    EXPECT_EQ(result, PowerModeFile::Write::NotWritten);
+    EXPECT_EQ(savedBytes(), "2");
+}
+
+TEST_F(ProfileFile, HoldsOneCharacterWhateverItHeldBefore)
+{
+    for (const char *before : {"", "0", "high", "1\r\n"}) {
+        save(before);
+        EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::Done);
+        EXPECT_EQ(savedBytes(), "1") << before;
+    }
+}
+
+TEST_F(ProfileFile, IsWrittenEvenIfItCannotBeRead)
+{
+    save("2");
+    tarnTest::setMode(machine.folder.path("."), 0755);
+    tarnTest::setMode(profilePath(), 0222);
+    {
+        const Unprivileged unprivileged;
+        if (!Unprivileged::works())
+            GTEST_SKIP() << "the rights of root cannot be given up here";
+        EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::Done);
+    }
+    tarnTest::setMode(profilePath(), 0666);
+    EXPECT_EQ(savedBytes(), "1");
 }
