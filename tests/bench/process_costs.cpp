@@ -53,6 +53,15 @@ void connectAsSoonAsPossible(QLocalSocket &socket)
     qFatal("the service does not open its pipe");
 }
 
+void readUntil(QLocalSocket &socket, QByteArray &arrived, const char *text)
+{
+    while (!arrived.contains(text)) {
+        if (!socket.waitForReadyRead(patienceMs))
+            qFatal("no message with %s", text);
+        arrived += socket.readAll();
+    }
+}
+
 void measureStart(const Extent &extent)
 {
     Figures pipeMs;
@@ -69,17 +78,17 @@ void measureStart(const Extent &extent)
         connectAsSoonAsPossible(socket);
         pipeMs.add(elapsedMs(timer) - startDelayMs);
         socket.write(R"({"cmd":"getAccessoryType"})");
-        QByteArray answer;
-        while (!answer.contains("getAccessoryType") && socket.waitForReadyRead(patienceMs))
-            answer += socket.readAll();
+        QByteArray arrived;
+        readUntil(socket, arrived, "getAccessoryType");
         answerMs.add(elapsedMs(timer) - startDelayMs - messagePauseMs);
         if (!service.waitForLog(QStringLiteral("getAccessoryTypeForFirst finish normal.")))
             qFatal("the monitor does not poll");
         const bool withClient = round % 2 == 1;
-        if (!withClient) {
+        if (withClient)
+            readUntil(socket, arrived, "getTarnBatteryNum"); // the last message of the start
+        else
             socket.disconnectFromServer();
-            settle(extent);
-        }
+        settle(extent);
         timer.start();
         if (service.stop() != 0)
             qFatal("the service does not end well");
@@ -172,34 +181,44 @@ void measureIdle(
     cycles.print();
 }
 
+// The service beside the bare server, each time at the same moment: PSS depends on who else has the pages.
 class MemoryTable
 {
 public:
-    void add(const QString &name, qint64 pid)
+    MemoryTable(qint64 servicePid, qint64 bareServerPid)
+        : service(servicePid)
+        , bareServer(bareServerPid)
+    { }
+
+    void add(const char *moment)
     {
-        const auto memory = memoryOf(pid);
-        if (!memory)
-            qFatal("the memory of %s cannot be read", qPrintable(name));
-        if (names.isEmpty())
-            first = *memory;
-        names << name;
-        table.add(
-            {name, mib(memory->resident), mib(memory->proportional), mib(memory->own), mib(memory->anonymous),
-                mib(memory->resident - first.resident), mib(memory->proportional - first.proportional)});
+        const Memory ours = read(service);
+        const Memory bare = read(bareServer);
+        table.add({moment, pair(ours.resident, bare.resident), mib(ours.resident - bare.resident),
+            pair(ours.proportional, bare.proportional), mib(ours.proportional - bare.proportional),
+            pair(ours.own, bare.own), mib(ours.own - bare.own), pair(ours.anonymous, bare.anonymous)});
     }
     void print() const
     {
-        printHeading("Memory");
+        printHeading("Memory: service / bare server");
         table.print();
         printNote(QStringLiteral("In MiB; bar: %1 more than the bare server.").arg(memoryBarMib));
     }
 
 private:
+    static Memory read(qint64 pid)
+    {
+        const auto memory = memoryOf(pid);
+        if (!memory)
+            qFatal("the memory of process %lld cannot be read", pid);
+        return *memory;
+    }
     static QString mib(int kib) { return fixed(kib / 1024.0, 2); }
+    static QString pair(int ours, int bare) { return mib(ours) + QStringLiteral(" / ") + mib(bare); }
 
-    Table table {{"process", "RSS", "PSS", "own pages", "anonymous", "RSS more", "PSS more"}};
-    QStringList names;
-    Memory first;
+    const qint64 service;
+    const qint64 bareServer;
+    Table table {{"moment", "RSS", "more", "PSS", "more", "own pages", "more", "anonymous"}};
 };
 
 Extent wantedExtent()
@@ -230,19 +249,17 @@ int main(int argc, char **argv)
     if (!service.start() || !bareServer.waitForStarted())
         qFatal("the servers do not start");
     settle(extent);
-    MemoryTable memory;
-    memory.add(QStringLiteral("bare server"), bareServer.processId());
-    const qint64 pid = service.process.processId();
-    memory.add(QStringLiteral("service, started"), pid);
+    MemoryTable memory(service.process.processId(), bareServer.processId());
+    memory.add("started");
     ServiceClient client;
     if (!client.connectToService())
         qFatal("no client");
     measureRequests(client, extent.requests);
-    memory.add(QStringLiteral("service, with a client that has asked"), pid);
+    memory.add("with a client that has asked");
     client.leave();
     settle(extent);
     measureIdle(service, bareServer.processId(), rates, extent);
-    memory.add(QStringLiteral("service, after every accessory"), pid);
+    memory.add("after every accessory");
     memory.print();
 
     const bool endedWell = service.stop() == 0;

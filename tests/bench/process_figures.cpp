@@ -4,6 +4,7 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFile>
+#include <QHash>
 #include <QTimer>
 
 #include <unistd.h>
@@ -27,48 +28,59 @@ qint64 numberAfter(const QByteArray &text, const char *key)
     return 0;
 }
 
-double cpuSecondsOf(const QString &process)
+// What the kernel has counted since the start of a thread.
+struct Activity
 {
+    qint64 wakeUps = 0;
+    double cpuSeconds = 0;
+};
+
+double cpuSecondsOf(const QDir &thread)
+{
+    // In nanoseconds; not every kernel keeps it.
+    const qint64 ns = contentOf(thread.filePath(QStringLiteral("schedstat"))).split(' ').first().toLongLong();
+    if (ns > 0)
+        return static_cast<double>(ns) / 1e9;
     // The name, in brackets, may hold blanks; user and system time are the 12th and 13th field after it.
-    const QByteArray stat = contentOf(process + QStringLiteral("/stat"));
+    const QByteArray stat = contentOf(thread.filePath(QStringLiteral("stat")));
     const QByteArrayList fields = stat.mid(stat.lastIndexOf(')') + 2).split(' ');
     const qint64 ticks = fields.value(11).toLongLong() + fields.value(12).toLongLong();
     return static_cast<double>(ticks) / static_cast<double>(::sysconf(_SC_CLK_TCK));
 }
 
-} // namespace
-
-Activity activityOf(qint64 pid)
+// By the number of the thread.
+QHash<QString, Activity> activityOf(qint64 pid)
 {
-    const QString process = QStringLiteral("/proc/%1").arg(pid);
-    Activity activity;
-    double threadSeconds = 0;
-    const QDir tasks(process + QStringLiteral("/task"));
-    for (const QString &task : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
-        const QByteArray status = contentOf(tasks.filePath(task + QStringLiteral("/status")));
-        activity.wakeUps += numberAfter(status, "voluntary_ctxt_switches:");
-        activity.preemptions += numberAfter(status, "nonvoluntary_ctxt_switches:");
-        // In nanoseconds; not every kernel keeps it.
-        const QByteArray schedule = contentOf(tasks.filePath(task + QStringLiteral("/schedstat")));
-        threadSeconds += static_cast<double>(schedule.split(' ').first().toLongLong()) / 1e9;
-        ++activity.threads;
+    QHash<QString, Activity> threads;
+    const QDir tasks(QStringLiteral("/proc/%1/task").arg(pid));
+    for (const QString &number : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        const QDir thread(tasks.filePath(number));
+        const QByteArray status = contentOf(thread.filePath(QStringLiteral("status")));
+        threads.insert(number, {numberAfter(status, "voluntary_ctxt_switches:"), cpuSecondsOf(thread)});
     }
-    activity.cpuSeconds = threadSeconds > 0 ? threadSeconds : cpuSecondsOf(process);
-    return activity;
+    return threads;
 }
+
+} // namespace
 
 IdleFigures watchProcess(qint64 pid, std::chrono::milliseconds duration)
 {
-    const Activity before = activityOf(pid);
+    const auto before = activityOf(pid);
     QElapsedTimer elapsed;
     elapsed.start();
     QEventLoop loop;
     QTimer::singleShot(duration, Qt::PreciseTimer, &loop, &QEventLoop::quit);
     loop.exec();
     const double seconds = static_cast<double>(elapsed.nsecsElapsed()) / 1e9;
-    const Activity after = activityOf(pid);
-    return {static_cast<double>(after.wakeUps - before.wakeUps) / seconds,
-        100 * (after.cpuSeconds - before.cpuSeconds) / seconds, after.threads};
+    const auto after = activityOf(pid);
+    IdleFigures idle;
+    idle.threads = static_cast<int>(after.size());
+    for (auto thread = after.begin(); thread != after.end(); ++thread) {
+        const Activity earlier = before.value(thread.key());
+        idle.wakeUpsPerSecond += static_cast<double>(thread->wakeUps - earlier.wakeUps) / seconds;
+        idle.cpuPercent += 100 * (thread->cpuSeconds - earlier.cpuSeconds) / seconds;
+    }
+    return idle;
 }
 
 std::optional<Memory> memoryOf(qint64 pid)

@@ -7,25 +7,15 @@
 
 namespace tarnBench {
 
-// What the kernel has counted for all threads of a process since its start. A thread that ended takes its
-// counts along, so between two looks the threads have to stay the same.
-struct Activity
-{
-    qint64 wakeUps = 0; // voluntary context switches: each is one sleep that ended
-    qint64 preemptions = 0; // involuntary ones, which tell of a busy machine
-    double cpuSeconds = 0;
-    int threads = 0;
-};
-[[nodiscard]] Activity activityOf(qint64 pid);
-
-// Activity in a stretch of time.
+// What a process does in a stretch of time.
 struct IdleFigures
 {
-    double wakeUpsPerSecond = 0;
+    double wakeUpsPerSecond = 0; // voluntary context switches: each is one sleep that ended
     double cpuPercent = 0; // of one core
     int threads = 0;
 };
-// Watches the process for so long, serving this thread's events meanwhile.
+// Watches the process for so long, serving this thread's events meanwhile. What a thread did that ends
+// meanwhile is not seen.
 [[nodiscard]] IdleFigures watchProcess(qint64 pid, std::chrono::milliseconds duration);
 
 // In KiB, from smaps_rollup.
