@@ -28,6 +28,7 @@ constexpr milliseconds day = 24h;
 constexpr milliseconds betweenValues = 10min;
 constexpr milliseconds betweenAccessories = 3h;
 constexpr milliseconds betweenRequests = 20min;
+constexpr milliseconds absence = 2h;
 
 constexpr const char *requests[] = {"getAccessoryType", "getMcuVersion", "getMcuUpdateParameters",
     "getDockLedStatus", "getGraphicsRGB", "getSmartChargingStatus", "getTarnPowerMode", "getTarnKvaneSnCode",
@@ -88,17 +89,24 @@ private:
     std::size_t attached = 0;
 };
 
-// A client that asks for one thing after the other and comes back every day.
+// A client that asks for one thing after the other, leaves every day and comes back a little later: whoever
+// leaves after somebody has come takes the other's messages away.
 class Visitor
 {
 public:
     void look(milliseconds now)
     {
-        if (now >= nextVisit) {
-            nextVisit = now + day;
+        if (now >= nextLeave) {
+            nextLeave += day;
+            nextVisit = now + absence;
+            socket.reset();
+        }
+        if (!socket && now >= nextVisit) {
             socket = std::make_unique<QLocalSocket>();
             socket->connectToServer(QStringLiteral("tarnPipe"));
         }
+        if (!socket)
+            return;
         bytesRead += socket->readAll().size();
         if (now < nextRequest || socket->state() != QLocalSocket::ConnectedState)
             return;
@@ -114,6 +122,7 @@ public:
 private:
     std::unique_ptr<QLocalSocket> socket;
     milliseconds nextVisit {0};
+    milliseconds nextLeave = day - 12h;
     milliseconds nextRequest {0};
 };
 
