@@ -70,6 +70,16 @@ std::optional<int> numberOf(const quint8 (&colour)[3])
     return std::nullopt;
 }
 
+// Empty when there is none that the box could show.
+std::optional<int> savedColour(const QSettings &settings)
+{
+    bool isNumber = false;
+    const int colour = settings.value(colourKey).toInt(&isNumber);
+    if (!isNumber || !isGraphicsColour(colour) || colour == graphicsOff)
+        return std::nullopt;
+    return colour;
+}
+
 } // namespace
 
 int GraphicsAccessoryManager::getGraphicsRgb()
@@ -129,15 +139,15 @@ int GraphicsAccessoryManager::setGraphicsRgb(int colour)
 
 int GraphicsAccessoryManager::readGraphicsColor()
 {
-    const QSettings settings(colourFile, QSettings::IniFormat);
-    bool isNumber = false;
-    const int colour = settings.value(colourKey).toInt(&isNumber);
-    return isNumber && isGraphicsColour(colour) && colour != graphicsOff ? colour : graphicsWhite;
+    return savedColour(QSettings(colourFile, QSettings::IniFormat)).value_or(graphicsWhite);
 }
 
 void GraphicsAccessoryManager::saveGraphicsColor(int colour)
 {
     QSettings settings(colourFile, QSettings::IniFormat);
+    // Saving waits for the disk, and with it everybody who waits for the EC.
+    if (savedColour(settings) == colour)
+        return;
     settings.setValue(colourKey, colour);
     settings.sync();
     if (settings.status() != QSettings::NoError)

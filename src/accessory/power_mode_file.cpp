@@ -11,12 +11,11 @@ QString filePath()
     return QStringLiteral("./powermodeconfig.xml");
 }
 
-constexpr qint64 profileLength = 1;
-
-// Truncating it first would lose the profile when the process ends, or the disk is full, before the new one
-// is there. One that cannot be read as well can only be opened so.
+// With its content, which is written over: the close of a file that was emptied first waits for the disk on
+// some file systems, and an error or a power cut in between would leave no profile at all.
 bool openForWriting(QFile &file)
 {
+    // A file that may not be read can only be opened the other way.
     return file.open(QIODevice::ReadWrite | QIODevice::Text)
         || file.open(QIODevice::WriteOnly | QIODevice::Text);
 }
@@ -33,9 +32,8 @@ PowerModeFile::Write PowerModeFile::write(quint32 profile)
     stream.flush(); // a full disk shows here and only here; the file's own flush does not tell the stream
     if (stream.status() != QTextStream::Ok)
         return Write::NotWritten;
-    if (file.size() > profileLength && !file.resize(profileLength))
-        return Write::NotWritten;
-    return Write::Done;
+    const qint64 end = file.pos();
+    return file.size() <= end || file.resize(end) ? Write::Done : Write::NotWritten;
 }
 
 PowerModeFile::Read PowerModeFile::read(QString *content)

@@ -62,6 +62,7 @@ void SendQueueThread::startSending()
 
 void SendQueueThread::endQuietly()
 {
+    ending = true;
     running = false;
     stopTaking();
 }
@@ -71,6 +72,8 @@ void SendQueueThread::run()
     qDebug() << "server send is running!";
     while (!decideToReturn()) {
         const QString message = takeNextMessage();
+        if (ending && message.isEmpty())
+            continue; // the end of the process does not wait half a second for nothing
         tarnPlatform::sleepFor(messagePause);
         TarnPipeServer::instance()->sendDataToClient(message);
     }

@@ -37,7 +37,8 @@ public:
 
     // Starts the loop, or keeps the present one going. Not to be called on the send thread.
     void startSending();
-    // As clearing running and requestStop, without a word: for the end of the process.
+    // As clearing running and requestStop, without a word and without a last empty message: for the end of
+    // the process.
     void endQuietly();
 
     void run() override;
@@ -55,6 +56,7 @@ private:
     QMutex queueMutex; // guards messageQueue and returning
     QWaitCondition queueNotEmpty;
     std::atomic<bool> stopRequested {false};
+    std::atomic<bool> ending {false}; // with the process; nothing takes it back
     bool returning = false; // the loop has made up its mind to return; only a new start brings it back
 };
 

@@ -1,130 +1,224 @@
-#include "accessory/dock_accessory_manager.h"
-#include "accessory/ec_power_mode_manager.h"
-#include "accessory/kvane_accessory_manager.h"
-#include "device/ec_dirver_controller_hal.h"
+#include "campaign/campaign_machine.h"
+#include "device/ec_access_lock.h"
 #include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
-#include "platform/waits.h"
+#include "figures.h"
+#include "pipe/tarn_pipe_server.h"
+#include "platform/system_sleep.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QJsonDocument>
 
 #include <algorithm>
-#include <cstdio>
 #include <functional>
-#include <vector>
+#include <numeric>
 
-using namespace tarnAccessoryManager;
+using namespace tarnBench;
 using namespace tarnDeviceInfos;
 
 namespace {
 
-// Waits for real and adds up what was asked for.
-class CountingClock : public tarnPlatform::WaitClock
+constexpr double barPercent = 2;
+
+struct Command
 {
-public:
-    void sleep(std::chrono::milliseconds duration) override
-    {
-        asked += duration;
-        WaitClock::sleep(duration);
-    }
-    std::chrono::milliseconds asked {0};
+    QByteArray request;
+    std::function<void()> prepare = [] {
+    };
+    double waitsMs = 0;
+    double workMs = 0; // when waiting takes no time
+    Figures realMs {};
 };
 
-struct Operation
+// Commands that belong together, measured one after the other with the accessory they are for.
+struct Group
 {
-    const char *name;
-    int rounds;
-    std::function<void()> run;
+    quint8 accessory;
+    std::vector<Command> commands;
 };
+
+Command plain(const char *name, const char *data = nullptr)
+{
+    QByteArray request = QByteArray(R"({"cmd":")") + name + '"';
+    if (data)
+        request += QByteArray(R"(,"data":")") + data + '"';
+    return {request + '}'};
+}
+
+void makeTool(tarnCampaign::CampaignMachine &machine, const QString &name)
+{
+    machine.folder.write(name, "#!/bin/sh\n");
+    QFile(machine.folder.path(name)).setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+}
+
+// Every command that a client may send. The last two take the EC for good.
+std::vector<Group> everyCommand(tarnCampaign::CampaignMachine &machine, bool isQuick)
+{
+    const auto withDownload = [&machine](Command command) {
+        command.prepare = [&machine] {
+            machine.folder.write(QStringLiteral("Downloads/firmware.bin"), QByteArray(16384, 'f'));
+        };
+        return command;
+    };
+    std::vector<Group> groups {
+        {ACCESSORY_DOCK, {plain("getAccessoryType")}},
+        {ACCESSORY_DOCK, {plain("getMcuVersion")}},
+        {ACCESSORY_DOCK, {plain("getHardwareVersion")}},
+        {ACCESSORY_DOCK, {plain("getAccessoryCode")}},
+        {ACCESSORY_DOCK, {plain("getMcuUpdateParameters")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "first")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "high")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "balance")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "low")}},
+        {ACCESSORY_DOCK, {plain("powerModeControl", "last")}},
+        {ACCESSORY_DOCK, {plain("setSmartChargingStatus", "ON")}},
+        {ACCESSORY_DOCK, {plain("getSmartChargingStatus")}},
+        {ACCESSORY_DOCK, {plain("setTarnPowerMode", "high")}},
+        {ACCESSORY_DOCK, {plain("getTarnPowerMode")}},
+        {ACCESSORY_DOCK, {plain("setDockLedStatus", "on")}},
+        {ACCESSORY_DOCK, {plain("getDockLedStatus")}},
+        // Each in turn, so that the colour is another one every time and has to be saved.
+        {ACCESSORY_GRAPHICS, {plain("setGraphicsRGB", "red"), plain("setGraphicsRGB", "blue")}},
+        {ACCESSORY_GRAPHICS, {plain("setGraphicsRGB", "on")}},
+        {ACCESSORY_GRAPHICS, {plain("getGraphicsRGB")}},
+        {ACCESSORY_GRAPHICS, {plain("requestBeginGraphicsMcuUpdate")}},
+        {ACCESSORY_KVANE, {plain("getTarnKvaneSnCode")}},
+        {ACCESSORY_KVANE, {plain("setKVaneLedLight", "5")}},
+        {ACCESSORY_KVANE, {plain("getKVaneLedLight")}},
+        {ACCESSORY_KVANE, {plain("getKvaneChargingStatus")}},
+        {ACCESSORY_KVANE, {plain("getKvaneBatteryNum")}},
+        {ACCESSORY_KVANE, {plain("getTarnChargingStatus")}},
+        {ACCESSORY_KVANE, {plain("getTarnBatteryNum")}},
+        {ACCESSORY_KVANE, {plain("requestEnterMcuUpdateMode"), plain("requestLeaveMcuUpdateMode")}},
+    };
+    if (!isQuick)
+        groups.push_back({ACCESSORY_KVANE, {withDownload(plain("requestMcuUpdate", "firmware.bin"))}});
+    groups.push_back({ACCESSORY_KVANE, {plain("requestStartEcUpdate")}});
+    groups.push_back({ACCESSORY_KVANE, {withDownload(plain("requestEcUpdate", "firmware.bin"))}});
+    return groups;
+}
+
+void attach(quint8 accessory, tarnCampaign::CampaignMachine &machine)
+{
+    if (machine.attachedCode() == accessory)
+        return;
+    machine.attach(accessory);
+    const EcAccess access;
+    EcDirverReader::instance()->pollAccessory(); // the updates ask the monitor what is attached
+}
+
+// Runs the command; its own milliseconds of real time.
+double run(Command &command)
+{
+    command.prepare();
+    QElapsedTimer timer;
+    timer.start();
+    tarnPipeServer::TarnPipeServer::instance()->dispatch(command.request);
+    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+double sum(const std::vector<int> &waits)
+{
+    return std::accumulate(waits.begin(), waits.end(), 0.0);
+}
+
+// As often as the time allows, so that the short commands get a median worth its name.
+int roundsFor(double waitsMs, bool isQuick)
+{
+    const double budgetMs = isQuick ? 150 : 4000;
+    const int atLeast = isQuick ? 1 : 3;
+    return std::clamp(static_cast<int>(budgetMs / std::max(waitsMs, 1.0)), atLeast, 50);
+}
+
+void measure(Group &group, tarnCampaign::CampaignMachine &machine, bool isQuick)
+{
+    attach(group.accessory, machine);
+    // On virtual time first, which tells the waits of the sequence and what it costs without them. The first
+    // round creates what is created on first use.
+    double groupMs = 0;
+    for (int round = 0; round < 2; ++round) {
+        groupMs = 0;
+        for (Command &command : group.commands) {
+            machine.clock.forgetWaits();
+            command.workMs = run(command);
+            command.waitsMs = sum(machine.clock.waits());
+            groupMs += command.waitsMs;
+        }
+    }
+    machine.clock.onWait = tarnPlatform::systemSleep; // and then for real, as the service itself sleeps
+    for (int round = 0; round < roundsFor(groupMs, isQuick); ++round) {
+        for (Command &command : group.commands) {
+            machine.clock.forgetWaits();
+            machine.log.clear();
+            command.realMs.add(run(command));
+            if (sum(machine.clock.waits()) != command.waitsMs)
+                qFatal("%s waits another time for real", command.request.constData());
+        }
+    }
+    machine.clock.onWait = {};
+}
+
+double morePercentOf(const Command &command)
+{
+    return 100 * (command.realMs.median() - command.waitsMs) / command.waitsMs;
+}
+
+QStringList cellsOf(const Command &command)
+{
+    const QJsonObject request = QJsonDocument::fromJson(command.request).object();
+    const Figures &ms = command.realMs;
+    const auto more = [&command](double value) {
+        return fixed(value - command.waitsMs, 2);
+    };
+    return {request.value(QStringLiteral("cmd")).toString(), request.value(QStringLiteral("data")).toString(),
+        fixed(command.waitsMs, 0), fixed(ms.median(), 2), more(ms.median()),
+        command.waitsMs > 0 ? fixed(morePercentOf(command), 2) : QStringLiteral("-"), more(ms.quantile(0)),
+        more(ms.largest()), fixed(command.workMs, 2), QString::number(ms.count())};
+}
+
+// How much longer than asked for a wait takes, whatever the service does: the system's share of each "more".
+void printSleepCost(bool isQuick)
+{
+    using namespace std::chrono_literals;
+    Figures moreUs;
+    for (int round = 0; round < (isQuick ? 50 : 1000); ++round) {
+        QElapsedTimer timer;
+        timer.start();
+        tarnPlatform::systemSleep(5ms);
+        moreUs.add(static_cast<double>(timer.nsecsElapsed() - 5000000) / 1e3);
+    }
+    printNote(
+        QStringLiteral("A single wait of 5 ms takes %1 us more (median; p99 %2 us), which is %3 %.")
+            .arg(fixed(moreUs.median(), 0), fixed(moreUs.quantile(0.99), 0), fixed(moreUs.median() / 50, 2)));
+}
 
 } // namespace
 
-// Prints for each operation its time beside the sum of the waits it consists of.
+// Prints for each command its time beside the sum of the waits that its sequence consists of.
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    QDir::setCurrent(QCoreApplication::applicationDirPath());
-    qInstallMessageHandler([](QtMsgType, const QMessageLogContext &, const QString &) {});
-    CountingClock clock;
-    tarnPlatform::setWaitClock(&clock);
-
-    auto *power = EcPowerModeManager::instance();
-    quint8 byte = 0;
-    QString text;
-    const std::vector<Operation> operations = {
-        {"xdata read", 100,
-            [&] {
-                EcDirverControllerHal::instance()->readXdata(MCU_LINK_STATUS, &byte);
-            }},
-        {"xdata write", 100,
-            [] {
-                EcDirverControllerHal::instance()->writeXdata(EC_FAN_MODE, 0);
-            }},
-        {"EEPROM read", 20,
-            [power] {
-                power->getSmartChargingStatus();
-            }},
-        {"EEPROM write", 20,
-            [power] {
-                power->setSmartChargingStatus(true);
-            }},
-        {"getMcuVersion", 20,
-            [&text] {
-                EcDirverReader::instance()->getMcuVersion(text);
-            }},
-        {"profile high", 10,
-            [power] {
-                power->setEcPowerMode(0);
-            }},
-        {"control mode", 20,
-            [power] {
-                power->setEcPowerCtrlMode(1);
-            }},
-        {"device power mode set", 20,
-            [power] {
-                power->setTarnPowerMode(1);
-            }},
-        {"device power mode get", 20,
-            [power] {
-                power->getTarnPowerMode();
-            }},
-        {"dock light set", 20,
-            [] {
-                DockAccessoryManager::instance()->setDockLedStatus(1);
-            }},
-        {"dock light get", 20,
-            [] {
-                DockAccessoryManager::instance()->getDockLedStatus();
-            }},
-        {"KVane serial number", 10,
-            [] {
-                KvaneAccessoryManager::instance()->getKvaneSnCode();
-            }},
-        {"KVane light set", 20,
-            [] {
-                KvaneAccessoryManager::instance()->setKVaneLedLight(3);
-            }},
-    };
-
-    std::printf("%-24s %10s %10s %8s\n", "operation", "waits ms", "median ms", "over");
-    for (const Operation &operation : operations) {
-        operation.run(); // creates what is created on first use
-        std::vector<double> over;
-        double waits = 0;
-        for (int round = 0; round < operation.rounds; ++round) {
-            clock.asked = std::chrono::milliseconds::zero();
-            QElapsedTimer timer;
-            timer.start();
-            operation.run();
-            waits = static_cast<double>(clock.asked.count());
-            over.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6 / waits - 1);
+    const bool isQuick = QCoreApplication::arguments().contains(QStringLiteral("--quick"));
+    tarnCampaign::CampaignMachine machine;
+    makeTool(machine, QStringLiteral("function/EC/IFU_XE.exe"));
+    printHeading("Commands: time beside their waits");
+    Table table({"command", "data", "waits ms", "median ms", "more ms", "more %", "least more ms",
+        "largest more ms", "own work ms", "runs"});
+    Figures morePercent;
+    for (Group &group : everyCommand(machine, isQuick)) {
+        measure(group, machine, isQuick);
+        for (const Command &command : group.commands) {
+            table.add(cellsOf(command));
+            if (command.waitsMs > 0)
+                morePercent.add(morePercentOf(command));
         }
-        std::sort(over.begin(), over.end());
-        const double median = over[over.size() / 2];
-        std::printf(
-            "%-24s %10.0f %10.2f %7.2f%%\n", operation.name, waits, waits * (1 + median), 100 * median);
     }
+    table.print();
+    printNote(QStringLiteral("At most %1 % more than the waits (bar: %2 %).")
+                  .arg(fixed(morePercent.largest(), 2))
+                  .arg(barPercent));
+    printSleepCost(isQuick);
     return 0;
 }

@@ -2,7 +2,10 @@
 #include "graphics/graphics_accessory_manager.h"
 #include "power_mode_fixture.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 
 using namespace tarnDeviceInfos;
 using namespace tarnAccessoryManager;
@@ -239,6 +242,29 @@ TEST_F(GraphicsRgb, OffKeepsTheRememberedColour)
     EXPECT_EQ(manager->setGraphicsRgb(7), 0);
     EXPECT_EQ(machine.computer.graphicsLight().toWord(), 0U);
     EXPECT_EQ(manager->readGraphicsColor(), 5);
+}
+
+// The monitor and every other user of the EC wait while the file goes to the disk.
+TEST_F(GraphicsRgb, IsNotSavedAgainWhenItIsRememberedAlready)
+{
+    ASSERT_EQ(manager->setGraphicsRgb(1), 0);
+    const QDateTime longAgo = QDateTime::fromSecsSinceEpoch(1000000000);
+    QFile file(machine.folder.path(rgbFile));
+    ASSERT_TRUE(file.open(QIODevice::ReadWrite) && file.setFileTime(longAgo, QFile::FileModificationTime));
+    file.close();
+    EXPECT_EQ(manager->setGraphicsRgb(1), 0);
+    EXPECT_EQ(manager->getGraphicsRgb(), 1);
+    EXPECT_EQ(QFileInfo(file.fileName()).lastModified(), longAgo);
+    EXPECT_EQ(manager->setGraphicsRgb(2), 0);
+    EXPECT_EQ(saved(), "[General]\ngraphicsColor=2\n");
+}
+
+// White is also what an absent colour reads as.
+TEST_F(GraphicsRgb, WhiteIsSavedLikeEveryColour)
+{
+    machine.folder.write(rgbFile, "[General]\ngraphicsColor=9\n");
+    EXPECT_EQ(manager->setGraphicsRgb(0), 0);
+    EXPECT_EQ(saved(), "[General]\ngraphicsColor=0\n");
 }
 
 class RememberedColour : public GraphicsRgb,

@@ -191,9 +191,26 @@ TEST_F(ProfileFile, KeepsTheOldCharacterUntilTheNewOneIsWritten)
     EXPECT_EQ(savedBytes(), "1");
 }
 
-TEST_F(ProfileFile, LosesWhatItHeldBesides)
+TEST_F(ProfileFile, HoldsOneCharacterWhateverItHeldBefore)
 {
-    save("02 and more\n");
-    EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::Done);
+    for (const char *before : {"", "0", "high", "1\r\n"}) {
+        save(before);
+        EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::Done);
+        EXPECT_EQ(savedBytes(), "1") << before;
+    }
+}
+
+TEST_F(ProfileFile, IsWrittenEvenIfItCannotBeRead)
+{
+    save("2");
+    tarnTest::setMode(machine.folder.path("."), 0755);
+    tarnTest::setMode(profilePath(), 0222);
+    {
+        const Unprivileged unprivileged;
+        if (!Unprivileged::works())
+            GTEST_SKIP() << "the rights of root cannot be given up here";
+        EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::Done);
+    }
+    tarnTest::setMode(profilePath(), 0666);
     EXPECT_EQ(savedBytes(), "1");
 }

@@ -93,6 +93,16 @@ TEST_F(SendLoop, EndsQuietly)
     EXPECT_FALSE(machine.log.contains("send Thread is quit!"));
 }
 
+// The end of the process would otherwise take half a second for a message of nothing.
+TEST_F(SendLoop, EndsQuietlyWithoutAPauseWhenThereIsNothingToSend)
+{
+    queue->startSending();
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Queue is waiting!"); }));
+    queue->endQuietly();
+    ASSERT_TRUE(waitUntil([this] { return queue->isFinished(); }));
+    EXPECT_TRUE(machine.clock.waits().empty());
+}
+
 TEST_F(SendLoop, ARestartIsNeverLost)
 {
     // Starts that meet the old loop at every point of its return.

@@ -1,0 +1,190 @@
+#include "device/ec_access_lock.h"
+#include "device/ec_dirver_controller_hal.h"
+#include "device/ec_dirver_reader.h"
+#include "figures.h"
+#include "pipe/tarn_pipe_server.h"
+#include "process_figures.h"
+#include "simulator/accessory_catalog.h"
+#include "support/pipe_peer.h"
+#include "support/queued_messages.h"
+#include "support/simulated_machine.h"
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+#include <atomic>
+#include <limits>
+#include <malloc.h>
+#include <memory>
+
+using namespace tarnBench;
+using namespace std::chrono_literals;
+using std::chrono::milliseconds;
+using tarnDeviceInfos::EcDirverReader;
+
+namespace {
+
+constexpr milliseconds day = 24h;
+constexpr milliseconds betweenValues = 10min;
+constexpr milliseconds betweenAccessories = 3h;
+constexpr milliseconds betweenRequests = 20min;
+constexpr milliseconds absence = 2h;
+
+constexpr const char *requests[] = {"getAccessoryType", "getMcuVersion", "getMcuUpdateParameters",
+    "getDockLedStatus", "getGraphicsRGB", "getSmartChargingStatus", "getTarnPowerMode", "getTarnKvaneSnCode",
+    "getKVaneLedLight", "getTarnBatteryNum", "noSuchCommand"};
+
+// The desk: now and then another accessory, batteries that change. On the monitor's thread, within its waits.
+class Desk
+{
+public:
+    explicit Desk(tarnTest::SimulatedMachine &subject)
+        : machine(subject)
+    { }
+
+    void onWait(milliseconds duration)
+    {
+        if (QThread::currentThread() != EcDirverReader::instance())
+            return;
+        if (duration == 100ms && tarnDeviceInfos::ecAccessMutex.isLocked())
+            ++cycles;
+        const milliseconds now = machine.clock.now();
+        if (now >= nextValues) {
+            nextValues = now + betweenValues;
+            changeValues();
+        }
+        if (now >= nextAccessory) {
+            nextAccessory = now + betweenAccessories;
+            changeAccessory();
+        }
+    }
+
+    std::atomic<int> cycles {0};
+
+private:
+    void changeValues()
+    {
+        level = static_cast<std::uint8_t>((level + 1) % 101);
+        machine.computer.setKvaneBattery(level);
+        machine.computer.setHostBattery(level);
+        // What the test's own stand-ins remember would be taken for a growth of the service.
+        machine.clock.forgetWaits();
+        machine.log.clear();
+    }
+
+    void changeAccessory()
+    {
+        const auto catalogue = tarnSimulator::accessoryCatalog();
+        attached = (attached + 1) % (catalogue.size() + 1);
+        if (attached == catalogue.size())
+            machine.computer.detach();
+        else
+            machine.computer.attach(catalogue[attached]);
+    }
+
+    tarnTest::SimulatedMachine &machine;
+    milliseconds nextValues {0};
+    milliseconds nextAccessory = betweenAccessories;
+    std::uint8_t level = 0;
+    std::size_t attached = 0;
+};
+
+// A client that asks for one thing after the other, leaves every day and comes back a little later: whoever
+// leaves after somebody has come takes the other's messages away.
+class Visitor
+{
+public:
+    void look(milliseconds now)
+    {
+        if (now >= nextLeave) {
+            nextLeave += day;
+            nextVisit = now + absence;
+            socket.reset();
+        }
+        if (!socket && now >= nextVisit) {
+            socket = std::make_unique<QLocalSocket>();
+            socket->connectToServer(QStringLiteral("tarnPipe"));
+        }
+        if (!socket)
+            return;
+        bytesRead += socket->readAll().size();
+        if (now < nextRequest || socket->state() != QLocalSocket::ConnectedState)
+            return;
+        nextRequest = now + betweenRequests;
+        const char *command = requests[asked++ % std::size(requests)];
+        socket->write(QByteArray(R"({"cmd":")") + command + R"("})");
+        socket->flush();
+    }
+
+    std::size_t asked = 0;
+    qint64 bytesRead = 0;
+
+private:
+    std::unique_ptr<QLocalSocket> socket;
+    milliseconds nextVisit {0};
+    milliseconds nextLeave = day - 12h;
+    milliseconds nextRequest {0};
+};
+
+double heapKib()
+{
+    const struct mallinfo2 heap = ::mallinfo2();
+    return static_cast<double>(heap.uordblks + heap.hblkhd) / 1024;
+}
+
+int daysWanted()
+{
+    const QStringList arguments = QCoreApplication::arguments();
+    const qsizetype option = arguments.indexOf(QStringLiteral("--days"));
+    return option < 0 ? 30 : qMax(arguments.value(option + 1).toInt(), 1);
+}
+
+} // namespace
+
+// The service's threads on virtual time for a month, and what becomes of the heap.
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    const int days = daysWanted();
+    tarnTest::SimulatedMachine machine;
+    Desk desk(machine);
+    machine.clock.onWait = [&desk](milliseconds duration) {
+        desk.onWait(duration);
+    };
+    tarnDeviceInfos::EcDirverControllerHal::instance();
+    tarnPipeServer::TarnPipeServer::instance();
+    EcDirverReader::instance()->start();
+
+    QElapsedTimer timer;
+    timer.start();
+    Visitor visitor;
+    Table table({"virtual day", "cycles", "requests", "KiB read by client", "messages waiting",
+        "heap in use KiB", "resident KiB"});
+    for (int today = 1; today <= days; ++today) {
+        const bool reached = tarnTest::waitUntil(
+            [&] {
+                visitor.look(machine.clock.now());
+                return machine.clock.now() >= today * day;
+            },
+            std::numeric_limits<int>::max());
+        if (!reached)
+            return 1;
+        machine.log.clear();
+        if (today <= 2 || today % 5 == 0 || today == days) {
+            const auto memory = memoryOf(QCoreApplication::applicationPid());
+            table.add({QString::number(today), QString::number(desk.cycles), QString::number(visitor.asked),
+                QString::number(visitor.bytesRead / 1024), QString::number(tarnTest::queuedMessages().size()),
+                fixed(heapKib(), 0), QString::number(memory ? memory->resident : 0)});
+        }
+    }
+    const double seconds = static_cast<double>(timer.elapsed()) / 1000;
+    EcDirverReader::instance()->requestEnd();
+    EcDirverReader::instance()->wait();
+
+    printHeading("Memory over time, on virtual time");
+    table.print();
+    printNote(QStringLiteral("%1 virtual days in %2 s of real time: %3 cycles of the monitor a second.")
+                  .arg(days)
+                  .arg(fixed(seconds, 1), fixed(desk.cycles / seconds, 0)));
+    return 0;
+}
