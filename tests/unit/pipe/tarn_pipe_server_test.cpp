@@ -176,7 +176,7 @@ TEST_F(PipeServer, AClientThatLeftBeforeTheNextCameDoesNotSilenceIt)
     next.socket.connectToServer("tarnPipe");
     next.write(typeRequest());
     EXPECT_EQ(next.take(typeReply()), typeReply());
-    EXPECT_TRUE(machine.log.contains("Unknown command:  \"nothing\""));
+    EXPECT_TRUE(waitUntil([this] { return machine.log.contains("Unknown command:  \"nothing\""); }));
     const QStringList order = {"Tarn pipe client is exit!", "is connection!"};
     EXPECT_EQ(machine.log.lines().filter(QRegularExpression("exit!$|connection!$")).mid(1, 2), order);
 }
