@@ -77,6 +77,10 @@ TEST_F(ServiceUnderManager, IsInstalledUnderAnAccountOfItsOwn)
     EXPECT_EQ(record().serviceType, 0x10U);
     EXPECT_EQ(record().account, "NT AUTHORITY\\LocalService");
     EXPECT_EQ(command({"-u"}), 0);
+    const QString inNoOneCodePage = QString::fromUtf8("\u0141ukasz\u03a9\u0436");
+    EXPECT_EQ(command({"-i", inNoOneCodePage, "secret"}), 0);
+    EXPECT_EQ(record().account, ".\\" + inNoOneCodePage);
+    EXPECT_EQ(command({"-u"}), 0);
     EXPECT_EQ(command({"-i", "LocalSystem", "secret"}), 0);
     EXPECT_EQ(record().serviceType, 0x110U);
     EXPECT_EQ(record().account, "LocalSystem");
