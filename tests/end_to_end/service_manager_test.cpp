@@ -125,7 +125,7 @@ TEST_F(ServiceUnderManager, ObeysTheCommandLine)
 
     EXPECT_EQ(command({"-t"}), 0);
     EXPECT_FALSE(program.log().contains("could not be stopped"));
-    EXPECT_EQ(state(), DWORD(SERVICE_STOPPED));
+    EXPECT_TRUE(waitForState(SERVICE_STOPPED, promptStopMs));
     EXPECT_TRUE(hasLeftThePipe());
 }
 
