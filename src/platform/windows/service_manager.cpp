@@ -72,7 +72,8 @@ bool WindowsServiceManager::install(const ServiceRegistration &registration)
     if (!manager)
         return false;
     const ServiceEntry entry = serviceEntry(registration);
-    // The path is deliberately stored without quotes: who reads it back compares it with the program's own.
+    // The registered program is deliberately the bare path, as -install and -version print it. With blanks in
+    // it the system tries each shorter path first, so whoever installs there has to add the quotes.
     const ServiceHandle service(functions,
         functions.createService(manager.get(), wideText(registration.name), wideText(registration.name),
             SERVICE_ALL_ACCESS, entry.serviceType, entry.startType, entry.errorControl,
