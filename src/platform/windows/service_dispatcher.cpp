@@ -63,7 +63,13 @@ void WINAPI handleControl(DWORD control)
 class FatalMessageWatch
 {
 public:
-    FatalMessageWatch() { passOn = qInstallMessageHandler(note); }
+    // The default one stands in for a moment: a message may come on another thread before it is known whom to
+    // pass it on to.
+    FatalMessageWatch()
+    {
+        passOn = qInstallMessageHandler(nullptr);
+        qInstallMessageHandler(note);
+    }
     FatalMessageWatch(const FatalMessageWatch &) = delete;
     FatalMessageWatch &operator=(const FatalMessageWatch &) = delete;
     ~FatalMessageWatch() { qInstallMessageHandler(passOn); }
