@@ -50,7 +50,7 @@ std::uint8_t EcChannel::readStatus()
     takeInput();
     presentAnswer();
     const bool outputFull = channel.answerState.load() == Waiting || faults.isOn(Fault::ObfStuck);
-    const int status = (outputFull ? EC_STATUS_OBF : 0) | (isInputFull() ? EC_STATUS_IBF : 0);
+    const int status = (outputFull ? OBF : 0) | (isInputFull() ? IBF : 0);
     return static_cast<std::uint8_t>(status);
 }
 

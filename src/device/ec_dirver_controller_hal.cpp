@@ -155,12 +155,12 @@ bool EcDirverControllerHal::loadLibrary()
 int EcDirverControllerHal::sendCommand(quint8 command)
 {
     // Drain what nobody fetched. This is no answer to anything, so it does not count as the EC answering.
-    for (int poll = 0; poll < maximumPolls && statusHas(EC_STATUS_OBF); ++poll) {
+    for (int poll = 0; poll < maximumPolls && statusHas(OBF); ++poll) {
         inp32Func(EC_DATA_PORT);
         sleepFor(pollInterval);
     }
     for (int poll = 0; poll < maximumPolls; ++poll) {
-        if (statusHas(EC_STATUS_IBF)) {
+        if (statusHas(IBF)) {
             sleepFor(pollInterval);
             continue;
         }
@@ -175,7 +175,7 @@ int EcDirverControllerHal::sendCommand(quint8 command)
 int EcDirverControllerHal::writeData(quint8 byte)
 {
     for (int poll = 0; poll < maximumPolls; ++poll) {
-        if (!statusHas(EC_STATUS_IBF)) {
+        if (!statusHas(IBF)) {
             out32Func(EC_DATA_PORT, byte);
             return 0;
         }
@@ -187,7 +187,7 @@ int EcDirverControllerHal::writeData(quint8 byte)
 int EcDirverControllerHal::readData(quint8 *byte)
 {
     for (int poll = 0; poll < maximumPolls; ++poll) {
-        if (statusHas(EC_STATUS_OBF)) {
+        if (statusHas(OBF)) {
             ecAnswered = true;
             *byte = lowByte(static_cast<quint16>(inp32Func(EC_DATA_PORT)));
             return 0;

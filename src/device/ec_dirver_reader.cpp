@@ -138,8 +138,8 @@ void EcDirverReader::getAccessoryTypeForFirst()
     if (!access)
         return;
     // The host's own values are of interest whatever is attached.
-    announceValue(TarnCharging);
-    announceValue(TarnBattery);
+    announceValue(tarnChargingStatus);
+    announceValue(tarnBatteryNum);
     detectAttachedAccessory();
     qDebug() << "getAccessoryTypeForFirst Leave |";
 }
@@ -231,7 +231,7 @@ void EcDirverReader::detectAttachedAccessory()
         GraphicsAccessoryManager::instance()->gpuActiveProcessFirst();
     }
     if (code == ACCESSORY_KVANE) {
-        for (int value = LedLight; value < WatchedCount; ++value)
+        for (int value = ledLight; value < watchedCount; ++value)
             announceValue(static_cast<Watched>(value));
     }
 }
@@ -275,7 +275,7 @@ void EcDirverReader::announceValue(Watched value)
 
 void EcDirverReader::announceChangedValues()
 {
-    for (int value = LedLight; value < WatchedCount; ++value) {
+    for (int value = ledLight; value < watchedCount; ++value) {
         latest[value] = readWatched(value);
         if (latest[value] == sent[value])
             continue;

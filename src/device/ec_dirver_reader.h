@@ -53,11 +53,11 @@ public:
     [[nodiscard]] QString accessoryName() const;
     [[nodiscard]] quint8 accessoryKind() const { return mcuLinkModel; }
     // The values last sent to the client; 251 (0 for the light) when none was read yet.
-    [[nodiscard]] int sentKVaneLedLight() const { return sent[LedLight]; }
-    [[nodiscard]] int sentKvaneChargingStatus() const { return sent[KvaneCharging]; }
-    [[nodiscard]] int sentKvaneBatteryNum() const { return sent[KvaneBattery]; }
-    [[nodiscard]] int sentTarnChargingStatus() const { return sent[TarnCharging]; }
-    [[nodiscard]] int sentTarnBatteryNum() const { return sent[TarnBattery]; }
+    [[nodiscard]] int sentKVaneLedLight() const { return sent[ledLight]; }
+    [[nodiscard]] int sentKvaneChargingStatus() const { return sent[kvaneChargingStatus]; }
+    [[nodiscard]] int sentKvaneBatteryNum() const { return sent[kvaneBatteryNum]; }
+    [[nodiscard]] int sentTarnChargingStatus() const { return sent[tarnChargingStatus]; }
+    [[nodiscard]] int sentTarnBatteryNum() const { return sent[tarnBatteryNum]; }
 
 Q_SIGNALS:
     // None of these is emitted: the loop calls the graphics manager directly. Their names are part of the
@@ -72,7 +72,14 @@ protected:
 private:
     friend class tarnPlatform::ProcessWide<EcDirverReader>;
     // In the order in which they are read and announced.
-    enum Watched { LedLight, KvaneCharging, KvaneBattery, TarnCharging, TarnBattery, WatchedCount };
+    enum Watched {
+        ledLight,
+        kvaneChargingStatus,
+        kvaneBatteryNum,
+        tarnChargingStatus,
+        tarnBatteryNum,
+        watchedCount
+    };
 
     EcDirverReader();
 
@@ -85,7 +92,7 @@ private:
     void announceChangedValues();
     [[nodiscard]] bool isPaused() const { return ecUpdating || mcuUpdating || readerPaused; }
 
-    std::array<std::atomic<int>, WatchedCount> sent {0, 251, 251, 251, 251};
+    std::array<std::atomic<int>, watchedCount> sent {0, 251, 251, 251, 251};
     std::atomic<quint8> mcuLinkModel {0}; // accessory code; 251 when not known at first detection
     quint8 mcuLinkStatus = 0;
     std::atomic<bool> ecUpdating {false};
@@ -93,7 +100,7 @@ private:
     std::atomic<bool> readerPaused {false}; // set by nobody yet
     bool graphicsConnected = false;
     // 215 is deliberate: like 251 it stands for nothing read yet.
-    std::array<int, WatchedCount> latest {0, 251, 251, 251, 215};
+    std::array<int, watchedCount> latest {0, 251, 251, 251, 215};
 
     QMutex updateHold; // guards updateHoldOwnsLock
     bool updateHoldOwnsLock = false;

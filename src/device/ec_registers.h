@@ -10,8 +10,8 @@ namespace tarnDeviceInfos {
 // Second host channel of the EC.
 inline constexpr std::uint16_t EC_DATA_PORT = 0x68; // address, data and answer bytes
 inline constexpr std::uint16_t EC_CMD_STATUS_PORT = 0x6C; // read: status, write: command
-inline constexpr std::uint8_t EC_STATUS_OBF = 0x01; // an answer byte waits for the host
-inline constexpr std::uint8_t EC_STATUS_IBF = 0x02; // the EC has not yet taken the last byte
+inline constexpr std::uint8_t OBF = 0x01; // an answer byte waits for the host
+inline constexpr std::uint8_t IBF = 0x02; // the EC has not yet taken the last byte
 inline constexpr std::uint8_t XDATA_READ_CMD = 0x92; // then address high, address low; one byte comes back
 inline constexpr std::uint8_t XDATA_WRITE_CMD = 0x93; // then address high, address low, value
 

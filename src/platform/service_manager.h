@@ -33,7 +33,7 @@ public:
 
     [[nodiscard]] virtual bool install(const ServiceRegistration &registration) = 0;
     [[nodiscard]] virtual bool uninstall(const QString &name) = 0;
-    // True when the service has stopped.
+    // True when the service has taken the request; it stops in its own time.
     [[nodiscard]] virtual bool terminate(const QString &name) = 0;
     virtual bool pause(const QString &name) = 0;
     virtual bool resume(const QString &name) = 0;

@@ -5,6 +5,7 @@
 #include "pipe/handler_threads.h"
 #include "pipe/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
+#include "platform/process_exit.h"
 #include "platform/process_wide.h"
 
 #include <QCoreApplication>
@@ -12,7 +13,6 @@
 
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 
 namespace {
 
@@ -61,7 +61,7 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
     if (!finished) {
         std::fflush(nullptr);
         manager.reportStopped(exitCode);
-        std::_Exit(exitCode); // a normal end would wait for the threads that are held up
+        tarnPlatform::exitAtOnce(exitCode); // a normal end would wait for the threads that are held up
     }
     if (sender)
         sender->wait(); // for the last steps of a thread that counts as finished already

@@ -3,6 +3,7 @@
 #include "service/qt_service_base.h"
 
 #include <QCoreApplication>
+#include <QStringList>
 
 #include <memory>
 
@@ -24,6 +25,8 @@ protected:
     }
 
     int executeApplication() override { return Application::exec(); }
+
+    [[nodiscard]] QStringList applicationArguments() const override { return Application::arguments(); }
 
 private:
     std::unique_ptr<Application> ownApplication;

@@ -199,10 +199,12 @@ int QtServiceBase::runUnderManager()
     return exitNotStarted;
 }
 
-QString QtServiceBase::argument(int index) const
+// The process's narrow words lack what the system's code page lacks, which a name or a password may contain.
+// The application object has them all.
+QString QtServiceBase::argument(int index)
 {
-    return index < argumentCount ? QString::fromLocal8Bit(arguments[static_cast<std::size_t>(index)])
-                                 : QString();
+    createApplication(argumentCount, arguments.data());
+    return applicationArguments().value(index);
 }
 
 // A service is stopped once, however often it is asked to.

@@ -52,6 +52,8 @@ protected:
 
     virtual void createApplication(int &argc, char **argv) = 0;
     virtual int executeApplication() = 0;
+    // The words of the command line as the application object knows them, which there is by then.
+    [[nodiscard]] virtual QStringList applicationArguments() const = 0;
 
 private:
     struct Option;
@@ -68,7 +70,8 @@ private:
     int printHelp();
     int runUnderManager();
 
-    [[nodiscard]] QString argument(int index) const;
+    // Empty when there is no such word.
+    [[nodiscard]] QString argument(int index);
     [[nodiscard]] QByteArray latinName() const { return name.toLatin1(); }
 
     void startService() override { start(); }

@@ -2,11 +2,11 @@
 
 #include <QProcess>
 
-bool isServiceRunning(const QString &serviceName)
+bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds patience)
 {
     QProcess query;
     // Deliberately one text without arguments: as it ends with a quote it goes to the system unchanged.
     query.start(QStringLiteral("sc query ") + serviceName, QStringList(), QIODevice::ReadWrite);
-    query.waitForFinished(30000);
+    query.waitForFinished(static_cast<int>(patience.count()));
     return QString::fromLocal8Bit(query.readAllStandardOutput()).contains(QStringLiteral("RUNNING"));
 }

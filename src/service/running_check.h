@@ -2,6 +2,10 @@
 
 #include <QString>
 
+#include <chrono>
+
+inline constexpr std::chrono::milliseconds runningCheckPatience = std::chrono::seconds(30);
+
 // Whether the system reports a service of this name as running; false as well when it cannot be asked. Waits
-// for the answer for at most 30 s. The name goes on the command line as it is, quotes included.
-bool isServiceRunning(const QString &serviceName);
+// so long for the answer. The name goes on the command line as it is, quotes included.
+bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds patience = runningCheckPatience);

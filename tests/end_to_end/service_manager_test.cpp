@@ -77,6 +77,10 @@ TEST_F(ServiceUnderManager, IsInstalledUnderAnAccountOfItsOwn)
     EXPECT_EQ(record().serviceType, 0x10U);
     EXPECT_EQ(record().account, "NT AUTHORITY\\LocalService");
     EXPECT_EQ(command({"-u"}), 0);
+    const QString inNoOneCodePage = QString::fromUtf8("\u0141ukasz\u03a9\u0436");
+    EXPECT_EQ(command({"-i", inNoOneCodePage, "secret"}), 0);
+    EXPECT_EQ(record().account, ".\\" + inNoOneCodePage);
+    EXPECT_EQ(command({"-u"}), 0);
     EXPECT_EQ(command({"-i", "LocalSystem", "secret"}), 0);
     EXPECT_EQ(record().serviceType, 0x110U);
     EXPECT_EQ(record().account, "LocalSystem");
@@ -121,7 +125,7 @@ TEST_F(ServiceUnderManager, ObeysTheCommandLine)
 
     EXPECT_EQ(command({"-t"}), 0);
     EXPECT_FALSE(program.log().contains("could not be stopped"));
-    EXPECT_EQ(state(), DWORD(SERVICE_STOPPED));
+    EXPECT_TRUE(waitForState(SERVICE_STOPPED, promptStopMs));
     EXPECT_TRUE(hasLeftThePipe());
 }
 

@@ -1,5 +1,6 @@
 #include "platform/windows/service_dispatcher.h"
 
+#include "platform/process_exit.h"
 #include "platform/service_run.h"
 #include "platform/windows/event_log.h"
 #include "platform/windows/wide_text.h"
@@ -62,7 +63,13 @@ void WINAPI handleControl(DWORD control)
 class FatalMessageWatch
 {
 public:
-    FatalMessageWatch() { passOn = qInstallMessageHandler(note); }
+    // The default one stands in for a moment: a message may come on another thread before it is known whom to
+    // pass it on to.
+    FatalMessageWatch()
+    {
+        passOn = qInstallMessageHandler(nullptr);
+        qInstallMessageHandler(note);
+    }
     FatalMessageWatch(const FatalMessageWatch &) = delete;
     FatalMessageWatch &operator=(const FatalMessageWatch &) = delete;
     ~FatalMessageWatch() { qInstallMessageHandler(passOn); }
@@ -95,7 +102,7 @@ void Dispatcher::serve()
         return;
     // Something holds up even the end of the process; whoever stops the service is not to wait for it.
     run.reportStopped(EXIT_SUCCESS);
-    std::_Exit(EXIT_SUCCESS);
+    exitAtOnce(EXIT_SUCCESS);
 }
 
 void Dispatcher::noteConnection(DWORD error)

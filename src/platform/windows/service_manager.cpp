@@ -1,25 +1,16 @@
 #include "platform/service_manager.h"
 
 #include "platform/service_controls.h"
-#include "platform/waits.h"
 #include "platform/windows/service_dispatcher.h"
 #include "platform/windows/service_functions.h"
 #include "platform/windows/service_handle.h"
 #include "platform/windows/wide_text.h"
 
-#include <QDeadlineTimer>
-
-#include <chrono>
 #include <vector>
 
 namespace tarnPlatform {
 namespace {
 
-using namespace std::chrono_literals;
-
-// The service has let go after 3 s; a busy system may take longer to say so.
-constexpr auto stopPatience = 10s;
-constexpr auto stopPollInterval = 50ms;
 constexpr DWORD longestPath = 32768; // characters
 
 const wchar_t *optionalText(const std::optional<QString> &text)
@@ -51,7 +42,6 @@ private:
     [[nodiscard]] ServiceHandle openManager(DWORD rights) const;
     [[nodiscard]] ServiceHandle openService(const QString &name, DWORD rights) const;
     [[nodiscard]] bool control(const QString &name, DWORD rights, DWORD code) const;
-    [[nodiscard]] bool waitUntilStopped(const ServiceHandle &service) const;
 
     const ServiceFunctions &functions;
 };
@@ -82,7 +72,8 @@ bool WindowsServiceManager::install(const ServiceRegistration &registration)
     if (!manager)
         return false;
     const ServiceEntry entry = serviceEntry(registration);
-    // The path is deliberately stored without quotes: who reads it back compares it with the program's own.
+    // The registered program is deliberately the bare path, as -install and -version print it. With blanks in
+    // it the system tries each shorter path first, so whoever installs there has to add the quotes.
     const ServiceHandle service(functions,
         functions.createService(manager.get(), wideText(registration.name), wideText(registration.name),
             SERVICE_ALL_ACCESS, entry.serviceType, entry.startType, entry.errorControl,
@@ -106,10 +97,7 @@ bool WindowsServiceManager::uninstall(const QString &name)
 
 bool WindowsServiceManager::terminate(const QString &name)
 {
-    const ServiceHandle service = openService(name, SERVICE_STOP | SERVICE_QUERY_STATUS);
-    SERVICE_STATUS status;
-    return service && functions.controlService(service.get(), SERVICE_CONTROL_STOP, &status)
-        && waitUntilStopped(service);
+    return control(name, SERVICE_STOP, SERVICE_CONTROL_STOP);
 }
 
 bool WindowsServiceManager::pause(const QString &name)
@@ -156,22 +144,6 @@ bool WindowsServiceManager::control(const QString &name, DWORD rights, DWORD cod
     const ServiceHandle service = openService(name, rights);
     SERVICE_STATUS status;
     return service && functions.controlService(service.get(), code, &status);
-}
-
-bool WindowsServiceManager::waitUntilStopped(const ServiceHandle &service) const
-{
-    const QDeadlineTimer deadline(stopPatience);
-    SERVICE_STATUS status;
-    while (functions.queryStatus(service.get(), &status)) {
-        if (status.dwCurrentState == SERVICE_STOPPED)
-            return true;
-        if (deadline.hasExpired()) {
-            SetLastError(ERROR_SERVICE_REQUEST_TIMEOUT);
-            return false;
-        }
-        sleepFor(stopPollInterval);
-    }
-    return false;
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #include "platform/stop_requests.h"
 
-#include "platform/user_session.h"
-
 #include <atomic>
 #include <windows.h>
 
@@ -11,20 +9,17 @@ namespace {
 std::atomic<StopRequests *> listener {nullptr};
 std::atomic<bool> requested {false};
 
-// Runs on a thread of the system's own. After a close, log-off or shutdown the process is ended as soon as
-// the handler returns (at the latest after the system's 5 s), so those wait for the process to end itself.
+// Runs on a thread of the system's own. After a close the process is ended as soon as the handler returns (at
+// the latest after the system's 5 s), so that waits for the process to end itself. Log-off and shutdown never
+// come here: the system keeps them from a process that has loaded user32, which Qt does.
 BOOL WINAPI noteControl(DWORD control)
 {
     StopRequests *stopRequests = listener.load();
     if (!stopRequests)
         return FALSE;
-    // Services are told of every user's log-off; only the service manager ends them.
-    if (UserSession::system().isServiceSession()
-        && (control == CTRL_LOGOFF_EVENT || control == CTRL_SHUTDOWN_EVENT))
-        return TRUE;
     requested = true;
     QMetaObject::invokeMethod(stopRequests, &StopRequests::stopRequested, Qt::QueuedConnection);
-    if (control != CTRL_C_EVENT && control != CTRL_BREAK_EVENT)
+    if (control == CTRL_CLOSE_EVENT)
         Sleep(INFINITE);
     return TRUE;
 }

@@ -105,6 +105,17 @@ TEST_F(AccessoryPoll, ActivatesTheGraphicsBoxAfterTellingTheClient)
         "GraphicsActive_log: Received graphics connected signal, begin active process."));
 }
 
+TEST_F(AccessoryPoll, TellsTheClientBeforeTheGraphicsBoxTakesItsTime)
+{
+    QStringList toldBefore;
+    machine.clock.onWait = [&toldBefore](tarnTest::milliseconds duration) {
+        if (duration == std::chrono::seconds(3)) // the box settles
+            toldBefore << tarnTest::queuedMessages();
+    };
+    poll(MCU_LINKED, ACCESSORY_GRAPHICS);
+    EXPECT_EQ(toldBefore, QStringList({changeTo("graphics")}));
+}
+
 TEST_F(AccessoryPoll, AChangeBetweenTheTwoBoxesIsAChange)
 {
     poll(MCU_LINKED, ACCESSORY_GRAPHICS);

@@ -11,8 +11,8 @@ using tarnTest::PortTest;
 
 namespace {
 
-constexpr auto obf = EC_STATUS_OBF;
-constexpr auto ibf = EC_STATUS_IBF;
+constexpr auto obf = OBF;
+constexpr auto ibf = IBF;
 
 } // namespace
 

@@ -7,8 +7,10 @@
 #include "support/simulated_machine.h"
 
 using namespace tarnDeviceInfos;
+using tarnTest::milliseconds;
 using tarnTest::notification;
 using tarnTest::queuedMessages;
+using tarnTest::QueueMark;
 
 namespace {
 
@@ -121,6 +123,37 @@ TEST_F(FirstDetection, AnnouncesAllFiveValuesOfAKVane)
     EXPECT_EQ(reader->sentKVaneLedLight(), 6);
     EXPECT_EQ(reader->sentKvaneChargingStatus(), 1);
     EXPECT_EQ(reader->sentKvaneBatteryNum(), 55);
+}
+
+TEST_F(FirstDetection, HoldsTheEcFromItsFirstReadToItsLast)
+{
+    for (const int code : {ACCESSORY_DOCK, ACCESSORY_GRAPHICS, ACCESSORY_KVANE}) {
+        attach(MCU_LINKED, code);
+        std::vector<int> waits;
+        int waitsWithoutTheEc = 0;
+        machine.clock.onWait = [&](milliseconds duration) {
+            waits.push_back(static_cast<int>(duration.count()));
+            waitsWithoutTheEc += ecAccessMutex.isLocked() ? 0 : 1;
+        };
+        reader->getAccessoryTypeForFirst();
+        machine.clock.onWait = nullptr;
+        EXPECT_GE(waits.size(), 16U) << code;
+        EXPECT_EQ(std::count(waits.begin(), waits.end(), 3000), code == ACCESSORY_GRAPHICS ? 1 : 0) << code;
+        EXPECT_EQ(waitsWithoutTheEc, 0) << code;
+        EXPECT_FALSE(ecAccessMutex.isLocked()) << code;
+    }
+}
+
+TEST_F(FirstDetection, ForgetsTheLinkStatusOfNoAccessory)
+{
+    attach(3, ACCESSORY_NONE);
+    reader->getAccessoryTypeForFirst();
+    const QueueMark mark;
+    reader->pollAccessory();
+    // A status that is not that of the start is a change, though nothing was attached before.
+    EXPECT_EQ(mark.added(), QStringList({notification("changeAccessoryType", "disconnected")}));
+    reader->pollAccessory();
+    EXPECT_EQ(mark.added().size(), 1);
 }
 
 TEST_F(FirstDetection, StartsFromItsSentinels)

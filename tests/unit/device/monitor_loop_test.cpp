@@ -144,6 +144,68 @@ TEST_F(MonitorLoop, FetchesAndClearsTheEventsOfAGraphicsBox)
     EXPECT_EQ(traffic.at(at + 1), "W 04A4 00");
 }
 
+struct AfterTheBox
+{
+    const char *name;
+    int code; // 0: nothing
+};
+
+class MonitorLoopAfterABox : public MonitorLoop, public ::testing::WithParamInterface<AfterTheBox>
+{ };
+
+INSTANTIATE_TEST_SUITE_P(Changes, MonitorLoopAfterABox,
+    ::testing::Values(AfterTheBox {"disconnected", ACCESSORY_NONE}, AfterTheBox {"dock", ACCESSORY_DOCK},
+        AfterTheBox {"k_vane", ACCESSORY_KVANE}));
+
+TEST_P(MonitorLoopAfterABox, FetchesNoMoreEvents)
+{
+    machine.attach(ACCESSORY_GRAPHICS);
+    QStringList withBox;
+    machine.clock.at(20s, [&] {
+        withBox = machine.traffic();
+        if (GetParam().code == ACCESSORY_NONE)
+            machine.computer.detach();
+        else
+            machine.attach(static_cast<quint8>(GetParam().code));
+    });
+    machine.clock.at(22s, [this] { machine.traffic(); }); // the cycle of the change may still have fetched
+    runUntil(25s);
+    EXPECT_EQ(queuedMessages().filter("changeAccessoryType"),
+        QStringList({notification("changeAccessoryType", GetParam().name)}));
+    EXPECT_FALSE(withBox.filter("04A4").isEmpty());
+    const QStringList without = machine.traffic();
+    EXPECT_FALSE(without.filter("06A0").isEmpty());
+    EXPECT_TRUE(without.filter("04A4").isEmpty());
+}
+
+TEST_F(MonitorLoop, HoldsTheEcThroughoutTheWorkOfACycle)
+{
+    machine.attach(ACCESSORY_GRAPHICS);
+    struct Wait
+    {
+        int length;
+        bool withEc;
+        bool operator==(const Wait &) const = default;
+    };
+    std::vector<Wait> waits;
+    machine.clock.at(20s, [&] {
+        machine.clock.onWait = [&waits](std::chrono::milliseconds duration) {
+            waits.push_back({static_cast<int>(duration.count()), ecAccessMutex.isLocked()});
+        };
+    });
+    runUntil(22s);
+    machine.clock.onWait = nullptr;
+    // From one pause between two cycles to the next.
+    const std::vector<Wait> betweenCycles(2, {100, false});
+    const auto first = std::search(waits.begin(), waits.end(), betweenCycles.begin(), betweenCycles.end());
+    ASSERT_NE(first, waits.end());
+    const auto second = std::search(first + 2, waits.end(), betweenCycles.begin(), betweenCycles.end());
+    ASSERT_NE(second, waits.end());
+    EXPECT_TRUE(std::all_of(first + 2, second, [](const Wait &wait) { return wait.withEc; }));
+    EXPECT_EQ(std::count(first + 2, second, Wait {100, true}), 1);
+    EXPECT_GE(second - first, 2 + 4 * 4); // four registers: link, code, the event and its clearing
+}
+
 TEST_F(MonitorLoop, DoesNoEcWorkDuringAnUpdateHold)
 {
     machine.clock.at(betweenCycles, [this] {

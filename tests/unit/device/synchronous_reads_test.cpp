@@ -7,6 +7,7 @@
 
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
+using tarnTest::milliseconds;
 
 class SynchronousReads : public tarnTest::MachineTest
 {
@@ -102,6 +103,41 @@ TEST_F(SynchronousReads, TellTheHandShake)
     machine.faults().switchOn(Fault::FailRead, MCU_LINK_STATUS);
     EXPECT_EQ(reader->getHandShakeStatus(), 255);
     EXPECT_EQ(machine.log.lines().last(), "get hank shake status failed!");
+}
+
+TEST_F(SynchronousReads, HoldTheEcAsLongAsTheyTalkToIt)
+{
+    const std::pair<const char *, std::function<void()>> reads[] = {
+        {"accessory code",
+            [this] {
+                reader->getAccessoryCode(text);
+            }},
+        {"hardware version",
+            [this] {
+                reader->getHardwareVersion(text);
+            }},
+        {"MCU version",
+            [this] {
+                reader->getMcuVersion(text);
+            }},
+        {"hand shake",
+            [this] {
+                reader->getHandShakeStatus();
+            }},
+    };
+    for (const auto &[name, read] : reads) {
+        int waits = 0;
+        int waitsWithoutTheEc = 0;
+        machine.clock.onWait = [&](milliseconds) {
+            ++waits;
+            waitsWithoutTheEc += ecAccessMutex.isLocked() ? 0 : 1;
+        };
+        read();
+        machine.clock.onWait = nullptr;
+        EXPECT_GE(waits, 4) << name;
+        EXPECT_EQ(waitsWithoutTheEc, 0) << name;
+        EXPECT_FALSE(ecAccessMutex.isLocked()) << name;
+    }
 }
 
 TEST_F(SynchronousReads, DoNothingOnceTheLockIsReleasedForTheEnd)

@@ -70,6 +70,22 @@ TEST_F(SendLoop, TakesNothingAfterAStopAndSendsOneEmptyMessage)
     EXPECT_EQ(queuedMessages(), QStringList({"kept"}));
 }
 
+TEST_F(SendLoop, TakesNothingWhileItsStopIsSetAndGoesOnWhenItIsCleared)
+{
+    queue->enqueueMessage("kept");
+    queue->setStopRequested(true);
+    machine.clock.at(std::chrono::milliseconds(500), [this] { queue->setRunning(false); });
+    queue->run();
+    EXPECT_EQ(machine.log.lines(), QStringList({"server send is running!", "tarn client is exit!"}));
+    EXPECT_EQ(queuedMessages(), QStringList({"kept"}));
+
+    queue->setStopRequested(false);
+    queue->setRunning(true);
+    machine.clock.at(std::chrono::milliseconds(1000), [this] { queue->setRunning(false); });
+    queue->run();
+    EXPECT_TRUE(queuedMessages().isEmpty());
+}
+
 TEST_F(SendLoop, WaitsForTheFirstMessageAndWakesForAStop)
 {
     queue->startSending();

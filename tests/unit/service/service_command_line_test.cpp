@@ -10,11 +10,20 @@ using tarnTest::ScriptedServiceManager;
 
 namespace {
 
+// An application object whose words the test says. The system's narrow words lack what their code page lacks.
+class ToldApplication : public QCoreApplication
+{
+public:
+    using QCoreApplication::QCoreApplication;
+    static QStringList arguments() { return words; }
+    static inline QStringList words;
+};
+
 // One process started with some words on a system with a service manager.
 class CommandLine : public ::testing::Test
 {
 protected:
-    class Host : public QtService<QCoreApplication>
+    class Host : public QtService<ToldApplication>
     {
     public:
         Host(int argc, char **argv, ScriptedServiceManager &scripted)
@@ -36,9 +45,14 @@ protected:
         }
     };
 
-    void run(std::vector<std::string> words)
+    void run(std::vector<std::string> words, const QStringList &wideWords = {})
     {
         words.insert(words.begin(), "tarn");
+        ToldApplication::words = wideWords;
+        if (wideWords.isEmpty()) {
+            for (const std::string &word : words)
+                ToldApplication::words << QString::fromStdString(word);
+        }
         std::vector<char *> pointers;
         for (std::string &word : words)
             pointers.push_back(word.data());
@@ -92,6 +106,15 @@ TEST_F(CommandLine, InstallsUnderAnAccountToBeStartedOnDemand)
     EXPECT_EQ(manager.calls, QStringList({"install|" + name + "|what it is for|somebody|secret|on demand"}));
     run({"-install", "somebody"});
     EXPECT_EQ(manager.calls, QStringList({"install|" + name + "|what it is for|somebody||on demand"}));
+}
+
+TEST_F(CommandLine, InstallsUnderAnAccountThatTheCodePageLacks)
+{
+    const QString account = QString::fromUtf8("\u0141ukasz");
+    const QString password = QString::fromUtf8("\u03a9mega");
+    run({"-i", "Lukasz", "?mega"}, {"tarn", "-i", account, password});
+    EXPECT_EQ(manager.calls,
+        QStringList({"install|" + name + "|what it is for|" + account + '|' + password + "|automatic"}));
 }
 
 TEST_F(CommandLine, InstallsOnlyOnce)

@@ -1,10 +1,11 @@
 #include "service/tarn_service.h"
 
+#include "device/ec_dirver_controller_hal.h"
 #include "device/ec_dirver_reader.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "pipe/send_queue_thread.h"
+#include "pipe/tarn_pipe_server.h"
 #include "service/process_end.h"
-#include "service/running_check.h"
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"
 #include "support/seen_texts.h"
@@ -12,6 +13,8 @@
 #include "unit/service/scripted_service_manager.h"
 
 #include <QElapsedTimer>
+#include <QEventLoop>
+#include <QTimer>
 #include <QtConcurrent>
 
 using tarnDeviceInfos::EcDirverReader;
@@ -34,6 +37,20 @@ public:
 private:
     static inline char word[] = "TarnService";
     static inline char *words[] = {word, nullptr};
+};
+
+// Counts how often an object is asked to go.
+class GoWatch : public QObject
+{
+public:
+    explicit GoWatch(QObject *object) { object->installEventFilter(this); }
+    int asked = 0;
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        asked += event->type() == QEvent::DeferredDelete ? 1 : 0;
+        return false;
+    }
 };
 
 } // namespace
@@ -113,6 +130,55 @@ TEST_F(ServiceObject, AStopEndsTheMonitorAndTheProcessLetsGo)
     EXPECT_EQ(machine.log.lines().last(), "EcDirverReader object is kill!");
 }
 
+TEST_F(ServiceObject, AStopAsksTheMonitorToGoOnceAndNobodyElse)
+{
+    DirectService service;
+    service.start();
+    tarnTest::PipePeer client;
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("server send is running!"); }));
+    auto *monitor = EcDirverReader::instance();
+    auto *sender = tarnPipeServer::SendQueueThread::instance();
+    GoWatch ofMonitor(monitor);
+    GoWatch ofDriver(tarnDeviceInfos::EcDirverControllerHal::instance());
+    GoWatch ofServer(tarnPipeServer::TarnPipeServer::instance());
+    GoWatch ofSender(sender);
+    GoWatch ofGraphics(tarnAccessoryManager::GraphicsAccessoryManager::instance());
+
+    service.stop();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(ofMonitor.asked, 1);
+    EXPECT_EQ(ofDriver.asked + ofServer.asked + ofSender.asked + ofGraphics.asked, 0);
+    // Its loop ends, and the client is still served.
+    EXPECT_TRUE(waitUntil([monitor] { return monitor->isFinished(); }));
+    EXPECT_TRUE(sender->isRunning());
+    const QByteArray reply = R"({"cmd":"getAccessoryType","data":"disconnected","last":true})";
+    client.write(R"({"cmd":"getAccessoryType","last":true})");
+    EXPECT_TRUE(waitUntil([&] { return client.received().endsWith(reply); }));
+    EXPECT_EQ(endProcess(0), 0);
+}
+
+// Nothing of the monitor's own runs an event loop, but what it calls may.
+TEST_F(ServiceObject, AStopEndsAnEventLoopOnTheMonitorsThread)
+{
+    constexpr int notEnded = 1;
+    std::atomic<bool> entered {false};
+    std::atomic<int> result {-2};
+    machine.clock.at(std::chrono::milliseconds(1000), [&] {
+        QEventLoop loop;
+        QTimer::singleShot(0, &loop, [&entered] { entered = true; });
+        QTimer::singleShot(5000, &loop, [&loop] { loop.exit(notEnded); });
+        result = loop.exec();
+    });
+    DirectService service;
+    service.start();
+    ASSERT_TRUE(waitUntil([&entered] { return entered.load(); }));
+    service.stop();
+    EXPECT_TRUE(waitUntil([&result] { return result != -2; }));
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(endProcess(0), 0);
+}
+
 TEST_F(ServiceObject, LetsGoOfAClientInTheMiddleOfAMessage)
 {
     DirectService service;
@@ -180,9 +246,4 @@ TEST(ProcessEnd, CreatesNothingForAControlAction)
     const tarnTest::LogCapture log;
     EXPECT_EQ(endProcess(-4), -4);
     EXPECT_TRUE(log.lines().isEmpty());
-}
-
-TEST(RunningCheck, SaysNoWhereTheSystemCannotBeAsked)
-{
-    EXPECT_FALSE(isServiceRunning("\"TarnService\""));
 }

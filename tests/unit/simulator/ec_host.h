@@ -31,8 +31,8 @@ public:
     void sendData(std::uint8_t value) { ec->writePort(tarnDeviceInfos::EC_DATA_PORT, value); }
     [[nodiscard]] std::uint8_t takeData() { return ec->readPort(tarnDeviceInfos::EC_DATA_PORT); }
     [[nodiscard]] std::uint8_t status() { return ec->readPort(tarnDeviceInfos::EC_CMD_STATUS_PORT); }
-    [[nodiscard]] bool answerWaits() { return (status() & tarnDeviceInfos::EC_STATUS_OBF) != 0; }
-    [[nodiscard]] bool inputIsFull() { return (status() & tarnDeviceInfos::EC_STATUS_IBF) != 0; }
+    [[nodiscard]] bool answerWaits() { return (status() & tarnDeviceInfos::OBF) != 0; }
+    [[nodiscard]] bool inputIsFull() { return (status() & tarnDeviceInfos::IBF) != 0; }
 
     void beginRead(std::uint16_t address)
     {

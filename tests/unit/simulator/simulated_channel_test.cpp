@@ -29,7 +29,7 @@ TEST(SimulatedChannel, ReadAnswersTheByteAtTheAddressHighByteFirst)
     host.sendData(0x12);
     EXPECT_EQ(host.status(), 0);
     host.sendData(0x34);
-    EXPECT_EQ(host.status(), EC_STATUS_OBF);
+    EXPECT_EQ(host.status(), OBF);
     EXPECT_EQ(host.takeData(), 0x5A);
     EXPECT_EQ(host.status(), 0);
 }

@@ -56,7 +56,7 @@ TEST(SimulatedFaults, IbfStuckTakesNothing)
 {
     EcHost host;
     host.computer.faults().switchOn(Fault::IbfStuck);
-    EXPECT_EQ(host.status(), EC_STATUS_IBF);
+    EXPECT_EQ(host.status(), IBF);
     const std::uint64_t startMs = host.nowMs;
     EXPECT_FALSE(host.write(WORKING, 1));
     EXPECT_EQ(host.nowMs - startMs, GIVEN_UP_MS);
@@ -74,7 +74,7 @@ TEST(SimulatedFaults, IbfStuckInTheMiddleOfAWrite)
     host.sendData(WORKING >> 8);
     host.computer.faults().switchOn(Fault::IbfStuck);
     host.sendData(WORKING & 0xFF);
-    EXPECT_EQ(host.status(), EC_STATUS_IBF);
+    EXPECT_EQ(host.status(), IBF);
 
     host.computer.faults().switchOff(Fault::IbfStuck);
     EXPECT_EQ(host.status(), 0); // the address byte is taken now
@@ -87,9 +87,9 @@ TEST(SimulatedFaults, ObfStuckCannotBeDrainedButReadsWork)
     EcHost host;
     host.computer.poke(WORKING, 0x21);
     host.computer.faults().switchOn(Fault::ObfStuck);
-    EXPECT_EQ(host.status(), EC_STATUS_OBF);
+    EXPECT_EQ(host.status(), OBF);
     static_cast<void>(host.takeData());
-    EXPECT_EQ(host.status(), EC_STATUS_OBF);
+    EXPECT_EQ(host.status(), OBF);
     const std::uint64_t startMs = host.nowMs;
     EXPECT_EQ(host.read(WORKING), 0x21);
     EXPECT_EQ(host.nowMs - startMs, GIVEN_UP_MS);
@@ -135,7 +135,7 @@ TEST(SimulatedFaults, SlowDelaysIbfAndObf)
     host.nowMs += 29;
     EXPECT_EQ(host.status(), 0);
     host.nowMs += 1;
-    EXPECT_EQ(host.status(), EC_STATUS_OBF);
+    EXPECT_EQ(host.status(), OBF);
     EXPECT_EQ(host.takeData(), 0x21);
 }
 
@@ -165,7 +165,7 @@ TEST(SimulatedFaults, AnswerSlowerThanTheHostIsDrainedByTheNextExchange)
 
     host.nowMs += 1000;
     host.computer.faults().switchOff(Fault::Slow);
-    EXPECT_EQ(host.status(), EC_STATUS_OBF);
+    EXPECT_EQ(host.status(), OBF);
     EXPECT_EQ(host.read(WORKING), 0x21);
     EXPECT_EQ(host.computer.registerLog().end(), 2U);
 }

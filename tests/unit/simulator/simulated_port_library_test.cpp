@@ -123,7 +123,7 @@ TEST_F(SimulatedPortLibrary, IsReallyUnloadedAndTheMachineStaysOn)
     load();
     EXPECT_EQ(file->state().counters.libraryLoads.load(), 2U);
     writePort(EC_DATA_PORT, EC_TARN_BATTERY_NUM & 0xFF);
-    EXPECT_EQ(readPort(EC_CMD_STATUS_PORT), EC_STATUS_OBF);
+    EXPECT_EQ(readPort(EC_CMD_STATUS_PORT), OBF);
     EXPECT_EQ(readPort(EC_DATA_PORT), 33);
 }
 
@@ -158,7 +158,7 @@ TEST_F(SimulatedPortLibrary, PortAccessesOfSeveralThreadsAreSafe)
         thread.join();
     }
     EXPECT_EQ(machine()->state().counters.commands.load(), 800U);
-    while ((readPort(EC_CMD_STATUS_PORT) & EC_STATUS_OBF) != 0) {
+    while ((readPort(EC_CMD_STATUS_PORT) & OBF) != 0) {
         static_cast<void>(readPort(EC_DATA_PORT));
     }
     EXPECT_EQ(read(EC_TARN_BATTERY_NUM), 80);
