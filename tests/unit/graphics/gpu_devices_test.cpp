@@ -1,5 +1,7 @@
 #include "graphics_fixture.h"
 
+#include "platform/unfinished_step.h"
+
 using namespace tarnDeviceInfos;
 using tarnSimulator::DeviceKind;
 using tarnSimulator::Fault;
@@ -332,6 +334,24 @@ TEST_F(HdAudio, EachDeviceWithAProblemIsRestartedWithItsOwnPause)
     EXPECT_EQ(machine.log.lines(),
         QStringList({found("High Definition Audio Device"), restart, done,
             found("NVIDIA High Definition Audio"), restart, done}));
+}
+
+TEST_F(HdAudio, ADeviceThatIsStoppedIsStartedAgainWhenTheProcessEndsAndNoOtherIsStopped)
+{
+    setCondition("audio", false, 10);
+    setCondition("gpu-audio", false, 10);
+    bool unfinishedMeanwhile = false;
+    machine.clock.at(machine.clock.now() + tarnTest::milliseconds(500), [&] {
+        ecAccessMutex.releaseWaiters();
+        unfinishedMeanwhile = tarnPlatform::UnfinishedStep::any();
+    });
+    EXPECT_TRUE(manager->resetHdAudioDevice());
+    EXPECT_TRUE(device("audio").started);
+    EXPECT_EQ(device("gpu-audio").problem, 10U);
+    EXPECT_EQ(machine.clock.waits(), std::vector<int>({1000}));
+    EXPECT_TRUE(unfinishedMeanwhile);
+    EXPECT_FALSE(tarnPlatform::UnfinishedStep::any());
+    EXPECT_EQ(machine.log.lines().last(), "W: The service ends, so the device is not restarted.");
 }
 
 TEST_F(HdAudio, IsFoundInAnySpelling)
