@@ -1,5 +1,6 @@
 #include "graphics/gui_launcher.h"
 
+#include "device/ec_access_lock.h"
 #include "pipe/tarn_pipe_server.h"
 #include "platform/user_session.h"
 
@@ -76,6 +77,11 @@ int launchInOwnSession(const QString &programSwitch)
 
 int launchGuiProgram(const QString &programSwitch)
 {
+    if (tarnDeviceInfos::ecAccessMutex.isReleased()) {
+        qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: The service ends, so nobody is shown"
+                   << programSwitch;
+        return 0;
+    }
     if (tarnPipeServer::TarnPipeServer::instance()->isServiceSession())
         return launchForConsoleUser(programSwitch);
     return launchInOwnSession(programSwitch);
