@@ -7,6 +7,8 @@
 #include <chrono>
 #include <functional>
 
+class QProcess;
+
 namespace tarnPlatform {
 
 // How far a program got that was started for the user of the console.
@@ -43,6 +45,11 @@ public:
         const QString &program, const QString &argument, std::chrono::milliseconds patience);
     // The same without waiting. False when the program cannot be started.
     [[nodiscard]] virtual bool startDetached(const QString &program, const QString &argument);
+
+protected:
+    // The exit code for the log. On Unix the number of a signal that has killed the program stands in its
+    // place, and that of SIGHUP, 1, must not pass for a yes.
+    [[nodiscard]] static int exitCodeOf(const QProcess &process);
 
 private:
     friend class Seam<UserSession>;
