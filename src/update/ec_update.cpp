@@ -2,10 +2,10 @@
 #include "update/ec_settings.h"
 #include "update/firmware_file_name.h"
 #include "update/firmware_updater.h"
+#include "update/tool_run.h"
 
 #include <QDebug>
 #include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 
 #include <fstream>
@@ -55,11 +55,14 @@ bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::str
     const QString temporary = QString::fromLatin1(newSettings);
     const QString target = QString::fromLocal8Bit(iniPath.c_str(), static_cast<qsizetype>(iniPath.size()));
     // The old settings go only when the new ones are complete.
-    if (!written || !tarnPlatform::flushToDisk(temporary) || !tarnPlatform::replaceFile(temporary, target)) {
+    const bool safe = written && tarnPlatform::flushToDisk(temporary);
+    if (!written || !tarnPlatform::replaceFile(temporary, target)) {
         qWarning() << "The settings of the EC tool cannot be replaced:" << target;
         QFile::remove(temporary);
         return false;
     }
+    if (!safe)
+        qWarning() << "The settings of the EC tool may not be on the disk yet:" << target;
     qDebug() << "modifyEcIniFile Leave |";
     return true;
 }
@@ -69,9 +72,7 @@ void FirmwareUpdater::ecUpdate()
     qDebug() << "ecUpdate Enter |";
     auto *ecTool = new QProcess;
     ecTools << ecTool;
-    ecTool->setWorkingDirectory(QFileInfo(ecFolder).absoluteFilePath());
-    ecTool->start(QFileInfo(toolProgram).absoluteFilePath(), {}, QIODevice::ReadWrite);
-    if (ecTool->waitForStarted(-1))
+    if (startTool(*ecTool, toolProgram, {}, ecFolder))
         ecTool->waitForFinished(-1);
     else
         qWarning() << "The EC tool cannot be started:" << toolProgram << ecTool->errorString();

@@ -232,3 +232,12 @@ TEST_F(FirmwareUpdate, OfTheEcFailsBeforeAnythingIsTouched)
     EXPECT_TRUE(service.log().contains("write uiset.ini file failed!"));
     EXPECT_EQ(client.answer("getHardwareVersion"), "0");
 }
+
+TEST_F(FirmwareUpdate, OfTheEcReplacesWriteProtectedSettings)
+{
+    ASSERT_TRUE(
+        QFile::setPermissions(service.path("function/EC/uiset.ini"), QFile::ReadOwner | QFile::ReadUser));
+    download("firmware of the EC", "ec.bin");
+    EXPECT_EQ(client.answer("requestEcUpdate", "ec.bin"), "successed");
+    EXPECT_TRUE(service.read("function/EC/uiset.ini").contains("BinName=ec.bin\n"));
+}
