@@ -7,6 +7,8 @@
 #include <QCoreApplication>
 #include <QDebug>
 
+#include <array>
+
 namespace tarnAccessoryManager {
 namespace {
 
@@ -20,13 +22,14 @@ constexpr int exitCodeNo = 0;
 constexpr int exitCodeYes = 1;
 
 // What the log says when the program did not come to its end. In the order of LaunchStage.
-constexpr const char *failures[] = {
+constexpr std::array failures = {
     "GraphicsActive_log & GraphicsDisengaged_log: No active session found",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to query user token",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to duplicate token",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to get exit code",
 };
+static_assert(failures.size() == static_cast<std::size_t>(LaunchStage::Ended));
 
 // Deliberately without a separator: Windows does not count the dot that the folder's name then ends in, so
 // this is the folder beside the program.

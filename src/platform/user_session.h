@@ -37,7 +37,7 @@ public:
 
     // Does something with no more rights than the user at the console has; false when there is none, and then
     // it is not done.
-    virtual bool asConsoleUser(const std::function<void()> &action) = 0;
+    [[nodiscard]] virtual bool asConsoleUser(const std::function<void()> &action) = 0;
 
     // From a user's own session: runs a program and waits for its end for at most so long; its exit code, 0
     // as long as there is none.

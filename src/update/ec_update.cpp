@@ -36,9 +36,9 @@ bool rewrite(std::istream &from, std::ostream &to, const std::string &binName)
 bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::string &binName)
 {
     qDebug() << "modifyEcIniFile Enter |";
-    if (!isSafeFirmwareName(
-            QString::fromLocal8Bit(binName.c_str(), static_cast<qsizetype>(binName.size())))) {
-        qWarning() << "Not a plain name of a firmware file:" << binName.c_str();
+    const QString name = QString::fromLocal8Bit(binName.c_str(), static_cast<qsizetype>(binName.size()));
+    if (!isSafeFirmwareName(name)) {
+        qWarning() << "Not a plain name of a firmware file:" << qUtf8Printable(name);
         return false;
     }
     std::ifstream from(iniPath, std::ios::binary);

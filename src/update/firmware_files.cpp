@@ -20,21 +20,23 @@ constexpr qint64 copyChunkBytes = 0x10000;
 const QString mcuFolder = QStringLiteral("./function/MCU/");
 const QString ecFolder = QStringLiteral("./function/EC/");
 
+const QString nobodyLoggedOn = QStringLiteral("Nobody is logged on at the console.");
+
 struct Download
 {
-    QString path;
+    QString path; // empty when there is no download folder
     bool isOfConsoleUser = false;
 };
 
 // Does something with the rights of whoever has downloaded the file. Only what the user at the console may
 // see, read and delete is looked at, read and deleted: a link in the folder of a user must not lead a service
-// anywhere.
-void asOwner(const Download &download, const std::function<void()> &action)
+// anywhere. False when that user has gone: then it is not done.
+[[nodiscard]] bool asOwner(const Download &download, const std::function<void()> &action)
 {
     if (download.isOfConsoleUser)
-        tarnPlatform::UserSession::system().asConsoleUser(action);
-    else
-        action();
+        return tarnPlatform::UserSession::system().asConsoleUser(action);
+    action();
+    return true;
 }
 
 // The account of a service has a download folder of its own that nobody downloads to: then it is that of the
@@ -42,8 +44,8 @@ void asOwner(const Download &download, const std::function<void()> &action)
 Download findDownload(const QString &fileName)
 {
     using tarnPlatform::UserSession;
-    const QString own =
-        QStandardPaths::writableLocation(QStandardPaths::DownloadLocation) + QLatin1Char('/') + fileName;
+    const QString ownFolder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    const QString own = ownFolder.isEmpty() ? QString() : ownFolder + QLatin1Char('/') + fileName;
     if (QFile::exists(own) || !UserSession::system().isServiceSession())
         return {own};
     const QString folder = UserSession::system().consoleUserDownloadFolder();
@@ -51,8 +53,7 @@ Download findDownload(const QString &fileName)
         return {own};
     const Download ofUser = {folder + QLatin1Char('/') + fileName, true};
     bool found = false;
-    asOwner(ofUser, [&] { found = QFile::exists(ofUser.path); });
-    return found ? ofUser : Download {own};
+    return asOwner(ofUser, [&] { found = QFile::exists(ofUser.path); }) && found ? ofUser : Download {own};
 }
 
 // A full disk takes part of it first and says what is wrong at the next attempt only.
@@ -72,7 +73,10 @@ bool writeAll(QFile &to, const QByteArray &bytes)
 bool copyAsUser(const Download &source, const QString &destination, QString *error)
 {
     QFile from(source.path);
-    asOwner(source, [&from] { static_cast<void>(from.open(QIODevice::ReadOnly)); });
+    if (!asOwner(source, [&from] { static_cast<void>(from.open(QIODevice::ReadOnly)); })) {
+        *error = nobodyLoggedOn;
+        return false;
+    }
     if (!from.isOpen()) {
         *error = from.errorString();
         return false;
@@ -106,11 +110,16 @@ bool copy(const Download &source, const QString &destination, QString *error)
 
 void removeDownload(const Download &source)
 {
-    asOwner(source, [&source] {
+    QString error;
+    const auto remove = [&] {
         QFile file(source.path);
         if (!file.remove())
-            qWarning() << "The downloaded file cannot be deleted:" << source.path << file.errorString();
-    });
+            error = file.errorString();
+    };
+    if (!asOwner(source, remove))
+        error = nobodyLoggedOn;
+    if (!error.isEmpty())
+        qWarning() << "The downloaded file cannot be deleted:" << source.path << error;
 }
 
 // A copy of a write-protected file could not be replaced by the next one.
@@ -124,8 +133,10 @@ void makeWritable(const QString &file)
 int take(const Download &source, const QString &destination)
 {
     bool folderExists = false;
-    asOwner(source, [&] { folderExists = QFileInfo(source.path).dir().exists(); });
-    if (!folderExists) {
+    const auto lookForFolder = [&] {
+        folderExists = !source.path.isEmpty() && QFileInfo(source.path).dir().exists();
+    };
+    if (!asOwner(source, lookForFolder) || !folderExists) {
         qDebug() << "Destination directory does not exist."; // deliberately so worded: it is the source's
         return copyFailed;
     }

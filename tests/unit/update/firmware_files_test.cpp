@@ -141,6 +141,31 @@ TEST_F(McuFile, OfTheConsoleUserThatIsCutOffIsNotLeftBesideTheTool)
     EXPECT_TRUE(exists("user/fw.bin"));
 }
 
+// Two looks at the file come before its copy, and its deletion comes after.
+TEST_F(McuFile, OfAConsoleUserWhoLogsOffMeanwhileIsKept)
+{
+    QDir().mkpath(machine.folder.path("user"));
+    machine.folder.write("user/fw.bin", "of the user");
+    session.serviceSession = true;
+    const auto logOffAfter = [this](int actions) {
+        session.downloadFolder = machine.folder.path("user");
+        session.onRightsOfUser = [this, actions](bool taken) mutable {
+            if (!taken && --actions == 0)
+                session.downloadFolder.clear();
+        };
+    };
+    logOffAfter(2);
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    EXPECT_EQ(machine.log.lines().last(), "File copy failed: \"Nobody is logged on at the console.\"");
+    EXPECT_FALSE(exists("function/MCU/fw.bin"));
+    logOffAfter(3);
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
+    EXPECT_TRUE(machine.log.contains(
+        QString("W: The downloaded file cannot be deleted: \"%1\" \"Nobody is logged on at the console.\"")
+            .arg(machine.folder.path("user/fw.bin"))));
+    EXPECT_TRUE(exists("user/fw.bin"));
+}
+
 TEST_F(McuFile, OfTheConsoleUserThatCannotBeReadIsKept)
 {
     session.serviceSession = true;
