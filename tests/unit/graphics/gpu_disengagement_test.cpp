@@ -264,8 +264,10 @@ TEST_F(Disengagement, RunsUntilItsNoticeHasBeenShown)
 {
     fail(Fault::FailDeviceDisable, "gpu");
     session.onShow = [this] {
-        if (session.shown.last().endsWith("--graphics-disengaged-failed"))
-            manager->graphicsDisengagementProcess();
+        if (!session.shown.last().endsWith("--graphics-disengaged-failed"))
+            return;
+        session.onShow = nullptr;
+        manager->graphicsDisengagementProcess();
     };
     pressKey();
     EXPECT_EQ(session.shown.size(), 2);
