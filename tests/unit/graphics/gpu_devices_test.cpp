@@ -198,8 +198,8 @@ TEST_F(GpuState, EachTextHasTheRoomThatDriversReckonWith)
     NotingDevices noted;
     EXPECT_EQ(manager->getGpuDriverData(), 3);
     EXPECT_EQ(noted.taken(),
-        QStringList({"ansi adapters", "description 4096", "ansi adapters", "hardware ids 4096",
-            "description 256"}));
+        QStringList(
+            {"ansi adapters", "description 4096", "ansi adapters", "hardware ids 4096", "description 256"}));
     EXPECT_EQ(manager->enableGpu(), 0);
     EXPECT_EQ(noted.taken(), QStringList({"ansi adapters", "description 256"}));
     EXPECT_EQ(manager->disableGpu(), 0);
