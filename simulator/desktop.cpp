@@ -1,8 +1,26 @@
 #include "simulator/desktop.h"
 
+#include "simulator/clock.h"
 #include "simulator/shared_text.h"
 
+#include <chrono>
+
 namespace tarnSimulator {
+
+namespace {
+
+constexpr std::uint64_t FORGOTTEN_AFTER_MS = 1000;
+
+// Steady clocks of a native program and of one under Wine drift apart, the time of day is one. Where it is
+// set, a window is miscounted until it is next seen.
+std::uint64_t timeOfDayMs()
+{
+    const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
+    return static_cast<std::uint64_t>(
+        std::chrono::duration_cast<std::chrono::milliseconds>(sinceEpoch).count());
+}
+
+} // namespace
 
 void Desktop::reset()
 {
@@ -10,14 +28,31 @@ void Desktop::reset()
     setAnswer(1);
     shared.guiShown.store(0);
     shared.guiOpen.store(0);
+    seenMs.store(0);
     storeText(shared.guiSwitch, {});
 }
 
 void Desktop::windowOpened(std::string_view programSwitch)
 {
     storeText(shared.guiSwitch, programSwitch);
+    if (windowsOpen() == 0) {
+        shared.guiOpen.store(0); // killed ones do not say that they have gone
+    }
+    windowStaysOpen();
     shared.guiOpen.fetch_add(1);
     shared.guiShown.fetch_add(1);
+}
+
+void Desktop::windowStaysOpen()
+{
+    seenMs.store(timeOfDayMs());
+}
+
+std::uint32_t Desktop::windowsOpen() const
+{
+    const std::uint64_t seen = seenMs.load();
+    const bool isForgotten = seen != 0 && hasElapsed(timeOfDayMs(), seen, FORGOTTEN_AFTER_MS);
+    return isForgotten ? 0 : shared.guiOpen.load();
 }
 
 // The machine may have been reset while the window was open.

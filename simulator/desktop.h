@@ -18,6 +18,7 @@ public:
 
     explicit Desktop(MachineState &state)
         : shared(state.desktop)
+        , seenMs(state.guiSeenMs)
     { }
 
     void reset();
@@ -28,16 +29,18 @@ public:
     [[nodiscard]] std::int32_t answer() const { return shared.guiAnswer.load(); }
     void setAnswer(std::int32_t exitCode) { shared.guiAnswer.store(exitCode); }
 
-    // Told by the stand-in.
+    // Told by the stand-in, the middle one again and again: whoever stops telling has been killed.
     void windowOpened(std::string_view programSwitch);
+    void windowStaysOpen();
     void windowClosed();
 
     [[nodiscard]] std::uint32_t windowsShown() const { return shared.guiShown.load(); }
-    [[nodiscard]] std::uint32_t windowsOpen() const { return shared.guiOpen.load(); }
+    [[nodiscard]] std::uint32_t windowsOpen() const;
     [[nodiscard]] std::string lastSwitch() const;
 
 private:
     DesktopState &shared;
+    SharedLong &seenMs;
 };
 
 } // namespace tarnSimulator

@@ -28,7 +28,7 @@ inline constexpr std::size_t DEVICE_SLOTS = 16;
 inline constexpr std::size_t DEVICE_NAME_SIZE = 32; // sizes of texts count their final zero
 inline constexpr std::size_t DEVICE_TEXT_SIZE = 128;
 inline constexpr std::size_t GUI_SWITCH_SIZE = 64;
-inline constexpr std::size_t GROWTH_SIZE = 0x6000;
+inline constexpr std::size_t GROWTH_SIZE = 0x6000 - 8;
 
 struct StateHeader
 {
@@ -181,6 +181,7 @@ struct MachineState
     RegisterLogState log;
     DeviceTreeState devices;
     DesktopState desktop;
+    SharedLong guiSeenMs; // when a window was last known to be open, by the time of day; 0: nobody tells
     std::array<SharedByte, GROWTH_SIZE> growth; // room for later parts of the machine, all zero until then
     BootLoaderState bootLoader;
 };
@@ -212,7 +213,8 @@ static_assert(offsetof(MachineState, xdata) == 1600);
 static_assert(offsetof(MachineState, log) == 67136);
 static_assert(offsetof(MachineState, devices) == 165448);
 static_assert(offsetof(MachineState, desktop) == 172240);
-static_assert(offsetof(MachineState, growth) == 172320);
+static_assert(offsetof(MachineState, guiSeenMs) == 172320);
+static_assert(offsetof(MachineState, growth) == 172328);
 static_assert(offsetof(MachineState, bootLoader) == 196896);
 static_assert(sizeof(MachineState) == 348768);
 

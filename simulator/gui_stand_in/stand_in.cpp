@@ -42,11 +42,12 @@ std::filesystem::path stateFile(std::string_view program)
 }
 
 // Nobody waits for an answer any longer once the machine's file has gone.
-std::int32_t awaitAnswer(const Desktop &desktop, const std::filesystem::path &file)
+std::int32_t awaitAnswer(Desktop &desktop, const std::filesystem::path &file)
 {
     std::error_code error;
     std::int32_t answer = desktop.answer();
     while (answer == Desktop::WAITS && std::filesystem::exists(file, error)) {
+        desktop.windowStaysOpen();
         std::this_thread::sleep_for(LOOK_PERIOD);
         answer = desktop.answer();
     }

@@ -23,6 +23,12 @@ using namespace tarnSimulator;
 
 constexpr GUID DISPLAY_CLASS = {0x4D36E968, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
 
+// The only sizes with which a text is asked for: bytes of a buffer, and characters for an instance id.
+constexpr DWORD LONG_TEXT_BYTES = 4096;
+constexpr DWORD SHORT_TEXT_BYTES = 256;
+constexpr DWORD WIDE_TEXT_BYTES = 512;
+constexpr ULONG INSTANCE_ID_CHARACTERS = 200;
+
 struct OpenList
 {
     std::vector<std::int32_t> slots;
@@ -54,8 +60,9 @@ HDEVINFO openList(const GUID *setupClass, DWORD flags)
 {
     MachineState *machine = machineOfHost();
     const bool onlyDisplay = setupClass != nullptr && IsEqualGUID(*setupClass, DISPLAY_CLASS);
-    const bool everything = setupClass == nullptr && (flags & DIGCF_ALLCLASSES) != 0;
-    const bool understood = (flags & DIGCF_PRESENT) != 0 && (onlyDisplay || everything);
+    const bool everything = setupClass == nullptr;
+    const bool understood = (onlyDisplay && flags == DIGCF_PRESENT)
+        || (everything && flags == (DIGCF_PRESENT | DIGCF_ALLCLASSES));
     if (machine == nullptr || !understood || FaultPanel(*machine).refusesList()) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
@@ -142,6 +149,13 @@ BOOL WINAPI SetupDiEnumDeviceInfo(HDEVINFO list, DWORD index, PSP_DEVINFO_DATA d
 BOOL WINAPI SetupDiGetDeviceRegistryPropertyA(
     HDEVINFO, PSP_DEVINFO_DATA data, DWORD property, PDWORD, PBYTE buffer, DWORD size, PDWORD needed)
 {
+    const bool isDescription = property == SPDRP_DEVICEDESC;
+    const bool isHardwareId = property == SPDRP_HARDWAREID;
+    if (!(size == LONG_TEXT_BYTES && (isDescription || isHardwareId))
+        && !(size == SHORT_TEXT_BYTES && isDescription)) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
     const std::string text = propertyText(*data, property);
     return giveProperty(text.data(), text.size(), buffer, size, needed);
 }
@@ -149,6 +163,10 @@ BOOL WINAPI SetupDiGetDeviceRegistryPropertyA(
 BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(
     HDEVINFO, PSP_DEVINFO_DATA data, DWORD property, PDWORD, PBYTE buffer, DWORD size, PDWORD needed)
 {
+    if (size != WIDE_TEXT_BYTES || property != SPDRP_DEVICEDESC) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return FALSE;
+    }
     const std::string text = propertyText(*data, property);
     const std::wstring wide = wideText(text);
     return giveProperty(wide.data(), wide.size() * sizeof(wchar_t), buffer, size, needed);
@@ -178,8 +196,11 @@ BOOL WINAPI SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO list, PSP_D
     return TRUE;
 }
 
-CONFIGRET WINAPI CM_Get_Device_IDW(DEVINST instance, PWSTR buffer, ULONG length, ULONG)
+CONFIGRET WINAPI CM_Get_Device_IDW(DEVINST instance, PWSTR buffer, ULONG length, ULONG flags)
 {
+    if (length != INSTANCE_ID_CHARACTERS || flags != 0) {
+        return CR_INVALID_FLAG;
+    }
     const std::wstring id = wideText(deviceOf(instance).instanceId);
     if (refuses(Fault::FailDeviceId, instance)) {
         return CR_FAILURE;
@@ -192,8 +213,11 @@ CONFIGRET WINAPI CM_Get_Device_IDW(DEVINST instance, PWSTR buffer, ULONG length,
     return CR_SUCCESS;
 }
 
-CONFIGRET WINAPI CM_Get_DevNode_Status(PULONG status, PULONG problem, DEVINST instance, ULONG)
+CONFIGRET WINAPI CM_Get_DevNode_Status(PULONG status, PULONG problem, DEVINST instance, ULONG flags)
 {
+    if (flags != 0) {
+        return CR_INVALID_FLAG;
+    }
     if (refuses(Fault::FailDeviceStatus, instance)) {
         return CR_NO_SUCH_DEVNODE;
     }
@@ -203,8 +227,11 @@ CONFIGRET WINAPI CM_Get_DevNode_Status(PULONG status, PULONG problem, DEVINST in
     return CR_SUCCESS;
 }
 
-CONFIGRET WINAPI CM_Enable_DevNode(DEVINST instance, ULONG)
+CONFIGRET WINAPI CM_Enable_DevNode(DEVINST instance, ULONG flags)
 {
+    if (flags != 0) {
+        return CR_INVALID_FLAG;
+    }
     if (refuses(Fault::FailDeviceEnable, instance)) {
         return CR_ACCESS_DENIED;
     }
@@ -212,8 +239,11 @@ CONFIGRET WINAPI CM_Enable_DevNode(DEVINST instance, ULONG)
     return CR_SUCCESS;
 }
 
-CONFIGRET WINAPI CM_Disable_DevNode(DEVINST instance, ULONG)
+CONFIGRET WINAPI CM_Disable_DevNode(DEVINST instance, ULONG flags)
 {
+    if (flags != 0) {
+        return CR_INVALID_FLAG;
+    }
     if (refuses(Fault::FailDeviceDisable, instance)) {
         return CR_NOT_DISABLEABLE;
     }

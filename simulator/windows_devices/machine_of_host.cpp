@@ -16,12 +16,17 @@ std::filesystem::path stateFile()
     if (const auto named = stateFileFromEnvironment()) {
         return *named;
     }
-    std::wstring program(LONGEST_PATH, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), LONGEST_PATH));
-    return std::filesystem::path(program).parent_path() / "function" / STATE_FILE_NAME;
+    return folderOfHost() / "function" / STATE_FILE_NAME;
 }
 
 } // namespace
+
+std::filesystem::path folderOfHost()
+{
+    std::wstring program(LONGEST_PATH, L'\0');
+    program.resize(GetModuleFileNameW(nullptr, program.data(), LONGEST_PATH));
+    return std::filesystem::path(program).parent_path();
+}
 
 MachineState *machineOfHost()
 {

@@ -1,12 +1,17 @@
 // Lets the program that has loaded this library believe that it runs in session 0, which Wine has not, and
-// lets the calls fail with which it starts a program for the user. What the simulated computer does not say
-// goes to the system's own functions.
+// lets the calls fail with which it starts a program for the user: when the simulated computer says so, and
+// when they are not made with the values that a service needs to reach the user's desktop. What is left goes
+// to the system's own functions.
 #include "simulator/computer_control.h"
 #include "simulator/windows_devices/machine_of_host.h"
 
 #include <windows.h>
 
 #include <cstring>
+#include <cwchar>
+#include <knownfolders.h>
+#include <objbase.h>
+#include <shlobj.h>
 #include <wtsapi32.h>
 
 namespace {
@@ -14,6 +19,10 @@ namespace {
 using namespace tarnSimulator;
 
 constexpr DWORD NO_SESSION = 0xFFFFFFFF;
+constexpr DWORD ALL_TOKEN_ACCESS = 0xF01FF;
+constexpr DWORD NEW_CONSOLE = 0x10;
+constexpr DWORD STARTUP_BYTES = 104;
+constexpr std::size_t LONGEST_COMMAND_LINE = 260; // wide characters, with the final zero
 
 bool isOn(Fault fault)
 {
@@ -27,10 +36,34 @@ BOOL refuse()
     return FALSE;
 }
 
-BOOL WINAPI sessionOfProcess(DWORD process, DWORD *session)
+bool isServiceSession()
 {
     MachineState *machine = machineOfHost();
-    if (machine != nullptr && Desktop(*machine).isServiceSession()) {
+    return machine != nullptr && Desktop(*machine).isServiceSession();
+}
+
+// Nothing but its size and the user's desktop is said.
+bool isForDesktopOfUser(const STARTUPINFOW &startup)
+{
+    return startup.cb == STARTUP_BYTES && startup.lpDesktop != nullptr
+        && std::wcscmp(startup.lpDesktop, L"winsta0\\default") == 0 && startup.lpReserved == nullptr
+        && startup.lpTitle == nullptr && startup.dwFlags == 0 && startup.wShowWindow == 0
+        && startup.cbReserved2 == 0 && startup.lpReserved2 == nullptr && startup.hStdInput == nullptr
+        && startup.hStdOutput == nullptr && startup.hStdError == nullptr;
+}
+
+// "C:/folder./TarnServiceGui/TarnServiceGui.exe" --switch
+bool isCommandOfGui(const wchar_t *line)
+{
+    constexpr wchar_t END_OF_PROGRAM[] = L"./TarnServiceGui/TarnServiceGui.exe\" --";
+    const wchar_t *end = line == nullptr ? nullptr : std::wcsstr(line, END_OF_PROGRAM);
+    return end != nullptr && line[0] == L'"' && std::wcslen(line) < LONGEST_COMMAND_LINE
+        && std::wcschr(end + std::size(END_OF_PROGRAM) - 1, L' ') == nullptr;
+}
+
+BOOL WINAPI sessionOfProcess(DWORD process, DWORD *session)
+{
+    if (isServiceSession()) {
         *session = 0;
         return TRUE;
     }
@@ -44,14 +77,18 @@ DWORD WINAPI consoleSession()
 
 BOOL WINAPI userToken(ULONG session, PHANDLE token)
 {
-    return isOn(Fault::NoUserToken) ? refuse() : WTSQueryUserToken(session, token);
+    const bool isConsole = session == WTSGetActiveConsoleSessionId();
+    return isOn(Fault::NoUserToken) || !isConsole ? refuse() : WTSQueryUserToken(session, token);
 }
 
 BOOL WINAPI tokenCopy(HANDLE existing, DWORD access, LPSECURITY_ATTRIBUTES attributes,
     SECURITY_IMPERSONATION_LEVEL level, TOKEN_TYPE type, PHANDLE token)
 {
-    return isOn(Fault::NoTokenCopy) ? refuse()
-                                    : DuplicateTokenEx(existing, access, attributes, level, type, token);
+    const bool isAsLaidDown = access == ALL_TOKEN_ACCESS && attributes == nullptr
+        && level == SecurityIdentification && type == TokenPrimary;
+    return isOn(Fault::NoTokenCopy) || !isAsLaidDown
+        ? refuse()
+        : DuplicateTokenEx(existing, access, attributes, level, type, token);
 }
 
 BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
@@ -59,7 +96,11 @@ BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
     DWORD flags, LPVOID environment, LPCWSTR directory, LPSTARTUPINFOW startup,
     LPPROCESS_INFORMATION information)
 {
-    if (isOn(Fault::NoGuiProcess)) {
+    const bool isAsLaidDown = application == nullptr && isCommandOfGui(commandLine)
+        && processAttributes == nullptr && threadAttributes == nullptr && inherit == FALSE
+        && flags == NEW_CONSOLE && environment == nullptr && directory == nullptr && startup != nullptr
+        && isForDesktopOfUser(*startup);
+    if (isOn(Fault::NoGuiProcess) || !isAsLaidDown) {
         return refuse();
     }
     return CreateProcessAsUserW(token, application, commandLine, processAttributes, threadAttributes, inherit,
@@ -69,6 +110,26 @@ BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
 BOOL WINAPI exitCode(HANDLE process, LPDWORD code)
 {
     return isOn(Fault::NoGuiExitCode) ? refuse() : GetExitCodeProcess(process, code);
+}
+
+// The user of the simulated computer has a download folder beside the service. Only the user's own token
+// tells where it is: without one it would be that of the system account.
+HRESULT WINAPI knownFolder(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PWSTR *path)
+{
+    if (!isServiceSession()) {
+        return SHGetKnownFolderPath(folder, flags, token, path);
+    }
+    *path = nullptr;
+    if (!IsEqualGUID(folder, FOLDERID_Downloads) || flags != 0 || token == nullptr) {
+        return E_INVALIDARG;
+    }
+    const std::wstring downloads = (folderOfHost() / L"console_user" / L"Downloads").wstring();
+    *path = static_cast<PWSTR>(CoTaskMemAlloc((downloads.size() + 1) * sizeof(wchar_t)));
+    if (*path == nullptr) {
+        return E_OUTOFMEMORY;
+    }
+    std::wmemcpy(*path, downloads.c_str(), downloads.size() + 1);
+    return S_OK;
 }
 
 struct Detour
@@ -84,6 +145,7 @@ const Detour DETOURS[] = {
     {"DuplicateTokenEx", reinterpret_cast<void *>(tokenCopy)},
     {"CreateProcessAsUserW", reinterpret_cast<void *>(processAsUser)},
     {"GetExitCodeProcess", reinterpret_cast<void *>(exitCode)},
+    {"SHGetKnownFolderPath", reinterpret_cast<void *>(knownFolder)},
 };
 
 template <typename Type> Type *at(BYTE *base, ULONGLONG offset)

@@ -192,8 +192,9 @@ void EcPowerModeManager::powerModeLastRun()
 // Without a usable file the profile is balance, and the file is made good.
 int EcPowerModeManager::restoreBalance(const RestoreTexts &texts)
 {
-    lastPowerModeResult = setEcPowerModeBalance();
-    if (lastPowerModeResult != 0) {
+    const int result = setEcPowerModeBalance();
+    lastPowerModeResult = result; // another client's restore may change it at any time
+    if (result != 0) {
         powerMode = restoreFailed;
         qDebug() << texts.failed;
         return -2;
@@ -208,8 +209,9 @@ int EcPowerModeManager::restoreSavedProfile(quint32 profile)
 {
     if (profile == 0) // only the high profile has this line
         qDebug() << "Read data from configuration file successed, last ec powermode is high.";
-    lastPowerModeResult = setEcPowerMode(profile);
-    if (lastPowerModeResult != 0) {
+    const int result = setEcPowerMode(profile);
+    lastPowerModeResult = result;
+    if (result != 0) {
         powerMode = restoreFailed;
         qWarning() << profileSteps[profile].restoreFailed;
         return -2;

@@ -1,3 +1,4 @@
+#include "device/ec_access_lock.h"
 #include "device/ec_registers.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "graphics/gui_launcher.h"
@@ -58,6 +59,10 @@ int GraphicsAccessoryManager::graphicsActiveProcess()
 {
     qDebug() << "GraphicsActive_log: Received GPU connect signal.";
     tarnPlatform::sleepFor(settleTime);
+    if (ecAccessMutex.isReleased()) {
+        qWarning() << "GraphicsActive_log: The service ends, so the graphics are not activated.";
+        return -1;
+    }
     qDebug() << "GraphicsActive_log: Start the graphics active process.";
 
     const int found = getGpuDriverData();

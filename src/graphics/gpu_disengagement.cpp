@@ -1,3 +1,4 @@
+#include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
 #include "graphics/graphics_accessory_manager.h"
@@ -32,6 +33,15 @@ void tellClient()
     tarnPipeServer::SendQueueThread::instance()->enqueueMessage(
         tarnPipeServer::notificationText(QStringLiteral("disengagedGraphics"), QString()));
     sleepFor(clientFarewell);
+}
+
+// Asked after each wait: by the end of the process nobody would tell the EC what became of the GPU.
+bool isTooLateToDisable()
+{
+    if (!ecAccessMutex.isReleased())
+        return false;
+    qWarning() << "GraphicsDisengaged_log: The service ends, so the gpu is not disabled.";
+    return true;
 }
 
 } // namespace
@@ -84,6 +94,8 @@ int GraphicsAccessoryManager::handleGpuKeyEvent()
         }
         qDebug() << "GraphicsDisengaged_log: click yes when second check.";
         tellClient();
+        if (isTooLateToDisable())
+            return -2;
         qDebug() << "GraphicsDisengaged_log: begin to ban gpu.";
         gpuDriverData &= ~GPU_STARTED;
         if (disableGpu() != 0) {
@@ -105,6 +117,8 @@ void GraphicsAccessoryManager::banGpu()
 {
     qDebug() << "GraphicsDisengaged_log: begin to ban gpu.";
     tellClient();
+    if (isTooLateToDisable())
+        return;
     if (disableGpu() == 0)
         qDebug() << "GraphicsDisengaged_log: ban gpu successed.";
     else
@@ -115,6 +129,8 @@ void GraphicsAccessoryManager::banGpuForMcuUpdate()
 {
     qDebug() << "GraphicsDisengaged_log: begin to ban gpu for mcu update.";
     sleepFor(updatePreparation);
+    if (isTooLateToDisable())
+        return;
     if (disableGpu() == 0)
         qDebug() << "GraphicsDisengaged_log: ban gpu successed for mcu update.";
     else

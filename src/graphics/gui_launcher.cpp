@@ -1,10 +1,13 @@
 #include "graphics/gui_launcher.h"
 
+#include "device/ec_access_lock.h"
 #include "pipe/tarn_pipe_server.h"
 #include "platform/user_session.h"
 
 #include <QCoreApplication>
 #include <QDebug>
+
+#include <array>
 
 namespace tarnAccessoryManager {
 namespace {
@@ -19,13 +22,14 @@ constexpr int exitCodeNo = 0;
 constexpr int exitCodeYes = 1;
 
 // What the log says when the program did not come to its end. In the order of LaunchStage.
-constexpr const char *failures[] = {
+constexpr std::array failures = {
     "GraphicsActive_log & GraphicsDisengaged_log: No active session found",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to query user token",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to duplicate token",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to get exit code",
 };
+static_assert(failures.size() == static_cast<std::size_t>(LaunchStage::Ended));
 
 // Deliberately without a separator: Windows does not count the dot that the folder's name then ends in, so
 // this is the folder beside the program.
@@ -76,6 +80,11 @@ int launchInOwnSession(const QString &programSwitch)
 
 int launchGuiProgram(const QString &programSwitch)
 {
+    if (tarnDeviceInfos::ecAccessMutex.isReleased()) {
+        qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: The service ends, so nobody is shown"
+                   << programSwitch;
+        return 0;
+    }
     if (tarnPipeServer::TarnPipeServer::instance()->isServiceSession())
         return launchForConsoleUser(programSwitch);
     return launchInOwnSession(programSwitch);

@@ -1,5 +1,7 @@
+#include "device/ec_access_lock.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "platform/device_manager.h"
+#include "platform/unfinished_step.h"
 #include "platform/waits.h"
 
 #include <QDebug>
@@ -17,6 +19,11 @@ constexpr auto restartPause = 1000ms;
 void restart(DeviceList &device)
 {
     qDebug() << "High Definition Audio Device has a problem, disabling and re-enabling.";
+    const UnfinishedStep step; // until it is enabled again
+    if (tarnDeviceInfos::ecAccessMutex.isReleased()) {
+        qWarning() << "The service ends, so the device is not restarted.";
+        return;
+    }
     if (!device.changeByInstaller(DeviceChange::Disable)) {
         qDebug() << "High Definition Audio Failed to disable device.";
         return;

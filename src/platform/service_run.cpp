@@ -9,7 +9,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A stop takes 1.5 s when a thread is held up, else less; it is to be over after 3 s.
+// A stop takes 1.5 s when a thread is held up, 2.3 s when a step must not be left half done, else less; it is
+// to be over after 3 s.
 constexpr auto stopPatience = 2500ms;
 constexpr auto stopHint = 3000ms;
 constexpr auto startHint = 10000ms;

@@ -17,7 +17,13 @@ int UserSession::run(const QString &program, const QString &argument, std::chron
         qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process" << program
                    << process.errorString();
     // Whoever has not answered by now is not asked any longer: the destructor ends the program.
-    return process.exitCode();
+    return exitCodeOf(process);
+}
+
+int UserSession::exitCodeOf(const QProcess &process)
+{
+    const bool isSignal = process.exitStatus() == QProcess::CrashExit;
+    return isSignal && process.exitCode() == 1 ? 0 : process.exitCode();
 }
 
 bool UserSession::startDetached(const QString &program, const QString &argument)

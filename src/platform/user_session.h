@@ -7,6 +7,8 @@
 #include <chrono>
 #include <functional>
 
+class QProcess;
+
 namespace tarnPlatform {
 
 // How far a program got that was started for the user of the console.
@@ -35,7 +37,7 @@ public:
 
     // Does something with no more rights than the user at the console has; false when there is none, and then
     // it is not done.
-    virtual bool asConsoleUser(const std::function<void()> &action) = 0;
+    [[nodiscard]] virtual bool asConsoleUser(const std::function<void()> &action) = 0;
 
     // From a user's own session: runs a program and waits for its end for at most so long; its exit code, 0
     // as long as there is none.
@@ -43,6 +45,11 @@ public:
         const QString &program, const QString &argument, std::chrono::milliseconds patience);
     // The same without waiting. False when the program cannot be started.
     [[nodiscard]] virtual bool startDetached(const QString &program, const QString &argument);
+
+protected:
+    // The exit code for the log. On Unix the number of a signal that has killed the program stands in its
+    // place, and that of SIGHUP, 1, must not pass for a yes.
+    [[nodiscard]] static int exitCodeOf(const QProcess &process);
 
 private:
     friend class Seam<UserSession>;

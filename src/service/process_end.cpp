@@ -7,6 +7,7 @@
 #include "pipe/tarn_pipe_server.h"
 #include "platform/process_exit.h"
 #include "platform/process_wide.h"
+#include "platform/unfinished_step.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
@@ -21,9 +22,12 @@ using tarnDeviceInfos::EcDirverReader;
 using tarnPipeServer::SendQueueThread;
 using tarnPipeServer::TarnPipeServer;
 using tarnPlatform::ProcessWide;
+using tarnPlatform::UnfinishedStep;
 
 // A healthy cycle of the monitor and the pause before a message end well within it; a stop may take 3 s.
 constexpr auto patience = 1500ms;
+// For what must not be left half done. Under the service manager a watchdog ends the process soon after it.
+constexpr auto lastPatience = 2300ms;
 constexpr int pollMs = 10;
 // A thread that has finished still gives back what Qt keeps for it, which nothing tells the end of.
 constexpr unsigned long farewellMs = 20;
@@ -52,8 +56,12 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
         return hasFinished(monitor) && hasFinished(sender) && tarnPipeServer::waitForHandlers(pollMs);
     };
     const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer lastDeadline(lastPatience);
+    const auto isWorthWaiting = [&deadline, &lastDeadline] {
+        return !deadline.hasExpired() || (UnfinishedStep::any() && !lastDeadline.hasExpired());
+    };
     bool finished = everythingFinished();
-    while (!finished && !deadline.hasExpired()) {
+    while (!finished && isWorthWaiting()) {
         QCoreApplication::processEvents(QEventLoop::AllEvents, pollMs);
         QThread::msleep(pollMs);
         finished = everythingFinished();

@@ -1,6 +1,8 @@
 #include "update/ec_settings.h"
 
+#include <QByteArray>
 #include <QDebug>
+#include <QString>
 
 namespace tarnFirmwareUpdate {
 namespace {
@@ -33,6 +35,12 @@ constexpr Setting settings[] = {
 
 constexpr std::string_view binNameStart = "BinName=";
 
+// Without quotes, as the tool reads it; the log takes its bytes for UTF-8, but they are in the code page.
+QByteArray logText(const std::string &line)
+{
+    return QString::fromLocal8Bit(line.data(), static_cast<qsizetype>(line.size())).toUtf8();
+}
+
 } // namespace
 
 std::string settingsLine(std::string_view line, const std::function<std::string()> &binNameLine)
@@ -48,11 +56,11 @@ std::string settingsLine(std::string_view line, const std::function<std::string(
 std::string announcedBinNameLine(const std::function<std::string()> &build)
 {
     std::string line = build();
-    qDebug() << "ecFileName line is: " << line.c_str();
+    qDebug() << "ecFileName line is: " << logText(line).constData();
     if (!line.starts_with(binNameStart)) {
         qDebug() << "write BinName failed! try again!";
         line = build();
-        qDebug() << "again ecFileName line is: " << line.c_str();
+        qDebug() << "again ecFileName line is: " << logText(line).constData();
     }
     qDebug() << "write BinName successful!";
     return line;

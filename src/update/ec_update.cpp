@@ -2,10 +2,10 @@
 #include "update/ec_settings.h"
 #include "update/firmware_file_name.h"
 #include "update/firmware_updater.h"
+#include "update/tool_run.h"
 
 #include <QDebug>
 #include <QFile>
-#include <QFileInfo>
 #include <QProcess>
 
 #include <fstream>
@@ -36,9 +36,9 @@ bool rewrite(std::istream &from, std::ostream &to, const std::string &binName)
 bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::string &binName)
 {
     qDebug() << "modifyEcIniFile Enter |";
-    if (!isSafeFirmwareName(
-            QString::fromLocal8Bit(binName.c_str(), static_cast<qsizetype>(binName.size())))) {
-        qWarning() << "Not a plain name of a firmware file:" << binName.c_str();
+    const QString name = QString::fromLocal8Bit(binName.c_str(), static_cast<qsizetype>(binName.size()));
+    if (!isSafeFirmwareName(name)) {
+        qWarning() << "Not a plain name of a firmware file:" << qUtf8Printable(name);
         return false;
     }
     std::ifstream from(iniPath, std::ios::binary);
@@ -55,11 +55,14 @@ bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::str
     const QString temporary = QString::fromLatin1(newSettings);
     const QString target = QString::fromLocal8Bit(iniPath.c_str(), static_cast<qsizetype>(iniPath.size()));
     // The old settings go only when the new ones are complete.
-    if (!written || !tarnPlatform::flushToDisk(temporary) || !tarnPlatform::replaceFile(temporary, target)) {
+    const bool safe = written && tarnPlatform::flushToDisk(temporary);
+    if (!written || !tarnPlatform::replaceFile(temporary, target)) {
         qWarning() << "The settings of the EC tool cannot be replaced:" << target;
         QFile::remove(temporary);
         return false;
     }
+    if (!safe)
+        qWarning() << "The settings of the EC tool may not be on the disk yet:" << target;
     qDebug() << "modifyEcIniFile Leave |";
     return true;
 }
@@ -69,9 +72,7 @@ void FirmwareUpdater::ecUpdate()
     qDebug() << "ecUpdate Enter |";
     auto *ecTool = new QProcess;
     ecTools << ecTool;
-    ecTool->setWorkingDirectory(QFileInfo(ecFolder).absoluteFilePath());
-    ecTool->start(QFileInfo(toolProgram).absoluteFilePath(), {}, QIODevice::ReadWrite);
-    if (ecTool->waitForStarted(-1))
+    if (startTool(*ecTool, toolProgram, {}, ecFolder))
         ecTool->waitForFinished(-1);
     else
         qWarning() << "The EC tool cannot be started:" << toolProgram << ecTool->errorString();

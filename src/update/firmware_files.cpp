@@ -9,6 +9,8 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+#include <functional>
+
 namespace tarnFirmwareUpdate {
 namespace {
 
@@ -18,51 +20,88 @@ constexpr qint64 copyChunkBytes = 0x10000;
 const QString mcuFolder = QStringLiteral("./function/MCU/");
 const QString ecFolder = QStringLiteral("./function/EC/");
 
+const QString nobodyLoggedOn = QStringLiteral("Nobody is logged on at the console.");
+
 struct Download
 {
-    QString path;
+    QString path; // empty when there is no download folder
     bool isOfConsoleUser = false;
 };
+
+// Does something with the rights of whoever has downloaded the file. Only what the user at the console may
+// see, read and delete is looked at, read and deleted: a link in the folder of a user must not lead a service
+// anywhere. False when that user has gone: then it is not done.
+[[nodiscard]] bool asOwner(const Download &download, const std::function<void()> &action)
+{
+    if (download.isOfConsoleUser)
+        return tarnPlatform::UserSession::system().asConsoleUser(action);
+    action();
+    return true;
+}
 
 // The account of a service has a download folder of its own that nobody downloads to: then it is that of the
 // user at the console.
 Download findDownload(const QString &fileName)
 {
     using tarnPlatform::UserSession;
-    const QString own =
-        QStandardPaths::writableLocation(QStandardPaths::DownloadLocation) + QLatin1Char('/') + fileName;
+    const QString ownFolder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
+    const QString own = ownFolder.isEmpty() ? QString() : ownFolder + QLatin1Char('/') + fileName;
     if (QFile::exists(own) || !UserSession::system().isServiceSession())
         return {own};
     const QString folder = UserSession::system().consoleUserDownloadFolder();
-    const QString ofUser = folder + QLatin1Char('/') + fileName;
-    return !folder.isEmpty() && QFile::exists(ofUser) ? Download {ofUser, true} : Download {own};
+    if (folder.isEmpty())
+        return {own};
+    const Download ofUser = {folder + QLatin1Char('/') + fileName, true};
+    bool found = false;
+    return asOwner(ofUser, [&] { found = QFile::exists(ofUser.path); }) && found ? ofUser : Download {own};
 }
 
-// Only what the user may read is read: a link in the folder of a user must not lead a service anywhere.
-bool copyAsUser(const QString &source, const QString &destination, QString *error)
+// A full disk takes part of it first and says what is wrong at the next attempt only.
+bool writeAll(QFile &to, const QByteArray &bytes)
 {
-    QFile from(source);
-    tarnPlatform::UserSession::system().asConsoleUser(
-        [&from] { static_cast<void>(from.open(QIODevice::ReadOnly)); });
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const qint64 taken = to.write(bytes.constData() + done, bytes.size() - done);
+        if (taken <= 0)
+            return false;
+        done += static_cast<qsizetype>(taken);
+    }
+    return true;
+}
+
+// The service writes what the user reads.
+bool copyAsUser(const Download &source, const QString &destination, QString *error)
+{
+    QFile from(source.path);
+    if (!asOwner(source, [&from] { static_cast<void>(from.open(QIODevice::ReadOnly)); })) {
+        *error = nobodyLoggedOn;
+        return false;
+    }
     if (!from.isOpen()) {
         *error = from.errorString();
         return false;
     }
     QFile to(destination);
-    bool copied = to.open(QIODevice::WriteOnly | QIODevice::NewOnly);
+    if (!to.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+        *error = to.errorString();
+        return false;
+    }
+    bool copied = true;
     while (copied && !from.atEnd()) {
         const QByteArray chunk = from.read(copyChunkBytes);
-        copied = !chunk.isEmpty() && to.write(chunk) == chunk.size();
+        copied = !chunk.isEmpty() && writeAll(to, chunk);
     }
     copied = copied && to.flush();
     *error = from.error() == QFile::NoError ? to.errorString() : from.errorString();
+    if (!copied)
+        to.remove(); // half of a firmware must not be found beside the flasher
     return copied;
 }
 
 bool copy(const Download &source, const QString &destination, QString *error)
 {
     if (source.isOfConsoleUser)
-        return copyAsUser(source.path, destination, error);
+        return copyAsUser(source, destination, error);
     QFile file(source.path);
     const bool copied = file.copy(destination);
     *error = file.errorString();
@@ -71,15 +110,16 @@ bool copy(const Download &source, const QString &destination, QString *error)
 
 void removeDownload(const Download &source)
 {
-    const auto remove = [&source] {
+    QString error;
+    const auto remove = [&] {
         QFile file(source.path);
         if (!file.remove())
-            qWarning() << "The downloaded file cannot be deleted:" << source.path << file.errorString();
+            error = file.errorString();
     };
-    if (source.isOfConsoleUser)
-        tarnPlatform::UserSession::system().asConsoleUser(remove);
-    else
-        remove();
+    if (!asOwner(source, remove))
+        error = nobodyLoggedOn;
+    if (!error.isEmpty())
+        qWarning() << "The downloaded file cannot be deleted:" << source.path << error;
 }
 
 // A copy of a write-protected file could not be replaced by the next one.
@@ -92,7 +132,11 @@ void makeWritable(const QString &file)
 // leaves one of them.
 int take(const Download &source, const QString &destination)
 {
-    if (!QFileInfo(source.path).dir().exists()) {
+    bool folderExists = false;
+    const auto lookForFolder = [&] {
+        folderExists = !source.path.isEmpty() && QFileInfo(source.path).dir().exists();
+    };
+    if (!asOwner(source, lookForFolder) || !folderExists) {
         qDebug() << "Destination directory does not exist."; // deliberately so worded: it is the source's
         return copyFailed;
     }

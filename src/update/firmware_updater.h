@@ -57,7 +57,8 @@ private:
     QMutex modeHold; // guards modeHeld, and lets a leave wait for an enter that is on its way
     bool modeHeld = false;
     QMutex mcuTurn; // two updates of the same file name would take it from each other
-    // One for each update, the last one running or done; deliberately never deleted.
+    // One for each update, the last one running or done; deliberately never deleted. Without a lock: an EC
+    // update waits for its turn before it comes here.
     QList<QProcess *> ecTools;
 };
 

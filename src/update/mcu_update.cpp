@@ -51,7 +51,11 @@ int FirmwareUpdater::mcuUpdate(const QString &fileName)
     int result = -1;
     if (const EcAccess access; access) {
         startBootLoader();
-        result = mcuUpdateProcess(fileName);
+        // The flasher would outlive the service, and nobody would switch the MCU back after it.
+        if (ecAccessMutex.isReleased())
+            qWarning() << "The service ends, so the flasher is not run.";
+        else
+            result = mcuUpdateProcess(fileName);
         sleepFor(controlPause);
         startFirmware();
     }

@@ -5,19 +5,26 @@
 
 namespace tarnFirmwareUpdate {
 
-ToolResult runTool(const QString &program, const QStringList &arguments, const QString &folder)
+bool startTool(QProcess &process, const QString &program, const QStringList &arguments, const QString &folder)
 {
-    QProcess process;
     process.setWorkingDirectory(QFileInfo(folder).absoluteFilePath());
     // By its absolute path: a relative one would be looked for from the tool's own folder on some systems.
     process.start(QFileInfo(program).absoluteFilePath(), arguments, QIODevice::ReadWrite);
+    if (!process.waitForStarted(-1))
+        return false;
+    process.closeWriteChannel(); // a tool that reads its input must not wait for a person
+    return true;
+}
+
+ToolResult runTool(const QString &program, const QStringList &arguments, const QString &folder)
+{
+    QProcess process;
     ToolResult result;
-    result.started = process.waitForStarted(-1);
+    result.started = startTool(process, program, arguments, folder);
     if (!result.started) {
         result.failure = process.errorString();
         return result;
     }
-    process.closeWriteChannel(); // a tool that reads its input must not wait for a person
     process.waitForFinished(-1);
     result.output = process.readAllStandardOutput();
     result.errors = process.readAllStandardError();

@@ -232,3 +232,43 @@ TEST_F(FirmwareUpdate, OfTheEcFailsBeforeAnythingIsTouched)
     EXPECT_TRUE(service.log().contains("write uiset.ini file failed!"));
     EXPECT_EQ(client.answer("getHardwareVersion"), "0");
 }
+
+TEST_F(FirmwareUpdate, OfTheEcReplacesWriteProtectedSettings)
+{
+    ASSERT_TRUE(
+        QFile::setPermissions(service.path("function/EC/uiset.ini"), QFile::ReadOwner | QFile::ReadUser));
+    download("firmware of the EC", "ec.bin");
+    EXPECT_EQ(client.answer("requestEcUpdate", "ec.bin"), "successed");
+    EXPECT_TRUE(service.read("function/EC/uiset.ini").contains("BinName=ec.bin\n"));
+}
+
+// The service in a session that nobody sees, with a user at the console.
+class FirmwareOfConsoleUser : public FirmwareUpdate
+{
+protected:
+    void SetUp() override
+    {
+        service.computer().desktop().setServiceSession(true);
+        FirmwareUpdate::SetUp();
+        ASSERT_TRUE(QDir(service.path(".")).mkpath("console_user/Downloads"));
+        service.write(download, "firmware of the EC");
+    }
+
+    static constexpr char download[] = "console_user/Downloads/from_the_user.bin";
+};
+
+TEST_F(FirmwareOfConsoleUser, IsTakenFromTheDownloadsOfTheUser)
+{
+    EXPECT_EQ(client.answer("requestEcUpdate", "from_the_user.bin"), "successed");
+    EXPECT_EQ(service.read("function/EC/from_the_user.bin"), "firmware of the EC");
+    EXPECT_FALSE(QFile::exists(service.path(download)));
+    EXPECT_TRUE(service.log().contains("console_user/Downloads/from_the_user.bin\" 11111111112333333333"));
+}
+
+TEST_F(FirmwareOfConsoleUser, StaysWhereItIsWhenNobodyIsLoggedOn)
+{
+    service.breakDown("no-console-session");
+    EXPECT_EQ(client.answer("requestEcUpdate", "from_the_user.bin"), "failed");
+    EXPECT_TRUE(QFile::exists(service.path(download)));
+    EXPECT_FALSE(QFile::exists(service.path("function/EC/from_the_user.bin")));
+}

@@ -192,6 +192,28 @@ TEST_F(GraphicsBox, AQuestionThatIsOpenDoesNotHoldUpAStop)
     ASSERT_TRUE(service.start()); // for the end of the test
 }
 
+TEST_F(GraphicsBox, AStopDuringTheResetOfTheSoundLeavesNoDeviceSwitchedOff)
+{
+    for (const char *name : {"audio", "gpu-audio"}) {
+        const auto slot = *service.computer().devices().find(name);
+        tarnSimulator::Device changed = service.computer().devices().device(slot);
+        changed.started = false;
+        changed.problem = 10;
+        service.computer().devices().store(slot, changed);
+    }
+    plugIn();
+    ASSERT_TRUE(service.waitForLog("High Definition Audio Device has a problem, disabling and re-enabling."));
+    QElapsedTimer time;
+    time.start();
+    EXPECT_EQ(service.stop(), 0);
+    EXPECT_LT(time.elapsed(), 3000);
+    EXPECT_TRUE(service.log().contains("High Definition Audio Device has been reset."));
+    for (const char *name : {"audio", "gpu-audio"})
+        EXPECT_NE(service.computer().devices().device(*service.computer().devices().find(name)).problem, 22U)
+            << name;
+    ASSERT_TRUE(service.start()); // for the end of the test
+}
+
 class GraphicsBoxOfAService : public GraphicsBox
 {
 protected:

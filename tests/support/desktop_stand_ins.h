@@ -31,8 +31,11 @@ public:
     {
         if (downloadFolder.isEmpty())
             return false;
-        ++actionsAsUser;
+        if (onRightsOfUser)
+            onRightsOfUser(true);
         action();
+        if (onRightsOfUser)
+            onRightsOfUser(false);
         return true;
     }
     [[nodiscard]] int run(
@@ -52,7 +55,7 @@ public:
     quint32 exitCode = 1;
     bool starts = true;
     QString downloadFolder;
-    int actionsAsUser = 0;
+    std::function<void(bool)> onRightsOfUser; // taken (true) or given back
     QStringList shown; // "detached --graphics-patch-error"
     QString lastProgram;
     std::function<void()> onShow;

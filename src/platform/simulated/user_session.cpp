@@ -54,7 +54,7 @@ public:
         process.waitForFinished(-1);
         if (faults.isOn(Fault::NoGuiExitCode))
             return {LaunchStage::NoExitCode, 0};
-        return {LaunchStage::Ended, static_cast<quint32>(process.exitCode())};
+        return {LaunchStage::Ended, static_cast<quint32>(exitCodeOf(process))};
     }
 
     // The user of the simulated computer is whoever runs the service.

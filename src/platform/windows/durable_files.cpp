@@ -25,8 +25,13 @@ bool flushToDisk(const QString &file)
 
 bool replaceFile(const QString &from, const QString &to)
 {
+    const std::wstring target = nativePath(to);
+    const DWORD attributes = GetFileAttributesW(target.c_str());
+    // A write-protected file is replaced elsewhere, but not by MoveFileEx.
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY))
+        SetFileAttributesW(target.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
     return MoveFileExW(
-        nativePath(from).c_str(), nativePath(to).c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+        nativePath(from).c_str(), target.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
 }
 
 } // namespace tarnPlatform

@@ -1,12 +1,12 @@
 #include "platform/user_session.h"
 
+#include "platform/launch_command_line.h"
 #include "platform/windows/unique_handle.h"
 
 #include <QDir>
 
 #include <windows.h>
 
-#include <cwchar>
 #include <knownfolders.h>
 #include <objbase.h>
 #include <shlobj.h>
@@ -16,18 +16,10 @@ namespace tarnPlatform {
 namespace {
 
 constexpr DWORD noSession = 0xFFFFFFFF;
-constexpr std::size_t commandLineLength = 260; // wide characters, with the final zero
 
 Launch failedAt(LaunchStage stage)
 {
     return {stage, 0};
-}
-
-bool formatCommandLine(wchar_t (&line)[commandLineLength], const QString &program, const QString &argument)
-{
-    const int length = std::swprintf(line, commandLineLength, L"\"%ls\" %ls", program.toStdWString().c_str(),
-        argument.toStdWString().c_str());
-    return length >= 0 && static_cast<std::size_t>(length) < commandLineLength;
 }
 
 bool queryConsoleUser(UniqueHandle &userToken)
@@ -77,9 +69,9 @@ public:
         STARTUPINFOW startup = {};
         startup.cb = sizeof startup;
         startup.lpDesktop = desktop;
-        wchar_t commandLine[commandLineLength] = {};
+        LaunchCommandLine commandLine = {};
         PROCESS_INFORMATION started = {};
-        if (!formatCommandLine(commandLine, program, argument)
+        if (!formatLaunchCommandLine(commandLine, program, argument)
             || !CreateProcessAsUserW(ownToken.get(), nullptr, commandLine, nullptr, nullptr, FALSE,
                 CREATE_NEW_CONSOLE, nullptr, nullptr, &startup, &started))
             return failedAt(LaunchStage::NoProcess);

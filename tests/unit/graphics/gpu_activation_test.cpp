@@ -190,6 +190,16 @@ TEST_F(GpuActivation, FailsWhenTheCommandCannotBeWritten)
     EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
 }
 
+TEST_F(GpuActivation, SwitchesNothingOnceTheProcessEnds)
+{
+    machine.clock.at(
+        machine.clock.now() + tarnTest::milliseconds(2999), [] { ecAccessMutex.releaseWaiters(); });
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_FALSE(device("gpu").started);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(steps().last(), "W: GraphicsActive_log: The service ends, so the graphics are not activated.");
+}
+
 TEST_F(GpuActivation, ResetsTheSoundAfterSuccess)
 {
     setCondition("gpu-audio", false, 10);

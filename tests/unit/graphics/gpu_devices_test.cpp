@@ -1,5 +1,10 @@
 #include "graphics_fixture.h"
 
+#include "platform/device_manager.h"
+#include "platform/unfinished_step.h"
+
+#include <utility>
+
 using namespace tarnDeviceInfos;
 using tarnSimulator::DeviceKind;
 using tarnSimulator::Fault;
@@ -23,6 +28,64 @@ QString wordLine(int word)
 {
     return QString("%1gpuDriverData is  %2 .").arg(prefix).arg(word);
 }
+
+// One stopped GPU, and a note of how much room each text was given.
+class NotingDevices : public tarnPlatform::DeviceManager
+{
+public:
+    NotingDevices() { replace(this); }
+    ~NotingDevices() override { replace(nullptr); }
+    NotingDevices(const NotingDevices &) = delete;
+    NotingDevices &operator=(const NotingDevices &) = delete;
+
+    std::unique_ptr<tarnPlatform::DeviceList> displayAdapters(Text text) override
+    {
+        rooms << (text == Text::Ansi ? "ansi adapters" : "wide adapters");
+        return std::make_unique<List>(rooms);
+    }
+    std::unique_ptr<tarnPlatform::DeviceList> allDevices() override
+    {
+        rooms << "all devices";
+        return std::make_unique<List>(rooms);
+    }
+    QStringList taken() { return std::exchange(rooms, {}); }
+
+private:
+    class List : public tarnPlatform::DeviceList
+    {
+    public:
+        explicit List(QStringList &notes)
+            : rooms(notes)
+        { }
+        bool next() override { return !std::exchange(passed, true); }
+        std::optional<QByteArray> ansiText(tarnPlatform::DeviceProperty property, int bytes) override
+        {
+            const bool isDescription = property == tarnPlatform::DeviceProperty::Description;
+            rooms << QString(isDescription ? "description %1" : "hardware ids %1").arg(bytes);
+            return isDescription ? "NVIDIA GeForce RTX 4060 Ti" : "PCI\\VEN_10DE&DEV_2803";
+        }
+        std::optional<QString> wideDescription(int bytes) override
+        {
+            rooms << QString("wide description %1").arg(bytes);
+            return "NVIDIA High Definition Audio";
+        }
+        std::optional<QString> instanceId(int characters) override
+        {
+            rooms << QString("instance id %1").arg(characters);
+            return "PCI\\VEN_10DE&DEV_2803\\1";
+        }
+        std::optional<tarnPlatform::DeviceStatus> status() override { return tarnPlatform::DeviceStatus {}; }
+        bool enable() override { return true; }
+        bool disable() override { return true; }
+        bool changeByInstaller(tarnPlatform::DeviceChange) override { return true; }
+
+    private:
+        QStringList &rooms;
+        bool passed = false;
+    };
+
+    QStringList rooms;
+};
 
 } // namespace
 
@@ -128,6 +191,23 @@ TEST_F(GpuState, AnAdapterWhoseDescriptionCannotBeReadIsSkipped)
     fail(Fault::FailDeviceDescription, "gpu");
     EXPECT_EQ(manager->enableGpu(), 0);
     EXPECT_FALSE(device("gpu").started);
+}
+
+TEST_F(GpuState, EachTextHasTheRoomThatDriversReckonWith)
+{
+    NotingDevices noted;
+    EXPECT_EQ(manager->getGpuDriverData(), 3);
+    EXPECT_EQ(noted.taken(),
+        QStringList(
+            {"ansi adapters", "description 4096", "ansi adapters", "hardware ids 4096", "description 256"}));
+    EXPECT_EQ(manager->enableGpu(), 0);
+    EXPECT_EQ(noted.taken(), QStringList({"ansi adapters", "description 256"}));
+    EXPECT_EQ(manager->disableGpu(), 0);
+    EXPECT_EQ(noted.taken(), QStringList({"ansi adapters", "description 256"}));
+    EXPECT_TRUE(manager->checkNvidiaAdapterStatus());
+    EXPECT_EQ(noted.taken(), QStringList({"wide adapters", "instance id 200"}));
+    EXPECT_TRUE(manager->resetHdAudioDevice());
+    EXPECT_EQ(noted.taken(), QStringList({"all devices", "wide description 512"}));
 }
 
 class NvidiaCheck : public GpuState
@@ -332,6 +412,24 @@ TEST_F(HdAudio, EachDeviceWithAProblemIsRestartedWithItsOwnPause)
     EXPECT_EQ(machine.log.lines(),
         QStringList({found("High Definition Audio Device"), restart, done,
             found("NVIDIA High Definition Audio"), restart, done}));
+}
+
+TEST_F(HdAudio, ADeviceThatIsStoppedIsStartedAgainWhenTheProcessEndsAndNoOtherIsStopped)
+{
+    setCondition("audio", false, 10);
+    setCondition("gpu-audio", false, 10);
+    bool unfinishedMeanwhile = false;
+    machine.clock.at(machine.clock.now() + tarnTest::milliseconds(500), [&] {
+        ecAccessMutex.releaseWaiters();
+        unfinishedMeanwhile = tarnPlatform::UnfinishedStep::any();
+    });
+    EXPECT_TRUE(manager->resetHdAudioDevice());
+    EXPECT_TRUE(device("audio").started);
+    EXPECT_EQ(device("gpu-audio").problem, 10U);
+    EXPECT_EQ(machine.clock.waits(), std::vector<int>({1000}));
+    EXPECT_TRUE(unfinishedMeanwhile);
+    EXPECT_FALSE(tarnPlatform::UnfinishedStep::any());
+    EXPECT_EQ(machine.log.lines().last(), "W: The service ends, so the device is not restarted.");
 }
 
 TEST_F(HdAudio, IsFoundInAnySpelling)

@@ -41,6 +41,7 @@ protected:
         "W: GraphicsDisengaged_log: Graphics disengagement process failed."};
     const QStringList eventTaken {"R 04A4 11", "W 04A4 00"};
     const QString disabled = "GraphicsDisengaged_log: Disabled 4060 series GPU at index 1";
+    const QString endsNow = "W: GraphicsDisengaged_log: The service ends, so the gpu is not disabled.";
     const QString goodbye = tarnTest::notification("disengagedGraphics", "");
 
     static QStringList written(int state)
@@ -193,6 +194,30 @@ TEST_F(Disengagement, IsRefusedWhileOneRuns)
     EXPECT_EQ(steps().last(), finished.last());
 }
 
+TEST_F(Disengagement, SwitchesNothingOnceTheProcessEnds)
+{
+    session.onShow = [this] {
+        machine.clock.at(
+            machine.clock.now() + tarnTest::milliseconds(1999), [] { ecAccessMutex.releaseWaiters(); });
+    };
+    pressKey();
+    EXPECT_TRUE(device("gpu").started);
+    EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"})); // and no notice
+    EXPECT_EQ(machine.traffic(), eventTaken + QStringList({"R 04A5 04"}));
+    EXPECT_TRUE(machine.log.contains(endsNow));
+}
+
+TEST_F(Disengagement, TheBansSwitchNothingOnceTheProcessEnds)
+{
+    machine.clock.at(
+        machine.clock.now() + tarnTest::milliseconds(1999), [] { ecAccessMutex.releaseWaiters(); });
+    manager->banGpu();
+    EXPECT_EQ(machine.log.lines().last(), endsNow);
+    manager->banGpuForMcuUpdate();
+    EXPECT_EQ(machine.log.count(endsNow), 2);
+    EXPECT_TRUE(device("gpu").started);
+}
+
 TEST_F(Disengagement, IsPossibleAgainAfterEachEnd)
 {
     session.exitCode = 0;
@@ -208,6 +233,46 @@ TEST_F(Disengagement, IsPossibleAgainAfterEachEnd)
     EXPECT_TRUE(device("gpu").started);
     pressKey();
     EXPECT_FALSE(device("gpu").started);
+}
+
+TEST_F(Disengagement, OneAdapterThatIsDisabledEndsTheActivationWhateverBecomesOfTheOther)
+{
+    addDevice("second", tarnSimulator::DeviceKind::Display, "NVIDIA GeForce RTX 4060");
+    fail(Fault::FailDeviceDisable, "gpu");
+    pressKey();
+    EXPECT_FALSE(device("second").started);
+    EXPECT_EQ(steps().mid(steps().size() - 2), failed);
+    forgetPast();
+    pressKey();
+    EXPECT_EQ(machine.traffic(), eventTaken);
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"GraphicsActive_log & GraphicsDisengaged_log: ignore disengaged signal, gpu is still "
+                     "connection after ban it."}));
+}
+
+TEST_F(Disengagement, ThatFoundNothingToDisableLeavesTheActivationInForce)
+{
+    setCondition("gpu", false, 22);
+    pressKey();
+    EXPECT_EQ(steps().last(), finished.last());
+    session.shown.clear();
+    pressKey();
+    EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"}));
+}
+
+TEST_F(Disengagement, RunsUntilItsNoticeHasBeenShown)
+{
+    fail(Fault::FailDeviceDisable, "gpu");
+    session.onShow = [this] {
+        if (!session.shown.last().endsWith("--graphics-disengaged-failed"))
+            return;
+        session.onShow = nullptr;
+        manager->graphicsDisengagementProcess();
+    };
+    pressKey();
+    EXPECT_EQ(session.shown.size(), 2);
+    EXPECT_EQ(machine.log.lines().last(),
+        "GraphicsDisengaged_log: last graphics disable process does not finished.");
 }
 
 class FirstDisengagement : public tarnTest::GraphicsTest

@@ -125,6 +125,16 @@ TEST_F(GraphicsEvents, ABanBeforeAnUpdateTellsNobody)
     EXPECT_TRUE(machine.traffic().isEmpty());
 }
 
+TEST_F(GraphicsEvents, ABanBeforeAnUpdateDoesNotWaitForTheEc)
+{
+    setCondition("gpu", true, 0);
+    ASSERT_TRUE(ecAccessMutex.lock());
+    manager->banGpuForMcuUpdate();
+    EXPECT_TRUE(ecAccessMutex.isLocked());
+    ecAccessMutex.unlock();
+    EXPECT_FALSE(device("gpu").started);
+}
+
 TEST_F(GraphicsEvents, ABanBeforeAnUpdateMayFail)
 {
     machine.faults().switchOn(Fault::FailDeviceList);

@@ -118,6 +118,19 @@ TEST_F(GuiLauncher, ReportsANoticeThatCannotBeStarted)
     EXPECT_TRUE(machine.log.lines().last().startsWith("W: " + launcherLine("Failed to create process")));
 }
 
+TEST_F(GuiLauncher, OpensNoWindowOnceTheProcessEnds)
+{
+    tarnDeviceInfos::ecAccessMutex.releaseWaiters();
+    for (const bool inServiceSession : {false, true}) {
+        session.serviceSession = inServiceSession;
+        EXPECT_EQ(launchGuiProgram("--disengaged-graphics"), 0);
+        EXPECT_EQ(launchGuiProgram("--graphics-patch-error"), 0);
+    }
+    EXPECT_TRUE(session.shown.isEmpty());
+    EXPECT_EQ(machine.log.lines().last(),
+        "W: " + launcherLine("The service ends, so nobody is shown \"--graphics-patch-error\""));
+}
+
 TEST_F(GuiLauncher, FindsAProcessInAnySpelling)
 {
     processes.programs = QStringList {"a", "TARN.exe"};

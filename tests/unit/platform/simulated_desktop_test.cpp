@@ -86,6 +86,15 @@ TEST_F(SimulatedDesktop, DoesNotWaitLongerThanItsPatience)
     EXPECT_LT(time.elapsed(), 15000);
 }
 
+TEST_F(SimulatedDesktop, AProgramThatIsKilledSaysNothing)
+{
+    script("kill -HUP $$"); // signal 1
+    EXPECT_NE(session.run(program(), "--question", 20s), 1);
+    const auto launch = session.runForConsoleUser(program(), "--question");
+    EXPECT_EQ(launch.stage, LaunchStage::Ended);
+    EXPECT_NE(launch.exitCode, 1U);
+}
+
 TEST_F(SimulatedDesktop, AMissingProgramAnswersNothingAndIsReported)
 {
     EXPECT_NE(session.run("/nowhere/program", "--question", 5s), 1);

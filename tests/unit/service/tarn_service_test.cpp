@@ -5,6 +5,7 @@
 #include "graphics/graphics_accessory_manager.h"
 #include "pipe/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
+#include "platform/unfinished_step.h"
 #include "service/process_end.h"
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"
@@ -197,6 +198,45 @@ TEST_F(ServiceObject, DoesNotWaitForAHandlerThatIsHeldUp)
     timer.start();
     EXPECT_EXIT(
         {
+            std::atomic<bool> heldUp {true};
+            const auto future = QtConcurrent::run([&heldUp] {
+                while (heldUp)
+                    QThread::msleep(20);
+            });
+            std::exit(endProcess(5));
+        },
+        ::testing::ExitedWithCode(5), "");
+    EXPECT_LT(timer.elapsed(), 3000);
+}
+
+// What must not be left half done has a little longer than anything else, but not for ever.
+TEST_F(ServiceObject, WaitsForAnUnfinishedStep)
+{
+    EXPECT_EXIT(
+        {
+            std::atomic<bool> heldUp {true};
+            const auto future = QtConcurrent::run([&heldUp] {
+                auto step = std::make_unique<tarnPlatform::UnfinishedStep>();
+                QThread::msleep(1800);
+                std::fputs("the step is done\n", stderr);
+                step.reset();
+                while (heldUp)
+                    QThread::msleep(20);
+            });
+            while (!tarnPlatform::UnfinishedStep::any())
+                QThread::msleep(1);
+            std::exit(endProcess(5));
+        },
+        ::testing::ExitedWithCode(5), "the step is done");
+}
+
+TEST_F(ServiceObject, DoesNotWaitForAnUnfinishedStepForEver)
+{
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EXIT(
+        {
+            const tarnPlatform::UnfinishedStep step;
             std::atomic<bool> heldUp {true};
             const auto future = QtConcurrent::run([&heldUp] {
                 while (heldUp)

@@ -187,6 +187,38 @@ TEST_F(GuiStandIn, SurvivesAResetOfTheMachine)
     EXPECT_EQ(computer->desktop().windowsOpen(), 0U);
 }
 
+TEST_F(GuiStandIn, IsNotCountedWhenItWasKilled)
+{
+    const auto openWindows = [this] {
+        EXPECT_EQ(run("get gui-open"), Done);
+        return output.trimmed();
+    };
+    Desktop desktop = computer->desktop();
+    desktop.windowOpened("--disengaged-graphics");
+    EXPECT_EQ(openWindows(), "1");
+    machine->state().guiSeenMs.fetch_sub(1000); // as if it had last said so a second ago
+    EXPECT_EQ(openWindows(), "0");
+    desktop.windowOpened("--disengaged-graphics");
+    EXPECT_EQ(openWindows(), "1"); // the killed one has been forgotten
+    desktop.windowClosed();
+    EXPECT_EQ(openWindows(), "0");
+}
+
+TEST_F(GuiStandIn, IsCountedForAsLongAsItWaits)
+{
+    computer->desktop().setAnswer(Desktop::WAITS);
+    std::thread user([this] {
+        while (computer->desktop().windowsOpen() == 0)
+            std::this_thread::yield();
+        machine->state().guiSeenMs.store(1); // long ago
+        while (computer->desktop().windowsOpen() == 0)
+            std::this_thread::yield();
+        computer->desktop().setAnswer(1);
+    });
+    EXPECT_EQ(show("--disengaged-graphics"), 1);
+    user.join();
+}
+
 TEST_F(GuiStandIn, KnowsItsSwitches)
 {
     EXPECT_EQ(show("--surprise"), WRONG_SWITCH);

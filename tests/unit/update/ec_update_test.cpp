@@ -1,3 +1,4 @@
+#include "support/unprivileged.h"
 #include "update/ec_settings.h"
 #include "update_fixture.h"
 
@@ -151,6 +152,25 @@ TEST_F(EcSettingsFile, IsNotTouchedOnAFullDisk)
     EXPECT_FALSE(exists("temp.ini"));
 }
 
+// A folder that cannot be read cannot be flushed either, though files can be made in it.
+TEST_F(EcSettingsFile, IsReplacedThoughItMayNotBeOnTheDiskYet)
+{
+    machine.folder.write(settingsFile, "IO=0\n");
+    tarnTest::setMode(machine.folder.path("function/EC"), 0777);
+    tarnTest::setMode(machine.folder.path("."), 0333);
+    {
+        const tarnTest::Unprivileged unprivileged;
+        if (!tarnTest::Unprivileged::works())
+            GTEST_SKIP() << "the rights of root cannot be given up here";
+        EXPECT_TRUE(modify());
+    }
+    tarnTest::setMode(machine.folder.path("."), 0755);
+    EXPECT_EQ(machine.folder.read(settingsFile), "IO=1\n");
+    EXPECT_TRUE(machine.log.contains(
+        "W: The settings of the EC tool may not be on the disk yet: \"./function/EC/uiset.ini\""));
+    EXPECT_EQ(machine.log.lines().last(), "modifyEcIniFile Leave |");
+}
+
 TEST_F(EcSettingsFile, TakesNoLineFromAName)
 {
     machine.folder.write(settingsFile, "BinName=old\n");
@@ -181,4 +201,11 @@ TEST_F(EcTool, ThatIsMissingIsReported)
     EXPECT_EQ(lines.first(), "ecUpdate Enter |");
     EXPECT_TRUE(lines.at(1).startsWith("W: The EC tool cannot be started: \"./function/EC/IFU_XE.exe\""));
     EXPECT_EQ(lines.last(), "ecUpdate Leave |");
+}
+
+TEST_F(EcTool, DoesNotWaitForInput)
+{
+    installTool("function/EC/IFU_XE.exe", "timeout 5 cat >input; echo $? >ended");
+    updater->ecUpdate();
+    EXPECT_EQ(machine.folder.read("function/EC/ended"), "0\n");
 }

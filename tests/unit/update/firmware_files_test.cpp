@@ -1,6 +1,11 @@
 #include "update_fixture.h"
 
+#include "support/file_size_limit.h"
+#include "support/pipe_peer.h"
+#include "support/unprivileged.h"
 #include "update/firmware_file_name.h"
+
+#include <thread>
 
 using namespace tarnDeviceInfos;
 using tarnFirmwareUpdate::isSafeFirmwareName;
@@ -101,21 +106,64 @@ TEST_F(McuFile, OfAnUnsafeNameIsRefusedBeforeAnythingIsTouched)
     EXPECT_EQ(flasherRuns(), 0);
 }
 
+// The folder of the user is there for the user only, so whatever is done without the user's rights misses it.
 TEST_F(McuFile, IsTakenFromTheConsoleUserInTheServiceSession)
 {
-    QDir().mkpath(machine.folder.path("user"));
-    machine.folder.write("user/fw.bin", "of the user");
+    QDir().mkpath(machine.folder.path("hidden"));
+    machine.folder.write("hidden/fw.bin", "of the user");
     session.downloadFolder = machine.folder.path("user");
+    session.onRightsOfUser = [](bool taken) {
+        EXPECT_TRUE(taken ? QDir().rename("hidden", "user") : QDir().rename("user", "hidden"));
+    };
     EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1); // not from an ordinary session
     session.serviceSession = true;
     EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
     EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "of the user");
-    EXPECT_FALSE(exists("user/fw.bin"));
-    EXPECT_EQ(session.actionsAsUser, 2); // opening and deleting, both with the user's rights only
+    EXPECT_FALSE(exists("hidden/fw.bin"));
     download("own");
-    machine.folder.write("user/fw.bin", "of the user");
+    machine.folder.write("hidden/fw.bin", "of the user");
     EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0); // the own folder comes first
     EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "own");
+}
+
+TEST_F(McuFile, OfTheConsoleUserThatIsCutOffIsNotLeftBesideTheTool)
+{
+    QDir().mkpath(machine.folder.path("user"));
+    machine.folder.write("user/fw.bin", QByteArray(1000000, 'x'));
+    session.serviceSession = true;
+    session.downloadFolder = machine.folder.path("user");
+    {
+        const tarnTest::FileSizeLimit limit(100000);
+        EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    }
+    EXPECT_EQ(machine.log.lines().last(), "File copy failed: \"File too large\"");
+    EXPECT_FALSE(exists("function/MCU/fw.bin"));
+    EXPECT_TRUE(exists("user/fw.bin"));
+}
+
+// Two looks at the file come before its copy, and its deletion comes after.
+TEST_F(McuFile, OfAConsoleUserWhoLogsOffMeanwhileIsKept)
+{
+    QDir().mkpath(machine.folder.path("user"));
+    machine.folder.write("user/fw.bin", "of the user");
+    session.serviceSession = true;
+    const auto logOffAfter = [this](int actions) {
+        session.downloadFolder = machine.folder.path("user");
+        session.onRightsOfUser = [this, actions](bool taken) mutable {
+            if (!taken && --actions == 0)
+                session.downloadFolder.clear();
+        };
+    };
+    logOffAfter(2);
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    EXPECT_EQ(machine.log.lines().last(), "File copy failed: \"Nobody is logged on at the console.\"");
+    EXPECT_FALSE(exists("function/MCU/fw.bin"));
+    logOffAfter(3);
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
+    EXPECT_TRUE(machine.log.contains(
+        QString("W: The downloaded file cannot be deleted: \"%1\" \"Nobody is logged on at the console.\"")
+            .arg(machine.folder.path("user/fw.bin"))));
+    EXPECT_TRUE(exists("user/fw.bin"));
 }
 
 TEST_F(McuFile, OfTheConsoleUserThatCannotBeReadIsKept)
@@ -138,6 +186,18 @@ TEST_F(McuFile, ThatWasWriteProtectedCanBeReplaced)
     download("second");
     EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
     EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "second");
+}
+
+TEST_F(McuFile, OfOneUpdateIsNotReplacedByTheNext)
+{
+    installFlasher("touch running; cat fw.bin >>told; sleep 0.2; cat fw.bin >>told");
+    download("first ");
+    std::thread other([this] { EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0); });
+    EXPECT_TRUE(tarnTest::waitUntil([this] { return exists("function/MCU/running"); }));
+    download("second ");
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
+    other.join();
+    EXPECT_EQ(machine.folder.read("function/MCU/told"), "first first second second ");
 }
 
 class EcFile : public tarnTest::UpdateTest
@@ -163,4 +223,24 @@ TEST_F(EcFile, SaysWhatFailed)
     EXPECT_EQ(machine.log.lines().last(), "Destination directory does not exist.");
     EXPECT_NE(updater->copyEcFile("..\\fw.bin"), 0);
     EXPECT_TRUE(machine.log.lines().last().startsWith("W: Not a plain name"));
+}
+
+// A folder that cannot be read cannot be flushed either, though files can be made in it.
+TEST_F(EcFile, IsNotDeletedFromTheDownloadsUnlessItsCopyIsSafe)
+{
+    download("new");
+    tarnTest::setMode(machine.folder.path("."), 0755);
+    tarnTest::setMode(machine.folder.path("Downloads"), 0777);
+    tarnTest::setMode(machine.folder.path("function/EC"), 0333);
+    {
+        const tarnTest::Unprivileged unprivileged;
+        if (!tarnTest::Unprivileged::works())
+            GTEST_SKIP() << "the rights of root cannot be given up here";
+        EXPECT_EQ(updater->copyEcFile("fw.bin"), 0);
+    }
+    tarnTest::setMode(machine.folder.path("function/EC"), 0755);
+    EXPECT_EQ(machine.folder.read("function/EC/fw.bin"), "new");
+    EXPECT_TRUE(exists("Downloads/fw.bin"));
+    EXPECT_TRUE(machine.log.lines().last().startsWith(
+        "W: The copy may not be on the disk yet, so the download is kept: "));
 }

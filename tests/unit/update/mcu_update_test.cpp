@@ -189,6 +189,17 @@ TEST_F(McuUpdate, IsNotRetriedWhileTheProcessEnds)
     EXPECT_EQ(machine.log.lines().last(), "W: The service ends, so the flasher is not run again.");
 }
 
+TEST_F(McuUpdate, RunsNoFlasherOnceTheProcessEnds)
+{
+    machine.clock.at(start + tarnTest::milliseconds(enterTime - 100), [] { ecAccessMutex.releaseWaiters(); });
+    EXPECT_EQ(updater->mcuUpdate("fw.bin"), -1);
+    EXPECT_EQ(flasherRuns(), 0);
+    EXPECT_TRUE(machine.log.contains("W: The service ends, so the flasher is not run."));
+    // The MCU is switched back as far as there is time for it.
+    EXPECT_EQ(machine.traffic().size(), 9);
+    EXPECT_EQ(machine.computer.mcuMode(), McuMode::Firmware);
+}
+
 TEST_F(McuUpdate, DoesNotLetAFlasherWaitForInput)
 {
     installFlasher("cat >input; exit 0");
