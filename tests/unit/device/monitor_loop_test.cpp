@@ -196,10 +196,10 @@ TEST_F(MonitorLoop, HoldsTheEcThroughoutTheWorkOfACycle)
     runUntil(22s);
     machine.clock.onWait = nullptr;
     // From one pause between two cycles to the next.
-    const std::vector<Wait> betweenCycles(2, {100, false});
-    const auto first = std::search(waits.begin(), waits.end(), betweenCycles.begin(), betweenCycles.end());
+    const std::vector<Wait> pauses(2, {100, false});
+    const auto first = std::search(waits.begin(), waits.end(), pauses.begin(), pauses.end());
     ASSERT_NE(first, waits.end());
-    const auto second = std::search(first + 2, waits.end(), betweenCycles.begin(), betweenCycles.end());
+    const auto second = std::search(first + 2, waits.end(), pauses.begin(), pauses.end());
     ASSERT_NE(second, waits.end());
     EXPECT_TRUE(std::all_of(first + 2, second, [](const Wait &wait) { return wait.withEc; }));
     EXPECT_EQ(std::count(first + 2, second, Wait {100, true}), 1);
