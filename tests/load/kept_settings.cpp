@@ -89,7 +89,8 @@ QString savedColour(ServiceProcess &service)
 {
     if (!QFile::exists(service.path(QStringLiteral("graphicsRGB_config.ini"))))
         return {};
-    const QByteArray content = service.read(QStringLiteral("graphicsRGB_config.ini"));
+    // Each system ends the lines in its own way.
+    const QByteArray content = service.read(QStringLiteral("graphicsRGB_config.ini")).replace("\r\n", "\n");
     for (std::size_t number = 0; number < std::size(colours); ++number) {
         if (content == "[General]\ngraphicsColor=" + QByteArray::number(static_cast<int>(number)) + '\n')
             return QLatin1String(colours[number]);
