@@ -20,7 +20,7 @@ constexpr qsizetype stepsToTell = 30;
 
 const QString resultKey = QStringLiteral("result");
 const QString dataKey = QStringLiteral("data");
-const QString markKey = QStringLiteral("kill");
+const QString killKey = QStringLiteral("kill");
 
 struct LoadAccessory
 {
@@ -263,7 +263,7 @@ KillCampaign::Outcome KillCampaign::request(
     const char *command, const QString &value, const std::function<bool()> &orUntil)
 {
     note(QLatin1String(command) + QLatin1Char(' ') + value);
-    QJsonObject message {{QStringLiteral("cmd"), QLatin1String(command)}, {markKey, ++mark}};
+    QJsonObject message {{QStringLiteral("cmd"), QLatin1String(command)}, {killKey, ++mark}};
     if (!value.isEmpty())
         message.insert(dataKey, value);
     client->write(QJsonDocument(message).toJson(QJsonDocument::Compact));
@@ -272,7 +272,7 @@ KillCampaign::Outcome KillCampaign::request(
         [&] {
             for (const QByteArray &document : client->documents()) {
                 const QJsonObject arrived = QJsonDocument::fromJson(document).object();
-                if (arrived.value(markKey).toInt() == mark)
+                if (arrived.value(killKey).toInt() == mark)
                     reply = arrived;
             }
             return !reply.isEmpty() || service.process.state() == QProcess::NotRunning

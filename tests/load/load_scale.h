@@ -6,6 +6,9 @@
 
 namespace tarnLoad {
 
+// The service makes it before each message that it sends.
+inline constexpr int messagePauseMs = 500;
+
 // Within the test suite each test is quick; scripts/load sets TARN_LOAD for the long forms.
 [[nodiscard]] inline bool isLong()
 {

@@ -18,6 +18,8 @@ namespace {
 
 const QString markKey = QStringLiteral("load");
 constexpr int obeyBoundMs = 60000;
+// The EC is shared with the monitor. The quick forms share the processors with many other tests as well.
+const int atOnceMs = scaled(15000, 3000);
 constexpr int idleWindowMs = 3000;
 constexpr int threadExpiryMs = 40000;
 // An idle service takes well below one percent of a core, but its processors are shared with other tests.
@@ -54,6 +56,14 @@ int LoadedService::msUntilObeyed(tarnTest::ServiceClient &client)
         waitUntil([&] { return service.computer().peek(tarnDeviceInfos::EC_TARN_POWER_MODE) == wish.flag; },
             obeyBoundMs);
     return done ? static_cast<int>(timer.elapsed()) : -1;
+}
+
+int LoadedService::expectObeyedAtOnce(tarnTest::ServiceClient &client)
+{
+    const int obeyedMs = msUntilObeyed(client);
+    EXPECT_GE(obeyedMs, 0) << "never obeyed";
+    EXPECT_LT(obeyedMs, atOnceMs);
+    return obeyedMs;
 }
 
 double LoadedService::cpuPercent(int overMs)

@@ -20,6 +20,8 @@ protected:
     // something that was not so before, and which shows in the EC and not in a reply: replies wait their
     // turn.
     [[nodiscard]] int msUntilObeyed(tarnTest::ServiceClient &client);
+    // The same, which has to be as if nobody else were there; how long it took.
+    int expectObeyedAtOnce(tarnTest::ServiceClient &client);
     // Lines of the log that begin so.
     [[nodiscard]] qsizetype linesThatBegin(const char *text)
     {

@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+using tarnLoad::messagePauseMs;
 using tarnLoad::report;
 using tarnPipeServer::SendQueueThread;
 using tarnPipeServer::TarnPipeServer;
@@ -20,7 +21,6 @@ using tarnTest::waitUntil;
 namespace {
 
 constexpr int messageCount = 10000;
-constexpr int pauseMs = 500;
 
 QString numbered(int number)
 {
@@ -45,7 +45,7 @@ protected:
     {
         const std::vector<int> waits = machine.clock.waits();
         EXPECT_EQ(waits.size(), static_cast<std::size_t>(messageCount));
-        EXPECT_TRUE(std::all_of(waits.begin(), waits.end(), [](int wait) { return wait == pauseMs; }));
+        EXPECT_TRUE(std::all_of(waits.begin(), waits.end(), [](int wait) { return wait == messagePauseMs; }));
     }
 
     // What the server says to have sent since the last call, empty messages left out.
@@ -98,8 +98,9 @@ TEST_F(Pacing, OfABacklogKeepsItsOrder)
 
 TEST_F(Pacing, OfABacklogLosesOneMessageALeaveAtMost)
 {
+    const int backlog = tarnLoad::scaled(2000, messageCount);
     tarnCampaign::RandomSource random(tarnLoad::seed());
-    for (int number = 1; number <= messageCount; ++number)
+    for (int number = 1; number <= backlog; ++number)
         SendQueueThread::instance()->enqueueMessage(numbered(number));
     int visits = 0;
     QList<int> received;
@@ -121,10 +122,10 @@ TEST_F(Pacing, OfABacklogLosesOneMessageALeaveAtMost)
     const QList<int> sent = sentNumbers();
     EXPECT_TRUE(std::is_sorted(sent.begin(), sent.end(), std::less_equal<>())) << "doubled or out of order";
     EXPECT_TRUE(std::is_sorted(received.begin(), received.end()));
-    EXPECT_GE(sent.size(), messageCount - visits);
+    EXPECT_GE(sent.size(), backlog - visits);
     report("backlog for many visitors",
         QStringLiteral("%1 messages, %2 visitors, %3 dropped as they left")
-            .arg(messageCount)
+            .arg(backlog)
             .arg(visits)
-            .arg(messageCount - sent.size()));
+            .arg(backlog - sent.size()));
 }
