@@ -3,6 +3,7 @@
 #include "pipe/handler_threads.h"
 #include "pipe/message_format.h"
 #include "pipe/send_queue_thread.h"
+#include "platform/client_room.h"
 #include "platform/leftover_socket.h"
 #include "platform/process_wide.h"
 #include "platform/user_session.h"
@@ -32,6 +33,7 @@ TarnPipeServer *TarnPipeServer::instance()
 }
 
 TarnPipeServer::TarnPipeServer()
+    : room(tarnPlatform::clientRoom())
 {
     prepareHandlerThreads();
 
@@ -96,6 +98,11 @@ bool TarnPipeServer::isServiceSession() const
     return tarnPlatform::UserSession::system().isServiceSession();
 }
 
+bool TarnPipeServer::isCrowded() const
+{
+    return localServer->findChildren<QLocalSocket *>(Qt::FindDirectChildrenOnly).size() > room;
+}
+
 // A disconnection silences the service towards everybody, so one that was there before the newcomer must not
 // be noticed after it. Their sockets may be ready at the same time, and then the newcomer's turn comes first.
 void TarnPipeServer::noticeWhoHasLeft(const QLocalSocket *newcomer)
@@ -111,6 +118,11 @@ void TarnPipeServer::handleConnection()
 {
     QLocalSocket *newcomer = localServer->nextPendingConnection();
     noticeWhoHasLeft(newcomer);
+    if (newcomer && isCrowded()) {
+        qWarning("too many clients, the newest one is turned away");
+        delete newcomer;
+        return;
+    }
     qDebug() << "is connection!";
     qDebug() << "Tarn Service version is " << tarnService::version();
     sendThread = SendQueueThread::instance();
@@ -139,7 +151,7 @@ void TarnPipeServer::handleDisconnection()
         sendThread->requestStop();
         sendThread->quit();
     }
-    // On Unix a crowd that takes the last descriptor makes the local server give up; now one is free again.
+    // On Unix a system without a descriptor for a newcomer makes the local server give up; now one is free.
     if (!doorClosed && !localServer->isListening())
         openDoor();
 }

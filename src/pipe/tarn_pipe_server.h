@@ -59,6 +59,7 @@ private:
 
     TarnPipeServer();
     void openDoor();
+    [[nodiscard]] bool isCrowded() const;
     void noticeWhoHasLeft(const QLocalSocket *newcomer);
     void writeToClient(const QByteArray &message);
 
@@ -109,6 +110,7 @@ private:
     std::atomic<bool> clientOnline {false};
     QMap<QString, Handler> commandTable;
     QLocalServer *localServer = nullptr;
+    const int room; // for clients at once
     bool doorClosed = false; // for good
     // Deliberately left as it is when its client goes away: a reply that is finished later is still queued,
     // for the next client. Never looked into while clientOnline is false.
