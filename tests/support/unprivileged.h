@@ -5,32 +5,39 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
+#include <linux/capability.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 namespace tarnTest {
 
-// Takes away root's right to open anything, for as long as it lives. A folder of the test has to be open to
-// others for what lies in it to be reached meanwhile. It does not work where root may become nobody else, as
-// in a container that knows one user only; a test can then see nothing of what it is about.
+// Takes away this thread's right to open whatever it wants, for as long as it lives, so that modes of files
+// count for root too. To lay down a right is allowed to everybody, in any container; others have none anyway.
 class Unprivileged
 {
 public:
     Unprivileged()
-        : lowered(::geteuid() == 0 && ::seteuid(65534) == 0)
-    { }
-    ~Unprivileged()
     {
-        if (lowered && ::seteuid(0) != 0)
-            qFatal("cannot become root again");
+        if (::syscall(SYS_capget, &header, before) != 0)
+            qFatal("cannot read the rights of this thread");
+        __user_cap_data_struct lowered[_LINUX_CAPABILITY_U32S_3] = {before[0], before[1]};
+        lowered[0].effective &= ~((1U << CAP_DAC_OVERRIDE) | (1U << CAP_DAC_READ_SEARCH));
+        set(lowered);
     }
+    ~Unprivileged() { set(before); }
     Unprivileged(const Unprivileged &) = delete;
     Unprivileged &operator=(const Unprivileged &) = delete;
 
-    [[nodiscard]] static bool works() { return ::geteuid() != 0; }
-
 private:
-    const bool lowered;
+    void set(const __user_cap_data_struct (&rights)[_LINUX_CAPABILITY_U32S_3])
+    {
+        if (::syscall(SYS_capset, &header, rights) != 0)
+            qFatal("cannot set the rights of this thread");
+    }
+
+    __user_cap_header_struct header {_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct before[_LINUX_CAPABILITY_U32S_3] = {};
 };
 
 inline void setMode(const QString &path, unsigned mode)
