@@ -12,11 +12,9 @@
 namespace tarnAccessoryManager {
 namespace {
 
-using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 
-constexpr auto mailboxPause = 10ms;
 constexpr quint8 unreadByte = 0xF0; // stands when the state cannot be read
 
 constexpr MailboxPoll commandPoll = {

@@ -18,8 +18,6 @@ using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 
-constexpr auto mailboxPause = 10ms;
-
 const QString colourFile = QStringLiteral("./graphicsRGB_config.ini");
 const QString colourKey = QStringLiteral("graphicsColor");
 

@@ -1,5 +1,6 @@
 #include "accessory/kvane_accessory_manager.h"
 
+#include "accessory/mailbox.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
@@ -11,11 +12,8 @@
 namespace tarnAccessoryManager {
 namespace {
 
-using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
-
-constexpr auto mailboxPause = 10ms;
 
 using SerialNumber = std::array<quint8, KVANE_SN_LENGTH>;
 

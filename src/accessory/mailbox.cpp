@@ -11,7 +11,6 @@ namespace {
 
 using tarnDeviceInfos::EcDirverControllerHal;
 
-constexpr std::chrono::milliseconds colourPause {10};
 constexpr quint8 unreadCommand = 0xF0; // stands when a look fails: the command counts as not finished
 
 void readCommandByte(const MailboxPoll &poll, quint8 *command)
@@ -39,7 +38,7 @@ bool writeMailboxColour(const MailboxWrite (&colour)[3], const MailboxWrite &com
     for (const MailboxWrite &byte : colour) {
         if (!writeMailbox(byte))
             return false;
-        tarnPlatform::sleepFor(colourPause);
+        tarnPlatform::sleepFor(mailboxPause);
     }
     return writeMailbox(command);
 }

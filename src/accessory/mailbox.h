@@ -6,6 +6,9 @@
 
 namespace tarnAccessoryManager {
 
+// What the mailbox's firmware needs between two steps.
+inline constexpr std::chrono::milliseconds mailboxPause {10};
+
 // One byte for the application mailbox with the log's words around its value.
 struct MailboxWrite
 {

@@ -15,28 +15,27 @@ using tarnPlatform::sleepFor;
 
 constexpr auto pauseBetweenReads = 50ms;
 
+QString &appendRegister(quint16 address, const char *label, QString &out)
+{
+    const EcAccess access;
+    quint8 value = 255;
+    if (!access || EcDirverControllerHal::instance()->readXdata(address, &value) != 0)
+        return out;
+    out.append(QString::number(value));
+    qDebug() << label << out;
+    return out;
+}
+
 } // namespace
 
 QString &EcDirverReader::getAccessoryCode(QString &out)
 {
-    const EcAccess access;
-    quint8 code = 255;
-    if (!access || EcDirverControllerHal::instance()->readXdata(ACCESSORY_CODE, &code) != 0)
-        return out;
-    out.append(QString::number(code));
-    qDebug() << "Accessory Code is: " << out;
-    return out;
+    return appendRegister(ACCESSORY_CODE, "Accessory Code is: ", out);
 }
 
 QString &EcDirverReader::getHardwareVersion(QString &out)
 {
-    const EcAccess access;
-    quint8 version = 255;
-    if (!access || EcDirverControllerHal::instance()->readXdata(HARDWARE_VERSION, &version) != 0)
-        return out;
-    out.append(QString::number(version));
-    qDebug() << "Hardware Version is: " << out;
-    return out;
+    return appendRegister(HARDWARE_VERSION, "Hardware Version is: ", out);
 }
 
 QString &EcDirverReader::getMcuVersion(QString &out)
