@@ -261,22 +261,6 @@ TEST_F(PipeServer, HandlersDoNotHoldEachOtherUp)
     EXPECT_EQ(client.take(reply.repeated(40)), reply.repeated(40));
 }
 
-// A client that polls while a question to the user is open must still get what needs no EC.
-TEST_F(PipeServer, ManyHandlersThatWaitForTheEcDoNotHoldTheOthersUp)
-{
-    ASSERT_TRUE(tarnDeviceInfos::ecAccessMutex.lock());
-    ASSERT_TRUE(client.connectToService());
-    for (int number = 1; number <= 300; ++number) {
-        client.write(R"({"cmd":"getAccessoryCode"})");
-        ASSERT_TRUE(
-            waitUntil([&] { return machine.log.count(R"("{\"cmd\":\"getAccessoryCode\"}")") == number; }));
-    }
-    client.write(typeRequest());
-    EXPECT_EQ(client.take(typeReply()), typeReply());
-    tarnDeviceInfos::ecAccessMutex.unlock();
-    QThreadPool::globalInstance()->waitForDone();
-}
-
 TEST_F(PipeServer, SendsDirectlyFromItsOwnThread)
 {
     server->sendDataToClient("nobody");

@@ -40,6 +40,13 @@ private:
     static inline char *words[] = {word, nullptr};
 };
 
+// A handler that no end of the process lets go.
+void holdUp()
+{
+    for (;;)
+        QThread::msleep(20);
+}
+
 // Counts how often an object is asked to go.
 class GoWatch : public QObject
 {
@@ -198,11 +205,7 @@ TEST_F(ServiceObject, DoesNotWaitForAHandlerThatIsHeldUp)
     timer.start();
     EXPECT_EXIT(
         {
-            std::atomic<bool> heldUp {true};
-            const auto future = QtConcurrent::run([&heldUp] {
-                while (heldUp)
-                    QThread::msleep(20);
-            });
+            const auto handler = QtConcurrent::run(holdUp);
             std::exit(endProcess(5));
         },
         ::testing::ExitedWithCode(5), "");
@@ -214,14 +217,12 @@ TEST_F(ServiceObject, WaitsForAnUnfinishedStep)
 {
     EXPECT_EXIT(
         {
-            std::atomic<bool> heldUp {true};
-            const auto future = QtConcurrent::run([&heldUp] {
+            const auto handler = QtConcurrent::run([] {
                 auto step = std::make_unique<tarnPlatform::UnfinishedStep>();
                 QThread::msleep(1800);
                 std::fputs("the step is done\n", stderr);
                 step.reset();
-                while (heldUp)
-                    QThread::msleep(20);
+                holdUp();
             });
             while (!tarnPlatform::UnfinishedStep::any())
                 QThread::msleep(1);
@@ -237,11 +238,7 @@ TEST_F(ServiceObject, DoesNotWaitForAnUnfinishedStepForEver)
     EXPECT_EXIT(
         {
             const tarnPlatform::UnfinishedStep step;
-            std::atomic<bool> heldUp {true};
-            const auto future = QtConcurrent::run([&heldUp] {
-                while (heldUp)
-                    QThread::msleep(20);
-            });
+            const auto handler = QtConcurrent::run(holdUp);
             std::exit(endProcess(5));
         },
         ::testing::ExitedWithCode(5), "");
@@ -267,11 +264,7 @@ TEST_F(ServiceObject, TellsTheManagerEvenWhenItIsHeldUp)
 {
     EXPECT_EXIT(
         {
-            std::atomic<bool> heldUp {true};
-            const auto future = QtConcurrent::run([&heldUp] {
-                while (heldUp)
-                    QThread::msleep(20);
-            });
+            const auto handler = QtConcurrent::run(holdUp);
             tarnTest::ScriptedServiceManager manager;
             manager.onStopped = [] {
                 std::fputs("the manager knows\n", stderr);
