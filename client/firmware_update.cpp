@@ -12,7 +12,6 @@ using std::chrono::milliseconds;
 
 // Often enough that no second is left out.
 constexpr milliseconds progressPeriod(200);
-constexpr QLatin1StringView dataKey("data");
 constexpr QLatin1StringView untouchedText("Nothing has been touched.");
 
 // For texts that may or may not have a place for the value.

@@ -6,7 +6,7 @@ namespace tarnClient {
 
 namespace {
 
-constexpr std::chrono::milliseconds pollPeriod(50);
+constexpr std::chrono::milliseconds lookPeriod(50);
 
 } // namespace
 
@@ -14,7 +14,7 @@ InterruptPoll::InterruptPoll(QObject *parent)
     : QObject(parent)
 {
     connect(&m_timer, &QTimer::timeout, this, &InterruptPoll::look);
-    m_timer.start(pollPeriod);
+    m_timer.start(lookPeriod);
 }
 
 bool InterruptPoll::isRaised() const

@@ -9,7 +9,6 @@ namespace tarnClient {
 namespace {
 
 constexpr QLatin1StringView commandKey("cmd");
-constexpr QLatin1StringView dataKey("data");
 constexpr QLatin1StringView resultKey("result");
 constexpr QLatin1StringView failedValue("failed");
 // For commands whose answer is the bare request.

@@ -8,7 +8,6 @@ using std::chrono::milliseconds;
 
 // The service's 500 ms between two messages and a little for a busy computer.
 constexpr milliseconds messagePeriod(600);
-constexpr double msPerSecond = 1000.0;
 
 } // namespace
 
@@ -55,7 +54,7 @@ QString durationText(milliseconds duration)
     if (readsBetterInMinutes) {
         return QString::number(wholeMinutes.count()) + QStringLiteral(" min");
     }
-    return QString::number(static_cast<double>(duration.count()) / msPerSecond) + QStringLiteral(" s");
+    return QString::number(std::chrono::duration<double>(duration).count()) + QStringLiteral(" s");
 }
 
 } // namespace tarnClient

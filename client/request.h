@@ -10,6 +10,9 @@ namespace tarnClient {
 // notifications, which use some of the same command names, and from answers to other clients.
 inline constexpr QLatin1StringView tagKey("tarnctl");
 
+// What a command asks to be set, and what a query is answered with.
+inline constexpr QLatin1StringView dataKey("data");
+
 struct Request
 {
     QByteArray bytes;

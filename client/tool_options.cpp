@@ -9,7 +9,6 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr QLatin1StringView defaultPipeName("tarnPipe");
-constexpr double msPerSecond = 1000.0;
 // Timers count milliseconds in an int.
 constexpr double longestSeconds = 7.0 * 24 * 3600;
 
@@ -48,15 +47,15 @@ std::optional<milliseconds> readSeconds(
         return std::nullopt;
     }
     bool converted = false;
-    const double seconds = parser.value(option).toDouble(&converted);
+    const double wanted = parser.value(option).toDouble(&converted);
     // Written so that "nan" is refused as well.
-    const bool inRange = converted && seconds > 0 && seconds <= longestSeconds;
+    const bool inRange = converted && wanted > 0 && wanted <= longestSeconds;
     if (!inRange) {
         error = QStringLiteral("--%1 takes a number of seconds above 0, not \"%2\".")
                     .arg(option, parser.value(option));
         return std::nullopt;
     }
-    return milliseconds(qMax<qint64>(1, qRound64(seconds * msPerSecond)));
+    return std::max(milliseconds(1), std::chrono::round<milliseconds>(std::chrono::duration<double>(wanted)));
 }
 
 std::optional<int> readCount(const QCommandLineParser &parser, QString &error)
