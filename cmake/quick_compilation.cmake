@@ -31,3 +31,12 @@ endfunction()
 function(tarn_precompile_tests target)
     target_precompile_headers(${target} PRIVATE <gtest/gtest.h> ${TARN_STANDARD_HEADERS} ${TARN_QT_HEADERS})
 endfunction()
+
+# Small sources with much the same headers are compiled together, BATCH of them at a time. clang-tidy wants to see
+# each by itself.
+option(TARN_UNITE_SOURCES "Compile small sources together" ON)
+function(tarn_unite_sources target batch)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ${TARN_UNITE_SOURCES} UNITY_BUILD_BATCH_SIZE ${batch})
+    # To GCC an anonymous namespace in such a file looks as if it came from a header.
+    target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
+endfunction()
