@@ -95,7 +95,7 @@ TEST_F(ClientStorm, OfShortVisitsLeavesTheDoorOpen)
 TEST_F(ClientStorm, OfManyAtOnceLeavesTheDoorOpen)
 {
     const auto before = figures();
-    const int crowd = scaled(150, 1000);
+    const int crowd = scaled(150, 800);
     double crowdMib = 0;
     for (int round = 0; round < scaled(1, 3); ++round) {
         std::vector<std::unique_ptr<PipePeer>> peers;
