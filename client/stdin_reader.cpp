@@ -98,6 +98,15 @@ std::optional<QString> StdinReader::takeLine()
     return QString::fromStdString(line);
 }
 
+std::optional<QString> StdinReader::nextLine() const
+{
+    const std::lock_guard lock(m_shared->mutex);
+    if (m_shared->lines.empty()) {
+        return std::nullopt;
+    }
+    return QString::fromStdString(m_shared->lines.front());
+}
+
 bool StdinReader::isExhausted() const
 {
     const std::lock_guard lock(m_shared->mutex);

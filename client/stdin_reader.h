@@ -23,6 +23,8 @@ public:
     ~StdinReader() override;
 
     [[nodiscard]] std::optional<QString> takeLine();
+    // What takeLine() would take.
+    [[nodiscard]] std::optional<QString> nextLine() const;
     // The input has ended and every line has been taken.
     [[nodiscard]] bool isExhausted() const;
     // A thread still waits for input that will not come; only ending the process at once gets rid of it.

@@ -154,6 +154,9 @@ ExitCode runOptions(const ToolOptions &options, ToolStreams &streams)
             QStringLiteral("--count and --for belong to watch and raw.\nUse --timeout to limit "
                            "the wait for an answer."));
     }
+    if (options.reconnect && (verb == nullptr || verb->run != runWatch)) {
+        return refuse(streams, QStringLiteral("--reconnect belongs to watch."));
+    }
     return verb == nullptr ? runServiceCommand(options, streams) : runVerb(*verb, options, streams);
 }
 

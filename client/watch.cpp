@@ -21,6 +21,9 @@ constexpr QLatin1StringView eventKind("event");
 constexpr QLatin1StringView answerKind("answer");
 constexpr QLatin1StringView lateAnswerKind("late-answer");
 
+constexpr QLatin1StringView helpWord("help");
+constexpr QLatin1StringView reconnectWord("reconnect");
+
 QString timeStamp()
 {
     return QDateTime::currentDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss.zzz"));
@@ -160,19 +163,32 @@ void Watch::show(QLatin1StringView kind, const QString &text, const QByteArray &
 
 void Watch::handleNextLines()
 {
-    while (m_reader && m_client.isOpen() && m_pendingTag.isEmpty() && !m_lingering && !isFinished()) {
-        const std::optional<QString> line = m_reader->takeLine();
+    while (m_reader && m_client.isOpen() && !m_lingering && !isFinished()) {
+        const bool isWaiting = !m_pendingTag.isEmpty();
+        const std::optional<QString> line = isWaiting ? takeUrgentLine() : m_reader->takeLine();
         if (line) {
             handleLine(*line);
             continue;
         }
         // A person who ends the input wants to leave; a script that has no more commands may well want to go
         // on watching.
-        if (m_streams.interactive && m_reader->isExhausted()) {
+        if (!isWaiting && m_streams.interactive && m_reader->isExhausted()) {
             finish(ExitCode::Done);
         }
         return;
     }
+}
+
+// A person whose answer does not come, because another client came and went, need not wait for the end of the
+// time limit. The lines of a script keep their order.
+std::optional<QString> Watch::takeUrgentLine()
+{
+    const std::optional<QString> line = m_streams.interactive ? m_reader->nextLine() : std::nullopt;
+    if (!line) {
+        return std::nullopt;
+    }
+    const QString word = parseTypedLine(*line).name;
+    return word == helpWord || word == reconnectWord ? m_reader->takeLine() : std::nullopt;
 }
 
 void Watch::handleLine(const QString &line)
@@ -183,9 +199,9 @@ void Watch::handleLine(const QString &line)
     }
     if (command.name == QLatin1StringView("quit") || command.name == QLatin1StringView("exit")) {
         finish(ExitCode::Done);
-    } else if (command.name == QLatin1StringView("help")) {
+    } else if (command.name == helpWord) {
         showHelp(command);
-    } else if (command.name == QLatin1StringView("reconnect")) {
+    } else if (command.name == reconnectWord) {
         connectAnew();
     } else {
         sendCommand(command);
@@ -204,7 +220,11 @@ void Watch::showHelp(const TypedCommand &command)
 
 void Watch::sendCommand(const TypedCommand &command)
 {
-    const std::optional<QString> objection = m_options.force ? std::nullopt : commandObjection(command);
+    std::optional<QString> objection = m_options.force ? std::nullopt : commandObjection(command);
+    if (objection && findCommand(command.name) == nullptr && topicHelp(command.name)) {
+        objection =
+            QStringLiteral("\"%1\" cannot be typed here; run \"tarnctl %1\" by itself.").arg(command.name);
+    }
     if (objection) {
         m_streams.complain(*objection);
         return;
@@ -233,7 +253,12 @@ void Watch::sendCommand(const TypedCommand &command)
 void Watch::connectAnew()
 {
     m_client.close();
-    m_streams.remark(QStringLiteral("Connecting again."));
+    m_streams.remark(m_pendingTag.isEmpty()
+            ? QStringLiteral("Connecting again.")
+            : QStringLiteral("Connecting again; if %1 is still answered, it shows as a late answer.")
+                  .arg(m_pending.name));
+    m_pendingTag.clear();
+    m_deadline.stop();
     retryLater(leavePause);
 }
 

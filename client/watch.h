@@ -30,6 +30,7 @@ private:
     void show(QLatin1StringView kind, const QString &text, const QByteArray &json);
 
     void handleNextLines();
+    [[nodiscard]] std::optional<QString> takeUrgentLine();
     void handleLine(const QString &line);
     void showHelp(const TypedCommand &command);
     void sendCommand(const TypedCommand &command);

@@ -297,6 +297,49 @@ TEST(TarnctlWatchTest, TypedReconnectMakesANewConnection)
     EXPECT_EQ(withoutTimes(run.output), "answer getMcuVersion 1\nanswer getMcuVersion 2\n");
 }
 
+TEST(TarnctlWatchTest, AtATerminalReconnectAndHelpDoNotWaitForAnAnswer)
+{
+    FakeService service;
+    QJsonObject unanswered;
+    service.onRequest([&](const QJsonObject &request) {
+        if (service.connections() == 1) {
+            unanswered = request;
+            return;
+        }
+        service.answer(unanswered, "data", "late");
+        service.answer(request, "data", "2");
+    });
+    QElapsedTimer clock;
+    clock.start();
+    const ToolRun run = runTool(
+        service, {"watch"}, typed("getMcuVersion\nhelp\nreconnect\ngetHardwareVersion\nquit\n", true));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_LT(clock.elapsed(), 10000) << "waited for the end of the time limit";
+    EXPECT_TRUE(run.errors.contains("or help COMMAND, reconnect, quit"));
+    EXPECT_TRUE(run.errors.contains("if getMcuVersion is still answered"));
+    EXPECT_EQ(withoutTimes(run.output), "late-answer getMcuVersion late\nanswer getHardwareVersion 2\n");
+}
+
+TEST(TarnctlWatchTest, InAScriptReconnectWaitsForTheAnswerBeforeIt)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.later(milliseconds(200),
+            [&service, request] { service.answer(request, "data", QString::number(service.connections())); });
+    });
+    const ToolRun run = runTool(service, {"watch"}, typed("getMcuVersion\nreconnect\ngetMcuVersion\nquit\n"));
+    EXPECT_EQ(withoutTimes(run.output), "answer getMcuVersion 1\nanswer getMcuVersion 2\n");
+}
+
+TEST(TarnctlWatchTest, AWordOfTheToolIsNotTaken)
+{
+    FakeService service;
+    const ToolRun run = runTool(service, {"watch"}, typed("update-mcu kvane.bin\nquit\n", true));
+    EXPECT_TRUE(
+        run.errors.contains("\"update-mcu\" cannot be typed here; run \"tarnctl update-mcu\" by itself."));
+    EXPECT_EQ(service.commands(), QStringList());
+}
+
 TEST(TarnctlWatchTest, EndsWhenNobodyReadsItsOutput)
 {
     FakeService service;
