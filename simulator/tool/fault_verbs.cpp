@@ -120,9 +120,10 @@ ExitCode switchFault(ToolContext &context, const QStringList &arguments)
 
 ExitCode showFaults(ToolContext &context, const QStringList &)
 {
+    const qsizetype width = columnWidth(faultNames());
     for (const FaultDescription &fault : faultTable()) {
         const QString state = faultStateText(context.computer->faults(), fault);
-        context.out << toQString(fault.name).leftJustified(17)
+        context.out << toQString(fault.name).leftJustified(width)
                     << (state.isEmpty() ? QStringLiteral("off") : state).leftJustified(8) << ' '
                     << toQString(fault.help) << " [" << rangeText(fault) << "]\n";
     }

@@ -87,11 +87,12 @@ ExitCode setValue(ToolContext &context, const QStringList &arguments)
 
 ExitCode showValues(ToolContext &context, const QStringList &)
 {
+    const qsizetype width = columnWidth(valueNames());
     for (const MachineValue &value : machineValues()) {
         const QString now = toQString(value.read(*context.computer));
         const QString allowed =
             value.write == nullptr ? QStringLiteral("read only") : toQString(value.allowed);
-        context.out << toQString(value.name).leftJustified(21) << now.leftJustified(16)
+        context.out << toQString(value.name).leftJustified(width) << now.leftJustified(15) << ' '
                     << toQString(value.help) << " (" << allowed << ")\n";
     }
     return Done;

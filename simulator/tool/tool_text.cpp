@@ -5,6 +5,8 @@
 #include "simulator/register_names.h"
 #include "simulator/value_text.h"
 
+#include <algorithm>
+
 namespace tarnSimulator {
 
 namespace {
@@ -62,6 +64,14 @@ QStringList faultNames()
 QStringList allRegisterNames()
 {
     return namesOf(registerNames());
+}
+
+qsizetype columnWidth(const QStringList &names)
+{
+    constexpr qsizetype gap = 2;
+    const auto longest = std::max_element(names.begin(), names.end(),
+        [](const QString &left, const QString &right) { return left.size() < right.size(); });
+    return longest->size() + gap;
 }
 
 std::optional<std::uint16_t> parseRegister(const QString &text)

@@ -29,6 +29,9 @@ ExitCode complainAboutName(
 [[nodiscard]] QStringList faultNames();
 [[nodiscard]] QStringList allRegisterNames();
 
+// Room for the longest of them and what is beside it.
+[[nodiscard]] qsizetype columnWidth(const QStringList &names);
+
 // A name of the register map or an address.
 [[nodiscard]] std::optional<std::uint16_t> parseRegister(const QString &text);
 // "0x04A8 EC_POWERMODE_PL1", or the address alone.

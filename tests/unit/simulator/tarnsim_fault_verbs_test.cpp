@@ -45,6 +45,18 @@ TEST_F(TarnsimFaults, SwitchesFaultsOfRegisters)
     EXPECT_EQ(computer->faults().remaining(Fault::FailAfter), 5U);
 }
 
+// The columns of a list never run together, whatever stands in them.
+TEST_F(TarnsimFaults, AndValuesStandInColumns)
+{
+    EXPECT_EQ(run(QStringLiteral("fault fail-device-disable gpu 2")), 0);
+    EXPECT_EQ(run(QStringLiteral("faults")), 0);
+    EXPECT_TRUE(said("fail-device-description  off      "));
+    EXPECT_TRUE(said("device 2, after 2 more calls "));
+    computer->desktop().windowOpened("--disengaged-graphics");
+    EXPECT_EQ(run(QStringLiteral("values")), 0);
+    EXPECT_TRUE(said("--disengaged-graphics the switch"));
+}
+
 TEST_F(TarnsimFaults, SaysWhatAFaultTakes)
 {
     const char *wrong[][2] = {
