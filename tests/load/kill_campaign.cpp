@@ -58,9 +58,13 @@ QString KillCampaign::run()
     begin();
     if (broken.isEmpty())
         return {};
-    return QStringLiteral("kill %1: %2\nafter:\n  %3")
+    return QStringLiteral("kill %1: %2\nafter:\n  %3\nthe service %4; it said last:\n%5")
         .arg(done)
-        .arg(broken, steps.join(QStringLiteral("\n  ")));
+        .arg(broken, steps.join(QStringLiteral("\n  ")),
+            service.process.state() == QProcess::Running
+                ? QStringLiteral("runs")
+                : QStringLiteral("ended with %1").arg(service.process.exitCode()),
+            service.log().right(2000));
 }
 
 void KillCampaign::dieAtTheStart()
