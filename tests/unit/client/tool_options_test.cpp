@@ -69,12 +69,14 @@ INSTANTIATE_TEST_SUITE_P(Lines, TarnctlBadCommandLines,
         BadLine {{"getMcuVersion", "data"}}, BadLine {{"setDockLedStatus"}},
         BadLine {{"setDockLedStatus", "ON"}}, BadLine {{"setDockLedStatus", "on", "off"}},
         BadLine {{"setKVaneLedLight", "256"}}, BadLine {{"requestEcUpdate", "../x"}},
+        BadLine {{"getMcuVersion", "--reconnect"}}, BadLine {{"raw", "{}", "--reconnect"}},
         BadLine {{"getMcuVersio"}}));
 
 TEST(TarnctlUsageTest, NamesTheWayOn)
 {
     EXPECT_EQ(runTool({"getMcuVersio"}).errors,
         "tarnctl: There is no command \"getMcuVersio\". Did you mean getMcuVersion?\n");
+    EXPECT_TRUE(runTool({"getMcuVersion", "--reconnect"}).errors.contains("--reconnect belongs to watch."));
     EXPECT_EQ(runTool({"zzzzzz"}).errors,
         "tarnctl: There is no command \"zzzzzz\".\n\"tarnctl commands\" lists them all.\n");
     EXPECT_TRUE(runTool({"setGraphicsRGB", "pink"}).errors.contains("purplishred, shutdown"));
