@@ -69,9 +69,15 @@ QString TarnPipeServer::requestEnterMcuUpdateMode(QJsonObject &request)
 QString TarnPipeServer::requestLeaveMcuUpdateMode(QJsonObject &request)
 {
     qDebug() << "Enter Leave Mcu Update Mode";
-    // The version tells the client what runs now, whatever came of the leaving.
     if (FirmwareUpdater::instance()->leaveMcuUpdateMode() != 0)
         qWarning() << "The MCU was not in update mode.";
+    return messageText(request);
+}
+
+// The version tells the client what runs now, whatever came of the leaving. Reading it may wait for an EC
+// that another one has taken meanwhile, and the next leave must not wait for that.
+QString TarnPipeServer::answerLeaveMcuUpdateMode(QJsonObject &request)
+{
     return replyData(request, mcuVersion());
 }
 

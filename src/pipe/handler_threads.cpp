@@ -1,5 +1,6 @@
 #include "pipe/handler_threads.h"
 
+#include <QDeadlineTimer>
 #include <QThreadPool>
 
 #include <algorithm>
@@ -8,31 +9,20 @@
 namespace tarnPipeServer {
 namespace {
 
-// With the pool's default size two handlers that wait for the EC could hold up all others.
+// For handlers that wait for the EC: with the pool's default size two of them could hold up all others. For
+// those that do not as well, because switching off the GPU before an update takes 3 s and more.
 constexpr int minimumThreads = 64;
 
-constexpr const char *needNoEcOrLetGoOfIt[] = {
-    "getAccessoryType", "requestLeaveMcuUpdateMode", "requestEcUpdate"};
-constexpr qsizetype longestSuchRequest = 4096; // a file name and the client's own fields included
+// The global pool comes last: a leave hands the rest of its work to it.
+constexpr Lane lanes[] = {Lane::LeavesMcuUpdateMode, Lane::UpdatesEc, Lane::NeverWaits, Lane::WaitsForEc};
 
 // Deliberately never destroyed: its handlers may outlive the application object, like those of the global
 // pool.
-QThreadPool &emergencyExit()
+QThreadPool *newThreads(int count)
 {
-    static auto *pool = [] {
-        auto *threads = new QThreadPool;
-        threads->setMaxThreadCount(minimumThreads);
-        return threads;
-    }();
-    return *pool;
-}
-
-// By its text only: a request that merely looks so does no harm there.
-bool mayNotWait(const QByteArray &request)
-{
-    return request.size() <= longestSuchRequest
-        && std::any_of(std::begin(needNoEcOrLetGoOfIt), std::end(needNoEcOrLetGoOfIt),
-            [&request](const char *command) { return request.contains(command); });
+    auto *threads = new QThreadPool;
+    threads->setMaxThreadCount(count);
+    return threads;
 }
 
 } // namespace
@@ -43,17 +33,30 @@ void prepareHandlerThreads()
     pool->setMaxThreadCount(std::max(pool->maxThreadCount(), minimumThreads));
 }
 
-QThreadPool *handlerThreadsFor(const QByteArray &request)
+QThreadPool *threadsOf(Lane lane)
 {
-    QThreadPool *pool = QThreadPool::globalInstance();
-    const bool isFull = pool->activeThreadCount() >= pool->maxThreadCount();
-    return isFull && mayNotWait(request) ? &emergencyExit() : pool;
+    static QThreadPool *const leaving = newThreads(1);
+    static QThreadPool *const updatingEc = newThreads(1);
+    static QThreadPool *const neverWaiting = newThreads(minimumThreads);
+    switch (lane) {
+    case Lane::WaitsForEc:
+        break;
+    case Lane::LeavesMcuUpdateMode:
+        return leaving;
+    case Lane::UpdatesEc:
+        return updatingEc;
+    case Lane::NeverWaits:
+        return neverWaiting;
+    }
+    return QThreadPool::globalInstance();
 }
 
 bool waitForHandlers(int milliseconds)
 {
-    return QThreadPool::globalInstance()->waitForDone(milliseconds)
-        && emergencyExit().waitForDone(milliseconds);
+    const QDeadlineTimer deadline(milliseconds);
+    return std::all_of(std::begin(lanes), std::end(lanes), [&deadline](Lane lane) {
+        return threadsOf(lane)->waitForDone(static_cast<int>(deadline.remainingTime()));
+    });
 }
 
 } // namespace tarnPipeServer

@@ -1,13 +1,16 @@
 #pragma once
 
+#include "pipe/handler_threads.h"
+
 #include <QByteArray>
+#include <QFuture>
 #include <QJsonObject>
 #include <QMap>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 #include <atomic>
-#include <functional>
 
 class QLocalServer;
 class QLocalSocket;
@@ -22,8 +25,8 @@ namespace tarnPipeServer {
 class SendQueueThread;
 
 // The service's only door for client applications: a local pipe on which each read is one JSON request. The
-// object, its sockets and its timer live on the thread that first asked for it; handlers run on the global
-// thread pool. It talks to one client at a time: the socket that last connected, asked or left.
+// object, its sockets and its timer live on the thread that first asked for it; handlers run on the threads
+// of their command's lane. It talks to one client at a time: the socket that last connected, asked or left.
 class TarnPipeServer : public QObject
 {
     Q_OBJECT
@@ -38,6 +41,10 @@ public:
     // Runs the handler of one request and returns its reply, empty for what is not understood. Any thread.
     QString dispatch(const QByteArray &request);
 
+    // Where the handler of this request is to run. Says nothing: the log tells of a request on its worker.
+    [[nodiscard]] Lane laneOf(const QByteArray &request) const;
+    [[nodiscard]] QStringList commandNames() const { return commandTable.keys(); }
+
     // True in session 0, where services run and no user sees anything.
     [[nodiscard]] bool isServiceSession() const;
 
@@ -45,7 +52,7 @@ public Q_SLOTS:
     void handleConnection();
     void handleDisconnection();
     void readDataFromClient();
-    // Any thread but the pool's; returns when the message has been handed to the socket or dropped.
+    // Any thread but a handler's; returns when the message has been handed to the socket or dropped.
     void sendDataToClient(QString message);
 
 Q_SIGNALS:
@@ -55,12 +62,30 @@ Q_SIGNALS:
 
 private:
     friend class tarnPlatform::ProcessWide<TarnPipeServer>;
-    using Handler = std::function<QString(QJsonObject &)>;
+    using Handler = QString (TarnPipeServer::*)(QJsonObject &);
+    struct Command
+    {
+        Handler handler = nullptr;
+        Lane lane = Lane::NeverWaits;
+        // Makes the reply in the handler's place, where the handler's lane must not wait for what it needs.
+        Handler answer = nullptr;
+    };
+    // A request whose handler has run.
+    struct Handled
+    {
+        QJsonObject request;
+        QString reply;
+        Handler answer = nullptr;
+    };
 
     TarnPipeServer();
     void openDoor();
     [[nodiscard]] bool isCrowded() const;
     void noticeWhoHasLeft(const QLocalSocket *newcomer);
+    [[nodiscard]] Command commandOf(const QByteArray &request) const;
+    QFuture<QString> startHandler(const QByteArray &request);
+    Handled handle(const QByteArray &request);
+    QString replyTo(Handled handled);
     void writeToClient(const QByteArray &message);
 
     // command_table.cpp
@@ -90,6 +115,7 @@ private:
     QString requestMcuUpdate(QJsonObject &request);
     QString requestEnterMcuUpdateMode(QJsonObject &request);
     QString requestLeaveMcuUpdateMode(QJsonObject &request);
+    QString answerLeaveMcuUpdateMode(QJsonObject &request);
     QString requestStartEcUpdate(QJsonObject &request);
     QString requestEcUpdate(QJsonObject &request);
     QString requestBeginGraphicsMcuUpdate(QJsonObject &request);
@@ -108,7 +134,7 @@ private:
     void handleSmartChargingExpiry();
 
     std::atomic<bool> clientOnline {false};
-    QMap<QString, Handler> commandTable;
+    QMap<QString, Command> commandTable;
     QLocalServer *localServer = nullptr;
     const int room; // for clients at once
     bool doorClosed = false; // for good
