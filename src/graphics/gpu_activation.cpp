@@ -4,6 +4,7 @@
 #include "graphics/gui_launcher.h"
 #include "graphics/peg_state_report.h"
 #include "graphics/process_check.h"
+#include "platform/unfinished_step.h"
 #include "platform/waits.h"
 
 #include <QDebug>
@@ -53,16 +54,22 @@ void show(const Popup &popup)
     launchGuiProgram(QString::fromLatin1(popup.programSwitch));
 }
 
+bool isTooLateToEnable()
+{
+    if (!ecAccessMutex.isReleased())
+        return false;
+    qWarning() << "GraphicsActive_log: The service ends, so the graphics are not activated.";
+    return true;
+}
+
 } // namespace
 
 int GraphicsAccessoryManager::graphicsActiveProcess()
 {
     qDebug() << "GraphicsActive_log: Received GPU connect signal.";
     tarnPlatform::sleepFor(settleTime);
-    if (ecAccessMutex.isReleased()) {
-        qWarning() << "GraphicsActive_log: The service ends, so the graphics are not activated.";
+    if (isTooLateToEnable())
         return -1;
-    }
     qDebug() << "GraphicsActive_log: Start the graphics active process.";
 
     const int found = getGpuDriverData();
@@ -90,6 +97,9 @@ int GraphicsAccessoryManager::graphicsActiveProcess()
         reportPegState(found & ~GPU_STARTED, patchReportWords);
         return -1;
     }
+    const tarnPlatform::UnfinishedStep step; // until the EC knows that the GPU is on
+    if (isTooLateToEnable())
+        return -1;
     if (enableGpu() != 0) {
         qWarning() << "GraphicsActive_log: active gpu failed.";
         return -1;

@@ -6,6 +6,7 @@
 #include "graphics/peg_state_report.h"
 #include "pipe/message_format.h"
 #include "pipe/send_queue_thread.h"
+#include "platform/unfinished_step.h"
 #include "platform/waits.h"
 
 #include <QDebug>
@@ -16,6 +17,7 @@ namespace {
 using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
+using tarnPlatform::UnfinishedStep;
 
 constexpr auto clientFarewell = 2000ms; // for the client to let go of the GPU
 constexpr auto updatePreparation = 3000ms;
@@ -35,13 +37,21 @@ void tellClient()
     sleepFor(clientFarewell);
 }
 
-// Asked after each wait: by the end of the process nobody would tell the EC what became of the GPU.
+// Asked after each wait, under the step that then goes on to the end: what is disabled is also told.
 bool isTooLateToDisable()
 {
     if (!ecAccessMutex.isReleased())
         return false;
     qWarning() << "GraphicsDisengaged_log: The service ends, so the gpu is not disabled.";
     return true;
+}
+
+int reportState(int gpuDriverData)
+{
+    if (!reportPegState(gpuDriverData, reportWords))
+        return -1;
+    qDebug() << "GraphicsDisengaged_log: handle gpukeyevent to set gpu state finish.";
+    return 0;
 }
 
 } // namespace
@@ -87,36 +97,35 @@ int GraphicsAccessoryManager::handleGpuKeyEvent()
     }
     qDebug() << "GraphicsDisengaged_log: get gpu driver data successed: " << gpuDriverData << ".";
 
-    if (eventData & APP_EVENT_DATA_DISENGAGE) {
-        if (launchGuiProgram(QStringLiteral("--disengaged-graphics")) != confirmed) {
-            qDebug() << "GraphicsDisengaged_log: click no when second check.";
-            return 0; // the EC goes on waiting, deliberately without a report
-        }
-        qDebug() << "GraphicsDisengaged_log: click yes when second check.";
-        tellClient();
-        if (isTooLateToDisable())
-            return -2;
-        qDebug() << "GraphicsDisengaged_log: begin to ban gpu.";
-        gpuDriverData &= ~GPU_STARTED;
-        if (disableGpu() != 0) {
-            qWarning() << "GraphicsDisengaged_log: ban gpu failed.";
-            return -2;
-        }
-        qDebug() << "GraphicsDisengaged_log: ban gpu successed.";
-        qDebug() << "GraphicsDisengaged_log: after ban gpu, gpuDriverData is " << gpuDriverData << ".";
-    } else {
+    if (!(eventData & APP_EVENT_DATA_DISENGAGE)) {
         qDebug() << "GraphicsDisengaged_log: do nothing to gpu.";
+        return reportState(gpuDriverData);
     }
-    if (!reportPegState(gpuDriverData, reportWords))
-        return -1;
-    qDebug() << "GraphicsDisengaged_log: handle gpukeyevent to set gpu state finish.";
-    return 0;
+    if (launchGuiProgram(QStringLiteral("--disengaged-graphics")) != confirmed) {
+        qDebug() << "GraphicsDisengaged_log: click no when second check.";
+        return 0; // the EC goes on waiting, deliberately without a report
+    }
+    qDebug() << "GraphicsDisengaged_log: click yes when second check.";
+    tellClient();
+    const UnfinishedStep step; // until the EC knows that the GPU is off
+    if (isTooLateToDisable())
+        return -2;
+    qDebug() << "GraphicsDisengaged_log: begin to ban gpu.";
+    gpuDriverData &= ~GPU_STARTED;
+    if (disableGpu() != 0) {
+        qWarning() << "GraphicsDisengaged_log: ban gpu failed.";
+        return -2;
+    }
+    qDebug() << "GraphicsDisengaged_log: ban gpu successed.";
+    qDebug() << "GraphicsDisengaged_log: after ban gpu, gpuDriverData is " << gpuDriverData << ".";
+    return reportState(gpuDriverData);
 }
 
 void GraphicsAccessoryManager::banGpu()
 {
     qDebug() << "GraphicsDisengaged_log: begin to ban gpu.";
     tellClient();
+    const UnfinishedStep step; // until the log tells what became of it
     if (isTooLateToDisable())
         return;
     if (disableGpu() == 0)
@@ -129,6 +138,7 @@ void GraphicsAccessoryManager::banGpuForMcuUpdate()
 {
     qDebug() << "GraphicsDisengaged_log: begin to ban gpu for mcu update.";
     sleepFor(updatePreparation);
+    const UnfinishedStep step;
     if (isTooLateToDisable())
         return;
     if (disableGpu() == 0)

@@ -61,6 +61,8 @@ void LogCapture::collect(QtMsgType type, const QMessageLogContext &, const QStri
     LogCapture *capture = active;
     if (!capture)
         return;
+    if (capture->onLine)
+        capture->onLine(text);
     const QMutexLocker locker(&capture->mutex);
     capture->collected.push_back({type, text});
 }

@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <vector>
 
 namespace tarnTest {
@@ -28,6 +29,8 @@ public:
     [[nodiscard]] bool contains(const QString &line) const { return lines().contains(line); }
     [[nodiscard]] qsizetype count(const QString &line) const { return lines().count(line); }
     void clear();
+    // Called for each line on the thread that logs it, at that moment.
+    std::function<void(const QString &text)> onLine;
 
 private:
     static void collect(QtMsgType type, const QMessageLogContext &context, const QString &text);

@@ -1,5 +1,7 @@
 #include "graphics_fixture.h"
 
+#include "platform/unfinished_step.h"
+
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
 
@@ -188,6 +190,83 @@ TEST_F(GpuActivation, FailsWhenTheCommandCannotBeWritten)
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
     EXPECT_EQ(machine.traffic(), QStringList({"W 04B1 07"}));
     EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
+}
+
+// The log tells the wait apart from what follows it.
+TEST_F(GpuActivation, SaysWhatItWaitsForBeforeItWaits)
+{
+    const auto begun = machine.clock.now();
+    std::vector<qint64> times;
+    machine.log.onLine = [&](const QString &) {
+        times.push_back((machine.clock.now() - begun).count());
+    };
+    EXPECT_EQ(manager->graphicsActiveProcess(), 0);
+    EXPECT_EQ(std::vector<qint64>(times.begin(), times.begin() + 2), std::vector<qint64>({0, 3000}));
+}
+
+// A report that fails on the way to a failure, with the words of its path.
+TEST_F(GpuActivation, AFailedReportOfAMissingDriverIsLogged)
+{
+    rename("gpu", "Microsoft Basic Display Adapter");
+    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(steps().last(),
+        "W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  1 to XEC_APP_CMD_DATA0. ");
+    machine.faults().clear();
+    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), QStringList({"W 04B1 01"}));
+    EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
+}
+
+TEST_F(GpuActivation, AFailedReportOfAFailedDriverIsLogged)
+{
+    setCondition("gpu", false, 43);
+    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(steps().last(),
+        "W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  3 to XEC_APP_CMD_DATA0. ");
+    machine.faults().clear();
+    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_EQ(machine.traffic(), QStringList({"W 04B1 03"}));
+    EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
+}
+
+// The end of the process waits for an unfinished step, so the EC hears of a GPU that has been enabled.
+TEST_F(GpuActivation, AStopDuringTheEnablingIsHeardAfterTheReport)
+{
+    const bool before = tarnPlatform::UnfinishedStep::any();
+    bool during = false;
+    machine.log.onLine = [&](const QString &line) {
+        if (line == "GraphicsActive_log: Enabled 4060 series GPU at index 1") {
+            during = tarnPlatform::UnfinishedStep::any();
+            ecAccessMutex.releaseWaiters();
+        } else if (line == "GraphicsActive_log: Received GPU connect signal.") {
+            EXPECT_FALSE(tarnPlatform::UnfinishedStep::any());
+        } else if (line == commandWritten) {
+            EXPECT_TRUE(tarnPlatform::UnfinishedStep::any());
+        }
+    };
+    EXPECT_EQ(manager->graphicsActiveProcess(), 0);
+    EXPECT_TRUE(during);
+    EXPECT_FALSE(before || tarnPlatform::UnfinishedStep::any());
+    EXPECT_EQ(machine.traffic(), report("07"));
+}
+
+// Between the look after the pause and the switching lie several lists of devices.
+TEST_F(GpuActivation, AStopDuringTheLooksAtTheDevicesEnablesNothing)
+{
+    machine.log.onLine = [](const QString &line) {
+        if (line == "Device info list destroyed for display adapters.")
+            ecAccessMutex.releaseWaiters();
+    };
+    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+    EXPECT_FALSE(device("gpu").started);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_EQ(steps().last(), "W: GraphicsActive_log: The service ends, so the graphics are not activated.");
 }
 
 TEST_F(GpuActivation, SwitchesNothingOnceTheProcessEnds)

@@ -62,7 +62,9 @@ private:
         {
             const bool isDescription = property == tarnPlatform::DeviceProperty::Description;
             rooms << QString(isDescription ? "description %1" : "hardware ids %1").arg(bytes);
-            return isDescription ? "NVIDIA GeForce RTX 4060 Ti" : "PCI\\VEN_10DE&DEV_2803";
+            // As the system gives them: several, each with its own end.
+            return isDescription ? QByteArray("NVIDIA GeForce RTX 4060 Ti")
+                                 : QByteArray("ROOT\\DISPLAY\0PCI\\VEN_10DE&DEV_2803\0", 35);
         }
         std::optional<QString> wideDescription(int bytes) override
         {
@@ -113,6 +115,26 @@ TEST_F(GpuState, IsOneWithoutADriverAndHardwareIdsAreNotLookedAt)
     EXPECT_EQ(manager->getGpuDriverData(), 1);
     EXPECT_EQ(machine.log.lines(), stateLines(0) + QStringList({wordLine(1)}));
     EXPECT_EQ(machine.state->devices.listsOpened, 1U);
+}
+
+TEST_F(GpuState, ANameMayHoldMoreThanTheAdaptersOwn)
+{
+    rename("gpu", "2nd NVIDIA GeForce RTX 4060 Ti (GA)");
+    EXPECT_EQ(manager->getGpuDriverData(), 3);
+    EXPECT_EQ(manager->enableGpu(), 0);
+    EXPECT_EQ(manager->getGpuDriverData(), 7);
+    EXPECT_EQ(manager->disableGpu(), 0);
+    EXPECT_FALSE(device("gpu").started);
+}
+
+TEST_F(GpuState, TheFirstGpuThatCanBeAskedDecides)
+{
+    addDevice("second", DeviceKind::Display, "NVIDIA GeForce RTX 4060", "PCI\\VEN_10DE&DEV_2882");
+    ASSERT_TRUE(device("second").started);
+    EXPECT_EQ(manager->getGpuDriverData(), 3);
+    setCondition("gpu", true, 0);
+    setCondition("second", false, 22);
+    EXPECT_EQ(manager->getGpuDriverData(), 7);
 }
 
 TEST_F(GpuState, NamesAreComparedCaseSensitively)

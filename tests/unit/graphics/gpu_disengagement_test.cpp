@@ -1,5 +1,7 @@
 #include "graphics_fixture.h"
 
+#include "platform/unfinished_step.h"
+
 using namespace tarnDeviceInfos;
 using tarnPlatform::LaunchStage;
 using tarnSimulator::Fault;
@@ -135,6 +137,16 @@ TEST_F(Disengagement, TheResultsTellWhatFailed)
     machine.faults().switchOn(Fault::FailRead, XEC_APP_EVENT_DATA);
     EXPECT_EQ(manager->handleGpuKeyEvent(), -1);
     machine.faults().clear();
+    machine.faults().switchOn(Fault::FailDeviceList);
+    EXPECT_EQ(manager->handleGpuKeyEvent(), -1);
+    for (const quint16 address : {XEC_APP_CMD_DATA0, XEC_APP_CMD}) {
+        machine.faults().clear();
+        setCondition("gpu", true, 0);
+        machine.faults().switchOn(Fault::FailWrite, address);
+        EXPECT_EQ(manager->handleGpuKeyEvent(), -1) << address;
+        EXPECT_FALSE(device("gpu").started) << address;
+    }
+    machine.faults().clear();
     EXPECT_EQ(manager->handleGpuKeyEvent(), 0);
 }
 
@@ -205,6 +217,69 @@ TEST_F(Disengagement, SwitchesNothingOnceTheProcessEnds)
     EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"})); // and no notice
     EXPECT_EQ(machine.traffic(), eventTaken + QStringList({"R 04A5 04"}));
     EXPECT_TRUE(machine.log.contains(endsNow));
+}
+
+// The end of the process waits for an unfinished step, so the EC hears of a GPU that has been disabled, and
+// does not wait for the question or the client's farewell.
+TEST_F(Disengagement, AStopDuringTheDisablingIsHeardAfterTheReport)
+{
+    QStringList unfinishedAt;
+    machine.log.onLine = [&](const QString &line) {
+        if (tarnPlatform::UnfinishedStep::any())
+            unfinishedAt << line;
+        if (line == disabled)
+            ecAccessMutex.releaseWaiters();
+    };
+    pressKey();
+    EXPECT_FALSE(device("gpu").started);
+    EXPECT_EQ(machine.traffic(), eventTaken + QStringList({"R 04A5 04", "W 04B1 03", "W 04B0 10"}));
+    EXPECT_EQ(unfinishedAt,
+        QStringList({asked.last(), disabled, "GraphicsDisengaged_log: ban gpu successed.",
+            "GraphicsDisengaged_log: after ban gpu, gpuDriverData is  3 ."})
+            + written(3));
+    EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"}));
+}
+
+// A notice waits for the user, and nothing is to wait for that.
+TEST_F(Disengagement, TheNoticeOfAFailureIsNoUnfinishedStep)
+{
+    fail(Fault::FailDeviceDisable, "gpu");
+    std::vector<bool> unfinished;
+    session.onShow = [&] {
+        unfinished.push_back(tarnPlatform::UnfinishedStep::any());
+    };
+    pressKey();
+    EXPECT_EQ(unfinished, std::vector<bool>({false, false}));
+}
+
+TEST_F(Disengagement, ABanThatHasBegunIsAnUnfinishedStep)
+{
+    QStringList unfinishedAt;
+    machine.log.onLine = [&](const QString &line) {
+        if (tarnPlatform::UnfinishedStep::any())
+            unfinishedAt << line;
+    };
+    manager->banGpu();
+    EXPECT_EQ(unfinishedAt, QStringList({disabled, "GraphicsDisengaged_log: ban gpu successed."}));
+    setCondition("gpu", true, 0);
+    unfinishedAt.clear();
+    manager->banGpuForMcuUpdate();
+    EXPECT_EQ(
+        unfinishedAt, QStringList({disabled, "GraphicsDisengaged_log: ban gpu successed for mcu update."}));
+}
+
+TEST_F(Disengagement, ABanBeforeAnUpdateSaysWhatItWaitsForBeforeItWaits)
+{
+    const auto begun = machine.clock.now();
+    std::vector<qint64> times;
+    machine.log.onLine = [&](const QString &) {
+        times.push_back((machine.clock.now() - begun).count());
+    };
+    manager->banGpuForMcuUpdate();
+    EXPECT_EQ(times, std::vector<qint64>({0, 3000, 3000}));
+    times.clear();
+    manager->banGpu();
+    EXPECT_EQ(times, std::vector<qint64>({3000, 5000}));
 }
 
 TEST_F(Disengagement, TheBansSwitchNothingOnceTheProcessEnds)
