@@ -7,6 +7,7 @@
 #include "platform/waits.h"
 
 #include <QDebug>
+#include <QFile>
 #include <QSettings>
 
 #include <optional>
@@ -78,6 +79,26 @@ std::optional<int> savedColour(const QSettings &settings)
     return colour;
 }
 
+// Whether the file itself holds the colour, in the words in which the settings write it. They answer from
+// their memory, where a colour stays that could not be written, and go on calling a file broken that they
+// have just put right.
+bool isInFile(int colour)
+{
+    QFile file(colourFile);
+    if (!file.open(QIODevice::ReadOnly))
+        return false;
+    const QByteArray wanted = colourKey.toLatin1() + '=' + QByteArray::number(colour);
+    bool inGeneralSection = true; // what stands before the first section belongs there
+    while (!file.atEnd()) {
+        const QByteArray line = file.readLine().trimmed();
+        if (line.startsWith('['))
+            inGeneralSection = line == "[General]";
+        else if (inGeneralSection && line == wanted)
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 int GraphicsAccessoryManager::getGraphicsRgb()
@@ -144,11 +165,11 @@ void GraphicsAccessoryManager::saveGraphicsColor(int colour)
 {
     QSettings settings(colourFile, QSettings::IniFormat);
     // Saving waits for the disk, and with it everybody who waits for the EC.
-    if (savedColour(settings) == colour)
+    if (savedColour(settings) == colour && isInFile(colour))
         return;
     settings.setValue(colourKey, colour);
     settings.sync();
-    if (settings.status() != QSettings::NoError)
+    if (!isInFile(colour))
         qWarning() << "The colour of the graphics box cannot be remembered in" << settings.fileName();
 }
 

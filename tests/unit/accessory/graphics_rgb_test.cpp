@@ -1,6 +1,7 @@
 #include "accessory/graphics_colours.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "power_mode_fixture.h"
+#include "support/unprivileged.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -11,6 +12,7 @@ using namespace tarnDeviceInfos;
 using namespace tarnAccessoryManager;
 using tarnSimulator::Colour;
 using tarnSimulator::Fault;
+using tarnTest::Unprivileged;
 
 namespace {
 
@@ -51,6 +53,10 @@ protected:
             {static_cast<quint8>(red), static_cast<quint8>(green), static_cast<quint8>(blue)});
     }
     [[nodiscard]] QByteArray saved() const { return machine.folder.read(rgbFile); }
+    [[nodiscard]] qsizetype complaints() const
+    {
+        return machine.log.lines().filter("W: The colour of the graphics box cannot be remembered in").size();
+    }
 
     GraphicsAccessoryManager *manager;
 };
@@ -297,3 +303,74 @@ TEST_F(GraphicsRgb, AColourThatCannotBeRememberedIsSetAllTheSame)
         machine.log.lines().last().startsWith("W: The colour of the graphics box cannot be remembered in"));
     EXPECT_EQ(manager->readGraphicsColor(), 0);
 }
+
+// A file that cannot be replaced either, in a folder that cannot be written to.
+class ColourFileThatCannotBeWritten : public GraphicsRgb
+{
+protected:
+    ColourFileThatCannotBeWritten()
+    {
+        machine.folder.write(rgbFile, "[General]\ngraphicsColor=4\n");
+        setModes(0444, 0555);
+    }
+    ~ColourFileThatCannotBeWritten() override { setModes(0644, 0755); }
+
+    void setModes(unsigned ofFile, unsigned ofFolder)
+    {
+        tarnTest::setMode(machine.folder.path(rgbFile), ofFile);
+        tarnTest::setMode(machine.folder.path("."), ofFolder);
+    }
+    void set(int colour)
+    {
+        const Unprivileged unprivileged;
+        EXPECT_EQ(manager->setGraphicsRgb(colour), 0);
+    }
+};
+
+TEST_F(ColourFileThatCannotBeWritten, IsReportedEachTime)
+{
+    for (int time = 1; time <= 3; ++time) {
+        set(5);
+        EXPECT_EQ(complaints(), time);
+    }
+    EXPECT_EQ(saved(), "[General]\ngraphicsColor=4\n");
+}
+
+TEST_F(ColourFileThatCannotBeWritten, IsWrittenAsSoonAsItCanBe)
+{
+    set(5);
+    setModes(0644, 0755);
+    set(5);
+    EXPECT_EQ(saved(), "[General]\ngraphicsColor=5\n");
+    EXPECT_EQ(complaints(), 1);
+}
+
+// What could not be written meanwhile must not come back later.
+TEST_F(ColourFileThatCannotBeWritten, NeedsNoWritingForTheColourThatItHolds)
+{
+    set(5);
+    set(4);
+    EXPECT_EQ(complaints(), 1);
+    EXPECT_EQ(manager->readGraphicsColor(), 4);
+    setModes(0644, 0755);
+    set(4);
+    EXPECT_EQ(saved(), "[General]\ngraphicsColor=4\n");
+}
+
+class GarbledColourFile : public GraphicsRgb, public ::testing::WithParamInterface<const char *>
+{ };
+
+TEST_P(GarbledColourFile, IsPutRightWithoutAComplaint)
+{
+    machine.folder.write(rgbFile, GetParam());
+    EXPECT_EQ(manager->setGraphicsRgb(3), 0);
+    EXPECT_EQ(complaints(), 0);
+    EXPECT_EQ(manager->readGraphicsColor(), 3);
+    EXPECT_TRUE(saved().contains("graphicsColor=3\n"));
+    EXPECT_EQ(manager->getGraphicsRgb(), 3);
+    EXPECT_EQ(complaints(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(Contents, GarbledColourFile,
+    ::testing::Values("\xFF\xFE[[[", "no key\n", "[General\ngraphicsColor=3\n", "[Other]\ngraphicsColor=3\n",
+        "[General]\ngraphicsColor=33\n", "[General]\ngraphicsColor=9\ngraphicsColor\n"));
