@@ -48,7 +48,8 @@ public:
     void powerModeFirstRun();
     // The client is closing: automatic control, five attempts.
     void powerModeLastRun();
-    // The profile in force as far as known; -2 after a failed restore, -10 before any.
+    // The profile that the last restore put in force, whatever a client has chosen since; -2 after a failed
+    // restore, -10 before any.
     [[nodiscard]] int currentPowerMode() const { return powerMode; }
     [[nodiscard]] int lastRestoreResult() const { return lastPowerModeResult; }
 

@@ -208,6 +208,9 @@ TEST_F(DockLed, OnlyTheLowByteOfTheValueIsWritten)
 {
     EXPECT_EQ(manager->setDockLedStatus(0x1F7), 0);
     EXPECT_EQ(machine.traffic().first(), "W 04B1 F7");
+    // The log tells what was written, and at the end what was asked for.
+    EXPECT_EQ(machine.log.lines().at(1), "Success to write rgbColorRedDock:  247 to XEC_RGB_RED.");
+    EXPECT_EQ(machine.log.lines().last(), QString::fromUtf8("Set dock led status successed\xEF\xBC\x9A 503"));
 }
 
 TEST_F(DockLed, ASetDoesNotWaitForAStuckMailbox)

@@ -130,6 +130,9 @@ TEST_F(Kvane, SetsTheLedToTheLowByteOfTheValue)
 {
     manager->setKVaneLedLight(0x12345680);
     EXPECT_EQ(machine.traffic(), QStringList({"W 04B1 80", "W 04B0 16"}));
+    // The log tells what was asked for.
+    EXPECT_EQ(machine.log.lines().mid(1),
+        QStringList({"ready to set kvane led light. 305419904", "finish to set kvane led light. 305419904"}));
 }
 
 TEST_F(Kvane, DoesNotWaitForTheLedCommandToClear)

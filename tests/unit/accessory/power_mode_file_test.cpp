@@ -3,6 +3,9 @@
 #include "profile_file_fixture.h"
 #include "support/file_size_limit.h"
 
+#include <fcntl.h>
+#include <sys/mman.h>
+
 using namespace tarnDeviceInfos;
 using tarnAccessoryManager::PowerModeFile;
 using tarnSimulator::Fault;
@@ -184,6 +187,19 @@ TEST_F(ProfileFile, KeepsTheOldCharacterUntilTheNewOneIsWritten)
     EXPECT_EQ(savedBytes(), "2");
     EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::Done);
     EXPECT_EQ(savedBytes(), "1");
+}
+
+// More than one character would be read as no profile at all.
+TEST_F(ProfileFile, ThatKeepsTheRestOfAnOlderTextIsNotWritten)
+{
+    const int inMemory = ::memfd_create("profile", MFD_ALLOW_SEALING);
+    ASSERT_GE(inMemory, 0);
+    ASSERT_EQ(::write(inMemory, "old", 3), 3);
+    ASSERT_EQ(::fcntl(inMemory, F_ADD_SEALS, F_SEAL_SHRINK), 0);
+    ASSERT_TRUE(QFile::link(QString("/proc/self/fd/%1").arg(inMemory), profilePath()));
+    EXPECT_EQ(PowerModeFile::write(1), PowerModeFile::Write::NotWritten);
+    EXPECT_EQ(savedBytes(), "1ld");
+    ::close(inMemory);
 }
 
 TEST_F(ProfileFile, HoldsOneCharacterWhateverItHeldBefore)
