@@ -10,19 +10,19 @@ using tarnTest::ServiceProcess;
 
 namespace {
 
-// The lines of all fenced blocks of the page, in order.
+// The lines of all fenced blocks of the page that name no language, in order.
 QStringList exampleLines(const QString &page)
 {
     QFile file(page);
     if (!file.open(QIODevice::ReadOnly))
         return {};
     QStringList lines;
-    bool inside = false;
+    QString fence; // of the block that the line is in
     while (!file.atEnd()) {
         const QString line = QString::fromUtf8(file.readLine()).trimmed();
         if (line.startsWith("```"))
-            inside = !inside;
-        else if (inside)
+            fence = fence.isEmpty() ? line : QString();
+        else if (fence == "```")
             lines << line;
     }
     return lines;

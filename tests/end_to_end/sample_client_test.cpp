@@ -1,0 +1,110 @@
+#include "device/ec_registers.h"
+#include "end_to_end/service_client.h"
+#include "end_to_end/service_process.h"
+#include "support/pipe_peer.h"
+
+#include <QFile>
+
+#include <gtest/gtest.h>
+
+using namespace tarnDeviceInfos;
+using tarnTest::ServiceClient;
+using tarnTest::ServiceProcess;
+
+namespace {
+
+constexpr int patienceMs = 60000;
+constexpr int endMs = 5000;
+
+// The sample of docs/examples as a program of its own, and what it has shown since the last look.
+class SampleClient
+{
+public:
+    explicit SampleClient(const ServiceProcess &service)
+        : output(service.path(QStringLiteral("sample.out")))
+    {
+        program.setProcessChannelMode(QProcess::MergedChannels);
+        program.setStandardOutputFile(output);
+        program.start(QStringLiteral("python3"),
+            {QStringLiteral(TARN_DOCS_FOLDER "/examples/robust_client.py"), "--every", "1", "--limit", "3",
+                "--alive", "3"});
+    }
+
+    ~SampleClient()
+    {
+        program.kill();
+        program.waitForFinished(endMs);
+    }
+
+    SampleClient(const SampleClient &) = delete;
+    SampleClient &operator=(const SampleClient &) = delete;
+
+    [[nodiscard]] bool runs() { return program.waitForStarted(); }
+
+    // The line comes after those that were waited for before.
+    [[nodiscard]] bool shows(const QString &line)
+    {
+        const bool shown = tarnTest::waitUntil(
+            [&] {
+                const auto at = lines().indexOf(line, seen);
+                if (at < 0)
+                    return false;
+                seen = at + 1;
+                return true;
+            },
+            patienceMs);
+        if (!shown)
+            ADD_FAILURE() << line.toStdString() << " does not come; all:\n"
+                          << lines().join('\n').toStdString();
+        return shown;
+    }
+
+private:
+    [[nodiscard]] QStringList lines() const
+    {
+        QFile file(output);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).split('\n') : QStringList();
+    }
+
+    QString output;
+    QProcess program;
+    qsizetype seen = 0;
+};
+
+} // namespace
+
+TEST(SampleClient, LivesThroughOtherClientsUpdateModeAndARestart)
+{
+    ServiceProcess service;
+    SampleClient sample(service); // before the service is there
+    ASSERT_TRUE(sample.runs());
+    ASSERT_TRUE(service.start());
+    ASSERT_TRUE(sample.shows("connected disconnected"));
+    ASSERT_TRUE(sample.shows("smart charging ON"));
+    ASSERT_TRUE(sample.shows("version 0.00"));
+    service.attach(ACCESSORY_KVANE);
+    ASSERT_TRUE(sample.shows("event changeAccessoryType k_vane"));
+    ASSERT_TRUE(sample.shows("version 2.05"));
+
+    ServiceClient other;
+    ASSERT_TRUE(other.connectToService());
+    other.leave();
+    ASSERT_TRUE(sample.shows("lost: another client has the service's attention"));
+    ASSERT_TRUE(sample.shows("connected k_vane"));
+    ASSERT_TRUE(sample.shows("version 2.05"));
+
+    // Its answers may reach the sample, so the other one does not wait for them.
+    ServiceClient updater;
+    ASSERT_TRUE(updater.connectToService());
+    updater.write(R"({"cmd":"requestEnterMcuUpdateMode"})");
+    ASSERT_TRUE(sample.shows("busy getMcuVersion"));
+    updater.write(R"({"cmd":"requestLeaveMcuUpdateMode"})");
+    ASSERT_TRUE(sample.shows("version 2.05"));
+
+    service.kill();
+    ASSERT_TRUE(sample.shows("lost: the service has gone"));
+    ASSERT_TRUE(service.start());
+    ASSERT_TRUE(sample.shows("connected k_vane"));
+    ASSERT_TRUE(sample.shows("version 2.05"));
+    EXPECT_EQ(service.stop(), 0);
+}
