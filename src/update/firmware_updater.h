@@ -31,7 +31,7 @@ public:
     // Only takes the file; 0 on success.
     [[nodiscard]] int copyEcFile(const QString &fileName);
 
-    // mcu_update.cpp: 0 or -1. Holds ecAccessMutex for about 9 s and the flasher's run.
+    // mcu_update.cpp: 0 or -1. Holds ecAccessMutex for about 10 s and the flasher's run.
     [[nodiscard]] int mcuUpdate(const QString &fileName);
     // One run of the flasher, repeated at most twice while it complains; 0 or -1.
     [[nodiscard]] int mcuUpdateProcess(const QString &fileName);
