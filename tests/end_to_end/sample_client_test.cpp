@@ -108,3 +108,26 @@ TEST(SampleClient, LivesThroughOtherClientsUpdateModeAndARestart)
     ASSERT_TRUE(sample.shows("version 2.05"));
     EXPECT_EQ(service.stop(), 0);
 }
+
+TEST(SampleClient, TakesTheStreamApartByteByByteAndAllAtOnce)
+{
+    const char check[] = R"(
+import json, sys
+sys.path.insert(0, sys.argv[1])
+sys.dont_write_bytecode = True
+from robust_client import take_objects
+objects = [{"cmd": "a", "data": ""}, {"id": "}{", "x": {"y": {}}}, {"id": '\\"\\\\', "ü€": "ü€"}, {}]
+stream = "".join(json.dumps(o, ensure_ascii=False, separators=(",", ":")) for o in objects).encode()
+for size in (1, 2, 7, len(stream)):
+    buffer, taken = bytearray(), []
+    for at in range(0, len(stream), size):
+        buffer += stream[at:at + size]
+        taken += take_objects(buffer)
+    assert taken == objects and not buffer, (size, taken, buffer)
+)";
+    QProcess python;
+    python.setProcessChannelMode(QProcess::MergedChannels);
+    python.start(QStringLiteral("python3"), {"-c", check, TARN_DOCS_FOLDER "/examples"});
+    ASSERT_TRUE(python.waitForFinished(patienceMs));
+    EXPECT_EQ(python.exitCode(), 0) << python.readAll().toStdString();
+}
