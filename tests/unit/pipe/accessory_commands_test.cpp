@@ -98,3 +98,27 @@ TEST_F(AccessoryCommands, SetTheKVanesLightAndEchoTheRequest)
         ask(R"({"cmd":"setKVaneLedLight","data":"abc"})"), R"({"cmd":"setKVaneLedLight","data":"abc"})");
     EXPECT_EQ(machine.state->accessory.kvaneLed, 0);
 }
+
+TEST_F(AccessoryCommands, TakeTheKVanesLightAsADecimalNumberOfWhichTheLowestByteCounts)
+{
+    const std::pair<const char *, int> lights[] = {{"010", 10}, {"0x10", 0}, {"255", 255}, {"256", 0},
+        {"300", 44}, {"-1", 255}, {"-200", 56}, {"+5", 5}, {"2147483647", 255}, {"2147483648", 0}, {"1e1", 0},
+        {"7.5", 0}, {"", 0}};
+    for (const auto &[text, light] : lights) {
+        machine.state->accessory.kvaneLed = 99;
+        const QByteArray request = QByteArray(R"({"cmd":"setKVaneLedLight","data":")") + text + R"("})";
+        EXPECT_EQ(ask(request), QString(request));
+        EXPECT_EQ(machine.state->accessory.kvaneLed, light) << text;
+    }
+}
+
+// Only text is a number here.
+TEST_F(AccessoryCommands, TakeALightThatIsNoTextForNone)
+{
+    for (const char *data : {"7", "true", "null", "[7]"}) {
+        machine.state->accessory.kvaneLed = 99;
+        const QByteArray request = QByteArray(R"({"cmd":"setKVaneLedLight","data":)") + data + "}";
+        EXPECT_EQ(ask(request), QString(request));
+        EXPECT_EQ(machine.state->accessory.kvaneLed, 0) << data;
+    }
+}

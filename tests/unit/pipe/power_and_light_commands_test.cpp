@@ -1,7 +1,11 @@
 #include "pipe/tarn_pipe_server.h"
 
+#include "device/ec_access_lock.h"
 #include "device/ec_registers.h"
 #include "support/simulated_machine.h"
+
+#include <thread>
+#include <vector>
 
 using namespace tarnDeviceInfos;
 using tarnPipeServer::TarnPipeServer;
@@ -37,6 +41,27 @@ protected:
         machine.faults().switchOn(tarnSimulator::Fault::FailRegister, address);
     }
 
+    // What was written to limits and fan since the last call.
+    QStringList limitWrites()
+    {
+        QStringList writes;
+        for (const QString &access : machine.traffic()) {
+            for (const quint16 address :
+                {EC_POWERMODE_PL1, EC_POWERMODE_PL2, EC_POWERMODE_PL4, EC_FAN_MODE}) {
+                if (access.startsWith(QString("W %1 ").arg(address, 4, 16, QLatin1Char('0')).toUpper()))
+                    writes << access;
+            }
+        }
+        return writes;
+    }
+    QStringList limitsWrittenBy(const char *profile)
+    {
+        machine.traffic();
+        ask("powerModeControl", profile);
+        machine.log.clear();
+        return limitWrites();
+    }
+
     TarnPipeServer *server;
     int started = 0;
     int stopped = 0;
@@ -50,6 +75,38 @@ TEST_F(PowerAndLightCommands, ApplyAProfile)
     breakRegister(EC_POWERMODE_PL1);
     EXPECT_EQ(ask("powerModeControl", "high"), result("powerModeControl", "high", "failed"));
     EXPECT_EQ(machine.folder.read("powermodeconfig.xml"), "2");
+}
+
+// Their order is nobody's, but the limits of each are applied as a whole.
+TEST_F(PowerAndLightCommands, ApplyTheProfilesOfTwoClientsOneAfterTheOther)
+{
+    const QStringList high = limitsWrittenBy("high");
+    const QStringList low = limitsWrittenBy("low");
+    ASSERT_EQ(high.size(), 4);
+    ASSERT_NE(high, low);
+    // In each wait the other one gets the processor.
+    machine.clock.onWait = [](tarnTest::milliseconds) {
+        QThread::msleep(1);
+    };
+    for (int round = 0; round < 5; ++round) {
+        ASSERT_TRUE(ecAccessMutex.lock());
+        std::vector<std::thread> clients;
+        for (const char *profile : {"high", "low"})
+            clients.emplace_back([this, profile] {
+                EXPECT_EQ(ask("powerModeControl", profile), result("powerModeControl", profile, "successed"));
+            });
+        while (machine.log.count("begin to set ec powermode.") < 2)
+            QThread::msleep(1);
+        ecAccessMutex.unlock();
+        for (std::thread &one : clients)
+            one.join();
+        const QStringList written = limitWrites();
+        EXPECT_TRUE(written == high + low || written == low + high) << written.join(", ").toStdString();
+        const QByteArray saved = machine.folder.read("powermodeconfig.xml");
+        EXPECT_TRUE(saved == "0" || saved == "2") << saved.toStdString();
+        machine.log.clear();
+    }
+    machine.clock.onWait = nullptr;
 }
 
 TEST_F(PowerAndLightCommands, AnswerTheClientsStartWithTheProfileInForce)

@@ -5,6 +5,9 @@
 #include "support/queued_messages.h"
 #include "support/simulated_machine.h"
 
+#include <atomic>
+#include <thread>
+
 using namespace tarnPipeServer;
 using tarnTest::PipePeer;
 using tarnTest::queuedMessages;
@@ -47,6 +50,25 @@ TEST_F(SendLoop, WaitsHalfASecondBeforeEachMessage)
         QStringList({"server send is running!", "tarn client is exit!", "tarn client is exit!",
             "tarn client is exit!"}));
     EXPECT_TRUE(queuedMessages().isEmpty());
+}
+
+// Half a second a message, in which the monitor and the handlers would stand still.
+TEST_F(SendLoop, TakesNewMessagesDuringThePause)
+{
+    queue->enqueueMessage("first");
+    std::atomic<bool> taken {false};
+    std::thread producer;
+    machine.clock.at(std::chrono::milliseconds(500), [&] {
+        producer = std::thread([&] {
+            queue->enqueueMessage("second");
+            taken = true;
+        });
+        EXPECT_TRUE(waitUntil([&] { return taken.load(); }, 3000));
+        queue->setRunning(false);
+    });
+    queue->run();
+    producer.join();
+    EXPECT_EQ(queuedMessages(), QStringList({"second"}));
 }
 
 TEST_F(SendLoop, DoesNothingWhenItIsNotToRun)

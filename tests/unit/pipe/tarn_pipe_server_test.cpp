@@ -8,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QFutureWatcher>
 #include <QLocalServer>
 #include <QMetaMethod>
 #include <QRegularExpression>
@@ -72,6 +73,39 @@ TEST_F(PipeServer, AnswersOneDocumentARead)
     EXPECT_TRUE(lines.contains(R"("{\"cmd\":\"getAccessoryType\"}")"));
     EXPECT_TRUE(lines.contains("\"getAccessoryType\""));
     EXPECT_TRUE(lines.contains("send" + typeReply()));
+}
+
+TEST_F(PipeServer, TellsWhichThreadsReadARequestAndWorkOnIt)
+{
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Queue is waiting!"); }));
+    const QString mainThread = QDebug::toString(QThread::currentThreadId());
+    EXPECT_EQ(machine.log.count(mainThread), 1); // took the client
+    machine.log.clear();
+    client.write(typeRequest());
+    ASSERT_EQ(client.take(typeReply()), typeReply());
+    QStringList lines = machine.log.lines();
+    ASSERT_GE(lines.size(), 5);
+    const QString worker = lines.takeAt(2);
+    EXPECT_TRUE(QRegularExpression("^0x[0-9a-f]+$").match(worker).hasMatch()) << worker.toStdString();
+    EXPECT_NE(worker, mainThread);
+    EXPECT_EQ(lines.mid(0, 3),
+        QStringList({mainThread, R"("{\"cmd\":\"getAccessoryType\"}")", "\"getAccessoryType\""}));
+}
+
+TEST_F(PipeServer, KeepsNothingOfARequestThatIsAnswered)
+{
+    ASSERT_TRUE(client.connectToService());
+    for (const char *request :
+        {R"({"cmd":"getAccessoryType"})", R"({"cmd":"requestLeaveMcuUpdateMode"})", "nonsense"}) {
+        machine.log.clear();
+        client.write(request);
+        ASSERT_TRUE(waitUntil(
+            [this] { return !machine.log.lines().filter(QRegularExpression("^send($|\\{)")).isEmpty(); }));
+        EXPECT_TRUE(
+            waitUntil([this] { return server->findChildren<QFutureWatcherBase *>().isEmpty(); }, 2000))
+            << request;
+    }
 }
 
 TEST_F(PipeServer, EchoesEveryFieldInKeyOrder)
@@ -166,6 +200,26 @@ TEST_F(PipeServer, WhenEitherOfTwoClientsLeavesNobodyIsTalkedToUntilTheNextConne
     PipePeer third;
     ASSERT_TRUE(third.connectToService());
     EXPECT_EQ(third.take(typeReply()), typeReply());
+}
+
+// Also the one that is not talked to: whoever leaves silences the service.
+TEST_F(PipeServer, WhenTheFormerClientLeavesTheCurrentOneIsNotTalkedToEither)
+{
+    ASSERT_TRUE(client.connectToService());
+    PipePeer second;
+    ASSERT_TRUE(second.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.count("is connection!") == 2; }));
+    client.leave();
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Tarn pipe client is exit!"); }));
+    ASSERT_TRUE(waitUntil([] { return SendQueueThread::instance()->isFinished(); }));
+    second.write(typeRequest());
+    ASSERT_TRUE(waitUntil([] { return queuedMessages().size() == 1; }));
+    EXPECT_EQ(second.socket.state(), QLocalSocket::ConnectedState);
+
+    PipePeer third;
+    ASSERT_TRUE(third.connectToService());
+    EXPECT_EQ(third.take(typeReply()), typeReply());
+    EXPECT_TRUE(second.received().isEmpty());
 }
 
 TEST_F(PipeServer, AClientThatLeftBeforeTheNextCameDoesNotSilenceIt)
@@ -284,6 +338,26 @@ TEST_F(PipeServer, ACallWithoutASenderTouchesNothing)
     EXPECT_TRUE(machine.log.contains("clientSocket isn't online"));
     client.write(typeRequest());
     EXPECT_EQ(client.take(typeReply()), typeReply());
+}
+
+TEST_F(PipeServer, ADisconnectionWithoutASenderStopsTheSendingAndForgetsTheClient)
+{
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Queue is waiting!"); }));
+    machine.log.clear();
+    server->handleDisconnection();
+    ASSERT_TRUE(waitUntil([] { return SendQueueThread::instance()->isFinished(); }));
+    // The empty message at the end of the sending finds a client that is online, but no socket of it.
+    EXPECT_EQ(machine.log.lines(), QStringList({"send Thread is quit!", "clientSocket isn't online"}));
+    EXPECT_EQ(client.socket.state(), QLocalSocket::ConnectedState);
+
+    client.write(typeRequest());
+    ASSERT_TRUE(waitUntil([] { return queuedMessages().size() == 1; }));
+    server->sendDataToClient("x"); // who has asked is known again
+    EXPECT_EQ(client.take("x"), "x");
+    PipePeer next;
+    ASSERT_TRUE(next.connectToService());
+    EXPECT_EQ(next.take(typeReply()), typeReply());
 }
 
 TEST_F(PipeServer, AReplyForNobodyIsNotQueued)
