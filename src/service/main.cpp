@@ -1,7 +1,7 @@
 #include "platform/stop_requests.h"
-#include "platform/waits.h"
 #include "service/process_end.h"
 #include "service/running_check.h"
+#include "service/start_delay.h"
 #include "service/tarn_service.h"
 #include "service/version.h"
 
@@ -11,12 +11,9 @@
 
 namespace {
 
-using namespace std::chrono_literals;
-
 // The key carries its quotes onto the command line. It deliberately has no blank, unlike the name that the
 // service is installed under, so this reports on an installation under the older key.
 const QString serviceKey = QStringLiteral("\"TarnService\"");
-constexpr auto startDelay = 4000ms;
 constexpr int bannerLines = 5;
 
 void logBanner()
@@ -24,14 +21,6 @@ void logBanner()
     for (int line = 0; line < bannerLines; ++line)
         qDebug() << "--------------------------------------------------------";
     qDebug() << "Service" << serviceKey << (isServiceRunning(serviceKey) ? "is running." : "is not running.");
-}
-
-// False when the process was asked to end meanwhile.
-bool waitForSystem()
-{
-    const auto &stopRequests = tarnPlatform::StopRequests::ofProcess();
-    tarnPlatform::pumpEventsFor(startDelay, [&stopRequests] { return stopRequests.isRequested(); });
-    return !stopRequests.isRequested();
 }
 
 void logSourcePath()
@@ -52,7 +41,7 @@ int main(int argc, char *argv[])
 
     logBanner();
     if (!waitForSystem())
-        return 0;
+        return TarnService::exitCodeOfNothingDone(argc, argv);
     qDebug() << "Tarn Service is running as " << tarnService::version() << "!";
     logSourcePath();
 

@@ -64,6 +64,21 @@ const QtServiceBase::Option QtServiceBase::options[] = {
     {"-h", "-help", &QtServiceBase::printHelp},
 };
 
+const QtServiceBase::Option *QtServiceBase::chosenOption(int argc, char **argv)
+{
+    for (const Option &option : options) {
+        if (argc > 1 && (std::strcmp(argv[1], option.letter) == 0 || std::strcmp(argv[1], option.word) == 0))
+            return &option;
+    }
+    return nullptr;
+}
+
+int QtServiceBase::exitCodeOfNothingDone(int argc, char **argv)
+{
+    const Option *option = chosenOption(argc, argv);
+    return option && option->action == &QtServiceBase::executeAsApplication ? 0 : exitFailed;
+}
+
 quint32 QtServiceBase::acceptedControls(ServiceFlags flags)
 {
     quint32 controls = tarnPlatform::AcceptsNothing;
@@ -88,13 +103,8 @@ QtServiceBase::QtServiceBase(
 
 int QtServiceBase::exec()
 {
-    if (argumentCount > 1) {
-        for (const Option &option : options) {
-            if (std::strcmp(arguments[1], option.letter) == 0 || std::strcmp(arguments[1], option.word) == 0)
-                return (this->*option.action)();
-        }
-    }
-    return runUnderManager();
+    const Option *option = chosenOption(argumentCount, arguments.data());
+    return option ? (this->*option->action)() : runUnderManager();
 }
 
 int QtServiceBase::installService()
@@ -177,8 +187,9 @@ int QtServiceBase::sendResume()
 
 int QtServiceBase::sendUserCommand()
 {
-    const int code = argument(2).toInt();
-    if (tarnPlatform::isUserCommand(code))
+    bool isNumber = true;
+    const int code = argumentCount > 2 ? argument(2).toInt(&isNumber) : 0;
+    if (isNumber && tarnPlatform::isUserCommand(code))
         manager.sendCommand(name, code);
     return 0;
 }

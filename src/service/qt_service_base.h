@@ -34,6 +34,9 @@ public:
 
     // Does what the first argument says; the process's exit code.
     [[nodiscard]] int exec();
+    // The exit code of a process that was asked to end before it came to exec(): whoever asked it for an
+    // action must not take that for done.
+    [[nodiscard]] static int exitCodeOfNothingDone(int argc, char **argv);
 
     [[nodiscard]] QString serviceName() const { return name; }
     [[nodiscard]] QString serviceDescription() const { return description; }
@@ -58,6 +61,8 @@ protected:
 private:
     struct Option;
     static const Option options[];
+    // Null for what is no option.
+    [[nodiscard]] static const Option *chosenOption(int argc, char **argv);
 
     int installService();
     int uninstallService();

@@ -63,6 +63,21 @@ protected:
         run->start();
         return run->serve();
     }
+    // How long the manager and its users are to wait for the next report.
+    static std::chrono::milliseconds hintOf(ServiceState state)
+    {
+        using namespace std::chrono_literals;
+        switch (state) {
+        case ServiceState::StartPending:
+            return 10s;
+        case ServiceState::StopPending:
+        case ServiceState::PausePending:
+        case ServiceState::ContinuePending:
+            return 3s;
+        default:
+            return 0s;
+        }
+    }
     void note(const ServiceStatus &status)
     {
         static const char *const names[] = {
@@ -71,7 +86,7 @@ protected:
                       .arg(QLatin1String(names[static_cast<int>(status.state)]))
                       .arg(status.checkPoint)
                       .arg(status.acceptedControls);
-        EXPECT_EQ(status.waitHint.count() > 0, status.checkPoint > 0);
+        EXPECT_EQ(status.waitHint, hintOf(status.state));
         last = status;
     }
 

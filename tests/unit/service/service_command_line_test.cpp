@@ -251,6 +251,12 @@ TEST_F(CommandLine, SendsUserCommandsWithoutAWord)
         {{"-c", "128"}, nullptr},
         {{"-command", "200"}, nullptr},
         {{"-c", "-1"}, nullptr},
+        // What is no number is no command 0, unlike a number that is missing.
+        {{"-c", "5x"}, nullptr},
+        {{"-c", "x"}, nullptr},
+        {{"-c", ""}, nullptr},
+        {{"-command", "4294967296"}, nullptr},
+        {{"-c", "99999999999999999999"}, nullptr},
     };
     const tarnTest::LogCapture log;
     for (const bool obeys : {true, false}) {
@@ -265,6 +271,37 @@ TEST_F(CommandLine, SendsUserCommandsWithoutAWord)
         }
     }
     EXPECT_TRUE(log.lines().isEmpty());
+}
+
+TEST(CommandLineCutShort, IsDoneOnlyWhereTheServiceItselfWasToRun)
+{
+    const struct
+    {
+        std::vector<std::string> words;
+        int exitCode;
+    } cases[] = {
+        {{"tarn", "-e"}, 0},
+        {{"tarn", "-exec"}, 0},
+        {{"tarn", "-exec", "-install"}, 0},
+        {{"tarn", "-i"}, -1},
+        {{"tarn", "-install"}, -1},
+        {{"tarn", "-uninstall"}, -1},
+        {{"tarn", "-terminate"}, -1},
+        {{"tarn", "-c", "5"}, -1},
+        {{"tarn", "-version"}, -1},
+        {{"tarn", "-help"}, -1},
+        {{"tarn", "-EXEC"}, -1},
+        {{"tarn"}, -1},
+    };
+    for (const auto &row : cases) {
+        std::vector<std::string> words = row.words;
+        std::vector<char *> pointers;
+        for (std::string &word : words)
+            pointers.push_back(word.data());
+        EXPECT_EQ(QtServiceBase::exitCodeOfNothingDone(static_cast<int>(words.size()), pointers.data()),
+            row.exitCode)
+            << words.back();
+    }
 }
 
 TEST_F(CommandLine, RunsWithoutTheManagerWhenItIsToldTo)
