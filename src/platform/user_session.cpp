@@ -1,21 +1,24 @@
 #include "platform/user_session.h"
 
 #include "platform/program_path.h"
+#include "platform/tied_process.h"
 
 #include <QDebug>
-#include <QProcess>
+
+#include <future>
+#include <memory>
+#include <thread>
 
 namespace tarnPlatform {
 
 int UserSession::run(const QString &program, const QString &argument, std::chrono::milliseconds patience)
 {
-    QProcess process;
+    TiedProcess process;
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-    process.start(startablePath(program), {argument}, QIODevice::ReadWrite);
-    const bool ended = process.waitForFinished(static_cast<int>(patience.count()));
-    if (!ended && process.error() == QProcess::FailedToStart)
+    if (!process.startTied(startablePath(program), {argument}))
         qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process" << program
                    << process.errorString();
+    process.waitForFinished(static_cast<int>(patience.count()));
     // Whoever has not answered by now is not asked any longer: the destructor ends the program.
     return exitCodeOf(process);
 }
@@ -28,7 +31,18 @@ int UserSession::exitCodeOf(const QProcess &process)
 
 bool UserSession::startDetached(const QString &program, const QString &argument)
 {
-    return QProcess::startDetached(startablePath(program), {argument});
+    const auto started = std::make_shared<std::promise<bool>>();
+    std::future<bool> isRunning = started->get_future();
+    std::thread([started, program, argument] {
+        TiedProcess process;
+        process.setProcessChannelMode(QProcess::ForwardedChannels);
+        process.setStandardInputFile(QProcess::nullDevice());
+        const bool runs = process.startTied(startablePath(program), {argument});
+        started->set_value(runs);
+        if (runs)
+            process.waitForFinished(-1);
+    }).detach();
+    return isRunning.get();
 }
 
 } // namespace tarnPlatform

@@ -20,7 +20,8 @@ struct Launch
     quint32 exitCode = 0; // only of a program that has ended
 };
 
-// The session that the service runs in, and programs with a window for the user. Any thread.
+// The session that the service runs in, and programs with a window for the user, which end with the service
+// at the latest. Any thread.
 class UserSession : public Seam<UserSession>
 {
 public:

@@ -42,6 +42,25 @@ protected:
         plugIn();
         ASSERT_TRUE(service.waitForLog("GraphicsActive_log: Successed to active graphics."));
     }
+    // A window that is killed with the service is missed a second later.
+    [[nodiscard]] bool waitUntilNoWindowIsOpen()
+    {
+        return waitUntil([&] { return desktop().windowsOpen() == 0; }, 4000);
+    }
+    void expectWindowToGoWithTheService(const char *programSwitch)
+    {
+        ASSERT_TRUE(waitForWindow(programSwitch));
+        ASSERT_EQ(desktop().windowsOpen(), 1U);
+        EXPECT_EQ(service.stop(), 0);
+        EXPECT_TRUE(waitUntilNoWindowIsOpen());
+    }
+    void expectWindowToGoWithAKilledService(const char *programSwitch)
+    {
+        ASSERT_TRUE(waitForWindow(programSwitch));
+        ASSERT_EQ(desktop().windowsOpen(), 1U);
+        service.kill();
+        EXPECT_TRUE(waitUntilNoWindowIsOpen());
+    }
     [[nodiscard]] bool waitForReport(std::uint32_t count)
     {
         return waitUntil([&] { return service.computer().gpuReports().count >= count; }, 30000);
@@ -192,6 +211,36 @@ TEST_F(GraphicsBox, AQuestionThatIsOpenDoesNotHoldUpAStop)
     ASSERT_TRUE(service.start()); // for the end of the test
 }
 
+TEST_F(GraphicsBox, AQuestionGoesWithTheService)
+{
+    plugInAndActivate();
+    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    expectWindowToGoWithTheService("--disengaged-graphics");
+    ASSERT_TRUE(service.start()); // for the end of the test
+}
+
+TEST_F(GraphicsBox, AQuestionGoesWithAServiceThatIsKilled)
+{
+    plugInAndActivate();
+    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    expectWindowToGoWithAKilledService("--disengaged-graphics");
+    ASSERT_TRUE(service.start());
+}
+
+TEST_F(GraphicsBox, PopupsGoWithTheService)
+{
+    changeGpu([](auto &changed) { changed.problem = 43; });
+    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    plugIn();
+    expectWindowToGoWithTheService("--graphics-patch-error");
+    ASSERT_TRUE(service.start());
+    // This one came with the start.
+    expectWindowToGoWithAKilledService("--graphics-patch-error");
+    ASSERT_TRUE(service.start());
+}
+
 TEST_F(GraphicsBox, AStopDuringTheResetOfTheSoundLeavesNoDeviceSwitchedOff)
 {
     for (const char *name : {"audio", "gpu-audio"}) {
@@ -222,6 +271,18 @@ protected:
         desktop().setServiceSession(true);
         GraphicsBox::SetUp();
     }
+    void TearDown() override
+    {
+        GraphicsBox::TearDown();
+        if (isCutShort)
+            return;
+        // Where the calls of Windows are noted: all that was opened for a window has been closed.
+        const QByteArray calls = service.read("calls.txt");
+        for (const char *kind : {"user token", "token copy", "process", "thread"})
+            EXPECT_EQ(calls.count(QByteArray("opened ") + kind), calls.count(QByteArray("closed ") + kind))
+                << kind;
+    }
+    bool isCutShort = false;
 };
 
 TEST_F(GraphicsBoxOfAService, AsksTheUserAtTheConsole)
@@ -270,6 +331,27 @@ TEST_F(GraphicsBoxOfAService, PopupsHoldTheEcUntilTheyAreClosed)
     desktop().setAnswer(0);
     EXPECT_TRUE(waitForReport(1));
     EXPECT_EQ(reported(), 3);
+}
+
+TEST_F(GraphicsBoxOfAService, AQuestionGoesWithAServiceThatIsKilled)
+{
+    plugInAndActivate();
+    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    ASSERT_TRUE(service.computer().pressGpuKey());
+    expectWindowToGoWithAKilledService("--disengaged-graphics");
+    isCutShort = true;
+    ASSERT_TRUE(service.start()); // for the end of the test
+}
+
+TEST_F(GraphicsBoxOfAService, PopupsGoWithTheService)
+{
+    changeGpu([](auto &changed) { changed.problem = 31; });
+    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    plugIn();
+    expectWindowToGoWithTheService("--graphics-patch-error");
+    isCutShort = true; // the thread that waited for it was not waited for
+    desktop().setAnswer(0); // it comes again with the next start
+    ASSERT_TRUE(service.start());
 }
 
 using GraphicsLight = GraphicsBox;

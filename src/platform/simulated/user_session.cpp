@@ -2,10 +2,10 @@
 
 #include "platform/program_path.h"
 #include "platform/simulated/simulated_computer.h"
+#include "platform/tied_process.h"
 #include "simulator/computer_control.h"
 
 #include <QDir>
-#include <QProcess>
 
 namespace tarnPlatform {
 namespace {
@@ -46,10 +46,9 @@ public:
             if (faults.isOn(step.fault))
                 return {step.stage, 0};
         }
-        QProcess process;
+        TiedProcess process;
         process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(startablePath(program), {argument});
-        if (!process.waitForStarted(-1))
+        if (!process.startTied(startablePath(program), {argument}))
             return {LaunchStage::NoProcess, 0};
         process.waitForFinished(-1);
         if (faults.isOn(Fault::NoGuiExitCode))

@@ -1,6 +1,7 @@
 #include "platform/user_session.h"
 
 #include "platform/launch_command_line.h"
+#include "platform/windows/launch_job.h"
 #include "platform/windows/unique_handle.h"
 
 #include <QDir>
@@ -78,6 +79,8 @@ public:
 
         const UniqueHandle process(started.hProcess);
         const UniqueHandle thread(started.hThread);
+        LaunchJob job;
+        job.take(process.get());
         WaitForSingleObject(process.get(), INFINITE);
         DWORD exitCode = 0;
         if (!GetExitCodeProcess(process.get(), &exitCode))
