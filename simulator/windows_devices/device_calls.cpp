@@ -56,14 +56,16 @@ Device deviceOf(DEVINST instance)
     return DeviceTree(*machineOfHost()).device(slotOf(instance));
 }
 
-HDEVINFO openList(const GUID *setupClass, DWORD flags)
+// Neither a device's bus nor a window for questions to the user is named.
+HDEVINFO openList(const GUID *setupClass, const void *enumerator, HWND window, DWORD flags)
 {
     MachineState *machine = machineOfHost();
     const bool onlyDisplay = setupClass != nullptr && IsEqualGUID(*setupClass, DISPLAY_CLASS);
     const bool everything = setupClass == nullptr;
     const bool understood = (onlyDisplay && flags == DIGCF_PRESENT)
         || (everything && flags == (DIGCF_PRESENT | DIGCF_ALLCLASSES));
-    if (machine == nullptr || !understood || FaultPanel(*machine).refusesList()) {
+    if (machine == nullptr || !understood || enumerator != nullptr || window != nullptr
+        || FaultPanel(*machine).refusesList()) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return INVALID_HANDLE_VALUE;
     }
@@ -119,14 +121,14 @@ BOOL giveProperty(const void *text, std::size_t bytes, BYTE *buffer, DWORD size,
 
 extern "C" {
 
-HDEVINFO WINAPI SetupDiGetClassDevsA(const GUID *setupClass, PCSTR, HWND, DWORD flags)
+HDEVINFO WINAPI SetupDiGetClassDevsA(const GUID *setupClass, PCSTR enumerator, HWND window, DWORD flags)
 {
-    return openList(setupClass, flags);
+    return openList(setupClass, enumerator, window, flags);
 }
 
-HDEVINFO WINAPI SetupDiGetClassDevsW(const GUID *setupClass, PCWSTR, HWND, DWORD flags)
+HDEVINFO WINAPI SetupDiGetClassDevsW(const GUID *setupClass, PCWSTR enumerator, HWND window, DWORD flags)
 {
-    return openList(setupClass, flags);
+    return openList(setupClass, enumerator, window, flags);
 }
 
 BOOL WINAPI SetupDiDestroyDeviceInfoList(HDEVINFO list)
@@ -187,8 +189,10 @@ BOOL WINAPI SetupDiSetClassInstallParamsW(
 BOOL WINAPI SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO list, PSP_DEVINFO_DATA data)
 {
     const SP_PROPCHANGE_PARAMS &change = listOf(list)->change;
-    if (function != DIF_PROPERTYCHANGE || change.Scope != DICS_FLAG_GLOBAL || change.HwProfile != 0
-        || refuses(Fault::FailDeviceInstaller, data->DevInst)) {
+    // The other changes (start, stop, new properties) are not what a device is switched off and on with.
+    const bool isSwitch = change.StateChange == DICS_ENABLE || change.StateChange == DICS_DISABLE;
+    if (function != DIF_PROPERTYCHANGE || !isSwitch || change.Scope != DICS_FLAG_GLOBAL
+        || change.HwProfile != 0 || refuses(Fault::FailDeviceInstaller, data->DevInst)) {
         SetLastError(ERROR_DI_DO_DEFAULT);
         return FALSE;
     }

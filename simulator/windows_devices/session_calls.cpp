@@ -3,11 +3,12 @@
 // when they are not made with the values that a service needs to reach the user's desktop. What is left goes
 // to the system's own functions.
 #include "simulator/computer_control.h"
+#include "simulator/windows_devices/call_notes.h"
+#include "simulator/windows_devices/detours.h"
 #include "simulator/windows_devices/machine_of_host.h"
 
 #include <windows.h>
 
-#include <cstring>
 #include <cwchar>
 #include <knownfolders.h>
 #include <objbase.h>
@@ -23,6 +24,12 @@ constexpr DWORD ALL_TOKEN_ACCESS = 0xF01FF;
 constexpr DWORD NEW_CONSOLE = 0x10;
 constexpr DWORD STARTUP_BYTES = 104;
 constexpr std::size_t LONGEST_COMMAND_LINE = 260; // wide characters, with the final zero
+
+// What the service has to give back.
+constexpr char USER_TOKEN[] = "user token";
+constexpr char TOKEN_COPY[] = "token copy";
+constexpr char PROCESS[] = "process";
+constexpr char THREAD[] = "thread";
 
 bool isOn(Fault fault)
 {
@@ -78,7 +85,11 @@ DWORD WINAPI consoleSession()
 BOOL WINAPI userToken(ULONG session, PHANDLE token)
 {
     const bool isConsole = session == WTSGetActiveConsoleSessionId();
-    return isOn(Fault::NoUserToken) || !isConsole ? refuse() : WTSQueryUserToken(session, token);
+    if (isOn(Fault::NoUserToken) || !isConsole || !WTSQueryUserToken(session, token)) {
+        return refuse();
+    }
+    noteOpened(*token, USER_TOKEN);
+    return TRUE;
 }
 
 BOOL WINAPI tokenCopy(HANDLE existing, DWORD access, LPSECURITY_ATTRIBUTES attributes,
@@ -86,9 +97,12 @@ BOOL WINAPI tokenCopy(HANDLE existing, DWORD access, LPSECURITY_ATTRIBUTES attri
 {
     const bool isAsLaidDown = access == ALL_TOKEN_ACCESS && attributes == nullptr
         && level == SecurityIdentification && type == TokenPrimary;
-    return isOn(Fault::NoTokenCopy) || !isAsLaidDown
-        ? refuse()
-        : DuplicateTokenEx(existing, access, attributes, level, type, token);
+    if (isOn(Fault::NoTokenCopy) || !isAsLaidDown || !isOpen(existing, USER_TOKEN)
+        || !DuplicateTokenEx(existing, access, attributes, level, type, token)) {
+        return refuse();
+    }
+    noteOpened(*token, TOKEN_COPY);
+    return TRUE;
 }
 
 BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
@@ -96,15 +110,35 @@ BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
     DWORD flags, LPVOID environment, LPCWSTR directory, LPSTARTUPINFOW startup,
     LPPROCESS_INFORMATION information)
 {
-    const bool isAsLaidDown = application == nullptr && isCommandOfGui(commandLine)
-        && processAttributes == nullptr && threadAttributes == nullptr && inherit == FALSE
-        && flags == NEW_CONSOLE && environment == nullptr && directory == nullptr && startup != nullptr
-        && isForDesktopOfUser(*startup);
-    if (isOn(Fault::NoGuiProcess) || !isAsLaidDown) {
+    noteCall("CreateProcessAsUser " + utf8(commandLine));
+    const bool isAsLaidDown = isOpen(token, TOKEN_COPY) && application == nullptr
+        && isCommandOfGui(commandLine) && processAttributes == nullptr && threadAttributes == nullptr
+        && inherit == FALSE && flags == NEW_CONSOLE && environment == nullptr && directory == nullptr
+        && startup != nullptr && isForDesktopOfUser(*startup);
+    if (isOn(Fault::NoGuiProcess) || !isAsLaidDown
+        || !CreateProcessAsUserW(token, application, commandLine, processAttributes, threadAttributes,
+            inherit, flags, environment, directory, startup, information)) {
         return refuse();
     }
-    return CreateProcessAsUserW(token, application, commandLine, processAttributes, threadAttributes, inherit,
-        flags, environment, directory, startup, information);
+    noteOpened(information->hProcess, PROCESS);
+    noteOpened(information->hThread, THREAD);
+    return TRUE;
+}
+
+// Whoever has the window before him may take all the time he wants.
+DWORD WINAPI waitForObject(HANDLE object, DWORD patienceMs)
+{
+    if (isOpen(object, PROCESS) && patienceMs != INFINITE) {
+        SetLastError(ERROR_INVALID_PARAMETER);
+        return WAIT_FAILED;
+    }
+    return WaitForSingleObject(object, patienceMs);
+}
+
+BOOL WINAPI closeHandle(HANDLE handle)
+{
+    noteClosed(handle);
+    return CloseHandle(handle);
 }
 
 BOOL WINAPI exitCode(HANDLE process, LPDWORD code)
@@ -132,69 +166,24 @@ HRESULT WINAPI knownFolder(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, P
     return S_OK;
 }
 
-struct Detour
-{
-    const char *function;
-    void *replacement;
-};
-
-const Detour DETOURS[] = {
-    {"ProcessIdToSessionId", reinterpret_cast<void *>(sessionOfProcess)},
-    {"WTSGetActiveConsoleSessionId", reinterpret_cast<void *>(consoleSession)},
-    {"WTSQueryUserToken", reinterpret_cast<void *>(userToken)},
-    {"DuplicateTokenEx", reinterpret_cast<void *>(tokenCopy)},
-    {"CreateProcessAsUserW", reinterpret_cast<void *>(processAsUser)},
-    {"GetExitCodeProcess", reinterpret_cast<void *>(exitCode)},
-    {"SHGetKnownFolderPath", reinterpret_cast<void *>(knownFolder)},
-};
-
-template <typename Type> Type *at(BYTE *base, ULONGLONG offset)
-{
-    return reinterpret_cast<Type *>(base + offset);
-}
-
-void detour(ULONGLONG *entry, const char *function)
-{
-    for (const Detour &row : DETOURS) {
-        if (std::strcmp(row.function, function) != 0) {
-            continue;
-        }
-        DWORD before = 0;
-        VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &before);
-        *entry = reinterpret_cast<ULONGLONG>(row.replacement);
-        VirtualProtect(entry, sizeof *entry, before, &before);
-    }
-}
-
-// Only the program itself is led elsewhere; its libraries, and this one, keep calling the system.
-void detourImportsOfProgram()
-{
-    auto *base = reinterpret_cast<BYTE *>(GetModuleHandleW(nullptr));
-    const auto *dos = at<IMAGE_DOS_HEADER>(base, 0);
-    const auto *headers = at<IMAGE_NT_HEADERS>(base, static_cast<ULONGLONG>(dos->e_lfanew));
-    const auto &imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    if (imports.VirtualAddress == 0) {
-        return;
-    }
-    for (auto *library = at<IMAGE_IMPORT_DESCRIPTOR>(base, imports.VirtualAddress); library->FirstThunk != 0;
-         ++library) {
-        const auto *names = at<IMAGE_THUNK_DATA>(base, library->OriginalFirstThunk);
-        auto *entries = at<IMAGE_THUNK_DATA>(base, library->FirstThunk);
-        for (; names->u1.AddressOfData != 0; ++names, ++entries) {
-            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) {
-                continue;
-            }
-            detour(&entries->u1.Function, at<IMAGE_IMPORT_BY_NAME>(base, names->u1.AddressOfData)->Name);
-        }
-    }
-}
-
 } // namespace
 
-BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
+namespace tarnSimulator {
+
+std::span<const Detour> sessionDetours()
 {
-    if (reason == DLL_PROCESS_ATTACH) {
-        detourImportsOfProgram();
-    }
-    return TRUE;
+    static const Detour rows[] = {
+        {"ProcessIdToSessionId", reinterpret_cast<void *>(sessionOfProcess)},
+        {"WTSGetActiveConsoleSessionId", reinterpret_cast<void *>(consoleSession)},
+        {"WTSQueryUserToken", reinterpret_cast<void *>(userToken)},
+        {"DuplicateTokenEx", reinterpret_cast<void *>(tokenCopy)},
+        {"CreateProcessAsUserW", reinterpret_cast<void *>(processAsUser)},
+        {"WaitForSingleObject", reinterpret_cast<void *>(waitForObject)},
+        {"GetExitCodeProcess", reinterpret_cast<void *>(exitCode)},
+        {"CloseHandle", reinterpret_cast<void *>(closeHandle)},
+        {"SHGetKnownFolderPath", reinterpret_cast<void *>(knownFolder)},
+    };
+    return rows;
 }
+
+} // namespace tarnSimulator

@@ -78,6 +78,18 @@ TEST(Lifecycle, EndsOnAnInterruptWithAClientConnected)
     EXPECT_EQ(service.process.exitCode(), 0);
 }
 
+TEST(Lifecycle, EndsInOrderWhenItsTerminalIsClosed)
+{
+    ServiceProcess service;
+    ASSERT_TRUE(service.start());
+    tarnTest::closeTerminal(service.process);
+    ASSERT_TRUE(service.waitForEnd(promptStopMs));
+    EXPECT_EQ(service.process.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(service.process.exitCode(), 0);
+    EXPECT_TRUE(service.log().contains("TarnService::stop\nservice is Finish!\n"));
+    EXPECT_TRUE(service.log().contains("EcDirverReader object is kill!"));
+}
+
 TEST(Lifecycle, EndsDuringItsStart)
 {
     ServiceProcess service;
@@ -85,6 +97,17 @@ TEST(Lifecycle, EndsDuringItsStart)
     ASSERT_TRUE(service.waitForLog("is not running."));
     expectPromptStop(service);
     EXPECT_FALSE(service.log().contains("TarnService::start"));
+}
+
+TEST(Lifecycle, AnActionThatIsCutShortDoesNotPassForDone)
+{
+    ServiceProcess service;
+    ASSERT_TRUE(service.launch({"-install"}));
+    ASSERT_TRUE(service.waitForLog("is not running."));
+    tarnTest::requestInterrupt(service.process);
+    ASSERT_TRUE(service.waitForEnd(promptStopMs));
+    EXPECT_EQ(static_cast<signed char>(service.process.exitCode()), -1);
+    EXPECT_FALSE(service.log().contains("installed"));
 }
 
 TEST(Lifecycle, EndsWhileTheEcIsStuck)

@@ -27,6 +27,18 @@ protected:
         const bool connected = client.connectToService();
         return connected && client.answer("getAccessoryType") == QStringLiteral("disconnected");
     }
+    // What the program has told the manager and the event log, a line a call.
+    [[nodiscard]] QStringList calls() const
+    {
+        return QString::fromUtf8(program.read("calls.txt")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    }
+    [[nodiscard]] QStringList eventLog() const { return calls().filter("Event"); }
+    [[nodiscard]] static QStringList startFailure(const QString &reason)
+    {
+        return {"RegisterEventSource Tarn Service",
+            "ReportEvent type 1 category 0 event 0 \"The Service failed to start [" + reason + "]\"",
+            "DeregisterEventSource"};
+    }
     void expectPromptStop()
     {
         const auto elapsed = stop();
@@ -80,6 +92,9 @@ TEST_F(ServiceUnderManager, IsInstalledUnderAnAccountOfItsOwn)
     const QString inNoOneCodePage = QString::fromUtf8("\u0141ukasz\u03a9\u0436");
     EXPECT_EQ(command({"-i", inNoOneCodePage, "secret"}), 0);
     EXPECT_EQ(record().account, ".\\" + inNoOneCodePage);
+    EXPECT_EQ(calls(),
+        QStringList({"CreateService account NT AUTHORITY\\LocalService password -",
+            "CreateService account .\\" + inNoOneCodePage + " password secret"}));
     EXPECT_EQ(command({"-u"}), 0);
     EXPECT_EQ(command({"-i", "LocalSystem", "secret"}), 0);
     EXPECT_EQ(record().serviceType, 0x110U);
@@ -101,6 +116,9 @@ TEST_F(ServiceUnderManager, RunsOnlyWhenTheManagerStartsIt)
         EXPECT_TRUE(program.log().endsWith("The service Tarn Service could not start\n"));
     }
     EXPECT_FALSE(isInstalled());
+    const QStringList failure =
+        startFailure(qt_error_string(ERROR_FAILED_SERVICE_CONTROLLER_CONNECT).trimmed());
+    EXPECT_EQ(eventLog(), failure + failure);
 }
 
 TEST_F(ServiceUnderManager, ObeysTheCommandLine)
@@ -122,11 +140,22 @@ TEST_F(ServiceUnderManager, ObeysTheCommandLine)
         EXPECT_EQ(command({"-c", code}), 0);
     EXPECT_EQ(state(), DWORD(SERVICE_RUNNING));
     EXPECT_TRUE(answers());
+    EXPECT_EQ(calls().filter("ControlService").mid(2),
+        QStringList({"ControlService 128", "ControlService 133", "ControlService 255"}));
 
     EXPECT_EQ(command({"-t"}), 0);
     EXPECT_FALSE(program.log().contains("could not be stopped"));
     EXPECT_TRUE(waitForState(SERVICE_STOPPED, promptStopMs));
     EXPECT_TRUE(hasLeftThePipe());
+    const QStringList reports = calls().filter("SetServiceStatus");
+    EXPECT_EQ(reports.mid(0, 2),
+        QStringList({"SetServiceStatus state 2 checkpoint 1 hint 10000",
+            "SetServiceStatus state 4 checkpoint 0 hint 0"}));
+    EXPECT_TRUE(reports.contains("SetServiceStatus state 6 checkpoint 1 hint 3000"));
+    EXPECT_TRUE(reports.contains("SetServiceStatus state 5 checkpoint 1 hint 3000"));
+    EXPECT_TRUE(reports.contains("SetServiceStatus state 3 checkpoint 1 hint 3000"));
+    EXPECT_EQ(reports.last(), "SetServiceStatus state 1 checkpoint 0 hint 0");
+    EXPECT_TRUE(eventLog().isEmpty());
 }
 
 TEST_F(ServiceUnderManager, TakesTheManagersControls)
@@ -199,4 +228,23 @@ TEST_F(ServiceUnderManager, DoesNotStayWithoutItsPortLibrary)
     ASSERT_TRUE(requestStart());
     ASSERT_TRUE(waitUntil([this] { return state() == SERVICE_STOPPED; }));
     EXPECT_EQ(status().dwWin32ExitCode, DWORD(ERROR_SERVICE_SPECIFIC_ERROR));
+    EXPECT_EQ(eventLog(), startFailure("Cannot load library"));
+}
+
+// A process of the service's own name is asked first whether the service runs under its older name.
+TEST_F(ServiceUnderManager, AsksTheSystemForItsOlderName)
+{
+    ASSERT_TRUE(QFile::copy(tarnTest::standIn("sc.exe"), program.path("sc.exe")));
+    const std::pair<const char *, const char *> answers[] = {
+        {"        STATE              : 4  RUNNING\n", R"(Service "\"TarnService\"" is running.)"},
+        {"        STATE              : 1  STOPPED\n", R"(Service "\"TarnService\"" is not running.)"},
+    };
+    QByteArray asked;
+    for (const auto &[answer, line] : answers) {
+        program.write("sc_answer.txt", answer);
+        EXPECT_EQ(command({"-version"}), 0);
+        EXPECT_TRUE(program.logLines().contains(line));
+        asked += "sc query \"TarnService\" \n"; // Qt ends each command line with a blank
+        EXPECT_EQ(program.read("sc_calls.txt"), asked);
+    }
 }

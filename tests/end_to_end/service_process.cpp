@@ -77,6 +77,11 @@ QString builtProgram(const QString &name)
     return QDir(runFolder()).filePath(name + QStringLiteral(TARN_PROGRAM_SUFFIX));
 }
 
+QString standIn(const QString &name)
+{
+    return QDir(standInsFolder()).filePath(name);
+}
+
 ServiceProcess::ServiceProcess()
 {
     copyProgram(QDir(runFolder()), QDir(folder.path()));

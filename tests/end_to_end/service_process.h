@@ -16,6 +16,9 @@ namespace tarnTest {
 // Path of a program of the build under test.
 [[nodiscard]] QString builtProgram(const QString &name);
 
+// Path of a file that stands in for one of Windows.
+[[nodiscard]] QString standIn(const QString &name);
+
 // A real service process in a folder of its own, on a simulated computer of its own.
 class ServiceProcess
 {

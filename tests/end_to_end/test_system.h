@@ -12,6 +12,8 @@ void prepareForStop(QProcess &process);
 void requestStop(QProcess &process);
 // Asks as a person at the terminal does: SIGINT, or Ctrl+Break on the console.
 void requestInterrupt(QProcess &process);
+// The terminal goes: SIGHUP, or the closing of the console.
+void closeTerminal(QProcess &process);
 
 // Where a process whose home folder is this one, as far as it can be chosen, looks for downloads.
 [[nodiscard]] QString downloadFolder(const QString &home);

@@ -18,6 +18,11 @@ void requestInterrupt(QProcess &process)
     ::kill(static_cast<pid_t>(process.processId()), SIGINT);
 }
 
+void closeTerminal(QProcess &process)
+{
+    ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
+}
+
 bool losesIdleConnections()
 {
     return false;

@@ -44,6 +44,16 @@ void requestInterrupt(QProcess &process)
     requestStop(process);
 }
 
+// The library that stands in for setupapi.dll waits for this event.
+void closeTerminal(QProcess &process)
+{
+    const QString name = QStringLiteral("TarnCloseConsole-%1").arg(process.processId());
+    const HANDLE event =
+        OpenEventW(EVENT_MODIFY_STATE, FALSE, reinterpret_cast<const wchar_t *>(name.utf16()));
+    SetEvent(event);
+    CloseHandle(event);
+}
+
 bool losesIdleConnections()
 {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;

@@ -132,8 +132,7 @@ bool runUnderServiceManager(const ServiceFunctions &functions, const QString &na
     dispatcher = new Dispatcher(functions, name, acceptedControls, host);
     std::thread([] { dispatcher->connectToManager(); }).detach();
     if (const DWORD error = dispatcher->waitForConnection()) {
-        if (error != ERROR_FAILED_SERVICE_CONTROLLER_CONNECT)
-            reportStartFailure(functions, name, qt_error_string(static_cast<int>(error)));
+        reportStartFailure(functions, name, qt_error_string(static_cast<int>(error)));
         return false;
     }
     {
