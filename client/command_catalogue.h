@@ -27,6 +27,8 @@ struct CommandEntry
     // The data for which the service sends nothing back.
     QLatin1StringView silentData {};
     std::chrono::milliseconds timeout;
+    // Not answered while the EC is reserved. The others are answered from what the service remembers.
+    bool needsEc = true;
     QLatin1StringView example;
     QLatin1StringView note {};
 };

@@ -37,6 +37,7 @@ const QList<CommandEntry> rows {
         .answerMeaning = L("dock, graphics, k_vane or disconnected; empty for an accessory that the "
                            "service does not know"),
         .timeout = cachedTimeout,
+        .needsEc = false,
         .example = L("tarnctl getAccessoryType"),
     },
     {
@@ -272,6 +273,7 @@ const QList<CommandEntry> rows {
         .answerKeys = {L("data")},
         .answerMeaning = L("a number; -1 when it cannot be read"),
         .timeout = cachedTimeout,
+        .needsEc = false,
         .example = L("tarnctl getKVaneLedLight"),
     },
     {
@@ -281,6 +283,7 @@ const QList<CommandEntry> rows {
         .answerKeys = {L("data")},
         .answerMeaning = L("1 charging, 0 not; 251 before the first reading"),
         .timeout = cachedTimeout,
+        .needsEc = false,
         .example = L("tarnctl getKvaneChargingStatus"),
     },
     {
@@ -291,6 +294,7 @@ const QList<CommandEntry> rows {
         .answerMeaning =
             L("a number as the EC gives it; 255 when it cannot be read, 251 before the first reading"),
         .timeout = cachedTimeout,
+        .needsEc = false,
         .example = L("tarnctl getKvaneBatteryNum"),
     },
     {
@@ -300,6 +304,7 @@ const QList<CommandEntry> rows {
         .answerKeys = {L("data")},
         .answerMeaning = L("1 charging, 0 not; 251 before the first reading"),
         .timeout = cachedTimeout,
+        .needsEc = false,
         .example = L("tarnctl getTarnChargingStatus"),
     },
     {
@@ -310,6 +315,7 @@ const QList<CommandEntry> rows {
         .answerMeaning =
             L("a number as the EC gives it; 255 when it cannot be read, 251 before the first reading"),
         .timeout = cachedTimeout,
+        .needsEc = false,
         .example = L("tarnctl getTarnBatteryNum"),
     },
 };

@@ -39,7 +39,7 @@ Exit codes: 0 done, 1 the service answered "failed", 2 wrong usage, 3 no service
 constexpr QLatin1StringView watchText(R"(tarnctl watch
 
 Prints the service's notifications with their local time until Ctrl+C, --count N notifications or --for SECONDS.
-With both, it ends with code 4 if fewer have come in time.
+With both, it ends with code 4 if fewer have come in time; also if typed commands are left unsent or unanswered.
 
 The service serves one client at a time: another tarnctl meanwhile takes the notifications away, and none come back
 when it ends. So type commands right here, or pipe them in, one per line:

@@ -1,5 +1,7 @@
 #include "pipe_client.h"
 
+#include "pipe_address.h"
+
 namespace tarnClient {
 
 namespace {
@@ -41,8 +43,21 @@ bool PipeClient::open()
     return false;
 }
 
+bool PipeClient::canEverOpen() const
+{
+    return !pipeAddress(m_pipeName).isTooLong();
+}
+
 QString PipeClient::openFailureText() const
 {
+    const PipeAddress address = pipeAddress(m_pipeName);
+    if (address.isTooLong()) {
+        return QStringLiteral(
+            "No service can have this pipe: its full name has %1 %2, and it may have at most "
+            "%3.\n%4\n%5")
+            .arg(QString::number(address.length), address.unit, QString::number(address.longest),
+                address.text, address.shortening);
+    }
     if (m_openError == QLocalSocket::SocketAccessError) {
         return QStringLiteral("The pipe \"%1\" refuses this user.\nRun tarnctl as the user who started the "
                               "service, or as administrator.")
@@ -50,10 +65,10 @@ QString PipeClient::openFailureText() const
     }
     const bool isAbsent = m_openError == QLocalSocket::ServerNotFoundError
         || m_openError == QLocalSocket::ConnectionRefusedError;
-    const QString reason = isAbsent ? QString() : QStringLiteral(" (%1)").arg(m_openErrorText);
-    return QStringLiteral("No service answers on the pipe \"%1\"%2.\nStart it first: ./run on the simulated "
-                          "computer, or the service \"Tarn Service\" on Windows.")
-        .arg(m_pipeName, reason);
+    const QString reason = isAbsent ? QString() : QStringLiteral(": %1").arg(m_openErrorText);
+    return QStringLiteral("No service answers on the pipe \"%1\" (%2)%3.\nStart it first: ./run on the "
+                          "simulated computer, or the service \"Tarn Service\" on Windows.")
+        .arg(m_pipeName, address.text, reason);
 }
 
 bool PipeClient::isOpen() const

@@ -21,6 +21,8 @@ public:
 
     // Blocks while the pipe is busy; false when nobody serves it.
     [[nodiscard]] bool open();
+    // False for a pipe that no service can have.
+    [[nodiscard]] bool canEverOpen() const;
     // Why the last open() failed and what the user can do about it.
     [[nodiscard]] QString openFailureText() const;
     [[nodiscard]] bool isOpen() const;

@@ -18,11 +18,24 @@ bool isAnsweredBySilence(const TypedCommand &command)
 
 QString noAnswerText(const QString &command, std::chrono::milliseconds timeout)
 {
+    const CommandEntry *entry = findCommand(command);
+    QLatin1StringView reasons("Another client may have taken it");
+    if (entry == nullptr) {
+        reasons = QLatin1StringView("This service may not know the command, or another client may have taken "
+                                    "the answer");
+    } else if (entry->needsEc) {
+        // First what lasts: neither patience nor a new connection helps against it.
+        reasons = QLatin1StringView(
+            "First see whether the EC is reserved: after an EC update or requestStartEcUpdate "
+            "it stays so until the service is restarted, after requestEnterMcuUpdateMode until "
+            "requestLeaveMcuUpdateMode.\n"
+            "Else another client may have taken the answer, an update may be under way, or the "
+            "EC may be stuck");
+    }
     return QStringLiteral(
-        "No answer to %1 within %2.\nAnother client may have taken it, the EC may be stuck or "
-        "reserved by an update, or this service does not know the command: look at the "
-        "service's log, or try again with a longer --timeout.")
-        .arg(command, durationText(timeout));
+        "No answer to %1 within %2.\n%3: look at the service's log, or try again with a longer "
+        "--timeout.")
+        .arg(command, durationText(timeout), reasons);
 }
 
 Session::Session(const ToolOptions &options, ToolStreams &streams)

@@ -65,6 +65,9 @@ ExitCode runRaw(const ToolOptions &options, const QStringList &arguments, ToolSt
         const std::string all(std::istreambuf_iterator<char>(*streams.input), {});
         bytes = QByteArray::fromStdString(all);
     }
+    if (bytes.isEmpty()) {
+        return refuse(streams, QStringLiteral("raw was given no bytes, so there is nothing to send."));
+    }
     return RawExchange(options, streams, bytes).run();
 }
 

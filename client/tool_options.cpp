@@ -10,7 +10,8 @@ using std::chrono::milliseconds;
 
 constexpr QLatin1StringView defaultPipeName("tarnPipe");
 // Timers count milliseconds in an int.
-constexpr double longestSeconds = 7.0 * 24 * 3600;
+constexpr int longestDays = 7;
+constexpr int longestSeconds = longestDays * 24 * 3600;
 
 const QString jsonOption = QStringLiteral("json");
 const QString verboseOption = QStringLiteral("verbose");
@@ -51,8 +52,9 @@ std::optional<milliseconds> readSeconds(
     // Written so that "nan" is refused as well.
     const bool inRange = converted && wanted > 0 && wanted <= longestSeconds;
     if (!inRange) {
-        error = QStringLiteral("--%1 takes a number of seconds above 0, not \"%2\".")
-                    .arg(option, parser.value(option));
+        error = QStringLiteral("--%1 takes a number of seconds above 0 and up to %2 (%3 days), not \"%4\".")
+                    .arg(option, QString::number(longestSeconds), QString::number(longestDays),
+                        parser.value(option));
         return std::nullopt;
     }
     return std::max(milliseconds(1), std::chrono::round<milliseconds>(std::chrono::duration<double>(wanted)));

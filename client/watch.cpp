@@ -13,8 +13,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds retryPeriod(1000);
-// The service needs up to 500 ms to wind up the last connection; a new one that overlaps may be taken for
-// closed.
+// When a connection ends, the service writes to nobody until the next one comes. So it has to notice the end
+// of the old connection first, also on a busy computer; noticed after it, that would silence the new one.
 constexpr milliseconds leavePause(800);
 
 constexpr QLatin1StringView eventKind("event");
@@ -76,7 +76,7 @@ void Watch::tryConnect()
         handleNextLines();
         return;
     }
-    if (!m_options.reconnect) {
+    if (!m_options.reconnect || !m_client.canEverOpen()) {
         m_streams.complain(m_client.openFailureText());
         finish(ExitCode::NoService);
         return;
@@ -140,7 +140,7 @@ void Watch::showNotification(const Message &message)
     show(eventKind, message.notificationText(), message.json());
     ++m_notifications;
     if (m_options.count && m_notifications >= *m_options.count) {
-        finish(ExitCode::Done);
+        endWatching();
     }
 }
 
@@ -270,10 +270,36 @@ void Watch::handleExpiry()
     handleNextLines();
 }
 
+// A script has to learn that commands of its own were left over.
+void Watch::endWatching()
+{
+    QStringList left;
+    if (!m_pendingTag.isEmpty()) {
+        left << QStringLiteral("No answer to %1 has come yet.").arg(m_pending.name);
+    }
+    int unsent = 0;
+    QString first;
+    while (const std::optional<QString> line = m_reader ? m_reader->takeLine() : std::nullopt) {
+        const TypedCommand command = parseTypedLine(*line);
+        if (findCommand(command.name) != nullptr && unsent++ == 0) {
+            first = line->trimmed();
+        }
+    }
+    if (unsent > 0) {
+        left << (unsent == 1
+                ? QStringLiteral("Not sent any more: %1").arg(first)
+                : QStringLiteral("Not sent any more: %1, and %2 after it.").arg(first).arg(unsent - 1));
+    }
+    if (!left.isEmpty()) {
+        m_streams.complain(QStringLiteral("The watching ends.\n") + left.join(u'\n'));
+    }
+    finish(left.isEmpty() ? ExitCode::Done : ExitCode::NoAnswer);
+}
+
 void Watch::handleDurationEnd()
 {
     if (!m_options.count) {
-        finish(ExitCode::Done);
+        endWatching();
         return;
     }
     m_streams.complain(QStringLiteral("%1 of %2 notifications came within %3.")

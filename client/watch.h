@@ -37,6 +37,7 @@ private:
     void connectAnew();
     void handleExpiry();
     void handleDurationEnd();
+    void endWatching();
 
     std::unique_ptr<StdinReader> m_reader;
     // The command that waits for its answer; an empty tag: none.

@@ -1,3 +1,4 @@
+#include "client/pipe_address.h"
 #include "fake_service.h"
 #include "tool_run.h"
 
@@ -219,9 +220,10 @@ TEST(TarnctlOneShotTest, NoService)
     EXPECT_EQ(run.code, 3);
     EXPECT_TRUE(run.output.isEmpty());
     EXPECT_EQ(run.errors,
-        "tarnctl: No service answers on the pipe \"tarnctlTestNobody\".\nStart it first: ./run on the "
-        "simulated "
-        "computer, or the service \"Tarn Service\" on Windows.\n");
+        "tarnctl: No service answers on the pipe \"tarnctlTestNobody\" ("
+            + tarnClient::pipeAddress("tarnctlTestNobody").text.toUtf8()
+            + ").\nStart it first: ./run on the simulated computer, or the service \"Tarn Service\" on "
+              "Windows.\n");
 }
 
 TEST(TarnctlOneShotTest, ServiceLeavesBeforeTheAnswer)
@@ -255,7 +257,20 @@ TEST(TarnctlOneShotTest, NoAnswerInTime)
     EXPECT_GE(clock.elapsed(), 195);
     EXPECT_LT(clock.elapsed(), 5000);
     EXPECT_TRUE(run.output.isEmpty());
-    EXPECT_TRUE(run.errors.startsWith("tarnctl: No answer to getMcuVersion within 0.2 s.\nAnother client"));
+    EXPECT_TRUE(run.errors.startsWith("tarnctl: No answer to getMcuVersion within 0.2 s.\n"
+                                      "First see whether the EC is reserved: after an EC update"))
+        << run.errors.toStdString();
+}
+
+TEST(TarnctlOneShotTest, WithoutAnAnswerTheReasonsFitTheCommand)
+{
+    const FakeService service;
+    const auto complaint = [&service](const char *command) {
+        return runTool(service, {"--force", "--timeout", "0.1", command}).errors;
+    };
+    EXPECT_TRUE(complaint("getTarnBatteryNum").contains("\nAnother client may have taken it: look at"));
+    EXPECT_TRUE(complaint("noSuchCommand").contains("\nThis service may not know the command, or another"));
+    EXPECT_TRUE(complaint("getGraphicsRGB").contains("\nElse another client may have taken the answer"));
 }
 
 TEST(TarnctlOneShotTest, MessagesAheadOfTheAnswerMoveTheDeadline)

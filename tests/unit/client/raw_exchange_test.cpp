@@ -40,6 +40,16 @@ TEST(TarnctlRawTest, TakesTheTextFromTheInput)
     EXPECT_EQ(service.requests(), QByteArrayList {"{\"cmd\":\n\"a\"}\n"});
 }
 
+TEST(TarnctlRawTest, NoBytesAreAMistake)
+{
+    FakeService service;
+    for (const ToolRun &run : {runTool(service, {"raw", ""}), runTool(service, {"raw", "-"}, typed(""))}) {
+        EXPECT_EQ(run.code, 2);
+        EXPECT_EQ(run.errors, "tarnctl: raw was given no bytes, so there is nothing to send.\n");
+    }
+    EXPECT_EQ(service.connections(), 0);
+}
+
 TEST(TarnctlRawTest, ShowsGarbageOnTheErrorOutput)
 {
     FakeService service;

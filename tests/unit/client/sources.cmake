@@ -8,6 +8,7 @@ set(CLIENT_TEST_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/json_splitter_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/message_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/one_shot_test.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/pipe_address_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/raw_exchange_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/staged_firmware_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/stdin_reader_test.cpp

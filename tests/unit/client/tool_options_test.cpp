@@ -82,6 +82,19 @@ TEST(TarnctlUsageTest, NamesTheWayOn)
     EXPECT_TRUE(runTool({"setGraphicsRGB", "pink"}).errors.contains("purplishred, shutdown"));
 }
 
+TEST(TarnctlUsageTest, ATimeOutOfRangeIsToldTheRange)
+{
+    const tarnClient::ParsedOptions longest = parseOptions({"tarnctl", "--timeout", "604800"});
+    EXPECT_TRUE(longest.error.isEmpty());
+    EXPECT_EQ(longest.options.timeout, std::chrono::hours(7 * 24));
+    for (const char *wrong : {"0", "604801", "1000000"}) {
+        EXPECT_EQ(parseOptions({"tarnctl", "--timeout", wrong}).error,
+            QStringLiteral(
+                "--timeout takes a number of seconds above 0 and up to 604800 (7 days), not \"%1\".")
+                .arg(wrong));
+    }
+}
+
 TEST(TarnctlUsageTest, Version)
 {
     const ToolRun run = runTool({"--version"});

@@ -244,6 +244,39 @@ TEST(TarnctlWatchTest, InterruptEndsItWithZeroWhileTheInputIsSilent)
     input->release();
 }
 
+TEST(TarnctlWatchTest, CommandsThatWereNotSentInTimeAreToldAndCount)
+{
+    FakeService service;
+    QStringList answered {"getHardwareVersion"};
+    service.onRequest([&](const QJsonObject &request) {
+        if (answered.contains(request.value("cmd").toString())) {
+            service.answer(request, "data", "1");
+        }
+    });
+    const ToolRun one = runTool(service, {"watch", "--for", "1.5"},
+        typed("getHardwareVersion\ngetMcuVersion\n\n setDockLedStatus on\nquit\n"));
+    EXPECT_EQ(one.code, 4);
+    EXPECT_EQ(withoutTimes(one.output), "answer getHardwareVersion 1\n");
+    EXPECT_EQ(one.errors,
+        "tarnctl: The watching ends.\nNo answer to getMcuVersion has come yet.\n"
+        "Not sent any more: setDockLedStatus on\n");
+
+    service.onConnection([&service] {
+        service.later(milliseconds(1500), [&service] { service.notify("changeAccessoryType", "dock"); });
+    });
+    const ToolRun several = runTool(service, {"watch", "--count", "1"},
+        typed("getMcuVersion\ngetTarnBatteryNum\nhelp\ngetMcuVersion\ngetMcuVersion\n"));
+    EXPECT_EQ(several.code, 4);
+    EXPECT_TRUE(several.errors.endsWith("Not sent any more: getTarnBatteryNum, and 2 after it.\n"))
+        << several.errors.toStdString();
+
+    answered << "getMcuVersion";
+    service.onConnection([] {});
+    const ToolRun none = runTool(service, {"watch", "--for", "1.5"}, typed("getMcuVersion\n"));
+    EXPECT_EQ(none.code, 0);
+    EXPECT_TRUE(none.errors.isEmpty());
+}
+
 TEST(TarnctlWatchTest, NoService)
 {
     EXPECT_EQ(runTool({"--pipe", "tarnctlTestNobody", "watch"}).code, 3);

@@ -1,0 +1,14 @@
+#include "pipe_address.h"
+
+namespace tarnClient {
+
+PipeAddress pipeAddress(const QString &name)
+{
+    constexpr QLatin1StringView folder(R"(\\.\pipe\)");
+    constexpr qsizetype longest = 256; // CreateNamedPipe, the folder included
+    const QString path = name.startsWith(folder) ? name : folder + name;
+    return {path, path.size(), longest, QLatin1StringView("characters"),
+        QLatin1StringView("Give --pipe a shorter name.")};
+}
+
+} // namespace tarnClient
