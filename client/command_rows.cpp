@@ -139,7 +139,7 @@ const QList<CommandEntry> rows {
         .name = L("requestMcuUpdate"),
         .summary = L("Flashes an MCU firmware"),
         .concerns = L("KVane"),
-        .data = DataRule {DataKind::FileName},
+        .data = DataRule {DataKind::McuFileName},
         .answerKeys = {L("data"), L("mcuVer")},
         .answerMeaning = L("successed and the MCU version, or failed"),
         .outcomeKey = L("data"),
@@ -185,7 +185,7 @@ const QList<CommandEntry> rows {
         .name = L("requestEcUpdate"),
         .summary = L("Flashes an EC firmware with the external EC tool"),
         .concerns = L("this computer"),
-        .data = DataRule {DataKind::FileName},
+        .data = DataRule {DataKind::EcFileName},
         .answerKeys = {L("data")},
         .answerMeaning =
             L("successed or failed; successed says that the tool has been run, not that it succeeded"),

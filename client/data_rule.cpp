@@ -1,5 +1,7 @@
 #include "data_rule.h"
 
+#include "firmware_name.h"
+
 #include <QStringList>
 
 #include <algorithm>
@@ -17,12 +19,6 @@ bool isByteText(const QString &data)
     bool converted = false;
     const int value = data.toInt(&converted, 10);
     return digitsOnly && converted && value <= byteMaximum;
-}
-
-bool isBareFileName(const QString &data)
-{
-    const bool hasPath = data.contains(u'/') || data.contains(u'\\') || data.contains(u':');
-    return !data.isEmpty() && !hasPath && data != QLatin1StringView(".") && data != QLatin1StringView("..");
 }
 
 } // namespace
@@ -65,11 +61,14 @@ std::optional<QString> DataRule::objection(const QString &command, const std::op
     if (kind == DataKind::Choice) {
         return choiceObjection(command, *data);
     }
-    const bool fits = kind == DataKind::Byte ? isByteText(*data) : isBareFileName(*data);
-    if (fits) {
-        return std::nullopt;
+    const QString refusal = QStringLiteral("%1 does not take \"%2\". ").arg(command, *data);
+    if (kind == DataKind::Byte) {
+        return isByteText(*data) ? std::nullopt
+                                 : std::optional(refusal + QStringLiteral("Allowed: %1.").arg(description()));
     }
-    return QStringLiteral("%1 does not take \"%2\". Allowed: %3.").arg(command, *data, description());
+    const std::optional<QString> reason =
+        firmwareNameObjection(*data, kind == DataKind::EcFileName ? FirmwareKind::Ec : FirmwareKind::Mcu);
+    return reason ? std::optional(refusal + *reason) : std::nullopt;
 }
 
 QString DataRule::description() const
@@ -81,7 +80,8 @@ QString DataRule::description() const
         return joinedChoices(QLatin1StringView(", "));
     case DataKind::Byte:
         return QStringLiteral("a whole number from 0 to %1").arg(byteMaximum);
-    case DataKind::FileName:
+    case DataKind::McuFileName:
+    case DataKind::EcFileName:
         return QStringLiteral("the name of a file in the user's download folder, without a path");
     }
     return {};
@@ -96,7 +96,8 @@ QString DataRule::placeholder() const
         return joinedChoices(QLatin1StringView("|"));
     case DataKind::Byte:
         return QStringLiteral("0-%1").arg(byteMaximum);
-    case DataKind::FileName:
+    case DataKind::McuFileName:
+    case DataKind::EcFileName:
         return QStringLiteral("FILE");
     }
     return {};

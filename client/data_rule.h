@@ -13,7 +13,8 @@ enum class DataKind {
     // One unsigned byte as decimal text.
     Byte,
     // A file in the user's download folder, by its bare name.
-    FileName,
+    McuFileName,
+    EcFileName,
 };
 
 // What a command takes as its "data".

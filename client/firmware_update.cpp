@@ -3,6 +3,9 @@
 #include "request.h"
 
 #include <QDir>
+#include <QFileInfo>
+
+#include <algorithm>
 
 namespace tarnClient {
 
@@ -12,6 +15,8 @@ using std::chrono::milliseconds;
 
 // Often enough that no second is left out.
 constexpr milliseconds progressPeriod(200);
+// Between two questions for what is not so yet; the service's own 500 ms come on top.
+constexpr milliseconds askingPause(500);
 constexpr QLatin1StringView untouchedText("Nothing has been touched.");
 
 // For texts that may or may not have a place for the value.
@@ -20,13 +25,25 @@ QString filledIn(QLatin1StringView text, const QString &value)
     return text.toString().replace(QLatin1StringView("%1"), value);
 }
 
+// The service takes the name alone, so a file that lies there already can be flashed by anybody.
+QString otherUserText(const OtherUser &user, QLatin1StringView command, const QString &fileName)
+{
+    return QStringLiteral("tarnctl runs as %1, but the user at the console is %2, and the service \"Tarn "
+                          "Service\" looks for the file in the download folder of that user.\n"
+                          "Put it there and send: tarnctl %3 \"%4\"\n"
+                          "A service that %1 has started with -exec looks in the folder of %1: for that, go "
+                          "on with --force.")
+        .arg(user.own, user.atConsole, command, fileName);
+}
+
 } // namespace
 
 FirmwareUpdate::FirmwareUpdate(
-    const ToolOptions &options, ToolStreams &streams, const UpdatePlan &plan, const QString &downloadFolder)
+    const ToolOptions &options, ToolStreams &streams, const UpdatePlan &plan, const DownloadPlace &place)
     : Session(options, streams)
     , m_plan(plan)
-    , m_firmware(downloadFolder)
+    , m_otherUser(place.otherUser)
+    , m_firmware(place.folder)
     , m_progress(streams, options.json)
 {
     connect(&m_client, &PipeClient::documentReceived, this, &FirmwareUpdate::handleDocument);
@@ -44,8 +61,14 @@ FirmwareUpdate::FirmwareUpdate(
 
 ExitCode FirmwareUpdate::run(const QString &file)
 {
-    if (const std::optional<QString> objection = StagedFirmware::objection(file)) {
+    if (const std::optional<QString> objection = StagedFirmware::objection(file, m_plan.kind)) {
         m_streams.complain(*objection);
+        return ExitCode::Usage;
+    }
+    // A file of that name in the other folder would be flashed in place of this one.
+    if (m_otherUser && !m_options.force) {
+        m_streams.complain(
+            otherUserText(*m_otherUser, m_plan.steps.back().command, QFileInfo(file).fileName()));
         return ExitCode::Usage;
     }
     if (!connectService()) {
@@ -79,9 +102,16 @@ bool FirmwareUpdate::placeFile(const QString &file)
 
 void FirmwareUpdate::beginStep()
 {
-    if (m_options.force && step().isPrecaution) {
+    while (m_options.force && step().isPrecaution) {
         ++m_stepIndex;
     }
+    m_stepBegan = elapsed();
+    m_progress.begin(step().phases, m_stepBegan);
+    sendRequest();
+}
+
+void FirmwareUpdate::sendRequest()
+{
     TypedCommand command {step().command.toString()};
     if (step().takesFile) {
         command.data = m_firmware.name();
@@ -89,13 +119,10 @@ void FirmwareUpdate::beginStep()
     const Request request = buildRequest(command);
     m_tag = request.tag;
     if (m_interrupt.isRaised()) {
-        const QLatin1StringView state =
-            m_stepIndex == 0 ? untouchedText : m_plan.steps[m_stepIndex - 1].goesOnText;
         end(ExitCode::NoAnswer,
-            QStringLiteral("Interrupted before %1 was sent.\n%2").arg(command.name, state));
+            QStringLiteral("Interrupted before %1 was sent.\n%2").arg(command.name, untouchedText));
         return;
     }
-    m_progress.begin(step().phases, elapsed());
     m_deadline.start(timeoutFor(findCommand(command.name)));
     if (!m_client.send(request.bytes)) {
         handleServiceGone();
@@ -117,9 +144,21 @@ void FirmwareUpdate::handleDocument(const QByteArray &bytes)
 
 void FirmwareUpdate::handleAnswer(const Message &answer)
 {
-    const bool isAgreed = answer.value(dataKey) == step().wanted;
+    const QString value = answer.value(dataKey);
+    if (step().tellsVersion) {
+        m_versionBefore = value;
+    }
+    const bool isAgreed = step().wanted.isEmpty() || value == step().wanted;
     const bool isLast = m_stepIndex + 1 == m_plan.steps.size();
-    if (!isAgreed) {
+    if (!isAgreed && asksAgain()) {
+        m_versionBefore.reset(); // that of something else
+        m_deadline.stop();
+        QTimer::singleShot(askingPause, this, [this] {
+            if (!isFinished()) {
+                sendRequest();
+            }
+        });
+    } else if (!isAgreed) {
         endRefused(answer);
     } else if (isLast) {
         endWell(answer);
@@ -127,6 +166,13 @@ void FirmwareUpdate::handleAnswer(const Message &answer)
         ++m_stepIndex;
         beginStep();
     }
+}
+
+bool FirmwareUpdate::asksAgain() const
+{
+    const milliseconds patience =
+        std::min(step().patience, timeoutFor(findCommand(step().command.toString())));
+    return elapsed() - m_stepBegan < patience;
 }
 
 void FirmwareUpdate::handleExpiry()
@@ -157,13 +203,39 @@ void FirmwareUpdate::endWell(const Message &answer)
     m_progress.end();
     if (m_options.json) {
         print(answer.json());
-        finish(ExitCode::Done);
+    }
+    if (!m_plan.versionKey.isEmpty()) {
+        endFlashed(answer.value(m_plan.versionKey));
         return;
     }
-    const QString version = m_plan.versionKey.isEmpty() ? QString() : answer.value(m_plan.versionKey);
-    const bool lacksVersion = !m_plan.versionKey.isEmpty() && version.isEmpty();
-    print(filledIn(lacksVersion ? m_plan.noVersionText : m_plan.doneText, version));
-    m_streams.remark(m_plan.adviceText.toString());
+    if (!m_options.json) {
+        print(m_plan.doneText.toString());
+        m_streams.remark(m_plan.adviceText.toString());
+    }
+    finish(ExitCode::Done);
+}
+
+// The service takes an update for done when the flasher has not complained; the version tells more.
+void FirmwareUpdate::endFlashed(const QString &version)
+{
+    const bool isUnknown = version.isEmpty();
+    const bool isChecked = m_options.expectedVersion.has_value();
+    if (version == m_plan.nothingRunsVersion) {
+        end(ExitCode::ServiceFailed, filledIn(m_plan.nothingRunsText, version));
+        return;
+    }
+    if (isChecked && version != *m_options.expectedVersion) {
+        const QString text = isUnknown ? m_plan.noVersionText.toString() : m_plan.otherVersionText.toString();
+        end(ExitCode::ServiceFailed, isUnknown ? text : text.arg(version, *m_options.expectedVersion));
+        return;
+    }
+    if (!m_options.json) {
+        print(filledIn(isUnknown ? m_plan.noVersionText : m_plan.doneText, version));
+    }
+    if (!m_options.json && !isUnknown && !isChecked) {
+        const bool isOfBefore = m_versionBefore == version;
+        m_streams.remark((isOfBefore ? m_plan.sameVersionText : m_plan.adviceText).toString());
+    }
     finish(ExitCode::Done);
 }
 
@@ -172,9 +244,10 @@ void FirmwareUpdate::endRefused(const Message &answer)
     if (m_options.json) {
         print(answer.json());
     }
-    const bool isUntouched = step().takesFile && m_firmware.isThere();
+    // Not whether the file is still there: the service may have copied it and then be kept from deleting it.
+    const bool isUntouched = elapsed() - m_stepBegan < step().untouchedBefore;
     QString text = filledIn(isUntouched ? step().untouchedText : step().refusedText, answer.value(dataKey));
-    if (step().takesFile && !isUntouched && !m_firmware.isCopy()) {
+    if (step().takesFile && !m_firmware.isThere() && !m_firmware.isCopy()) {
         text += QStringLiteral("\nThe file has left the download folder; the service keeps it in the folder "
                                "function beside its program.");
     }

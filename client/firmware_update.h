@@ -1,5 +1,6 @@
 #pragma once
 
+#include "console_user.h"
 #include "interrupt_poll.h"
 #include "session.h"
 #include "staged_firmware.h"
@@ -10,6 +11,13 @@
 
 namespace tarnClient {
 
+// Where the service is expected to look for the file.
+struct DownloadPlace
+{
+    QString folder;
+    std::optional<OtherUser> otherUser {};
+};
+
 // A whole firmware update: puts the file where the service looks, sends the plan's requests one after the
 // other, and says what stands at the end and what to do next.
 class FirmwareUpdate : public Session
@@ -17,14 +25,15 @@ class FirmwareUpdate : public Session
     Q_OBJECT
 
 public:
-    FirmwareUpdate(const ToolOptions &options, ToolStreams &streams, const UpdatePlan &plan,
-        const QString &downloadFolder);
+    FirmwareUpdate(
+        const ToolOptions &options, ToolStreams &streams, const UpdatePlan &plan, const DownloadPlace &place);
 
     [[nodiscard]] ExitCode run(const QString &file);
 
 private:
     [[nodiscard]] bool placeFile(const QString &file);
     void beginStep();
+    void sendRequest();
     void handleDocument(const QByteArray &bytes);
     void handleAnswer(const Message &answer);
     void handleExpiry();
@@ -32,7 +41,10 @@ private:
     void handleInterrupt();
     void showProgress();
 
+    [[nodiscard]] bool asksAgain() const;
+
     void endWell(const Message &answer);
+    void endFlashed(const QString &version);
     void endRefused(const Message &answer);
     void endUnfinished(const QString &reason);
     void end(ExitCode code, const QString &text);
@@ -41,13 +53,17 @@ private:
     [[nodiscard]] std::chrono::milliseconds elapsed() const;
 
     const UpdatePlan &m_plan;
+    const std::optional<OtherUser> m_otherUser;
     StagedFirmware m_firmware;
     UpdateProgress m_progress;
     InterruptPoll m_interrupt;
     QTimer m_progressTimer;
     QElapsedTimer m_clock;
     std::size_t m_stepIndex = 0;
+    std::chrono::milliseconds m_stepBegan {0};
     QString m_tag;
+    // What ran before; nothing when it has not been asked for.
+    std::optional<QString> m_versionBefore;
 };
 
 } // namespace tarnClient

@@ -26,15 +26,17 @@ constexpr QLatin1StringView optionsAndCodes(R"(Options:
   --json             print each answer as one line of JSON
   --timeout SECONDS  how long to wait for an answer (default: depends on the command)
   --pipe NAME        the service's pipe (default: tarnPipe)
-  --force            send commands and data that tarnctl does not know; update-mcu: whatever is attached
+  --force            send commands and data that tarnctl does not know; update-mcu, update-ec: ask nothing before
   -v, --verbose      show on the error output what else arrives
   --count N          watch, raw: end after N notifications (raw: messages)
   --for SECONDS      watch, raw: end after this time
   --reconnect        watch: wait for the service when it is not there
+  --expect VERSION   update-mcu: it has failed unless this version runs afterwards
   -h, --help         this text
   --version          the version of tarnctl
 
-Exit codes: 0 done, 1 the service answered "failed", 2 wrong usage, 3 no service, 4 no answer in time.)");
+Exit codes: 0 done, 1 the service answered "failed" or an update did not do what it should, 2 wrong usage,
+3 no service, 4 no answer in time.)");
 
 constexpr QLatin1StringView watchText(R"(tarnctl watch
 
@@ -71,35 +73,40 @@ Lists the names of the service's commands, one per line.
 
 Example: tarnctl commands)");
 
-constexpr QLatin1StringView updateMcuText(R"(tarnctl update-mcu FILE
+constexpr QLatin1StringView updateMcuText(R"(tarnctl update-mcu [--expect VERSION] FILE
 
 Flashes FILE into the MCU of the attached KVane: puts a copy of it into the download folder, from where the service
-takes it away, asks whether a KVane is attached (not with --force), sends requestMcuUpdate and waits. It takes about
-10 s and the flasher's time. Keep the computer on and the KVane attached.
+takes it away, sees that the EC can be reached, waits some seconds for a KVane, sends requestMcuUpdate and waits. It
+takes about 10 s and the flasher's time. Keep the computer on and the KVane attached.
 
 The service reports nothing before the end. What is shown meanwhile on the error output are the phases of its
 schedule. Ctrl+C ends tarnctl, not the update. An update that failed can be repeated: the MCU's boot loader stays.
 
-A FILE that lies in the download folder itself is moved, not copied. With --json the standard output is the last
-answer as it came, and no progress is shown.
+The service takes a flasher that does not complain for a success. So --expect compares the version that runs at the
+end, given as getMcuVersion does, such as 1.24. Version 0.00 means that nothing runs, which is a failure anyway.
 
-Exit codes: 0 done, 1 no KVane or "failed", 2 FILE cannot be used, 3 no service, 4 no answer in time or interrupted.
+With --force nothing is asked before the request. A FILE that lies in the download folder itself is moved, not
+copied. With --json the standard output is the last answer as it came, and no progress is shown.
 
-Example: tarnctl update-mcu kvane-1.24.bin)");
+Exit codes: 0 done, 1 no KVane, "failed" or not the right version, 2 FILE cannot be used or another user sits at the
+console, 3 no service, 4 no answer in time or interrupted.
+
+Example: tarnctl update-mcu --expect 1.24 kvane-1.24.bin)");
 
 constexpr QLatin1StringView updateEcText(R"(tarnctl update-ec FILE
 
 Flashes FILE into the EC: puts a copy of it into the download folder, from where the service takes it away, sends
-requestStartEcUpdate and requestEcUpdate, and waits until the EC tool has ended. The tool may shut the computer down.
+requestEcUpdate, and waits until the EC tool has ended. The tool may shut the computer down.
 
-From the first request on nothing else reaches the EC. Commands that need it wait until the service is restarted;
-after an update restart the computer. Nobody but the tool knows whether the update succeeded.
+Once the tool runs, nothing else reaches the EC. Commands that need it wait until the service is restarted; after an
+update restart the computer. Nobody but the tool knows whether the update succeeded.
 
-A FILE that lies in the download folder itself is moved, not copied. With --json the standard output is the last
-answer as it came, and no progress is shown.
+FILE must have no name that holds a setting of the EC tool, such as the "IO" of "BIOS.bin": the update after this one
+could not tell the tool its file. A FILE that lies in the download folder itself is moved, not copied. With --json the
+standard output is the last answer as it came, and no progress is shown.
 
-Exit codes: 0 the tool has been run, 1 "failed" (it has not), 2 FILE cannot be used, 3 no service, 4 no answer in
-time or interrupted; the service then goes on.
+Exit codes: 0 the tool has been run, 1 "failed" (it has not), 2 FILE cannot be used or another user sits at the
+console, 3 no service, 4 no answer in time or interrupted; the service then goes on.
 
 Example: tarnctl update-ec ec-0105.bin)");
 

@@ -1,7 +1,5 @@
 #include "staged_firmware.h"
 
-#include "update/firmware_file_name.h"
-
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -51,7 +49,7 @@ StagedFirmware::~StagedFirmware()
     withdraw();
 }
 
-std::optional<QString> StagedFirmware::objection(const QString &file)
+std::optional<QString> StagedFirmware::objection(const QString &file, FirmwareKind kind)
 {
     const QFileInfo info(file);
     if (!info.exists()) {
@@ -60,12 +58,9 @@ std::optional<QString> StagedFirmware::objection(const QString &file)
     if (!info.isFile()) {
         return QStringLiteral("\"%1\" is no regular file.").arg(file);
     }
-    if (!tarnFirmwareUpdate::isSafeFirmwareName(info.fileName())) {
-        return QStringLiteral(
-            "The service takes no firmware file named \"%1\".\nA name must not be that of a "
-            "program, a settings file or a device, and must fit into the system's code "
-            "page: give the file another name.")
-            .arg(info.fileName());
+    if (const std::optional<QString> reason = firmwareNameObjection(info.fileName(), kind)) {
+        return QStringLiteral("A firmware file cannot be named \"%1\".\n%2\nGive it another name.")
+            .arg(info.fileName(), *reason);
     }
     QFile opened(file);
     if (!opened.open(QIODevice::ReadOnly)) {

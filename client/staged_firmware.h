@@ -1,5 +1,7 @@
 #pragma once
 
+#include "firmware_name.h"
+
 #include <QDateTime>
 #include <QString>
 
@@ -18,7 +20,7 @@ public:
     StagedFirmware &operator=(const StagedFirmware &) = delete;
 
     // What is wrong with the file, with what to do about it; nothing when it can be flashed.
-    [[nodiscard]] static std::optional<QString> objection(const QString &file);
+    [[nodiscard]] static std::optional<QString> objection(const QString &file, FirmwareKind kind);
     // Puts a file without objection in place; says why when that cannot be done.
     [[nodiscard]] std::optional<QString> place(const QString &file);
     // What the service is told.

@@ -75,8 +75,9 @@ ExitCode runRaw(const ToolOptions &options, const QStringList &arguments, ToolSt
 ExitCode runUpdate(
     const UpdatePlan &plan, const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
 {
-    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
-    return FirmwareUpdate(options, streams, plan, folder).run(arguments.first());
+    const DownloadPlace place {
+        QStandardPaths::writableLocation(QStandardPaths::DownloadLocation), otherUserAtConsole()};
+    return FirmwareUpdate(options, streams, plan, place).run(arguments.first());
 }
 
 ExitCode runUpdateMcu(const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
@@ -159,6 +160,9 @@ ExitCode runOptions(const ToolOptions &options, ToolStreams &streams)
     }
     if (options.reconnect && (verb == nullptr || verb->run != runWatch)) {
         return refuse(streams, QStringLiteral("--reconnect belongs to watch."));
+    }
+    if (options.expectedVersion && (verb == nullptr || verb->run != runUpdateMcu)) {
+        return refuse(streams, QStringLiteral("--expect belongs to update-mcu."));
     }
     return verb == nullptr ? runServiceCommand(options, streams) : runVerb(*verb, options, streams);
 }

@@ -1,6 +1,7 @@
 #include "tool_options.h"
 
 #include <QCommandLineParser>
+#include <QRegularExpression>
 
 namespace tarnClient {
 
@@ -20,6 +21,7 @@ const QString reconnectOption = QStringLiteral("reconnect");
 const QString timeoutOption = QStringLiteral("timeout");
 const QString forOption = QStringLiteral("for");
 const QString countOption = QStringLiteral("count");
+const QString expectOption = QStringLiteral("expect");
 const QString pipeOption = QStringLiteral("pipe");
 const QString helpOption = QStringLiteral("help");
 const QString versionOption = QStringLiteral("version");
@@ -35,6 +37,7 @@ void declareOptions(QCommandLineParser &parser)
         {timeoutOption, QString(), value},
         {forOption, QString(), value},
         {countOption, QString(), value},
+        {expectOption, QString(), value},
         {pipeOption, QString(), value},
         {{QStringLiteral("h"), helpOption}, QString()},
         {versionOption, QString()},
@@ -75,6 +78,21 @@ std::optional<int> readCount(const QCommandLineParser &parser, QString &error)
     return count;
 }
 
+std::optional<QString> readVersion(const QCommandLineParser &parser, QString &error)
+{
+    static const QRegularExpression form(QStringLiteral("\\A[0-9]+\\.[0-9]+\\z"));
+    if (!parser.isSet(expectOption)) {
+        return std::nullopt;
+    }
+    const QString version = parser.value(expectOption);
+    if (!form.match(version).hasMatch()) {
+        error =
+            QStringLiteral("--expect takes a version as getMcuVersion gives it, such as 1.23, not \"%1\".")
+                .arg(version);
+    }
+    return version;
+}
+
 } // namespace
 
 ParsedOptions parseOptions(const QStringList &arguments)
@@ -91,6 +109,7 @@ ParsedOptions parseOptions(const QStringList &arguments)
     options.timeout = readSeconds(parser, timeoutOption, parsed.error);
     options.duration = readSeconds(parser, forOption, parsed.error);
     options.count = readCount(parser, parsed.error);
+    options.expectedVersion = readVersion(parser, parsed.error);
     options.json = parser.isSet(jsonOption);
     options.verbose = parser.isSet(verboseOption);
     options.force = parser.isSet(forceOption);

@@ -15,6 +15,8 @@ struct ToolOptions
     std::optional<std::chrono::milliseconds> timeout {};
     std::optional<std::chrono::milliseconds> duration {};
     std::optional<int> count {};
+    // Of the MCU's firmware, in the form that the service gives it.
+    std::optional<QString> expectedVersion {};
     bool json = false;
     bool verbose = false;
     bool force = false;

@@ -11,23 +11,50 @@ using std::chrono::seconds;
 // The service's five pauses of 1 s before it runs the flasher.
 constexpr milliseconds bootLoaderSwitching = seconds(5);
 
-constexpr UpdatePhase accessoryPhases[] = {{milliseconds(0), L("asking for the accessory")}};
+// The service sees an accessory within a second of its being attached, and about 4 s after its own start.
+constexpr milliseconds accessoryPatience = seconds(8);
+
+// The service's pauses before the boot loader, between the writes to the EC and after the flasher last 10 s,
+// so an answer that comes sooner is that of an update which ended before the first of these writes.
+constexpr milliseconds shortestSwitching = seconds(9);
+
+constexpr UpdatePhase accessoryPhases[] = {
+    {milliseconds(0), L("asking for the accessory")},
+    {seconds(2), L("waiting for a KVane")},
+};
+constexpr UpdatePhase versionPhases[] = {
+    {milliseconds(0), L("asking for the version")},
+    {seconds(3), L("waiting for the EC")},
+};
 constexpr UpdatePhase mcuPhases[] = {
     {milliseconds(0), L("starting the boot loader")},
     {bootLoaderSwitching, L("flashing, then starting the new firmware")},
 };
-constexpr UpdatePhase reservingPhases[] = {{milliseconds(0), L("reserving the EC")}};
 constexpr UpdatePhase ecPhases[] = {{milliseconds(0), L("running the EC tool")}};
 
 constexpr UpdateStep mcuSteps[] = {
+    // First, because a service that cannot reach the EC does not see accessories come and go. And an EC that
+    // is
+    // reserved would keep the update waiting behind the schedule that is shown, with the file gone.
+    {
+        .command = L("getMcuVersion"),
+        .isPrecaution = true,
+        .tellsVersion = true,
+        .wanted = {},
+        .phases = versionPhases,
+        .refusedText = {},
+        .untouchedText = {},
+        .goesOnText = L("Nothing has been touched."),
+        .serviceGoneText = L("Nothing has been touched."),
+    },
     {
         .command = L("getAccessoryType"),
         .isPrecaution = true,
         .wanted = L("k_vane"),
+        .patience = accessoryPatience,
         .phases = accessoryPhases,
         .refusedText = L("The update needs a KVane, and the service sees \"%1\". Nothing has been touched.\n"
-                         "Attach a KVane and try again; a service that has just been started takes some "
-                         "seconds to see it.\n--force sends the request all the same."),
+                         "Attach a KVane and try again.\n--force sends the request all the same."),
         .untouchedText = {},
         .goesOnText = L("Nothing has been touched."),
         .serviceGoneText = L("Nothing has been touched."),
@@ -40,10 +67,14 @@ constexpr UpdateStep mcuSteps[] = {
         .refusedText = L("The update failed: the flasher complained three times, or the service saw no "
                          "KVane; its log tells which.\nThe MCU's firmware may be incomplete now. Its boot "
                          "loader cannot be damaged: leave the KVane attached and update again."),
-        .untouchedText = L("The service refused the update and did not take the file: the MCU has not been "
-                           "touched.\nThe service looks in the download folder of the user it runs as, on "
-                           "Windows also in that of the user at the console. Run tarnctl as that user; the "
-                           "service's log tells more."),
+        .untouchedText =
+            L("The service refused the update before it touched the MCU: it found no such file, "
+              "could not take it, saw no KVane, or a flasher of an earlier update still runs. "
+              "Its log tells which.\n"
+              "It looks in the download folder of the user it runs as, on Windows also in that "
+              "of the user at the console: run tarnctl as that user.\n"
+              "If a flasher runs, leave the KVane attached, wait for its end, and update again."),
+        .untouchedBefore = shortestSwitching,
         .goesOnText = L("The service goes on with the update. Keep the computer on and the KVane attached, "
                         "and start nothing else before the service's log says \"mcuUpdate Leave |\"."),
         .serviceGoneText =
@@ -53,31 +84,22 @@ constexpr UpdateStep mcuSteps[] = {
     },
 };
 
+// Without requestStartEcUpdate: it would reserve the EC until the service is restarted, also when the service
+// then refuses the file. requestEcUpdate reserves it by itself, once settings and file are in place.
 constexpr UpdateStep ecSteps[] = {
-    {
-        .command = L("requestStartEcUpdate"),
-        .wanted = L("successed"),
-        .phases = reservingPhases,
-        .refusedText = L("The service could not reserve the EC. Nothing has been flashed.\n"
-                         "Restart the service and try again."),
-        .untouchedText = {},
-        .goesOnText = L("Nothing has been flashed, but the service may reserve the EC all the same: no other "
-                        "command reaches it then. Restart the service before you go on."),
-        .serviceGoneText = L("Nothing has been flashed."),
-    },
     {
         .command = L("requestEcUpdate"),
         .takesFile = true,
         .wanted = L("successed"),
         .phases = ecPhases,
-        .refusedText = L("The service refused the update before it ran the EC tool. Nothing has been "
-                         "flashed.\nThe service's log tells why. The EC stays reserved: restart the service, "
-                         "then try again."),
-        .untouchedText = L("The service refused the update before it ran the EC tool, and did not take the "
-                           "file. Nothing has been flashed.\nEither it cannot rewrite function/EC/uiset.ini, "
-                           "or it looks in another download folder: it knows that of the user it runs as, on "
-                           "Windows also that of the user at the console. Its log tells which.\nThe EC stays "
-                           "reserved: restart the service, then try again."),
+        .refusedText = L("The service refused the update before it ran the EC tool: this update has flashed "
+                         "nothing.\n"
+                         "It found no such file, could not take it, cannot rewrite function/EC/uiset.ini, "
+                         "or an EC tool of an earlier update still runs. Its log tells which.\n"
+                         "It looks in the download folder of the user it runs as, on Windows also in that "
+                         "of the user at the console: run tarnctl as that user.\n"
+                         "If an EC tool runs, keep the computer on, wait for its end, and update again."),
+        .untouchedText = {},
         .goesOnText = L("The service goes on with the update. Keep the computer on until the service's log "
                         "says \"ecUpdate Leave |\"; then restart the computer."),
         .serviceGoneText =
@@ -89,27 +111,48 @@ constexpr UpdateStep ecSteps[] = {
 
 constexpr UpdatePlan mcuPlan {
     .verb = L("update-mcu"),
+    .kind = FirmwareKind::Mcu,
     .steps = mcuSteps,
     .notice = L("Keep the computer on and the KVane attached. The service reports nothing before the end:\n"
                 "the phases shown are those of its schedule."),
     .versionKey = L("mcuVer"),
     .doneText = L("The KVane's MCU now runs version %1."),
-    .noVersionText = L("The service calls the update done, but the MCU's version cannot be read."),
+    .noVersionText =
+        L("The service calls the update done, but the MCU's version cannot be read.\nAsk for it with "
+          "getMcuVersion."),
+    .nothingRunsVersion = L("0.00"),
+    .nothingRunsText =
+        L("The service calls the update done, but no firmware runs on the MCU (version %1): the "
+          "flasher failed without a complaint, or the file is none for a KVane.\nThe MCU's boot "
+          "loader cannot be damaged: leave the KVane attached and update again."),
+    .otherVersionText =
+        L("The service calls the update done, but the MCU's version is \"%1\", not \"%2\": the "
+          "flasher failed without a complaint, or the file is of another version.\nThe MCU's boot "
+          "loader cannot be damaged: leave the KVane attached, see the service's log, and update "
+          "again."),
     .adviceText = L("If that is not the version of the file, the flasher failed without a complaint:\n"
                     "see the service's log and update again."),
+    .sameVersionText =
+        L("It ran that version before, too. If the file is of another one, the flasher failed without "
+          "a complaint:\nsee the service's log and update again."),
 };
 
 constexpr UpdatePlan ecPlan {
     .verb = L("update-ec"),
+    .kind = FirmwareKind::Ec,
     .steps = ecSteps,
     .notice = L("Save your work and keep the computer on: the EC tool may shut it down by itself.\n"
                 "The service reports nothing before the tool has ended."),
     .versionKey = {},
     .doneText = L("The EC tool has been run. Whether it succeeded only the tool knows."),
     .noVersionText = {},
+    .nothingRunsVersion = {},
+    .nothingRunsText = {},
+    .otherVersionText = {},
     .adviceText = L("Restart the computer now: until then the EC stays reserved, and commands that need it "
                     "wait.\nThen check that getTarnBatteryNum, getTarnPowerMode and getSmartChargingStatus "
                     "answer as they did before."),
+    .sameVersionText = {},
 };
 
 } // namespace

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "firmware_name.h"
+
 #include <QLatin1StringView>
 
 #include <chrono>
@@ -22,13 +24,18 @@ struct UpdateStep
     bool takesFile = false;
     // Left out with --force.
     bool isPrecaution = false;
-    // The value of "data" without which the update does not go on.
+    // Its answer is the version that runs before the update.
+    bool tellsVersion = false;
+    // The value of "data" without which the update does not go on; empty: any will do.
     QLatin1StringView wanted;
+    // How long to go on asking while another value comes.
+    std::chrono::milliseconds patience {0};
     std::span<const UpdatePhase> phases;
     // Another value came; "%1" stands for it.
     QLatin1StringView refusedText;
-    // The same although the file lies where it was put.
+    // The same, sooner after the request than the service can have touched the device.
     QLatin1StringView untouchedText;
+    std::chrono::milliseconds untouchedBefore {0};
     // Nobody waits any more, but the service goes on.
     QLatin1StringView goesOnText;
     QLatin1StringView serviceGoneText;
@@ -38,6 +45,7 @@ struct UpdateStep
 struct UpdatePlan
 {
     QLatin1StringView verb;
+    FirmwareKind kind;
     std::span<const UpdateStep> steps;
     // Said at the start.
     QLatin1StringView notice;
@@ -46,8 +54,14 @@ struct UpdatePlan
     QLatin1StringView doneText;
     // The same without a version, where there should be one.
     QLatin1StringView noVersionText;
-    // What to do after it.
+    // The version that an MCU without a working firmware has, and what it means.
+    QLatin1StringView nothingRunsVersion;
+    QLatin1StringView nothingRunsText;
+    // "%1" runs, but "%2" should.
+    QLatin1StringView otherVersionText;
+    // What to do after it; the latter where the version is that of before.
     QLatin1StringView adviceText;
+    QLatin1StringView sameVersionText;
 };
 
 [[nodiscard]] const UpdatePlan &mcuUpdatePlan();

@@ -4,6 +4,8 @@
 #include <QDebug>
 #include <QString>
 
+#include <algorithm>
+
 namespace tarnFirmwareUpdate {
 namespace {
 
@@ -41,16 +43,28 @@ QByteArray logText(const std::string &line)
     return QString::fromLocal8Bit(line.data(), static_cast<qsizetype>(line.size())).toUtf8();
 }
 
+// Null for a line that stays as it is.
+const Setting *settingOf(std::string_view line)
+{
+    const auto *const found = std::find_if(std::begin(settings), std::end(settings),
+        [line](const Setting &setting) { return line.find(setting.key) != std::string_view::npos; });
+    return found == std::end(settings) ? nullptr : found;
+}
+
 } // namespace
 
 std::string settingsLine(std::string_view line, const std::function<std::string()> &binNameLine)
 {
-    for (const Setting &setting : settings) {
-        if (line.find(setting.key) == std::string_view::npos)
-            continue;
-        return setting.line.empty() ? binNameLine() : std::string(setting.line);
-    }
-    return std::string(line);
+    const Setting *setting = settingOf(line);
+    if (!setting)
+        return std::string(line);
+    return setting->line.empty() ? binNameLine() : std::string(setting->line);
+}
+
+std::string_view keyMistakenFor(std::string_view binName)
+{
+    const Setting *setting = settingOf(std::string(binNameStart).append(binName));
+    return setting && !setting->line.empty() ? setting->key : std::string_view();
 }
 
 std::string announcedBinNameLine(const std::function<std::string()> &build)

@@ -12,6 +12,10 @@ namespace tarnFirmwareUpdate {
 [[nodiscard]] std::string settingsLine(
     std::string_view line, const std::function<std::string()> &binNameLine);
 
+// The key that a later rewrite would take the line of the firmware file for, if this is its name: that line
+// would be replaced by another setting and be lost. Empty when the line stays what it is.
+[[nodiscard]] std::string_view keyMistakenFor(std::string_view binName);
+
 // Builds the line of the firmware file and says so in the log; built again if it does not name its key.
 [[nodiscard]] std::string announcedBinNameLine(const std::function<std::string()> &build);
 

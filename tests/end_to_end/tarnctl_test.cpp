@@ -3,6 +3,7 @@
 #include "device/ec_registers.h"
 
 #include <QDir>
+#include <QFile>
 #include <QProcess>
 
 #include <gtest/gtest.h>
@@ -19,16 +20,51 @@ struct Outcome
     QString err;
 };
 
-Outcome tarnctl(const QStringList &arguments)
+void startTarnctl(QProcess &process, const QStringList &arguments)
 {
-    QProcess process;
     process.start(tarnTest::builtProgram(QStringLiteral("tarnctl")), arguments);
+}
+
+Outcome outcomeOf(QProcess &process)
+{
     process.waitForFinished(60000);
     const auto text = [](const QByteArray &bytes) {
         return QString::fromUtf8(bytes).remove(QLatin1Char('\r'));
     };
     return {process.exitCode(), text(process.readAllStandardOutput()), text(process.readAllStandardError())};
 }
+
+Outcome tarnctl(const QStringList &arguments)
+{
+    QProcess process;
+    startTarnctl(process, arguments);
+    return outcomeOf(process);
+}
+
+// A service whose download folder is also that of tarnctl, and a firmware file.
+class TarnctlUpdate : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        // As the service has them.
+        qputenv("HOME", QFile::encodeName(service.path(QString())));
+        qputenv("XDG_CONFIG_HOME", QFile::encodeName(service.path(QString())));
+        service.write("fw.bin", "a firmware");
+        ASSERT_TRUE(service.start());
+    }
+
+    [[nodiscard]] QStringList update(const char *verb, const QStringList &options = {}) const
+    {
+        return QStringList {verb, service.path("fw.bin")} + options;
+    }
+    [[nodiscard]] bool hasDownload() const
+    {
+        return QFile::exists(QDir(service.downloads()).filePath("fw.bin"));
+    }
+
+    ServiceProcess service;
+};
 
 } // namespace
 
@@ -65,4 +101,71 @@ TEST(Tarnctl, SaysWhatIsWrongWithoutAService)
     EXPECT_TRUE(outcome.err.contains("./run"));
     EXPECT_EQ(tarnctl({"getMcuVersions"}).exitCode, 2);
     EXPECT_EQ(tarnctl({"setDockLedStatus", "blue"}).exitCode, 2);
+}
+
+// The KVane comes while tarnctl waits for it, and there is no flasher: three failures, between which the MCU
+// is switched to its boot loader and back.
+TEST_F(TarnctlUpdate, OfAnMcuThatFailedLateIsNotToldUntouched)
+{
+    const QString flasher = service.path("function/MCU/stm32flash.exe");
+    ASSERT_TRUE(QFile::rename(flasher, flasher + ".away"));
+    QProcess process;
+    startTarnctl(process, update("update-mcu"));
+    ASSERT_TRUE(service.waitForLog("\"getAccessoryType\""));
+    service.attach(ACCESSORY_KVANE);
+    const Outcome outcome = outcomeOf(process);
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(service.log().contains("mcuUpdateProcess failed 3 times."));
+    EXPECT_TRUE(outcome.err.contains("The MCU's firmware may be incomplete now."))
+        << outcome.err.toStdString();
+    EXPECT_FALSE(outcome.err.contains("before it touched the MCU"));
+    EXPECT_EQ(service.stop(), 0);
+}
+
+TEST_F(TarnctlUpdate, OfAnMcuWithoutAKVaneIsToldUntouched)
+{
+    service.attach(ACCESSORY_DOCK);
+    ASSERT_TRUE(service.waitForLog("now Accessory is dock"));
+    const Outcome asked = tarnctl(update("update-mcu", {"--timeout", "2"}));
+    EXPECT_EQ(asked.exitCode, 1);
+    EXPECT_TRUE(asked.err.contains("the service sees \"dock\". Nothing has been touched."))
+        << asked.err.toStdString();
+    EXPECT_FALSE(service.log().contains("requestMcuUpdate"));
+
+    const Outcome forced = tarnctl(update("update-mcu", {"--force"}));
+    EXPECT_EQ(forced.exitCode, 1);
+    EXPECT_TRUE(service.log().contains("MCU and base handshake failed!"));
+    EXPECT_TRUE(forced.err.contains("refused the update before it touched the MCU"))
+        << forced.err.toStdString();
+    EXPECT_EQ(service.stop(), 0);
+}
+
+TEST_F(TarnctlUpdate, OfTheEcThatIsRefusedReservesNothing)
+{
+    ASSERT_TRUE(QFile::remove(service.path("function/EC/uiset.ini")));
+    const Outcome outcome = tarnctl(update("update-ec"));
+    EXPECT_EQ(outcome.exitCode, 1);
+    EXPECT_TRUE(outcome.err.contains("this update has flashed nothing.")) << outcome.err.toStdString();
+    EXPECT_FALSE(hasDownload());
+    EXPECT_EQ(tarnctl({"getHardwareVersion"}).exitCode, 0);
+    EXPECT_EQ(service.stop(), 0);
+}
+
+TEST_F(TarnctlUpdate, OfTheEcReservesItForTheNextOne)
+{
+    const Outcome ec = tarnctl(update("update-ec"));
+    EXPECT_EQ(ec.exitCode, 0);
+    EXPECT_TRUE(ec.out.startsWith("The EC tool has been run.")) << ec.err.toStdString();
+    EXPECT_TRUE(service.log().contains("ecUpdate Leave |"));
+    EXPECT_FALSE(service.log().contains("requestStartEcUpdate"));
+
+    service.attach(ACCESSORY_KVANE); // which the service cannot see
+    const Outcome mcu = tarnctl(update("update-mcu", {"--timeout", "2"}));
+    EXPECT_EQ(mcu.exitCode, 4);
+    EXPECT_TRUE(
+        mcu.err.contains("No answer to getMcuVersion within 2 s.\nFirst see whether the EC is reserved"))
+        << mcu.err.toStdString();
+    EXPECT_TRUE(mcu.err.contains("\nNothing has been touched.\n"));
+    EXPECT_FALSE(hasDownload());
+    EXPECT_EQ(service.stop(), 0);
 }

@@ -51,10 +51,17 @@ INSTANTIATE_TEST_SUITE_P(Values, DataRuleCases,
         DataCase {DataKind::Byte, "256", false}, DataCase {DataKind::Byte, "-1", false},
         DataCase {DataKind::Byte, "+1", false}, DataCase {DataKind::Byte, "1.5", false},
         DataCase {DataKind::Byte, "abc", false}, DataCase {DataKind::Byte, "", false},
-        DataCase {DataKind::Byte, "99999999999", false}, DataCase {DataKind::FileName, "kvane 1.2.bin", true},
-        DataCase {DataKind::FileName, "", false}, DataCase {DataKind::FileName, "../x.bin", false},
-        DataCase {DataKind::FileName, "a\\x.bin", false}, DataCase {DataKind::FileName, "C:x.bin", false},
-        DataCase {DataKind::FileName, "..", false}));
+        DataCase {DataKind::Byte, "99999999999", false},
+        DataCase {DataKind::McuFileName, "kvane 1.2.bin", true}, DataCase {DataKind::McuFileName, "", false},
+        DataCase {DataKind::McuFileName, "../x.bin", false},
+        DataCase {DataKind::McuFileName, "a\\x.bin", false},
+        DataCase {DataKind::McuFileName, "C:x.bin", false}, DataCase {DataKind::McuFileName, "..", false},
+        DataCase {DataKind::McuFileName, "-odd.bin", false},
+        DataCase {DataKind::McuFileName, "aux.bin", false},
+        DataCase {DataKind::McuFileName, "BIOS.bin", true},
+        DataCase {DataKind::EcFileName, "ec-0105.bin", true},
+        DataCase {DataKind::EcFileName, "tool.exe", false},
+        DataCase {DataKind::EcFileName, "BIOS.bin", false}));
 
 TEST(DataRuleTest, TellsWrongCaseFromWrongWord)
 {

@@ -23,11 +23,15 @@ TEST_F(TarnctlUpdateTest, NoAnswerBeforeTheUpdate)
     EXPECT_TRUE(mcu.errors.contains("No answer to getAccessoryType within 0.2 s."));
     EXPECT_TRUE(mcu.errors.contains("\nNothing has been touched.\n"));
 
-    silentAt = "requestStartEcUpdate";
-    const ToolRun ec = update(ecUpdatePlan(), {"--timeout", "0.2"});
-    EXPECT_EQ(ec.code, 4);
-    EXPECT_TRUE(ec.errors.contains("the service may reserve the EC all the same"));
-    EXPECT_EQ(service.commands(), (QStringList {"getAccessoryType", "requestStartEcUpdate"}));
+    // The EC is asked for before the file can be taken.
+    silentAt = "getMcuVersion";
+    const ToolRun reserved = update(mcuUpdatePlan(), {"--timeout", "0.2"});
+    EXPECT_EQ(reserved.code, 4);
+    EXPECT_TRUE(
+        reserved.errors.contains("No answer to getMcuVersion within 0.2 s.\nFirst see whether the EC is"))
+        << reserved.errors.toStdString();
+    EXPECT_TRUE(reserved.errors.contains("\nNothing has been touched.\n"));
+    EXPECT_FALSE(service.commands().contains("requestMcuUpdate"));
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 }
 
@@ -85,7 +89,7 @@ TEST_P(TarnctlUpdateDepartures, EndWithThreeAndAdvice)
 INSTANTIATE_TEST_SUITE_P(Steps, TarnctlUpdateDepartures,
     ::testing::Values(Departure {mcuUpdatePlan(), "getAccessoryType", "Nothing has been touched."},
         Departure {mcuUpdatePlan(), "requestMcuUpdate", "may be left in its boot loader"},
-        Departure {ecUpdatePlan(), "requestStartEcUpdate", "Nothing has been flashed."},
+        Departure {mcuUpdatePlan(), "getMcuVersion", "Nothing has been touched."},
         Departure {ecUpdatePlan(), "requestEcUpdate", "The EC tool may still be running"}));
 
 TEST_F(TarnctlUpdateTest, AnInterruptOfTheUpdateLeavesItToTheService)
@@ -103,15 +107,12 @@ TEST_F(TarnctlUpdateTest, AnInterruptOfTheUpdateLeavesItToTheService)
 
 TEST_F(TarnctlUpdateTest, AnInterruptBetweenTheStepsStopsBeforeTheNext)
 {
-    interruptedAt = "getAccessoryType";
-    const ToolRun mcu = update(mcuUpdatePlan());
-    EXPECT_EQ(mcu.code, 4);
-    EXPECT_TRUE(mcu.errors.contains("\nNothing has been touched.\n")) << mcu.errors.toStdString();
-
-    interruptedAt = "requestStartEcUpdate";
-    const ToolRun ec = update(ecUpdatePlan());
-    EXPECT_EQ(ec.code, 4);
-    EXPECT_TRUE(ec.errors.contains("Restart the service before you go on.")) << ec.errors.toStdString();
-    EXPECT_EQ(service.commands(), (QStringList {"getAccessoryType", "requestStartEcUpdate"}));
+    interruptedAt = "getMcuVersion";
+    const ToolRun run = update(mcuUpdatePlan());
+    EXPECT_EQ(run.code, 4);
+    EXPECT_TRUE(
+        run.errors.contains("Interrupted before getAccessoryType was sent.\nNothing has been touched.\n"))
+        << run.errors.toStdString();
+    EXPECT_EQ(service.commands(), QStringList {"getMcuVersion"});
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 }

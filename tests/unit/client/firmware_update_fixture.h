@@ -50,13 +50,24 @@ protected:
     ToolRun update(
         const tarnClient::UpdatePlan &plan, const QStringList &options = {}, bool errorsAreTerminal = false)
     {
-        return runUpdate(service, plan, file.isEmpty() ? folders.firmware() : file, folders.downloads(),
-            options, errorsAreTerminal);
+        return runUpdate(service, plan, file.isEmpty() ? folders.firmware() : file,
+            {folders.downloads(), otherUser}, options, errorsAreTerminal);
+    }
+
+    // An update whose every answer comes late enough for the device to have been touched.
+    ToolRun updateMcuLate(const QStringList &options = {})
+    {
+        std::vector<tarnClient::UpdateStep> steps(
+            tarnClient::mcuUpdatePlan().steps.begin(), tarnClient::mcuUpdatePlan().steps.end());
+        steps.back().untouchedBefore = std::chrono::milliseconds(0);
+        tarnClient::UpdatePlan plan = tarnClient::mcuUpdatePlan();
+        plan.steps = steps;
+        return update(plan, options);
     }
 
     // Of the fake service.
-    QMap<QString, QString> answers {{"getAccessoryType", "k_vane"}, {"requestMcuUpdate", "successed"},
-        {"requestStartEcUpdate", "successed"}, {"requestEcUpdate", "successed"}};
+    QMap<QString, QString> answers {{"getAccessoryType", "k_vane"}, {"getMcuVersion", "2.05"},
+        {"requestMcuUpdate", "successed"}, {"requestEcUpdate", "successed"}};
     QString version = "3.14";
     QString silentAt {};
     QString leavingAt {};
@@ -64,6 +75,7 @@ protected:
     Take take = Take::Yes;
     // The file that is given to tarnctl; empty: the one outside the download folder.
     QString file {};
+    std::optional<tarnClient::OtherUser> otherUser {};
 
     FirmwareFolders folders;
     FakeService service;
@@ -72,8 +84,8 @@ protected:
     QByteArray taken;
 };
 
-inline const QStringList mcuCommands {"getAccessoryType", "requestMcuUpdate"};
-inline const QStringList ecCommands {"requestStartEcUpdate", "requestEcUpdate"};
+inline const QStringList mcuCommands {"getMcuVersion", "getAccessoryType", "requestMcuUpdate"};
+inline const QStringList ecCommands {"requestEcUpdate"};
 inline const QStringList placed {"fw.bin"};
 
 } // namespace tarnClientTest

@@ -15,14 +15,15 @@ TEST_F(TarnctlUpdateTest, McuIsAskedForThenUpdated)
     EXPECT_EQ(run.output, "The KVane's MCU now runs version 3.14.\n");
     EXPECT_EQ(service.commands(), mcuCommands);
     EXPECT_EQ(
-        QJsonDocument::fromJson(service.requests().value(1)).object().value("data").toString(), "fw.bin");
-    EXPECT_EQ(present.value(1), placed);
+        QJsonDocument::fromJson(service.requests().value(2)).object().value("data").toString(), "fw.bin");
+    EXPECT_EQ(present.value(2), placed);
     EXPECT_EQ(taken, "new firmware");
     EXPECT_EQ(readFile(folders.firmware()), "new firmware");
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 }
 
-TEST_F(TarnctlUpdateTest, EcIsReservedThenUpdated)
+// requestStartEcUpdate would leave the EC reserved when the service then refuses the file.
+TEST_F(TarnctlUpdateTest, EcIsUpdatedWithOneRequest)
 {
     const ToolRun run = update(ecUpdatePlan());
     EXPECT_EQ(run.code, 0);
@@ -30,8 +31,7 @@ TEST_F(TarnctlUpdateTest, EcIsReservedThenUpdated)
     EXPECT_TRUE(run.errors.contains("Restart the computer now")) << run.errors.toStdString();
     EXPECT_EQ(service.commands(), ecCommands);
     EXPECT_EQ(
-        QJsonDocument::fromJson(service.requests().value(1)).object().value("data").toString(), "fw.bin");
-    // What can go wrong with the file has to go wrong before the EC is reserved for good.
+        QJsonDocument::fromJson(service.requests().value(0)).object().value("data").toString(), "fw.bin");
     EXPECT_EQ(present.value(0), placed);
     EXPECT_EQ(taken, "new firmware");
 }
@@ -40,11 +40,12 @@ TEST_F(TarnctlUpdateTest, ShowsThePhasesOnTheErrorOutput)
 {
     const QByteArray mcu = update(mcuUpdatePlan()).errors;
     EXPECT_TRUE(mcu.startsWith("Keep the computer on and the KVane attached.")) << mcu.toStdString();
-    EXPECT_TRUE(mcu.contains("\n0:00  asking for the accessory\n0:00  starting the boot loader\n"))
+    EXPECT_TRUE(mcu.contains("\n0:00  asking for the version\n0:00  asking for the accessory\n"
+                             "0:00  starting the boot loader\n"))
         << mcu.toStdString();
     const QByteArray ec = update(ecUpdatePlan()).errors;
     EXPECT_TRUE(ec.startsWith("Save your work")) << ec.toStdString();
-    EXPECT_TRUE(ec.contains("\n0:00  reserving the EC\n0:00  running the EC tool\n")) << ec.toStdString();
+    EXPECT_TRUE(ec.contains("\n0:00  running the EC tool\n")) << ec.toStdString();
 }
 
 TEST_F(TarnctlUpdateTest, CountsTheSecondsOnATerminal)
@@ -61,14 +62,66 @@ TEST_F(TarnctlUpdateTest, McuWithoutAVersionIsSaidSo)
     version.clear();
     const ToolRun run = update(mcuUpdatePlan());
     EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(run.output, "The service calls the update done, but the MCU's version cannot be read.\n");
+    EXPECT_EQ(run.output,
+        "The service calls the update done, but the MCU's version cannot be read.\n"
+        "Ask for it with getMcuVersion.\n");
+    EXPECT_FALSE(run.errors.contains("version of the file"));
+
+    const ToolRun checked = update(mcuUpdatePlan(), {"--expect", "3.14"});
+    EXPECT_EQ(checked.code, 1);
+    EXPECT_TRUE(checked.errors.contains("the MCU's version cannot be read."));
+}
+
+TEST_F(TarnctlUpdateTest, McuWithoutAFirmwareIsAFailure)
+{
+    version = "0.00";
+    const ToolRun run = update(mcuUpdatePlan());
+    EXPECT_EQ(run.code, 1);
+    EXPECT_TRUE(run.output.isEmpty());
+    EXPECT_TRUE(run.errors.contains("no firmware runs on the MCU (version 0.00)"))
+        << run.errors.toStdString();
+    EXPECT_TRUE(run.errors.contains("leave the KVane attached and update again."));
+
+    const ToolRun json = update(mcuUpdatePlan(), {"--json"});
+    EXPECT_EQ(json.code, 1);
+    EXPECT_EQ(json.output, "{\"cmd\":\"requestMcuUpdate\",\"data\":\"successed\",\"mcuVer\":\"0.00\"}\n");
+}
+
+TEST_F(TarnctlUpdateTest, TheExpectedVersionDecides)
+{
+    const ToolRun right = update(mcuUpdatePlan(), {"--expect", "3.14"});
+    EXPECT_EQ(right.code, 0);
+    EXPECT_EQ(right.output, "The KVane's MCU now runs version 3.14.\n");
+    EXPECT_FALSE(right.errors.contains("version of the file"));
+
+    const ToolRun wrong = update(mcuUpdatePlan(), {"--expect", "3.15"});
+    EXPECT_EQ(wrong.code, 1);
+    EXPECT_TRUE(wrong.output.isEmpty());
+    EXPECT_TRUE(wrong.errors.contains("the MCU's version is \"3.14\", not \"3.15\""))
+        << wrong.errors.toStdString();
+}
+
+TEST_F(TarnctlUpdateTest, TheVersionOfBeforeIsPointedOut)
+{
+    EXPECT_TRUE(
+        update(mcuUpdatePlan()).errors.contains("If that is not the version of the file, the flasher"));
+    answers["getMcuVersion"] = "3.14";
+    const ToolRun run = update(mcuUpdatePlan());
+    EXPECT_EQ(run.code, 0);
+    EXPECT_TRUE(run.errors.contains("It ran that version before, too.")) << run.errors.toStdString();
+    EXPECT_FALSE(run.errors.contains("If that is not the version of the file"));
+
+    // The first question was not answered by this KVane.
+    answers["getAccessoryType"] = "dock";
+    service.later(std::chrono::milliseconds(300), [this] { answers["getAccessoryType"] = "k_vane"; });
+    EXPECT_FALSE(update(mcuUpdatePlan()).errors.contains("It ran that version before, too."));
 }
 
 TEST_F(TarnctlUpdateTest, McuNeedsAKVane)
 {
     for (const char *accessory : {"dock", "graphics", "disconnected", ""}) {
         answers["getAccessoryType"] = accessory;
-        const ToolRun run = update(mcuUpdatePlan());
+        const ToolRun run = update(mcuUpdatePlan(), {"--timeout", "0.3"});
         EXPECT_EQ(run.code, 1) << accessory;
         EXPECT_TRUE(run.output.isEmpty());
         EXPECT_TRUE(
@@ -80,7 +133,22 @@ TEST_F(TarnctlUpdateTest, McuNeedsAKVane)
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 }
 
-TEST_F(TarnctlUpdateTest, ForceLeavesOutTheQuestionForTheAccessoryOnly)
+// The service sees an accessory some time after it has been attached.
+TEST_F(TarnctlUpdateTest, WaitsSomeSecondsForTheKVane)
+{
+    answers["getAccessoryType"] = "disconnected";
+    service.later(std::chrono::milliseconds(700), [this] { answers["getAccessoryType"] = "k_vane"; });
+    const ToolRun run = update(mcuUpdatePlan());
+    EXPECT_EQ(run.code, 0);
+    EXPECT_GE(service.commands().count("getAccessoryType"), 2);
+    EXPECT_EQ(service.commands().count("getMcuVersion"), 1);
+    EXPECT_EQ(service.commands().count("requestMcuUpdate"), 1);
+    const std::chrono::milliseconds patience = mcuUpdatePlan().steps[1].patience;
+    EXPECT_GE(patience, std::chrono::seconds(5)); // a service that has just been started needs 4 s
+    EXPECT_LE(patience, std::chrono::seconds(10));
+}
+
+TEST_F(TarnctlUpdateTest, ForceLeavesOutTheQuestionsOnly)
 {
     EXPECT_EQ(update(mcuUpdatePlan(), {"--force"}).code, 0);
     EXPECT_EQ(service.commands(), QStringList {"requestMcuUpdate"});
@@ -91,7 +159,7 @@ TEST_F(TarnctlUpdateTest, ForceLeavesOutTheQuestionForTheAccessoryOnly)
 TEST_F(TarnctlUpdateTest, McuThatFailedCanBeRepeated)
 {
     answers["requestMcuUpdate"] = "failed";
-    const ToolRun run = update(mcuUpdatePlan());
+    const ToolRun run = updateMcuLate();
     EXPECT_EQ(run.code, 1);
     EXPECT_TRUE(run.output.isEmpty());
     EXPECT_TRUE(run.errors.contains("tarnctl: The update failed: the flasher complained three times"));
@@ -99,40 +167,68 @@ TEST_F(TarnctlUpdateTest, McuThatFailedCanBeRepeated)
     EXPECT_FALSE(run.errors.contains("has left the download folder"));
 }
 
-TEST_F(TarnctlUpdateTest, ARefusedFileIsTakenBack)
+// The service leaves the file also when it could copy it and not delete it.
+TEST_F(TarnctlUpdateTest, AFileThatIsStillThereDoesNotTellThatNothingWasTouched)
 {
     take = Take::No;
     answers["requestMcuUpdate"] = "failed";
+    const ToolRun run = updateMcuLate();
+    EXPECT_EQ(run.code, 1);
+    EXPECT_TRUE(run.errors.contains("The MCU's firmware may be incomplete now.")) << run.errors.toStdString();
+    EXPECT_FALSE(run.errors.contains("before it touched the MCU"));
+    EXPECT_TRUE(folders.downloadNames().isEmpty());
+}
+
+// Its own pauses keep the service from answering so soon once it has touched the MCU.
+TEST_F(TarnctlUpdateTest, ARefusalThatComesSoonHasTouchedNothing)
+{
+    for (const Take way : {Take::No, Take::Yes}) {
+        take = way;
+        answers["requestMcuUpdate"] = "failed";
+        const ToolRun mcu = update(mcuUpdatePlan());
+        EXPECT_EQ(mcu.code, 1);
+        EXPECT_TRUE(mcu.errors.contains("refused the update before it touched the MCU"))
+            << mcu.errors.toStdString();
+        EXPECT_FALSE(mcu.errors.contains("may be incomplete"));
+        EXPECT_TRUE(folders.downloadNames().isEmpty());
+    }
+    // Five pauses of 1 s before the flasher, the first before any write, and five after it.
+    EXPECT_LT(mcuUpdatePlan().steps.back().untouchedBefore, std::chrono::seconds(10));
+    // 2 s without a KVane, and 0.5 s before each message.
+    EXPECT_GT(mcuUpdatePlan().steps.back().untouchedBefore, std::chrono::seconds(3));
+}
+
+TEST_F(TarnctlUpdateTest, ARefusedEcUpdateHasFlashedNothing)
+{
+    for (const Take way : {Take::No, Take::Yes}) {
+        take = way;
+        answers["requestEcUpdate"] = "failed";
+        const ToolRun ec = update(ecUpdatePlan());
+        EXPECT_EQ(ec.code, 1);
+        EXPECT_TRUE(ec.errors.contains("before it ran the EC tool: this update has flashed nothing."))
+            << ec.errors.toStdString();
+        // It has not come so far.
+        EXPECT_FALSE(ec.errors.contains("reserved"));
+        EXPECT_TRUE(folders.downloadNames().isEmpty());
+    }
+    EXPECT_EQ(service.commands(), ecCommands + ecCommands);
+}
+
+TEST_F(TarnctlUpdateTest, SomebodyElseAtTheConsoleIsToldWhatToDo)
+{
+    otherUser = tarnClient::OtherUser {"PC\\admin", "PC\\anna"};
     const ToolRun mcu = update(mcuUpdatePlan());
-    EXPECT_EQ(mcu.code, 1);
-    EXPECT_TRUE(mcu.errors.contains("did not take the file: the MCU has not been touched"));
+    EXPECT_EQ(mcu.code, 2);
+    EXPECT_TRUE(
+        mcu.errors.startsWith("tarnctl: tarnctl runs as PC\\admin, but the user at the console is PC\\anna,"))
+        << mcu.errors.toStdString();
+    EXPECT_TRUE(mcu.errors.contains("\nPut it there and send: tarnctl requestMcuUpdate \"fw.bin\"\n"));
+    EXPECT_TRUE(update(ecUpdatePlan()).errors.contains("send: tarnctl requestEcUpdate \"fw.bin\"\n"));
+    EXPECT_EQ(service.connections(), 0);
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 
-    answers["requestEcUpdate"] = "failed";
-    const ToolRun ec = update(ecUpdatePlan());
-    EXPECT_EQ(ec.code, 1);
-    EXPECT_TRUE(ec.errors.contains("did not take the file. Nothing has been flashed."));
-    EXPECT_TRUE(ec.errors.contains("The EC stays reserved: restart the service"));
-    EXPECT_EQ(present.value(3), placed);
-    EXPECT_TRUE(folders.downloadNames().isEmpty());
-}
-
-TEST_F(TarnctlUpdateTest, EcThatCannotBeReservedIsNotUpdated)
-{
-    answers["requestStartEcUpdate"] = "failed";
-    const ToolRun run = update(ecUpdatePlan());
-    EXPECT_EQ(run.code, 1);
-    EXPECT_EQ(service.commands(), QStringList {"requestStartEcUpdate"});
-    EXPECT_TRUE(run.errors.contains("could not reserve the EC. Nothing has been flashed."));
-    EXPECT_TRUE(folders.downloadNames().isEmpty());
-}
-
-TEST_F(TarnctlUpdateTest, EcThatFailedAfterTheFileWasTaken)
-{
-    answers["requestEcUpdate"] = "failed";
-    const ToolRun run = update(ecUpdatePlan());
-    EXPECT_EQ(run.code, 1);
-    EXPECT_TRUE(run.errors.contains("before it ran the EC tool. Nothing has been flashed."));
+    EXPECT_EQ(update(ecUpdatePlan(), {"--force"}).code, 0);
+    EXPECT_EQ(service.commands(), ecCommands);
 }
 
 TEST_F(TarnctlUpdateTest, SaysThatAFileOfTheDownloadFolderIsTakenAway)
@@ -188,13 +284,13 @@ TEST_F(TarnctlUpdateTest, JsonIsTheLastAnswerAndNothingElse)
 TEST_F(TarnctlUpdateTest, JsonOfAFailureIsTheAnswerThatEndedIt)
 {
     answers["requestMcuUpdate"] = "failed";
-    const ToolRun flashed = update(mcuUpdatePlan(), {"--json"});
+    const ToolRun flashed = updateMcuLate({"--json"});
     EXPECT_EQ(flashed.code, 1);
     EXPECT_TRUE(flashed.output.contains("\"data\":\"failed\""));
     EXPECT_TRUE(flashed.errors.startsWith("tarnctl: The update failed"));
     answers["getAccessoryType"] = "dock";
-    EXPECT_EQ(
-        update(mcuUpdatePlan(), {"--json"}).output, "{\"cmd\":\"getAccessoryType\",\"data\":\"dock\"}\n");
+    EXPECT_EQ(update(mcuUpdatePlan(), {"--json", "--timeout", "0.3"}).output,
+        "{\"cmd\":\"getAccessoryType\",\"data\":\"dock\"}\n");
 }
 
 TEST_F(TarnctlUpdateTest, OtherMessagesAreNotTheAnswer)
@@ -224,7 +320,7 @@ TEST_F(TarnctlUpdateTest, TheVerbsUseTheUsersDownloadFolder)
     EXPECT_EQ(mcu.code, 0);
     EXPECT_EQ(ec.code, 0);
     EXPECT_EQ(service.commands(), mcuCommands + ecCommands);
-    EXPECT_EQ(present.value(1), placed);
+    EXPECT_EQ(present.value(2), placed);
     EXPECT_EQ(present.value(3), placed);
 }
 

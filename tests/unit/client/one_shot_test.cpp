@@ -209,9 +209,9 @@ TEST(TarnctlOneShotTest, DataMayLookLikeAnOption)
 {
     FakeService service;
     answerAll(service, "data", "successed");
-    EXPECT_EQ(runTool(service, {"requestEcUpdate", "--", "-odd.bin"}).code, 0);
+    EXPECT_EQ(runTool(service, {"--force", "setKVaneLedLight", "--", "-1"}).code, 0);
     const QJsonObject request = QJsonDocument::fromJson(service.requests().value(0)).object();
-    EXPECT_EQ(request.value("data").toString(), "-odd.bin");
+    EXPECT_EQ(request.value("data").toString(), "-1");
 }
 
 TEST(TarnctlOneShotTest, NoService)

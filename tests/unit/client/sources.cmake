@@ -3,6 +3,7 @@ set(CLIENT_TEST_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/command_catalogue_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/data_rule_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/fake_service.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/firmware_name_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/firmware_update_end_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/firmware_update_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/json_splitter_test.cpp

@@ -9,13 +9,14 @@
 #include <QFileInfo>
 
 using namespace tarnClientTest;
+using tarnClient::FirmwareKind;
 using tarnClient::StagedFirmware;
 
 namespace {
 
-QString objectionTo(const QString &file)
+QString objectionTo(const QString &file, FirmwareKind kind = FirmwareKind::Mcu)
 {
-    return StagedFirmware::objection(file).value_or(QString());
+    return StagedFirmware::objection(file, kind).value_or(QString());
 }
 
 } // namespace
@@ -23,7 +24,8 @@ QString objectionTo(const QString &file)
 TEST(TarnctlStagedFirmwareTest, FindsNothingWrongWithAnOrdinaryFile)
 {
     const FirmwareFolders folders;
-    EXPECT_FALSE(StagedFirmware::objection(folders.firmware()).has_value());
+    EXPECT_FALSE(StagedFirmware::objection(folders.firmware(), FirmwareKind::Mcu).has_value());
+    EXPECT_FALSE(StagedFirmware::objection(folders.firmware(), FirmwareKind::Ec).has_value());
 }
 
 TEST(TarnctlStagedFirmwareTest, RefusesWhatIsNoFirmwareFile)
@@ -37,9 +39,13 @@ TEST(TarnctlStagedFirmwareTest, RefusesWhatIsNoFirmwareFile)
     // The rule itself is the service's own and tested there.
     for (const char *name : {"tool.exe", "uiset.ini", "aux.bin"}) {
         writeFile(folders.downloaded(name), "x");
-        EXPECT_TRUE(objectionTo(folders.downloaded(name)).startsWith("The service takes no firmware file"))
-            << name;
+        EXPECT_TRUE(objectionTo(folders.downloaded(name))
+                        .startsWith(QStringLiteral("A firmware file cannot be named \"%1\".").arg(name)));
     }
+    writeFile(folders.downloaded("BIOS.bin"), "x");
+    EXPECT_TRUE(
+        objectionTo(folders.downloaded("BIOS.bin"), FirmwareKind::Ec).contains("The name holds \"IO\""));
+    EXPECT_EQ(objectionTo(folders.downloaded("BIOS.bin")), QString());
 }
 
 TEST(TarnctlStagedFirmwareTest, RefusesAFileThatMayNotBeRead)

@@ -20,13 +20,15 @@ TEST(TarnctlOptionsTest, Defaults)
 
 TEST(TarnctlOptionsTest, EveryOption)
 {
-    const tarnClient::ParsedOptions parsed = parseOptions({"tarnctl", "--json", "-v", "watch", "--force",
-        "--reconnect", "--timeout", "0.25", "--for=2", "--count", "3", "--pipe", "p", "--version", "-h"});
+    const tarnClient::ParsedOptions parsed =
+        parseOptions({"tarnctl", "--json", "-v", "watch", "--force", "--reconnect", "--timeout", "0.25",
+            "--for=2", "--count", "3", "--pipe", "p", "--version", "-h", "--expect", "1.23"});
     EXPECT_TRUE(parsed.error.isEmpty());
     EXPECT_EQ(parsed.options.timeout, milliseconds(250));
     EXPECT_EQ(parsed.options.duration, milliseconds(2000));
     EXPECT_EQ(parsed.options.count, 3);
     EXPECT_EQ(parsed.options.pipeName, "p");
+    EXPECT_EQ(parsed.options.expectedVersion, "1.23");
     EXPECT_EQ(parsed.options.words, QStringList {"watch"});
     EXPECT_TRUE(parsed.options.json && parsed.options.verbose && parsed.options.force
         && parsed.options.reconnect && parsed.options.help && parsed.options.version);
@@ -69,8 +71,12 @@ INSTANTIATE_TEST_SUITE_P(Lines, TarnctlBadCommandLines,
         BadLine {{"getMcuVersion", "data"}}, BadLine {{"setDockLedStatus"}},
         BadLine {{"setDockLedStatus", "ON"}}, BadLine {{"setDockLedStatus", "on", "off"}},
         BadLine {{"setKVaneLedLight", "256"}}, BadLine {{"requestEcUpdate", "../x"}},
-        BadLine {{"getMcuVersion", "--reconnect"}}, BadLine {{"raw", "{}", "--reconnect"}},
-        BadLine {{"getMcuVersio"}}));
+        BadLine {{"update-mcu", "f", "--expect", "1"}}, BadLine {{"update-mcu", "f", "--expect", "v1.2"}},
+        BadLine {{"update-mcu", "f", "--expect", "1.2.3"}}, BadLine {{"update-mcu", "f", "--expect", ""}},
+        BadLine {{"update-ec", "f", "--expect", "1.2"}}, BadLine {{"getMcuVersion", "--expect", "1.2"}},
+        BadLine {{"raw", ""}}, BadLine {{"requestEcUpdate", "BIOS.bin"}},
+        BadLine {{"requestMcuUpdate", "--", "-odd.bin"}}, BadLine {{"getMcuVersion", "--reconnect"}},
+        BadLine {{"raw", "{}", "--reconnect"}}, BadLine {{"getMcuVersio"}}));
 
 TEST(TarnctlUsageTest, NamesTheWayOn)
 {

@@ -1,7 +1,5 @@
 #include "update_run.h"
 
-#include "client/firmware_update.h"
-
 #include <QDir>
 #include <QFile>
 
@@ -52,7 +50,7 @@ QByteArray readFile(const QString &path)
 }
 
 ToolRun runUpdate(const FakeService &service, const tarnClient::UpdatePlan &plan, const QString &file,
-    const QString &downloadFolder, const QStringList &options, bool errorsAreTerminal)
+    const tarnClient::DownloadPlace &place, const QStringList &options, bool errorsAreTerminal)
 {
     const tarnClient::ParsedOptions parsed =
         tarnClient::parseOptions(QStringList {"tarnctl", "--pipe", service.pipeName()} + options);
@@ -61,8 +59,7 @@ ToolRun runUpdate(const FakeService &service, const tarnClient::UpdatePlan &plan
     tarnClient::ToolStreams streams {
         std::make_shared<std::istringstream>(), output, errors, false, errorsAreTerminal};
     ToolRun run;
-    run.code =
-        static_cast<int>(tarnClient::FirmwareUpdate(parsed.options, streams, plan, downloadFolder).run(file));
+    run.code = static_cast<int>(tarnClient::FirmwareUpdate(parsed.options, streams, plan, place).run(file));
     run.output = QByteArray::fromStdString(output.str());
     run.errors = QByteArray::fromStdString(errors.str());
     return run;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "client/update_plan.h"
+#include "client/firmware_update.h"
 #include "fake_service.h"
 #include "tool_run.h"
 
@@ -30,7 +30,7 @@ void writeFile(const QString &path, const QByteArray &content);
 
 // One update inside the test's process, against the fake service and with that download folder.
 [[nodiscard]] ToolRun runUpdate(const FakeService &service, const tarnClient::UpdatePlan &plan,
-    const QString &file, const QString &downloadFolder, const QStringList &options = {},
+    const QString &file, const tarnClient::DownloadPlace &place, const QStringList &options = {},
     bool errorsAreTerminal = false);
 
 } // namespace tarnClientTest

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace tarnClient {
+
+enum class FirmwareKind { Mcu, Ec };
+
+// Why a firmware file must not be flashed under this name, in whole sentences; nothing when it may.
+[[nodiscard]] std::optional<QString> firmwareNameObjection(const QString &name, FirmwareKind kind);
+
+} // namespace tarnClient
