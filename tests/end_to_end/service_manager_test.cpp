@@ -11,7 +11,7 @@ using tarnTest::waitUntil;
 
 namespace {
 
-constexpr int promptStopMs = 3000;
+constexpr int stopPatienceMs = 3000;
 constexpr int notStarted = -4;
 
 class ServiceUnderManager : public tarnTest::InstalledService
@@ -43,7 +43,7 @@ protected:
     {
         const auto elapsed = stop();
         ASSERT_TRUE(elapsed);
-        EXPECT_LT(*elapsed, promptStopMs);
+        EXPECT_LT(*elapsed, stopPatienceMs);
         EXPECT_EQ(status().dwWin32ExitCode, NO_ERROR);
     }
     // The pipe's name is free when the service has stopped, but for the moment that its process takes to go.
@@ -145,7 +145,7 @@ TEST_F(ServiceUnderManager, ObeysTheCommandLine)
 
     EXPECT_EQ(command({"-t"}), 0);
     EXPECT_FALSE(program.log().contains("could not be stopped"));
-    EXPECT_TRUE(waitForState(SERVICE_STOPPED, promptStopMs));
+    EXPECT_TRUE(waitForState(SERVICE_STOPPED, stopPatienceMs));
     EXPECT_TRUE(hasLeftThePipe());
     const QStringList reports = calls().filter("SetServiceStatus");
     EXPECT_EQ(reports.mid(0, 2),
