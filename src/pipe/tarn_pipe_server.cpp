@@ -14,9 +14,13 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMutex>
+#include <QPromise>
 #include <QThread>
+#include <QThreadPool>
 #include <QTimer>
 #include <QtConcurrent>
+
+#include <memory>
 
 namespace tarnPipeServer {
 namespace {
@@ -104,9 +108,16 @@ QFuture<QString> TarnPipeServer::startHandler(const QByteArray &request)
     QThreadPool *threads = threadsOf(command.lane);
     if (!command.answer)
         return QtConcurrent::run(threads, [this, request] { return dispatch(request); });
-    return QtConcurrent::run(threads, [this, request] {
-        return handle(request);
-    }).then(threadsOf(Lane::WaitsForEc), [this](const Handled &handled) { return replyTo(handled); });
+    // By hand, because a continuation of Qt's may run twice when it is added while its future finishes (6.4).
+    const auto promise = std::make_shared<QPromise<QString>>();
+    promise->start();
+    threads->start([this, request, promise] {
+        threadsOf(Lane::WaitsForEc)->start([this, handled = handle(request), promise] {
+            promise->addResult(replyTo(handled));
+            promise->finish();
+        });
+    });
+    return promise->future();
 }
 
 TarnPipeServer::Handled TarnPipeServer::handle(const QByteArray &request)
@@ -204,7 +215,8 @@ void TarnPipeServer::readDataFromClient()
     clientSocket = qobject_cast<QLocalSocket *>(sender());
     if (!clientSocket)
         return;
-    const QByteArray request = clientSocket->readAll();
+    QByteArray request = clientSocket->readAll();
+    request.squeeze(); // it has room for 32 KiB, and a request that waits for the EC is kept, maybe for good
     qDebug() << request;
 
     auto *watcher = new QFutureWatcher<QString>(this);

@@ -2,6 +2,7 @@
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_dirver_reader.h"
 #include "figures.h"
+#include "live_memory.h"
 #include "pipe/tarn_pipe_server.h"
 #include "process_figures.h"
 #include "simulator/accessory_catalog.h"
@@ -10,12 +11,14 @@
 #include "support/simulated_machine.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QElapsedTimer>
 
 #include <atomic>
 #include <limits>
 #include <malloc.h>
 #include <memory>
+#include <utility>
 
 using namespace tarnBench;
 using namespace std::chrono_literals;
@@ -27,7 +30,7 @@ namespace {
 constexpr milliseconds day = 24h;
 constexpr milliseconds betweenValues = 10min;
 constexpr milliseconds betweenAccessories = 3h;
-constexpr milliseconds betweenRequests = 20min;
+constexpr milliseconds betweenRequests = 20min; // divided by --busy
 constexpr milliseconds absence = 2h;
 
 constexpr const char *requests[] = {"getAccessoryType", "getMcuVersion", "getMcuUpdateParameters",
@@ -94,6 +97,10 @@ private:
 class Visitor
 {
 public:
+    explicit Visitor(int busy)
+        : pause(betweenRequests / busy)
+    { }
+
     void look(milliseconds now)
     {
         if (now >= nextLeave) {
@@ -110,7 +117,7 @@ public:
         bytesRead += socket->readAll().size();
         if (now < nextRequest || socket->state() != QLocalSocket::ConnectedState)
             return;
-        nextRequest = now + betweenRequests;
+        nextRequest = now + pause;
         const char *command = requests[asked++ % std::size(requests)];
         socket->write(QByteArray(R"({"cmd":")") + command + R"("})");
         socket->flush();
@@ -120,6 +127,7 @@ public:
     qint64 bytesRead = 0;
 
 private:
+    const milliseconds pause;
     std::unique_ptr<QLocalSocket> socket;
     milliseconds nextVisit {0};
     milliseconds nextLeave = day - 12h;
@@ -132,12 +140,34 @@ double heapKib()
     return static_cast<double>(heap.uordblks + heap.hblkhd) / 1024;
 }
 
-int daysWanted()
+// Each thread of a pool costs some memory for as long as it is idle, 30 s of real time.
+qsizetype threadCount()
+{
+    return QDir(QStringLiteral("/proc/self/task")).entryList(QDir::Dirs | QDir::NoDotAndDotDot).size();
+}
+
+int numberWanted(const char *name, int otherwise)
 {
     const QStringList arguments = QCoreApplication::arguments();
-    const qsizetype option = arguments.indexOf(QStringLiteral("--days"));
-    return option < 0 ? 30 : qMax(arguments.value(option + 1).toInt(), 1);
+    const qsizetype option = arguments.indexOf(QLatin1String(name));
+    return option < 0 ? otherwise : qMax(arguments.value(option + 1).toInt(), 1);
 }
+
+// The least that was alive at any look of a day: what comes and goes with each request is left out.
+class LeastAlive
+{
+public:
+    void look()
+    {
+        const LiveMemory now = liveMemory();
+        if (least.blocks == 0 || now.bytes < least.bytes)
+            least = now;
+    }
+    LiveMemory take() { return std::exchange(least, {}); }
+
+private:
+    LiveMemory least;
+};
 
 } // namespace
 
@@ -145,7 +175,7 @@ int daysWanted()
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    const int days = daysWanted();
+    const int days = numberWanted("--days", 30);
     tarnTest::SimulatedMachine machine;
     Desk desk(machine);
     machine.clock.onWait = [&desk](milliseconds duration) {
@@ -157,24 +187,30 @@ int main(int argc, char **argv)
 
     QElapsedTimer timer;
     timer.start();
-    Visitor visitor;
-    Table table({"virtual day", "cycles", "requests", "KiB read by client", "messages waiting",
-        "heap in use KiB", "resident KiB"});
+    Visitor visitor(numberWanted("--busy", 1));
+    LeastAlive alive;
+    const int rowEvery = qMax(days / 6, 1);
+    Table table({"virtual day", "cycles", "requests", "KiB read by client", "messages waiting", "threads",
+        "live blocks", "live KiB", "heap in use KiB", "resident KiB"});
     for (int today = 1; today <= days; ++today) {
         const bool reached = tarnTest::waitUntil(
             [&] {
                 visitor.look(machine.clock.now());
+                alive.look();
                 return machine.clock.now() >= today * day;
             },
             std::numeric_limits<int>::max());
         if (!reached)
             return 1;
         machine.log.clear();
-        if (today <= 2 || today % 5 == 0 || today == days) {
+        const LiveMemory least = alive.take();
+        if (today <= 2 || today % rowEvery == 0 || today == days) {
             const auto memory = memoryOf(QCoreApplication::applicationPid());
             table.add({QString::number(today), QString::number(desk.cycles), QString::number(visitor.asked),
                 QString::number(visitor.bytesRead / 1024), QString::number(tarnTest::queuedMessages().size()),
-                fixed(heapKib(), 0), QString::number(memory ? memory->resident : 0)});
+                QString::number(threadCount()), QString::number(least.blocks),
+                fixed(static_cast<double>(least.bytes) / 1024, 1), fixed(heapKib(), 0),
+                QString::number(memory ? memory->resident : 0)});
         }
     }
     const double seconds = static_cast<double>(timer.elapsed()) / 1000;

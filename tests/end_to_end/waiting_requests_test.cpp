@@ -86,3 +86,15 @@ TEST_F(WaitingRequests, OfAllKindsStopNeitherTheOthersNorTheEnd)
     EXPECT_EQ(service.logCount("Enter Leave Mcu Update Mode\n"), 1);
     expectPromptStop();
 }
+
+// Here nobody waits for the EC, so nobody is woken by the end either.
+TEST_F(WaitingRequests, DoNotHoldUpTheEndWhenTheyAreInTheMiddleOfTheirWork)
+{
+    ASSERT_EQ(client.answer("requestEnterMcuUpdateMode"), "successed");
+    send("requestLeaveMcuUpdateMode", 1); // writes for 4 s
+    send("requestBeginGraphicsMcuUpdate", 1); // prepares for 3 s
+    ASSERT_TRUE(service.waitForLog("Enter Leave Mcu Update Mode\n"));
+    ASSERT_TRUE(service.waitForLog("GraphicsDisengaged_log: begin to ban gpu for mcu update.\n"));
+    expectPromptStop();
+    EXPECT_FALSE(service.log().contains("ban gpu successed for mcu update."));
+}

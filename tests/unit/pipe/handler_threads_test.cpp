@@ -166,6 +166,21 @@ TEST_F(HandlerThreads, LetNoLeaveWaitForTheVersionOfTheOneBefore)
     EXPECT_TRUE(waitUntil([&] { return client.received().count(reply) == 3; }));
 }
 
+// The thread of the lane may be done before the server's thread has said what is to come after it.
+TEST_F(HandlerThreads, AnswerEachOfManyLeavesOnce)
+{
+    ASSERT_TRUE(client.connectToService());
+    tarnPipeServer::threadsOf(Lane::LeavesMcuUpdateMode)->setExpiryTimeout(0);
+    const QString reply = R"(send{"cmd":"requestLeaveMcuUpdateMode","data":"2.05"})";
+    for (int leave = 1; leave <= 2000; ++leave) {
+        machine.log.clear();
+        client.write(R"({"cmd":"requestLeaveMcuUpdateMode"})");
+        ASSERT_TRUE(waitUntil([&] { return machine.log.contains(reply); })) << leave;
+    }
+    const QByteArray received = R"({"cmd":"requestLeaveMcuUpdateMode","data":"2.05"})";
+    EXPECT_TRUE(waitUntil([&] { return client.received().count(received) == 2000; }));
+}
+
 // After an EC update the EC stays taken for good, but clients go on polling, twice a second.
 TEST_F(HandlerThreads, CostNoMoreThreadsAfterAnHourOfPollingThanAfterAMinute)
 {

@@ -1,0 +1,163 @@
+#include "bench/live_memory.h"
+#include "device/ec_access_lock.h"
+#include "load/figure_table.h"
+#include "load/load_scale.h"
+#include "pipe/handler_threads.h"
+#include "pipe/send_queue_thread.h"
+#include "pipe/tarn_pipe_server.h"
+#include "support/pipe_peer.h"
+#include "support/queued_messages.h"
+#include "support/simulated_machine.h"
+
+#include <QThreadPool>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using tarnBench::liveMemory;
+using tarnBench::LiveMemory;
+using tarnDeviceInfos::ecAccessMutex;
+using tarnLoad::report;
+using tarnPipeServer::SendQueueThread;
+using tarnPipeServer::TarnPipeServer;
+using tarnTest::PipePeer;
+using tarnTest::waitUntil;
+
+namespace {
+
+constexpr const char *requests[] = {R"({"cmd":"getAccessoryType"})", R"({"cmd":"getMcuUpdateParameters"})",
+    R"({"cmd":"powerModeControl","data":"low"})", R"({"cmd":"setDockLedStatus","data":"on"})",
+    R"({"cmd":"setGraphicsRGB","data":"red"})", R"({"cmd":"requestMcuUpdate","data":"missing.bin"})",
+    R"({"cmd":"requestEnterMcuUpdateMode"})", R"({"cmd":"requestLeaveMcuUpdateMode"})",
+    R"({"cmd":"requestEcUpdate","data":"missing.rom"})", R"({"cmd":"setSmartChargingStatus","data":"OFF"})",
+    R"({"cmd":"getTarnPowerMode"})", R"({"cmd":"getTarnKvaneSnCode"})", R"({"cmd":"noSuchThing"})",
+    "nonsense"};
+
+} // namespace
+
+// Server, queue and client in this process, on virtual time: whatever has been answered must be given back.
+// What is kept for each request would be a block each time; the threads of the lanes come and go with some
+// blocks, too few to be taken for that.
+class KeptMemory : public tarnTest::MachineTest
+{
+protected:
+    KeptMemory() { TarnPipeServer::instance(); }
+    ~KeptMemory() override { ecAccessMutex.releaseWaiters(); }
+
+    // Nothing is on its way any more, and what the test's own stand-ins have noted is forgotten.
+    LiveMemory atRest()
+    {
+        EXPECT_TRUE(waitUntil([] { return tarnPipeServer::waitForHandlers(0); }));
+        EXPECT_TRUE(waitUntil([] { return tarnTest::queuedMessages().isEmpty(); }));
+        LiveMemory least = liveMemory();
+        // The last message may still be in its pause and events under way.
+        waitUntil(
+            [&] {
+                machine.clock.forgetWaits();
+                machine.log.clear();
+                const LiveMemory now = liveMemory();
+                if (now.blocks < least.blocks)
+                    least = now;
+                return false;
+            },
+            200);
+        return least;
+    }
+    void ask(PipePeer &client, const QByteArray &request)
+    {
+        machine.log.clear();
+        client.write(request);
+        ASSERT_TRUE(waitUntil([this] {
+            for (const QString &line : machine.log.lines()) {
+                if (line == QStringLiteral("send") || line.startsWith(QStringLiteral("send{")))
+                    return true;
+            }
+            return false;
+        })) << request.toStdString();
+        machine.clock.forgetWaits();
+    }
+    void askMany(int times)
+    {
+        PipePeer client;
+        ASSERT_TRUE(client.connectToService());
+        for (int asked = 0; asked < times; ++asked)
+            ask(client, requests[static_cast<std::size_t>(asked) % std::size(requests)]);
+    }
+    void expectNothingKept(const char *what, int times, const LiveMemory &before)
+    {
+        const LiveMemory after = atRest();
+        EXPECT_LT(after.blocks - before.blocks, times / 4);
+        report(what,
+            QStringLiteral("%1, blocks %2, bytes %3")
+                .arg(times)
+                .arg(after.blocks - before.blocks)
+                .arg(after.bytes - before.bytes));
+    }
+};
+
+TEST_F(KeptMemory, IsNotMoreForEachRequest)
+{
+    askMany(200);
+    const LiveMemory before = atRest();
+    const int times = tarnLoad::scaled(2000, 50000);
+    askMany(times);
+    expectNothingKept("kept of requests", times, before);
+}
+
+TEST_F(KeptMemory, IsNotMoreForEachClient)
+{
+    const auto visit = [this](int times) {
+        for (int visits = 0; visits < times; ++visits) {
+            PipePeer client;
+            ASSERT_TRUE(client.connectToService());
+            ask(client, requests[0]);
+            client.leave();
+            ASSERT_TRUE(waitUntil([] { return SendQueueThread::instance()->isFinished(); }));
+        }
+    };
+    visit(50);
+    const LiveMemory before = atRest();
+    const int times = tarnLoad::scaled(1000, 10000);
+    visit(times);
+    expectNothingKept("kept of clients", times, before);
+}
+
+TEST_F(KeptMemory, IsGivenBackForRequestsThatHaveWaitedForTheEc)
+{
+    PipePeer client;
+    ASSERT_TRUE(client.connectToService());
+    LiveMemory waiting;
+    const auto waitInNumbers = [&](int times) {
+        ASSERT_TRUE(ecAccessMutex.lock());
+        for (int asked = 0; asked < times; ++asked) {
+            machine.log.clear();
+            client.write(R"({"cmd":"getHardwareVersion"})");
+            ASSERT_TRUE(
+                waitUntil([this] { return machine.log.contains(R"("{\"cmd\":\"getHardwareVersion\"}")"); }));
+        }
+        waiting = liveMemory();
+        ecAccessMutex.unlock();
+    };
+    waitInNumbers(200); // the lane has all its threads from here on
+    const LiveMemory before = atRest();
+    const int times = tarnLoad::scaled(2000, 20000);
+    waitInNumbers(times);
+    const long kept = (waiting.bytes - before.bytes) / times;
+    EXPECT_LT(kept, 2048);
+    report("kept of each that waits", QStringLiteral("%1 bytes").arg(kept));
+    expectNothingKept("kept of those that have waited", times, before);
+}
+
+// A request a minute finds that the last one's thread has ended meanwhile.
+TEST_F(KeptMemory, IsNotMoreForEachThreadThatEnds)
+{
+    using tarnPipeServer::Lane;
+    for (const Lane lane : {Lane::WaitsForEc, Lane::LeavesMcuUpdateMode, Lane::UpdatesEc, Lane::NeverWaits})
+        tarnPipeServer::threadsOf(lane)->setExpiryTimeout(0);
+    askMany(200);
+    const LiveMemory before = atRest();
+    const int times = tarnLoad::scaled(2000, 20000);
+    askMany(times);
+    expectNothingKept("kept of threads that end", times, before);
+}
