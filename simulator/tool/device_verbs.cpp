@@ -178,11 +178,17 @@ ExitCode addDevice(ToolContext &context, const QStringList &arguments)
     DeviceTree &devices = context.computer->devices();
     Device device;
     device.name = arguments.at(0).toStdString();
-    if (device.name.empty() || device.name.size() >= DEVICE_NAME_SIZE || devices.find(device.name)) {
+    if (device.name.empty() || device.name.size() >= DEVICE_NAME_SIZE) {
         return complain(context, WrongUsage,
-            QStringLiteral("\"%1\" is no free name of at most %2 characters")
+            QStringLiteral("a name has 1 to %1 characters, \"%2\" has %3")
+                .arg(DEVICE_NAME_SIZE - 1)
                 .arg(arguments.at(0))
-                .arg(DEVICE_NAME_SIZE - 1));
+                .arg(device.name.size()));
+    }
+    if (devices.find(device.name)) {
+        return complain(context, WrongUsage,
+            QStringLiteral("the name \"%1\" is taken; there are: %2")
+                .arg(arguments.at(0), deviceNames(devices).join(QLatin1String(", "))));
     }
     if (!setKind(device, arguments.at(1).toStdString())) {
         return complainAboutName(context, QStringLiteral("kind of device"), arguments.at(1), namesIn(KINDS));

@@ -68,6 +68,11 @@ TEST_F(TarnsimDevices, ComeAndGo)
     EXPECT_EQ(run("add-device second display RTX4060"), Done);
     EXPECT_EQ(device("second").description, "RTX4060");
     EXPECT_EQ(run("add-device second display RTX4060"), WrongUsage);
+    EXPECT_TRUE(complained("the name \"second\" is taken; there are: "));
+    EXPECT_TRUE(complained(", second\n"));
+    EXPECT_EQ(run(QString("add-device %1 display RTX4060").arg(QString(32, 'n'))), WrongUsage);
+    EXPECT_TRUE(complained("a name has 1 to 31 characters, \"nnn"));
+    EXPECT_TRUE(complained("nnn\" has 32\n"));
     EXPECT_EQ(run("add-device third toaster x"), WrongUsage);
     EXPECT_TRUE(complained("there is no kind of device \"toaster\"; there are: display, audio, other"));
     EXPECT_EQ(run(QString("add-device third other %1").arg(QString(200, 'x'))), WrongUsage);
