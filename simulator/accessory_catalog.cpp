@@ -41,6 +41,12 @@ const Accessory *findAccessory(std::uint8_t code)
     return findIf([code](const Accessory &row) { return row.code == code; });
 }
 
+std::uint8_t linkedAccessory(const MachineState &state)
+{
+    const bool linked = state.xdata[MCU_LINK_STATUS].load() == MCU_LINKED;
+    return linked ? state.xdata[ACCESSORY_CODE].load() : ACCESSORY_NONE;
+}
+
 Accessory unknownAccessory(std::uint8_t code)
 {
     return {"unknown", code, 1, 0, 0, 1, "a device that no host software knows"};

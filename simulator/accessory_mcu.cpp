@@ -24,13 +24,13 @@ void AccessoryMcu::restore()
 {
     const Accessory &kvane = *findAccessory(ACCESSORY_KVANE);
     McuMemory(state.bootLoader).restore(makeFirmwareImage({kvane.mcuMajor, kvane.mcuMinor, kvane.mcuPatch}));
-    enter(McuMode::Firmware);
+    enter({McuMode::Firmware, {}}); // not plugged in, so there is no version for the EC
 }
 
 void AccessoryMcu::powerUp()
 {
     const bool held = (controlByte() & MCU_RESET_PULSE) != 0;
-    enter(held ? McuMode::HeldInReset : modeAfterReset());
+    enter(held ? Start {McuMode::HeldInReset, {}} : startAfterReset());
 }
 
 void AccessoryMcu::obeyControlByte()
@@ -39,9 +39,9 @@ void AccessoryMcu::obeyControlByte()
         return;
     }
     if ((controlByte() & MCU_RESET_PULSE) != 0) {
-        enter(McuMode::HeldInReset);
+        enter({McuMode::HeldInReset, {}});
     } else if (mode() == McuMode::HeldInReset) {
-        enter(modeAfterReset());
+        enter(startAfterReset());
     }
 }
 
@@ -57,24 +57,22 @@ bool AccessoryMcu::isInBootLoader() const
 
 void AccessoryMcu::startFirmware(std::uint32_t ofRun)
 {
-    leave(ofRun, bootFirmware());
+    leave(ofRun, startOfFirmware());
 }
 
 void AccessoryMcu::leaveForNothing(std::uint32_t ofRun)
 {
-    reportVersion({});
-    leave(ofRun, McuMode::NoFirmware);
+    leave(ofRun, {McuMode::NoFirmware, FirmwareVersion {}});
 }
 
 void AccessoryMcu::restart(std::uint32_t ofRun)
 {
-    leave(ofRun, modeAfterReset());
+    leave(ofRun, startAfterReset());
 }
 
 bool AccessoryMcu::isConnected() const
 {
-    return state.xdata[MCU_LINK_STATUS].load() == MCU_LINKED
-        && state.xdata[ACCESSORY_CODE].load() == ACCESSORY_KVANE;
+    return linkedAccessory(state) == ACCESSORY_KVANE;
 }
 
 std::uint8_t AccessoryMcu::controlByte() const
@@ -82,37 +80,43 @@ std::uint8_t AccessoryMcu::controlByte() const
     return state.xdata[EC_MCU_UPDATE_CTRL].load();
 }
 
-McuMode AccessoryMcu::modeAfterReset()
+AccessoryMcu::Start AccessoryMcu::startAfterReset() const
 {
     constexpr std::uint8_t BOOT_BITS = MCU_UPDATE_ON | MCU_BOOT_LOADER_SELECT;
-    return (controlByte() & BOOT_BITS) == BOOT_BITS ? McuMode::BootLoader : bootFirmware();
+    return (controlByte() & BOOT_BITS) == BOOT_BITS ? Start {McuMode::BootLoader, {}} : startOfFirmware();
 }
 
 // Without a firmware there is nobody to tell a version; the link is not the MCU's affair.
-McuMode AccessoryMcu::bootFirmware()
+AccessoryMcu::Start AccessoryMcu::startOfFirmware() const
 {
     const auto version = findFirmware(McuMemory(state.bootLoader).flash());
-    reportVersion(version.value_or(FirmwareVersion {}));
-    return version ? McuMode::Firmware : McuMode::NoFirmware;
+    return {version ? McuMode::Firmware : McuMode::NoFirmware, version.value_or(FirmwareVersion {})};
 }
 
-void AccessoryMcu::reportVersion(FirmwareVersion version)
+void AccessoryMcu::report(const Start &start)
 {
-    state.xdata[MCU_VERSION_MAJOR].store(version.major);
-    state.xdata[MCU_VERSION_MINOR].store(version.minor);
-    state.xdata[MCU_VERSION_PATCH].store(version.patch);
+    if (!start.version) {
+        return;
+    }
+    state.xdata[MCU_VERSION_MAJOR].store(start.version->major);
+    state.xdata[MCU_VERSION_MINOR].store(start.version->minor);
+    state.xdata[MCU_VERSION_PATCH].store(start.version->patch);
 }
 
-void AccessoryMcu::enter(McuMode next)
+void AccessoryMcu::enter(const Start &next)
 {
     std::uint32_t before = run();
-    while (!state.bootLoader.run.compare_exchange_weak(before, nextRun(before, next))) { }
+    while (!state.bootLoader.run.compare_exchange_weak(before, nextRun(before, next.mode))) { }
+    report(next);
 }
 
-void AccessoryMcu::leave(std::uint32_t ofRun, McuMode next)
+// A run that a reset has ended in the meantime starts nothing and tells nothing.
+void AccessoryMcu::leave(std::uint32_t ofRun, const Start &next)
 {
     std::uint32_t expected = ofRun;
-    static_cast<void>(state.bootLoader.run.compare_exchange_strong(expected, nextRun(ofRun, next)));
+    if (state.bootLoader.run.compare_exchange_strong(expected, nextRun(ofRun, next.mode))) {
+        report(next);
+    }
 }
 
 } // namespace tarnSimulator

@@ -4,6 +4,7 @@
 #include "simulator/machine_state.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace tarnSimulator {
 
@@ -42,13 +43,20 @@ public:
     void restart(std::uint32_t ofRun);
 
 private:
+    // What begins to run, and the version that it tells the EC; without one the EC keeps that of before.
+    struct Start
+    {
+        McuMode mode;
+        std::optional<FirmwareVersion> version;
+    };
+
     [[nodiscard]] bool isConnected() const;
     [[nodiscard]] std::uint8_t controlByte() const;
-    [[nodiscard]] McuMode modeAfterReset();
-    [[nodiscard]] McuMode bootFirmware();
-    void reportVersion(FirmwareVersion version);
-    void enter(McuMode next);
-    void leave(std::uint32_t ofRun, McuMode next);
+    [[nodiscard]] Start startAfterReset() const;
+    [[nodiscard]] Start startOfFirmware() const;
+    void report(const Start &start);
+    void enter(const Start &next);
+    void leave(std::uint32_t ofRun, const Start &next);
 
     MachineState &state;
 };

@@ -1,6 +1,7 @@
 #include "simulator/application_mailbox.h"
 
 #include "device/ec_registers.h"
+#include "simulator/accessory_catalog.h"
 #include "simulator/colour.h"
 
 #include <algorithm>
@@ -13,42 +14,59 @@ using namespace tarnDeviceInfos;
 struct ApplicationMailbox::Command
 {
     std::uint8_t code;
-    void (ApplicationMailbox::*action)();
+    void (ApplicationMailbox::*begin)(); // null: nothing is handed over
+    void (ApplicationMailbox::*finish)(); // null: nothing was asked for
 };
 
 const ApplicationMailbox::Command ApplicationMailbox::COMMANDS[] = {
-    {APP_CMD_PEG_STATE, &ApplicationMailbox::storeGpuState},
-    {APP_EC_RGB_READ, &ApplicationMailbox::loadColour},
-    {APP_EC_RGB_WRITE, &ApplicationMailbox::applyColour},
-    {APP_EC_KVANE_SN_READ, &ApplicationMailbox::loadSerialNumber},
-    {APP_EC_KVANE_LED_READ, &ApplicationMailbox::loadKvaneLed},
-    {APP_EC_KVANE_LED_WRITE, &ApplicationMailbox::applyKvaneLed},
+    {APP_CMD_PEG_STATE, &ApplicationMailbox::storeGpuState, nullptr},
+    {APP_EC_RGB_READ, nullptr, &ApplicationMailbox::loadColour},
+    {APP_EC_RGB_WRITE, &ApplicationMailbox::applyColour, nullptr},
+    {APP_EC_KVANE_SN_READ, nullptr, &ApplicationMailbox::loadSerialNumber},
+    {APP_EC_KVANE_LED_READ, nullptr, &ApplicationMailbox::loadKvaneLed},
+    {APP_EC_KVANE_LED_WRITE, &ApplicationMailbox::applyKvaneLed, nullptr},
 };
+
+const ApplicationMailbox::Command *ApplicationMailbox::find(std::uint8_t code)
+{
+    const auto found = std::find_if(
+        std::begin(COMMANDS), std::end(COMMANDS), [code](const Command &row) { return row.code == code; });
+    return found == std::end(COMMANDS) ? nullptr : found;
+}
 
 // A code that the EC does not know is taken and cleared like the others, without effect.
 void ApplicationMailbox::execute(std::uint8_t command)
 {
+    ApplicationMailboxState &mailbox = state.applicationMailbox;
+    mailbox.pending.store(command);
     if (command == 0) {
-        state.applicationMailbox.busy.store(0);
+        mailbox.busy.store(0);
         return;
     }
-    const auto known = std::find_if(std::begin(COMMANDS), std::end(COMMANDS),
-        [command](const Command &row) { return row.code == command; });
-    if (known != std::end(COMMANDS)) {
-        (this->*known->action)();
+    const Command *known = find(command);
+    if (known != nullptr && known->begin != nullptr) {
+        (this->*known->begin)();
     }
-    state.applicationMailbox.sinceMs.store(nowMs());
-    state.applicationMailbox.busy.store(1);
+    mailbox.sinceMs.store(nowMs());
+    mailbox.busy.store(1);
     advance();
 }
 
 void ApplicationMailbox::advance()
 {
     ApplicationMailboxState &mailbox = state.applicationMailbox;
-    if (mailbox.busy.load() == 0 || faults.isOn(Fault::MailboxStuck)) {
+    if (mailbox.busy.load() == 0) {
         return;
     }
     if (!hasElapsed(nowMs(), mailbox.sinceMs.load(), state.timing.mailboxBusyMs.load())) {
+        return;
+    }
+    const Command *known = find(mailbox.pending.load());
+    if (known != nullptr && known->finish != nullptr) {
+        (this->*known->finish)();
+    }
+    mailbox.pending.store(0); // once only, also while the fault keeps the command byte
+    if (faults.isOn(Fault::MailboxStuck)) {
         return;
     }
     mailbox.busy.store(0);
@@ -81,29 +99,32 @@ void ApplicationMailbox::applyColour()
     light->store(colour.toWord());
 }
 
+// Serial number and LED value are zeros without a KVane, as a colour is black without a light.
 void ApplicationMailbox::loadSerialNumber()
 {
+    const bool attached = linkedAccessory(state) == ACCESSORY_KVANE;
     for (std::size_t i = 0; i < SERIAL_NUMBER_LENGTH; ++i) {
-        state.xdata[KVANE_SN_BYTES + i].store(state.accessory.kvaneSerialNumber[i].load());
+        const std::uint8_t byte = state.accessory.kvaneSerialNumber[i].load();
+        state.xdata[KVANE_SN_BYTES + i].store(attached ? byte : 0);
     }
 }
 
 void ApplicationMailbox::loadKvaneLed()
 {
-    state.xdata[XEC_RGB_RED].store(state.accessory.kvaneLed.load());
+    const bool attached = linkedAccessory(state) == ACCESSORY_KVANE;
+    state.xdata[XEC_RGB_RED].store(attached ? state.accessory.kvaneLed.load() : 0);
 }
 
 void ApplicationMailbox::applyKvaneLed()
 {
-    state.accessory.kvaneLed.store(state.xdata[XEC_RGB_RED].load());
+    if (linkedAccessory(state) == ACCESSORY_KVANE) {
+        state.accessory.kvaneLed.store(state.xdata[XEC_RGB_RED].load());
+    }
 }
 
 SharedWord *ApplicationMailbox::lightOfAccessory()
 {
-    if (state.xdata[MCU_LINK_STATUS].load() != MCU_LINKED) {
-        return nullptr;
-    }
-    switch (state.xdata[ACCESSORY_CODE].load()) {
+    switch (linkedAccessory(state)) {
     case ACCESSORY_DOCK:
         return &state.accessory.dockLight;
     case ACCESSORY_GRAPHICS:

@@ -6,9 +6,10 @@
 
 namespace tarnSimulator {
 
-// Executes the application commands: lights, KVane serial number and GPU state. A command takes effect when
-// its byte is written; the byte goes back to 0 after timing.mailboxBusyMs. The next command is accepted
-// before that.
+// Executes the application commands: lights, KVane serial number and GPU state. What the host hands over is
+// taken when the command byte is written; what it asks for is in the data bytes when the command byte goes
+// back to 0, after timing.mailboxBusyMs, and not before. The next command is accepted in the meantime, and
+// the one before it then leaves no answer.
 class ApplicationMailbox
 {
 public:
@@ -19,12 +20,14 @@ public:
     { }
 
     void execute(std::uint8_t command);
-    // Clears the command byte when its time has come. To be called before the host looks.
+    // Loads the answer and clears the command byte when its time has come. To be called before the host
+    // looks.
     void advance();
 
 private:
     struct Command;
     static const Command COMMANDS[];
+    [[nodiscard]] static const Command *find(std::uint8_t code);
 
     void storeGpuState();
     void loadColour();

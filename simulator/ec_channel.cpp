@@ -15,21 +15,19 @@ enum Phase : std::uint8_t {
     WriteAddressHigh,
     WriteAddressLow,
     WriteValue,
-    Wedged, // a refused write: the value byte is not taken
 };
 
 enum InputKind : std::uint8_t { NoInput, CommandByte, DataByte };
 
-// Preparing: the host does not see OBF yet.
-enum AnswerState : std::uint8_t { NoAnswer, Preparing, Waiting };
+// Prepared: ready, but not in the output buffer yet.
+enum AnswerState : std::uint8_t { NoAnswer, Prepared, Waiting };
 
 } // namespace
 
-EcChannel::EcChannel(MachineState &machine, const NowMs &clock, FaultPanel &panel, RegisterFile &file)
+EcChannel::EcChannel(MachineState &machine, const NowMs &clock, RegisterFile &file)
     : state(machine)
     , channel(machine.channel)
     , nowMs(clock)
-    , faults(panel)
     , registers(file)
     , log(machine.log)
 { }
@@ -44,22 +42,10 @@ void EcChannel::writeData(std::uint8_t value)
     put(DataByte, value);
 }
 
-std::uint8_t EcChannel::readStatus()
-{
-    registers.advance();
-    takeInput();
-    presentAnswer();
-    const bool outputFull = channel.answerState.load() == Waiting || faults.isOn(Fault::ObfStuck);
-    const int status = (outputFull ? OBF : 0) | (isInputFull() ? IBF : 0);
-    return static_cast<std::uint8_t>(status);
-}
-
 // Without an answer the port still holds the last one, as a real one does.
 std::uint8_t EcChannel::readData()
 {
-    takeInput();
-    presentAnswer();
-    if (channel.answerState.load() == Waiting) {
+    if (isOutputFull()) {
         channel.answerState.store(NoAnswer);
         state.counters.reads.fetch_add(1);
         log.append(AccessKind::Read, channel.answerAddress.load(), channel.answerValue.load(), nowMs());
@@ -67,32 +53,55 @@ std::uint8_t EcChannel::readData()
     return channel.answerValue.load();
 }
 
-// There is one input buffer: a byte written before the EC has taken the last one replaces it.
-void EcChannel::put(std::uint8_t kind, std::uint8_t value)
+bool EcChannel::isInputFull() const
 {
-    takeInput();
-    channel.inputKind.store(kind);
-    channel.inputValue.store(value);
-    channel.inputSinceMs.store(nowMs());
-    takeInput();
+    return channel.inputKind.load() != NoInput;
+}
+
+bool EcChannel::isOutputFull() const
+{
+    return channel.answerState.load() == Waiting;
+}
+
+std::optional<RequestedAccess> EcChannel::requestedAccess() const
+{
+    const std::uint8_t phase = channel.phase.load();
+    if (channel.inputKind.load() != DataByte || (phase != ReadAddressLow && phase != WriteAddressLow)) {
+        return std::nullopt;
+    }
+    const AccessKind kind = phase == ReadAddressLow ? AccessKind::Read : AccessKind::Write;
+    return RequestedAccess {kind, addressWith(channel.inputValue.load())};
 }
 
 void EcChannel::takeInput()
 {
-    const std::uint8_t kind = channel.inputKind.load();
-    if (kind == NoInput || faults.isOn(Fault::IbfStuck)) {
-        return;
-    }
-    if (!hasElapsed(nowMs(), channel.inputSinceMs.load(), delayMs())) {
-        return;
-    }
-    channel.inputKind.store(NoInput);
+    const std::uint8_t kind = channel.inputKind.exchange(NoInput);
     const std::uint8_t value = channel.inputValue.load();
     if (kind == CommandByte) {
         takeCommand(value);
-    } else {
+    } else if (kind == DataByte) {
         takeData(value);
     }
+}
+
+void EcChannel::dropInput()
+{
+    channel.inputKind.store(NoInput);
+    channel.phase.store(Idle);
+}
+
+void EcChannel::presentAnswer()
+{
+    if (channel.answerState.load() == Prepared) {
+        channel.answerState.store(Waiting);
+    }
+}
+
+void EcChannel::put(std::uint8_t kind, std::uint8_t value)
+{
+    channel.inputKind.store(kind);
+    channel.inputValue.store(value);
+    channel.inputSinceMs.store(nowMs());
 }
 
 // A command ends whatever was going on. An answer that has not been fetched stays in the buffer; the host
@@ -112,94 +121,51 @@ void EcChannel::takeCommand(std::uint8_t command)
     }
 }
 
+// Idle: nobody waits for a data byte.
 void EcChannel::takeData(std::uint8_t value)
 {
-    const std::uint8_t phase = channel.phase.load();
-    if (phase == ReadAddressHigh || phase == WriteAddressHigh) {
+    switch (channel.phase.load()) {
+    case ReadAddressHigh:
+    case WriteAddressHigh:
         channel.address.store(static_cast<std::uint16_t>(value << 8));
-        channel.phase.store(phase == ReadAddressHigh ? ReadAddressLow : WriteAddressLow);
-    } else if (phase == ReadAddressLow) {
-        takeAddressLow(value, AccessKind::Read);
-    } else if (phase == WriteAddressLow) {
-        takeAddressLow(value, AccessKind::Write);
-    } else if (phase == WriteValue) {
+        channel.phase.store(channel.phase.load() == ReadAddressHigh ? ReadAddressLow : WriteAddressLow);
+        break;
+    case ReadAddressLow:
         channel.phase.store(Idle);
-        const std::uint16_t address = channel.address.load();
-        registers.write(address, value);
-        state.counters.writes.fetch_add(1);
-        log.append(AccessKind::Write, address, value, nowMs());
-    }
-    // Idle and Wedged: nobody waits for a data byte.
-}
-
-void EcChannel::takeAddressLow(std::uint8_t value, AccessKind kind)
-{
-    const auto address = static_cast<std::uint16_t>(channel.address.load() | value);
-    channel.address.store(address);
-    if (faults.refuses(kind, address)) {
-        refuse(kind);
-        return;
-    }
-    if (kind == AccessKind::Write) {
+        prepareAnswer(addressWith(value));
+        break;
+    case WriteAddressLow:
+        channel.address.store(addressWith(value));
         channel.phase.store(WriteValue);
-        return;
+        break;
+    case WriteValue:
+        channel.phase.store(Idle);
+        writeRegister(value);
+        break;
+    default:
+        break;
     }
-    channel.phase.store(Idle);
-    prepareAnswer(address);
 }
 
 void EcChannel::prepareAnswer(std::uint16_t address)
 {
-    if (faults.isOn(Fault::NoAnswer)) {
-        return;
-    }
     channel.answerAddress.store(address);
     channel.answerValue.store(registers.read(address));
     channel.answerSinceMs.store(nowMs());
-    channel.answerState.store(Preparing);
-    presentAnswer();
+    channel.answerState.store(Prepared);
 }
 
-// A refused read is never answered. A refused write keeps IBF set until the host has given up looking: were
-// it for a time instead, a slow host would find the channel free again and take the write for done.
-void EcChannel::refuse(AccessKind kind)
+void EcChannel::writeRegister(std::uint8_t value)
 {
-    state.counters.refusedAccesses.fetch_add(1);
-    if (kind == AccessKind::Read) {
-        channel.phase.store(Idle);
-        return;
-    }
-    channel.wedgedPolls.store(state.timing.refusedWritePolls.load());
-    channel.phase.store(Wedged);
+    const std::uint16_t address = channel.address.load();
+    registers.write(address, value);
+    state.counters.writes.fetch_add(1);
+    log.append(AccessKind::Write, address, value, nowMs());
 }
 
-void EcChannel::presentAnswer()
+std::uint16_t EcChannel::addressWith(std::uint8_t low) const
 {
-    if (channel.answerState.load() != Preparing) {
-        return;
-    }
-    if (hasElapsed(nowMs(), channel.answerSinceMs.load(), delayMs())) {
-        channel.answerState.store(Waiting);
-    }
-}
-
-// One look of the host at the input buffer.
-bool EcChannel::isInputFull()
-{
-    if (channel.phase.load() == Wedged) {
-        const std::uint32_t polls = channel.wedgedPolls.load();
-        if (polls > 0) {
-            channel.wedgedPolls.store(polls - 1);
-            return true;
-        }
-        channel.phase.store(Idle);
-    }
-    return channel.inputKind.load() != NoInput || faults.isOn(Fault::IbfStuck);
-}
-
-std::uint64_t EcChannel::delayMs() const
-{
-    return static_cast<std::uint64_t>(faults.value(Fault::Slow).value_or(0));
+    return static_cast<std::uint16_t>((channel.address.load() & 0xFF00) | low);
 }
 
 } // namespace tarnSimulator

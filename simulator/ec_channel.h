@@ -1,42 +1,59 @@
 #pragma once
 
 #include "simulator/clock.h"
-#include "simulator/fault_panel.h"
 #include "simulator/machine_state.h"
 #include "simulator/register_file.h"
 #include "simulator/register_log.h"
 
+#include <optional>
+
 namespace tarnSimulator {
 
-// The EC's end of the second host channel: takes command and data bytes, answers reads, shows IBF and OBF.
-// Nothing runs by itself; whatever has become due is done at the next port access.
+// The register access that a host is about to have made.
+struct RequestedAccess
+{
+    AccessKind kind;
+    std::uint16_t address;
+};
+
+// The EC's end of the second host channel: an input buffer of one byte (IBF), an output buffer of one byte
+// (OBF), and between them the commands that read and write a register. The host's side fills and empties the
+// buffers; the EC works on them when it is told to, by whoever knows what keeps it from doing so at once.
 class EcChannel
 {
 public:
-    EcChannel(MachineState &machine, const NowMs &clock, FaultPanel &panel, RegisterFile &file);
+    EcChannel(MachineState &machine, const NowMs &clock, RegisterFile &file);
 
+    // The host's side. There is one input buffer: a byte written before the EC has taken the last one
+    // replaces it.
     void writeCommand(std::uint8_t command);
     void writeData(std::uint8_t value);
-    [[nodiscard]] std::uint8_t readStatus();
     [[nodiscard]] std::uint8_t readData();
+    [[nodiscard]] bool isInputFull() const;
+    [[nodiscard]] bool isOutputFull() const;
+
+    // The EC's side. The access whose address the byte in the input buffer completes, if it does.
+    [[nodiscard]] std::optional<RequestedAccess> requestedAccess() const;
+    void takeInput();
+    // Forgets the byte and the exchange that it belongs to.
+    void dropInput();
+    // Puts an answer that is ready into the output buffer.
+    void presentAnswer();
+
+    [[nodiscard]] std::uint64_t inputSinceMs() const { return channel.inputSinceMs.load(); }
+    [[nodiscard]] std::uint64_t answerSinceMs() const { return channel.answerSinceMs.load(); }
 
 private:
     void put(std::uint8_t kind, std::uint8_t value);
-    void takeInput();
     void takeCommand(std::uint8_t command);
     void takeData(std::uint8_t value);
-    void takeAddressLow(std::uint8_t value, AccessKind kind);
     void prepareAnswer(std::uint16_t address);
-    void refuse(AccessKind kind);
-    void presentAnswer();
-    [[nodiscard]] bool isInputFull();
-
-    [[nodiscard]] std::uint64_t delayMs() const;
+    void writeRegister(std::uint8_t value);
+    [[nodiscard]] std::uint16_t addressWith(std::uint8_t low) const;
 
     MachineState &state;
     EcChannelState &channel;
     const NowMs &nowMs;
-    FaultPanel &faults;
     RegisterFile &registers;
     RegisterLog log;
 };

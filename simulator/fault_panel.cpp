@@ -17,10 +17,17 @@ bool isUsedUp(SharedWord &remaining)
     return true;
 }
 
+constexpr std::uint64_t bitOf(Fault fault)
+{
+    return std::uint64_t {1} << static_cast<unsigned>(fault);
+}
+
 } // namespace
 
 void FaultPanel::switchOn(Fault fault, std::int32_t value, std::uint32_t skip)
 {
+    static_assert(FAULT_SLOTS <= 64); // bits of `seen`
+    seen.fetch_or(bitOf(fault));
     FaultState &shared = slot(fault);
     shared.on.store(0); // the EC must not meet the old value with the new count
     shared.value.store(value);
@@ -43,6 +50,11 @@ void FaultPanel::clear()
 bool FaultPanel::isOn(Fault fault) const
 {
     return slot(fault).on.load() != 0;
+}
+
+bool FaultPanel::wasOn(Fault fault) const
+{
+    return (seen.load() & bitOf(fault)) != 0;
 }
 
 std::optional<std::int32_t> FaultPanel::value(Fault fault) const

@@ -14,6 +14,7 @@ class FaultPanel
 public:
     explicit FaultPanel(MachineState &state)
         : switches(state.faults)
+        , seen(state.faultsSeen)
     { }
 
     // `skip` accesses still succeed before one of the fail- faults strikes.
@@ -22,6 +23,8 @@ public:
     void clear();
 
     [[nodiscard]] bool isOn(Fault fault) const;
+    // Since power-on, by whomever.
+    [[nodiscard]] bool wasOn(Fault fault) const;
     // Empty while the fault is off.
     [[nodiscard]] std::optional<std::int32_t> value(Fault fault) const;
     [[nodiscard]] std::uint32_t remaining(Fault fault) const;
@@ -42,6 +45,7 @@ private:
     [[nodiscard]] bool strikesOnce();
 
     std::array<FaultState, FAULT_SLOTS> &switches;
+    SharedLong &seen;
 };
 
 } // namespace tarnSimulator

@@ -16,7 +16,7 @@ namespace tarnSimulator {
 inline constexpr std::uint32_t STATE_MAGIC = 0x43535254; // "TRSC" in a dump of the file
 // Raised whenever the meaning or the place of something below changes. A feature that only takes bytes out of
 // `growth`, where zero means what older programs assumed, does not need it.
-inline constexpr std::uint32_t STATE_VERSION = 2;
+inline constexpr std::uint32_t STATE_VERSION = 3;
 
 inline constexpr std::size_t XDATA_SIZE = 0x10000;
 inline constexpr std::size_t EEPROM_SIZE = 0x100;
@@ -28,7 +28,7 @@ inline constexpr std::size_t DEVICE_SLOTS = 16;
 inline constexpr std::size_t DEVICE_NAME_SIZE = 32; // sizes of texts count their final zero
 inline constexpr std::size_t DEVICE_TEXT_SIZE = 128;
 inline constexpr std::size_t GUI_SWITCH_SIZE = 64;
-inline constexpr std::size_t GROWTH_SIZE = 0x6000 - 8;
+inline constexpr std::size_t GROWTH_SIZE = 0x6000 - 32;
 
 struct StateHeader
 {
@@ -43,7 +43,7 @@ struct EcChannelState
 {
     SharedLong inputSinceMs;
     SharedLong answerSinceMs;
-    SharedWord wedgedPolls; // status reads for which IBF stays set after a refused write
+    SharedWord reservedWord;
     SharedHalf address;
     SharedHalf answerAddress;
     SharedByte phase;
@@ -51,6 +51,14 @@ struct EcChannelState
     SharedByte inputValue;
     SharedByte answerState;
     SharedByte answerValue;
+    std::array<SharedByte, 3> reserved;
+};
+
+// The byte in the input buffer while the EC does not look at it.
+struct InputHoldState
+{
+    SharedWord looksLeft; // status reads for which it stays there
+    SharedByte refused; // and is dropped then, with the exchange that it belongs to
     std::array<SharedByte, 3> reserved;
 };
 
@@ -68,7 +76,8 @@ struct ApplicationMailboxState
 {
     SharedLong sinceMs;
     SharedByte busy;
-    std::array<SharedByte, 7> reserved;
+    SharedByte pending; // the command that has still to be finished, 0: none
+    std::array<SharedByte, 6> reserved;
 };
 
 struct AccessoryState
@@ -104,7 +113,7 @@ struct TimingState
     SharedWord eepromBusyMs;
     SharedWord mailboxBusyMs;
     SharedWord refusedWritePolls;
-    SharedWord reserved;
+    SharedWord acceptancePolls; // status reads for which IBF stays set after each byte
 };
 
 struct CounterState
@@ -115,7 +124,8 @@ struct CounterState
     SharedLong abortedCommands;
     SharedLong refusedAccesses; // by one of the fail- faults
     SharedLong libraryLoads;
-    std::array<SharedLong, 2> reserved;
+    SharedLong writtenWhileFull; // bytes that the host wrote although IBF was set
+    SharedLong reserved;
 };
 
 // `stamp` is the number of the access, counted from 1, or 0 while the entry is being written.
@@ -182,6 +192,9 @@ struct MachineState
     DeviceTreeState devices;
     DesktopState desktop;
     SharedLong guiSeenMs; // when a window was last known to be open, by the time of day; 0: nobody tells
+    SharedLong faultsSeen; // bit n: the fault of slot n was switched on since power-on
+    SharedLong statusNoise; // where the other bits of the status byte have come to
+    InputHoldState inputHold;
     std::array<SharedByte, GROWTH_SIZE> growth; // room for later parts of the machine, all zero until then
     BootLoaderState bootLoader;
 };
@@ -189,6 +202,7 @@ struct MachineState
 // Programs of different compilers share one file, so the layout is pinned down.
 static_assert(sizeof(StateHeader) == 16);
 static_assert(sizeof(EcChannelState) == 32);
+static_assert(sizeof(InputHoldState) == 8);
 static_assert(sizeof(EepromMailboxState) == 16);
 static_assert(sizeof(ApplicationMailboxState) == 16);
 static_assert(sizeof(AccessoryState) == 24);
@@ -214,7 +228,10 @@ static_assert(offsetof(MachineState, log) == 67136);
 static_assert(offsetof(MachineState, devices) == 165448);
 static_assert(offsetof(MachineState, desktop) == 172240);
 static_assert(offsetof(MachineState, guiSeenMs) == 172320);
-static_assert(offsetof(MachineState, growth) == 172328);
+static_assert(offsetof(MachineState, faultsSeen) == 172328);
+static_assert(offsetof(MachineState, statusNoise) == 172336);
+static_assert(offsetof(MachineState, inputHold) == 172344);
+static_assert(offsetof(MachineState, growth) == 172352);
 static_assert(offsetof(MachineState, bootLoader) == 196896);
 static_assert(sizeof(MachineState) == 348768);
 

@@ -271,6 +271,8 @@ constexpr MachineValue VALUES[] = {
         writeTiming<&TimingState::eepromBusyMs, LONGEST_TIME_MS>},
     {"mailbox-ms", A_TIME, "time until an application command byte clears, ms",
         readTiming<&TimingState::mailboxBusyMs>, writeTiming<&TimingState::mailboxBusyMs, LONGEST_TIME_MS>},
+    {"acceptance-polls", "0 to 1000000", "status reads for which IBF stays set after each byte",
+        readTiming<&TimingState::acceptancePolls>, writeTiming<&TimingState::acceptancePolls, MOST_POLLS>},
     {"refused-write-polls", "0 to 1000000", "status reads for which IBF stays set after a refused write",
         readTiming<&TimingState::refusedWritePolls>,
         writeTiming<&TimingState::refusedWritePolls, MOST_POLLS>},

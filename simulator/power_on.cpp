@@ -79,7 +79,8 @@ void resetAccessory(AccessoryState &accessory)
 void resetCounters(CounterState &counters)
 {
     SharedLong *const all[] = {&counters.reads, &counters.writes, &counters.commands,
-        &counters.abortedCommands, &counters.refusedAccesses, &counters.libraryLoads};
+        &counters.abortedCommands, &counters.refusedAccesses, &counters.libraryLoads,
+        &counters.writtenWhileFull};
     for (SharedLong *counter : all) {
         counter->store(0);
     }
@@ -102,14 +103,18 @@ void powerOn(MachineState &state)
         fault.value.store(0);
         fault.remaining.store(0);
     }
+    state.faultsSeen.store(0);
+    state.statusNoise.store(0);
     for (SharedLong &slot : state.events.waiting) {
         slot.store(0);
     }
     state.eepromMailbox.operation.store(0);
     state.applicationMailbox.busy.store(0);
+    state.applicationMailbox.pending.store(0);
     state.timing.eepromBusyMs.store(EEPROM_BUSY_MS);
     state.timing.mailboxBusyMs.store(MAILBOX_BUSY_MS);
     state.timing.refusedWritePolls.store(REFUSED_WRITE_POLLS);
+    state.timing.acceptancePolls.store(0);
     resetAccessory(state.accessory);
     resetCounters(state.counters);
     resetMemories(state);

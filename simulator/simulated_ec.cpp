@@ -18,27 +18,46 @@ SimulatedEc::SimulatedEc(MachineState &state, NowMs clock)
     : nowMs(std::move(clock))
     , faults(state)
     , registers(state, nowMs, faults)
-    , channel(state, nowMs, faults, registers)
+    , channel(state, nowMs, registers)
+    , channelFaults(state, nowMs, faults, channel)
+    , otherBits(state)
 { }
 
 void SimulatedEc::writePort(std::uint16_t port, std::uint8_t value)
 {
+    if (port != EC_CMD_STATUS_PORT && port != EC_DATA_PORT) {
+        return;
+    }
+    channelFaults.letEcWork();
+    channelFaults.beginByte();
     if (port == EC_CMD_STATUS_PORT) {
         channel.writeCommand(value);
-    } else if (port == EC_DATA_PORT) {
+    } else {
         channel.writeData(value);
     }
+    channelFaults.letEcWork();
 }
 
 std::uint8_t SimulatedEc::readPort(std::uint16_t port)
 {
     if (port == EC_CMD_STATUS_PORT) {
-        return channel.readStatus();
+        return readStatus();
     }
     if (port == EC_DATA_PORT) {
+        channelFaults.letEcWork();
         return channel.readData();
     }
     return NOBODY_ANSWERS;
+}
+
+std::uint8_t SimulatedEc::readStatus()
+{
+    registers.advance();
+    channelFaults.letEcWork();
+    const int outputFull = channelFaults.showsOutputFull() ? OBF : 0;
+    const int inputFull = channelFaults.showsInputFull() ? IBF : 0;
+    channelFaults.endLook();
+    return static_cast<std::uint8_t>(otherBits.next() | outputFull | inputFull);
 }
 
 } // namespace tarnSimulator

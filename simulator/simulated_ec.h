@@ -1,10 +1,12 @@
 #pragma once
 
+#include "simulator/channel_faults.h"
 #include "simulator/clock.h"
 #include "simulator/ec_channel.h"
 #include "simulator/fault_panel.h"
 #include "simulator/machine_state.h"
 #include "simulator/register_file.h"
+#include "simulator/status_noise.h"
 
 #include <cstdint>
 
@@ -26,10 +28,14 @@ public:
     [[nodiscard]] std::uint8_t readPort(std::uint16_t port);
 
 private:
+    [[nodiscard]] std::uint8_t readStatus();
+
     NowMs nowMs;
     FaultPanel faults;
     RegisterFile registers;
     EcChannel channel;
+    ChannelFaults channelFaults;
+    StatusNoise otherBits;
 };
 
 } // namespace tarnSimulator

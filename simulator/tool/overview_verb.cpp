@@ -31,7 +31,7 @@ const Line LINES[] = {
     {"Power", {"supply-mode", "power-mode", "smart-charging"}},
     {"Limits", {"pl-control", "pl1", "pl2", "pl4", "fan-mode"}},
     {"MCU update", {"mcu-update", "mcu-mode"}},
-    {"Timing", {"eeprom-ms", "mailbox-ms"}},
+    {"Timing", {"eeprom-ms", "mailbox-ms", "acceptance-polls"}},
 };
 
 void printLine(QTextStream &out, const QString &label, const QString &text)
@@ -89,12 +89,14 @@ QString faultsText(const ComputerControl &computer)
 QString countersText(const CounterState &counters)
 {
     return QStringLiteral(
-        "%1 reads, %2 writes, %3 refused, %4 of %5 commands aborted, library loaded %6 times")
+        "%1 reads, %2 writes, %3 refused, %4 of %5 commands aborted, %6 bytes written while IBF was set, "
+        "library loaded %7 times")
         .arg(counters.reads.load())
         .arg(counters.writes.load())
         .arg(counters.refusedAccesses.load())
         .arg(counters.abortedCommands.load())
         .arg(counters.commands.load())
+        .arg(counters.writtenWhileFull.load())
         .arg(counters.libraryLoads.load());
 }
 

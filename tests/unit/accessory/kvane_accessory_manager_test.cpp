@@ -14,6 +14,7 @@ protected:
         : manager(KvaneAccessoryManager::instance())
     {
         EcDirverControllerHal::instance();
+        machine.attach(ACCESSORY_KVANE);
         machine.log.clear();
     }
 

@@ -85,6 +85,7 @@ TEST_F(AccessoryCommands, GiveWhatTheMonitorLastSent)
 
 TEST_F(AccessoryCommands, GiveTheSerialNumber)
 {
+    machine.attach(ACCESSORY_KVANE);
     const std::uint8_t bytes[] = {0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD};
     std::copy(std::begin(bytes), std::end(bytes), machine.state->accessory.kvaneSerialNumber.begin());
     EXPECT_EQ(askFor("getTarnKvaneSnCode"), answer("getTarnKvaneSnCode", "CDAB8967452301"));
@@ -92,6 +93,7 @@ TEST_F(AccessoryCommands, GiveTheSerialNumber)
 
 TEST_F(AccessoryCommands, SetTheKVanesLightAndEchoTheRequest)
 {
+    machine.attach(ACCESSORY_KVANE);
     EXPECT_EQ(ask(R"({"cmd":"setKVaneLedLight","data":"7"})"), R"({"cmd":"setKVaneLedLight","data":"7"})");
     EXPECT_EQ(machine.state->accessory.kvaneLed, 7);
     EXPECT_EQ(
@@ -101,6 +103,7 @@ TEST_F(AccessoryCommands, SetTheKVanesLightAndEchoTheRequest)
 
 TEST_F(AccessoryCommands, TakeTheKVanesLightAsADecimalNumberOfWhichTheLowestByteCounts)
 {
+    machine.attach(ACCESSORY_KVANE);
     const std::pair<const char *, int> lights[] = {{"010", 10}, {"0x10", 0}, {"255", 255}, {"256", 0},
         {"300", 44}, {"-1", 255}, {"-200", 56}, {"+5", 5}, {"2147483647", 255}, {"2147483648", 0}, {"1e1", 0},
         {"7.5", 0}, {"", 0}};
@@ -115,6 +118,7 @@ TEST_F(AccessoryCommands, TakeTheKVanesLightAsADecimalNumberOfWhichTheLowestByte
 // Only text is a number here.
 TEST_F(AccessoryCommands, TakeALightThatIsNoTextForNone)
 {
+    machine.attach(ACCESSORY_KVANE);
     for (const char *data : {"7", "true", "null", "[7]"}) {
         machine.state->accessory.kvaneLed = 99;
         const QByteArray request = QByteArray(R"({"cmd":"setKVaneLedLight","data":)") + data + "}";

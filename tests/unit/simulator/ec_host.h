@@ -30,7 +30,12 @@ public:
     void sendCommand(std::uint8_t command) { ec->writePort(tarnDeviceInfos::EC_CMD_STATUS_PORT, command); }
     void sendData(std::uint8_t value) { ec->writePort(tarnDeviceInfos::EC_DATA_PORT, value); }
     [[nodiscard]] std::uint8_t takeData() { return ec->readPort(tarnDeviceInfos::EC_DATA_PORT); }
-    [[nodiscard]] std::uint8_t status() { return ec->readPort(tarnDeviceInfos::EC_CMD_STATUS_PORT); }
+    [[nodiscard]] std::uint8_t wholeStatus() { return ec->readPort(tarnDeviceInfos::EC_CMD_STATUS_PORT); }
+    // Of its bits, the two that are the channel's.
+    [[nodiscard]] std::uint8_t status()
+    {
+        return wholeStatus() & (tarnDeviceInfos::OBF | tarnDeviceInfos::IBF);
+    }
     [[nodiscard]] bool answerWaits() { return (status() & tarnDeviceInfos::OBF) != 0; }
     [[nodiscard]] bool inputIsFull() { return (status() & tarnDeviceInfos::IBF) != 0; }
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <vector>
+
 using namespace tarnDeviceInfos;
 using tarnSimulatorTest::EcHost;
 
@@ -9,6 +11,15 @@ namespace {
 
 constexpr std::uint16_t SOME_REGISTER = 0x1234;
 constexpr std::uint16_t OTHER_REGISTER = 0x3412;
+
+std::vector<int> looksAtTheStatus(EcHost &host, int count)
+{
+    std::vector<int> looks;
+    for (int i = 0; i < count; ++i) {
+        looks.push_back(host.wholeStatus());
+    }
+    return looks;
+}
 
 } // namespace
 
@@ -170,4 +181,88 @@ TEST(SimulatedChannel, LogsEveryCompletedAccess)
     EXPECT_EQ(accesses[1].value, 0x77);
     EXPECT_EQ(accesses[1].timeMs, 6000U);
     EXPECT_EQ(accesses[1].number, 2U);
+}
+
+// A host has to look at the two bits that are the channel's and at no others.
+TEST(SimulatedChannel, OtherBitsOfTheStatusAreAnything)
+{
+    EcHost host;
+    host.beginRead(SOME_REGISTER);
+    int everSet = 0;
+    int everClear = 0;
+    for (const int status : looksAtTheStatus(host, 200)) {
+        EXPECT_EQ(status & 0x03, 0x01);
+        everSet |= status;
+        everClear |= ~status;
+    }
+    EXPECT_EQ(everSet, 0xFD);
+    EXPECT_EQ(everClear & 0xFC, 0xFC);
+}
+
+TEST(SimulatedChannel, OtherBitsAreTheSameInEveryRun)
+{
+    EcHost first;
+    EcHost second;
+    const auto looks = looksAtTheStatus(first, 50);
+    EXPECT_EQ(looksAtTheStatus(second, 50), looks);
+    // They go on where they were when the library is loaded again, and begin again with power-on.
+    const auto next = looksAtTheStatus(first, 50);
+    EXPECT_NE(next, looks);
+    second.reconnect();
+    EXPECT_EQ(looksAtTheStatus(second, 50), next);
+    second.computer.reset();
+    EXPECT_EQ(looksAtTheStatus(second, 50), looks);
+}
+
+TEST(SimulatedChannel, TakesEachByteAfterSoManyLooks)
+{
+    EcHost host;
+    host.computer.timing().acceptancePolls.store(3);
+    host.computer.poke(SOME_REGISTER, 0x5A);
+    const int bytes[] = {XDATA_READ_CMD, 0x12, 0x34};
+    for (const int byte : bytes) {
+        if (byte == XDATA_READ_CMD) {
+            host.sendCommand(XDATA_READ_CMD);
+        } else {
+            host.sendData(static_cast<std::uint8_t>(byte));
+        }
+        host.nowMs += 1000000; // time alone does not move it
+        EXPECT_EQ(host.status(), IBF);
+        static_cast<void>(host.takeData()); // nor does the other port
+        EXPECT_EQ(host.status(), IBF);
+        host.reconnect();
+        EXPECT_EQ(host.status(), IBF);
+    }
+    EXPECT_EQ(host.status(), OBF);
+    EXPECT_EQ(host.takeData(), 0x5A);
+    EXPECT_EQ(host.state->counters.writtenWhileFull.load(), 0U);
+}
+
+TEST(SimulatedChannel, APatientHostGetsAlongWithSlowAcceptance)
+{
+    EcHost host;
+    host.computer.timing().acceptancePolls.store(4);
+    ASSERT_TRUE(host.write(SOME_REGISTER, 0x77));
+    EXPECT_EQ(host.read(SOME_REGISTER), 0x77);
+    ASSERT_TRUE(host.write(OTHER_REGISTER, 0x78));
+    EXPECT_EQ(host.read(OTHER_REGISTER), 0x78);
+    EXPECT_EQ(host.state->counters.abortedCommands.load(), 0U);
+    EXPECT_EQ(host.state->counters.writtenWhileFull.load(), 0U);
+}
+
+TEST(SimulatedChannel, CountsBytesThatAreWrittenWhileIbfIsSet)
+{
+    EcHost host;
+    host.computer.timing().acceptancePolls.store(1);
+    host.sendCommand(XDATA_WRITE_CMD);
+    EXPECT_EQ(host.state->counters.writtenWhileFull.load(), 0U);
+    host.sendData(0x12); // takes the place of the command
+    EXPECT_EQ(host.state->counters.writtenWhileFull.load(), 1U);
+    host.sendData(0x34);
+    EXPECT_EQ(host.state->counters.writtenWhileFull.load(), 2U);
+    EXPECT_TRUE(host.inputIsFull());
+    EXPECT_FALSE(host.inputIsFull());
+    host.sendData(0x77);
+    EXPECT_EQ(host.state->counters.writtenWhileFull.load(), 2U);
+    EXPECT_EQ(host.state->counters.commands.load(), 0U);
 }

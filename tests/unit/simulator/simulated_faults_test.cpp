@@ -42,14 +42,25 @@ TEST(SimulatedFaults, AllAreOffAfterPowerOnAndCanBeCleared)
     EcHost host;
     for (const auto &fault : tarnSimulator::faultTable()) {
         EXPECT_FALSE(host.computer.faults().isOn(fault.fault));
+        EXPECT_FALSE(host.computer.faults().wasOn(fault.fault));
         host.computer.faults().switchOn(fault.fault, 1);
         EXPECT_EQ(host.computer.faults().value(fault.fault), 1);
     }
     host.computer.faults().clear();
     for (const auto &fault : tarnSimulator::faultTable()) {
         EXPECT_EQ(host.computer.faults().value(fault.fault), std::nullopt);
+        EXPECT_TRUE(host.computer.faults().wasOn(fault.fault));
     }
     expectEverythingWorks(host);
+}
+
+TEST(SimulatedFaults, PowerOnForgetsThemAll)
+{
+    EcHost host;
+    host.computer.faults().switchOn(Fault::Slow, 7);
+    host.computer.reset();
+    EXPECT_FALSE(host.computer.faults().isOn(Fault::Slow));
+    EXPECT_FALSE(host.computer.faults().wasOn(Fault::Slow));
 }
 
 TEST(SimulatedFaults, IbfStuckTakesNothing)

@@ -27,6 +27,13 @@ void expectColourBytes(EcHost &host, Colour colour)
     EXPECT_EQ(host.read(XEC_RGB_BLUE), colour.blue);
 }
 
+// Hands a command over and waits as long as the service does.
+void command(EcHost &host, std::uint8_t code)
+{
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, code));
+    host.nowMs += 10;
+}
+
 constexpr Colour SOME_COLOUR {230, 0, 18};
 constexpr Colour OTHER_COLOUR {30, 149, 212};
 
@@ -95,11 +102,11 @@ TEST(SimulatedMailbox, LoadsTheColourOfTheAttachedAccessory)
     host.computer.setDockLight(SOME_COLOUR);
     host.computer.setGraphicsLight(OTHER_COLOUR);
     attachCode(host, ACCESSORY_DOCK);
-    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    command(host, APP_EC_RGB_READ);
     expectColourBytes(host, SOME_COLOUR);
 
     attachCode(host, ACCESSORY_GRAPHICS_16G);
-    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    command(host, APP_EC_RGB_READ);
     expectColourBytes(host, OTHER_COLOUR);
 }
 
@@ -111,7 +118,7 @@ TEST(SimulatedMailbox, WithoutALightTheColourIsBlackAndNothingIsApplied)
     EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
     EXPECT_EQ(host.computer.graphicsLight(), (Colour {255, 255, 255}));
 
-    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
+    command(host, APP_EC_RGB_READ);
     expectColourBytes(host, {0, 0, 0});
 }
 
@@ -143,18 +150,63 @@ TEST(SimulatedMailbox, AcceptsACommandWhileTheLastIsStillThere)
     host.nowMs += 900;
     ASSERT_TRUE(host.write(XEC_RGB_RED, 0));
     ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
-    EXPECT_EQ(host.read(XEC_RGB_RED), SOME_COLOUR.red);
     host.nowMs += 900; // the time of the first command is over, that of the second is not
     EXPECT_EQ(host.read(XEC_RGB_CMD), APP_EC_RGB_READ);
+    EXPECT_EQ(host.read(XEC_RGB_RED), 0);
     host.nowMs += 100;
     EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
+    EXPECT_EQ(host.read(XEC_RGB_RED), SOME_COLOUR.red);
+}
+
+// A host that looks at the data before the command byte is clear gets what was there before.
+TEST(SimulatedMailbox, AnswersWhenTheCommandByteClearsAndNotBefore)
+{
+    EcHost host;
+    host.computer.timing().mailboxBusyMs.store(40);
+    host.computer.setKvaneSerialNumber({0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x0A});
+    host.computer.setKvaneLed(5);
+    host.computer.setDockLight({5, 0x22, 0x33});
+    const std::pair<std::uint8_t, std::uint8_t> commands[] = {{ACCESSORY_DOCK, APP_EC_RGB_READ},
+        {ACCESSORY_KVANE, APP_EC_KVANE_SN_READ}, {ACCESSORY_KVANE, APP_EC_KVANE_LED_READ}};
+    for (const auto &[accessory, code] : commands) {
+        attachCode(host, accessory);
+        ASSERT_TRUE(host.write(XEC_RGB_RED, 0xEE));
+        ASSERT_TRUE(host.write(XEC_RGB_CMD, code));
+        host.nowMs += 39;
+        EXPECT_EQ(host.read(XEC_RGB_RED), 0xEE) << int(code);
+        EXPECT_EQ(host.read(XEC_RGB_CMD), code);
+        host.nowMs += 1;
+        EXPECT_EQ(host.read(XEC_RGB_RED), code == APP_EC_KVANE_SN_READ ? 0x11 : 5) << int(code);
+        EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
+    }
+}
+
+TEST(SimulatedMailbox, ACommandThatIsReplacedLeavesNoAnswer)
+{
+    EcHost host;
+    host.computer.timing().mailboxBusyMs.store(1000);
+    host.computer.setKvaneLed(5);
+    attachCode(host, ACCESSORY_KVANE);
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_LED_READ));
+    ASSERT_TRUE(host.write(XEC_RGB_RED, 9));
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_LED_WRITE));
+    EXPECT_EQ(host.computer.kvaneLed(), 9);
+    host.computer.setKvaneLed(7);
+    host.nowMs += 2000;
+    EXPECT_EQ(host.read(XEC_RGB_RED), 9);
+
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_LED_READ));
+    ASSERT_TRUE(host.write(XEC_RGB_CMD, 0));
+    host.nowMs += 2000;
+    EXPECT_EQ(host.read(XEC_RGB_RED), 9);
 }
 
 TEST(SimulatedMailbox, DeliversTheKvaneSerialNumber)
 {
     EcHost host;
     host.computer.setKvaneSerialNumber({0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x0A});
-    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_SN_READ));
+    attachCode(host, ACCESSORY_KVANE);
+    command(host, APP_EC_KVANE_SN_READ);
     const std::uint8_t expected[] = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x0A};
     for (std::uint16_t i = 0; i < KVANE_SN_LENGTH; ++i) {
         EXPECT_EQ(host.read(static_cast<std::uint16_t>(KVANE_SN_BYTES + i)), expected[i]);
@@ -164,13 +216,38 @@ TEST(SimulatedMailbox, DeliversTheKvaneSerialNumber)
 TEST(SimulatedMailbox, WritesAndReadsTheKvaneLed)
 {
     EcHost host;
+    attachCode(host, ACCESSORY_KVANE);
     ASSERT_TRUE(host.write(XEC_RGB_RED, 3));
     ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_LED_WRITE));
     EXPECT_EQ(host.computer.kvaneLed(), 3);
 
     host.computer.setKvaneLed(5);
-    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_LED_READ));
+    command(host, APP_EC_KVANE_LED_READ);
     EXPECT_EQ(host.read(XEC_RGB_RED), 5);
+}
+
+// Neither with another accessory nor behind a link that is down.
+TEST(SimulatedMailbox, WithoutAKvaneThereIsNoSerialNumberAndNoLed)
+{
+    for (const int code : {ACCESSORY_NONE, ACCESSORY_DOCK, ACCESSORY_GRAPHICS, ACCESSORY_KVANE}) {
+        EcHost host;
+        host.computer.setKvaneLed(5);
+        if (code != ACCESSORY_NONE) {
+            attachCode(host, static_cast<std::uint8_t>(code));
+            host.computer.setLinkStatus(code == ACCESSORY_KVANE ? 3 : MCU_LINKED);
+        }
+        ASSERT_TRUE(host.write(XEC_RGB_RED, 9));
+        command(host, APP_EC_KVANE_LED_WRITE);
+        EXPECT_EQ(host.computer.kvaneLed(), 5) << code;
+        command(host, APP_EC_KVANE_LED_READ);
+        EXPECT_EQ(host.read(XEC_RGB_RED), 0) << code;
+
+        ASSERT_TRUE(host.write(XEC_RGB_RED, 9));
+        command(host, APP_EC_KVANE_SN_READ);
+        for (std::uint16_t i = 0; i < KVANE_SN_LENGTH; ++i) {
+            EXPECT_EQ(host.read(static_cast<std::uint16_t>(KVANE_SN_BYTES + i)), 0) << code;
+        }
+    }
 }
 
 TEST(SimulatedMailbox, KeepsAndCountsGpuStateReports)
@@ -199,6 +276,9 @@ TEST(SimulatedMailbox, StuckFaultExecutesButNeverClears)
     host.nowMs += 100000;
     EXPECT_EQ(host.read(XEC_RGB_CMD), APP_EC_RGB_READ);
     EXPECT_EQ(host.read(XEC_RGB_RED), SOME_COLOUR.red);
+    // Once: what is there since then stays.
+    ASSERT_TRUE(host.write(XEC_RGB_RED, 0xEE));
+    EXPECT_EQ(host.read(XEC_RGB_RED), 0xEE);
 
     host.computer.faults().switchOff(tarnSimulator::Fault::MailboxStuck);
     EXPECT_EQ(host.read(XEC_RGB_CMD), 0);

@@ -125,6 +125,30 @@ TEST(SimulatedMcu, TellsTheVersionOfTheFirmwareThatItStarts)
     EXPECT_EQ(host.version(), 20005);
 }
 
+// The boot loader acts on its last bytes while the host may already have reset the MCU.
+TEST(SimulatedMcu, ARunThatAResetHasEndedTellsNothing)
+{
+    SerialHost host;
+    ASSERT_TRUE(host.enterBootLoader());
+    tarnSimulator::AccessoryMcu mcu(*host.state);
+    const std::uint32_t endedRun = mcu.run();
+    ASSERT_TRUE(host.enterBootLoader());
+    host.putIntoFlash(tarnSimulator::makeFirmwareImage({9, 8, 7}));
+
+    mcu.startFirmware(endedRun);
+    EXPECT_EQ(host.version(), 20005);
+    mcu.leaveForNothing(endedRun);
+    EXPECT_EQ(host.version(), 20005);
+    host.computer.poke(EC_MCU_UPDATE_CTRL, 0);
+    mcu.restart(endedRun);
+    EXPECT_EQ(host.version(), 20005);
+    EXPECT_EQ(host.computer.mcuMode(), McuMode::BootLoader);
+
+    mcu.startFirmware(mcu.run());
+    EXPECT_EQ(host.version(), 90807);
+    EXPECT_EQ(host.computer.mcuMode(), McuMode::Firmware);
+}
+
 TEST(SimulatedMcu, WithoutAFirmwareNothingRunsAndTheLinkStays)
 {
     SerialHost host;

@@ -102,7 +102,7 @@ TEST_F(SimulatedStateFile, OtherVersionIsRefusedAndNamed)
     open(Missing::IsCreated)->state().header.version.store(4711);
     EXPECT_FALSE(open(Missing::IsCreated).has_value());
     EXPECT_NE(error.find("version 4711"), std::string::npos) << error;
-    EXPECT_NE(error.find("needs version 2"), std::string::npos) << error;
+    EXPECT_NE(error.find("needs version 3"), std::string::npos) << error;
 }
 
 TEST_F(SimulatedStateFile, TruncatedOneIsRefused)

@@ -128,6 +128,23 @@ TEST_F(Tarnsim, ShowsTheMachine)
     EXPECT_FALSE(said("slow"));
 }
 
+// Whoever writes a host of his own looks here for what he has done wrong.
+TEST_F(Tarnsim, ShowTellsWhatAHostDidToTheChannel)
+{
+    EXPECT_EQ(run(QStringLiteral("set acceptance-polls 3")), 0);
+    machine->state().counters.commands.store(9);
+    machine->state().counters.abortedCommands.store(2);
+    machine->state().counters.writtenWhileFull.store(5);
+    EXPECT_EQ(run(QStringLiteral("show")), 0);
+    EXPECT_TRUE(said("acceptance-polls 3"));
+    EXPECT_TRUE(said("2 of 9 commands aborted, 5 bytes written while IBF was set"));
+
+    EXPECT_EQ(run(QStringLiteral("reset")), 0);
+    EXPECT_EQ(run(QStringLiteral("show")), 0);
+    EXPECT_TRUE(said("acceptance-polls 0"));
+    EXPECT_TRUE(said("0 of 0 commands aborted, 0 bytes written while IBF was set"));
+}
+
 TEST_F(Tarnsim, HelpCoversEveryVerb)
 {
     EXPECT_EQ(runBare({QStringLiteral("--help")}), 0);
