@@ -108,8 +108,9 @@ int EcDirverControllerHal::writeEeprom(quint16 offset, quint8 value)
     startEepromOperation(offset, EEP_CMD_WRITE);
     sleepFor(eepromPause);
 
-    // Deliberately read twice before the polling: the first answer can still be that of the last operation.
-    // The two texts of read and write deliberately differ by one blank.
+    // Deliberately read twice before the polling, with a word about the second time only: log readers know
+    // how long a write takes and which lines it leaves, down to the one blank in which the texts of read and
+    // write differ. The first answer stands when the second read fails.
     quint8 status = eepromStatusUnread;
     readEepromStatus(&status);
     if (readEepromStatus(&status) == 0)
@@ -221,7 +222,8 @@ int EcDirverControllerHal::readEepromStatus(quint8 *status)
     return readXdata(EEP_STATUS, status);
 }
 
-// A failed write shows in the status that follows, so the results are not looked at.
+// The results are not looked at. A failed write need not show later either: without the command the status
+// that follows is that of the operation before, and so is the byte that a read then finds.
 void EcDirverControllerHal::startEepromOperation(quint16 offset, quint8 command)
 {
     writeXdata(EEP_ADDR_LO, lowByte(offset));

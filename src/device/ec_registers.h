@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// Every EC port, channel command, xdata address, EEPROM offset and special value, in EC datasheet order.
+// Every EC port, channel command, xdata address, EEPROM offset and special value, grouped by what it serves.
 // Registers are one byte wide; xdata addresses are 16-bit and go over the wire high byte first.
 // No Qt here: the simulated computer is built from the same map.
 namespace tarnDeviceInfos {

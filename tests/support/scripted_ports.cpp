@@ -5,6 +5,7 @@ namespace {
 
 constexpr std::uint16_t dataPort = 0x68;
 constexpr std::uint16_t statusPort = 0x6C;
+constexpr std::uint8_t channelBits = 0x03;
 
 QString hex(std::uint8_t value)
 {
@@ -39,7 +40,8 @@ std::uint8_t ScriptedPorts::in(std::uint16_t port)
 {
     if (port == statusPort) {
         trace << QStringLiteral("status");
-        return status();
+        otherBits += 0x64; // goes through all values of the six bits
+        return static_cast<std::uint8_t>((status() & channelBits) | (otherBits & ~channelBits));
     }
     if (port != dataPort) {
         trace << QStringLiteral("port %1").arg(port);

@@ -29,7 +29,8 @@ public:
     QStringList takeTrace();
     [[nodiscard]] qsizetype count(const QString &step) const { return trace.count(step); }
 
-    // Status bits and data byte by the number of the read; the defaults: nothing waits, and 0x00.
+    // OBF and IBF, and the data byte; the defaults: nothing waits, and 0x00. The other bits of the status are
+    // anything, as on the real EC.
     std::function<std::uint8_t()> status = [] {
         return std::uint8_t(0);
     };
@@ -43,6 +44,7 @@ public:
 
 private:
     QStringList trace;
+    std::uint8_t otherBits = 0;
 };
 
 class PortTest : public ::testing::Test

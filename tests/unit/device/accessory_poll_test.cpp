@@ -162,6 +162,21 @@ TEST_F(AccessoryPoll, AFailedLinkReadCountsAsDetached)
     EXPECT_EQ(messages, QStringList({changeTo("dock")}));
 }
 
+// What stands for a failed read differs from every status that was read, that of nothing included.
+TEST_F(AccessoryPoll, AFailedLinkReadIsAChangeThoughNothingIsAttached)
+{
+    poll(0);
+    EXPECT_TRUE(messages.isEmpty());
+    machine.faults().switchOn(tarnSimulator::Fault::FailRead, MCU_LINK_STATUS);
+    EXPECT_EQ(poll(0).last(), "Accessory is disconnected.");
+    EXPECT_EQ(messages, QStringList({changeTo("disconnected")}));
+    poll(0);
+    EXPECT_TRUE(messages.isEmpty());
+    machine.faults().clear();
+    poll(0);
+    EXPECT_EQ(messages, QStringList({changeTo("disconnected")}));
+}
+
 TEST_F(AccessoryPoll, AFailedCodeReadIsAnUnknownAccessory)
 {
     poll(MCU_LINKED, ACCESSORY_DOCK);

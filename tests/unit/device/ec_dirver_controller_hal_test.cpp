@@ -11,8 +11,9 @@ using tarnTest::PortTest;
 
 namespace {
 
-constexpr auto obf = OBF;
-constexpr auto ibf = IBF;
+// As the EC has them.
+constexpr std::uint8_t obf = 0x01;
+constexpr std::uint8_t ibf = 0x02;
 
 } // namespace
 
@@ -218,6 +219,22 @@ TEST_F(EcDriver, ReloadsTheLibraryWhenAReadIsNotAnswered)
 
     // The next call starts afresh.
     EXPECT_EQ(driver->writeXdata(0x06A4, 1), 0);
+}
+
+TEST_F(EcDriver, RemembersThatTheEcHasAnsweredWhenItFallsSilent)
+{
+    ports.status = [this] {
+        return ports.count("byte A4") == 1 ? obf : std::uint8_t(0);
+    };
+    quint8 value = 0;
+    ASSERT_EQ(driver->readXdata(0x06A4, &value), 0);
+    ASSERT_TRUE(driver->hasEcAnswered());
+
+    EXPECT_EQ(driver->readXdata(0x06A4, &value), -1);
+    EXPECT_EQ(tarnTest::portLibraryLoads(), 2);
+    EXPECT_TRUE(driver->hasEcAnswered());
+    driver->reloadDLL();
+    EXPECT_TRUE(driver->hasEcAnswered());
 }
 
 TEST_F(EcDriver, EndsTheProcessWhenTheReloadFails)

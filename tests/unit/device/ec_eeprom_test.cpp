@@ -3,6 +3,7 @@
 #include "device/ec_registers.h"
 #include "support/simulated_machine.h"
 
+using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
 
@@ -110,6 +111,58 @@ TEST_F(EcEeprom, DataThatCannotBeReadIs255)
     EXPECT_EQ(driver->readEeprom(0x33), 255);
     machine.faults().clear();
     EXPECT_EQ(driver->readEeprom(0x33), 0x50);
+}
+
+TEST_F(EcEeprom, DataThatCannotBeAskedForIs255)
+{
+    machine.state->eeprom[0x33] = 0x50;
+    // The status has been read by 110 ms; the EC takes no byte of the request that follows.
+    machine.clock.at(112ms, [this] { machine.faults().switchOn(Fault::IbfStuck); });
+    EXPECT_EQ(driver->readEeprom(0x33), 255);
+    EXPECT_EQ(machine.traffic().last(), "R 0640 01");
+    EXPECT_EQ(machine.clock.now(), 125ms + 5000ms); // the command is there, but its address is given up
+    EXPECT_EQ(machine.log.lines(), QStringList({"wait eep_status  "}));
+}
+
+TEST_F(EcEeprom, GoesOnAfterAStatusThatCouldNotBeReadAgain)
+{
+    machine.state->timing.eepromBusyMs = 60;
+    machine.state->eeprom[0x33] = 7;
+    machine.faults().switchOn(Fault::FailRead, EEP_STATUS, 1);
+    machine.clock.at(3s, [this] { machine.faults().clear(); });
+    EXPECT_EQ(driver->readEeprom(0x33), 7);
+    EXPECT_EQ(machine.traffic().mid(4), QStringList({"R 0640 00", "R 0640 01", "R 0620 07"}));
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"wait eep_status  ", "ec reader not normal, begin to reload dll.", "Library is kill",
+            "open out32Func and inp32Func is sucessful!", "Library loaded second"}));
+}
+
+// What it then finds is what the operation before has left.
+TEST_F(EcEeprom, GoesOnAfterACommandThatCouldNotBeWritten)
+{
+    machine.state->eeprom[0x33] = 0x50;
+    machine.state->xdata[EEP_DATA] = 7;
+    machine.faults().switchOn(Fault::FailWrite, EEP_CMD);
+    EXPECT_EQ(driver->readEeprom(0x33), 7);
+    EXPECT_EQ(
+        machine.traffic(), QStringList({"W 0642 33", "W 0643 00", "W 0644 01", "R 0640 01", "R 0620 07"}));
+    EXPECT_EQ(machine.log.lines(), QStringList({"wait eep_status  "}));
+    machine.log.clear();
+
+    EXPECT_EQ(driver->writeEeprom(0x33, 9), 0);
+    EXPECT_EQ(machine.state->eeprom[0x33], 0x50);
+    EXPECT_EQ(machine.log.lines(), QStringList({"wait eep_status ", "write eeprom success"}));
+}
+
+TEST_F(EcEeprom, SaysNothingOfAFirstStatusThatCannotBeReadAfterAWrite)
+{
+    machine.faults().switchOn(Fault::FailRead, EEP_STATUS);
+    machine.clock.at(3s, [this] { machine.faults().clear(); });
+    EXPECT_EQ(driver->writeEeprom(0x33, 0x50), 0);
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"ec reader not normal, begin to reload dll.", "Library is kill",
+            "open out32Func and inp32Func is sucessful!", "Library loaded second", "wait eep_status ",
+            "write eeprom success"}));
 }
 
 TEST_F(EcEeprom, IgnoresFailedMailboxWrites)

@@ -86,6 +86,34 @@ TEST_F(MonitorLoop, GoesOnWhenTheEcComesAlive)
     EXPECT_GT(machine.traffic().count("R 06A0 00"), 10);
 }
 
+TEST_F(MonitorLoop, LeavesTheFirstDetectionOutWhenTheEcHasAnsweredBefore)
+{
+    quint8 level = 0;
+    ASSERT_EQ(EcDirverControllerHal::instance()->readXdata(EC_TARN_BATTERY_NUM, &level), 0);
+    machine.traffic();
+    runUntil(2s);
+    EXPECT_EQ(machine.log.count("getAccessoryTypeForFirst Enter |"), 0);
+    EXPECT_EQ(machine.log.count("getAccessoryTypeForFirst finish normal."), 1);
+    EXPECT_TRUE(queuedMessages().isEmpty());
+    EXPECT_EQ(machine.traffic().first(), "W 0642 33");
+}
+
+// What is posted to its thread is not kept waiting by the two pauses before the polling.
+TEST_F(MonitorLoop, HandlesEventsInThePausesBeforeThePolling)
+{
+    QObject onThisThread;
+    std::vector<std::chrono::milliseconds> handled;
+    const auto post = [this, &onThisThread, &handled] {
+        QMetaObject::invokeMethod(
+            &onThisThread, [this, &handled] { handled.push_back(machine.clock.now()); },
+            Qt::QueuedConnection);
+    };
+    machine.clock.at(30ms, post); // during the detection
+    machine.clock.at(110ms, post); // during the pause of 100 ms
+    runUntil(1s);
+    EXPECT_EQ(handled, (std::vector<std::chrono::milliseconds> {60ms, 160ms}));
+}
+
 TEST_F(MonitorLoop, ReportsAttachAndDetachWhileItRuns)
 {
     machine.clock.at(2s, [this] { machine.attach(ACCESSORY_DOCK); });
@@ -176,6 +204,20 @@ TEST_P(MonitorLoopAfterABox, FetchesNoMoreEvents)
     const QStringList without = machine.traffic();
     EXPECT_FALSE(without.filter("06A0").isEmpty());
     EXPECT_TRUE(without.filter("04A4").isEmpty());
+}
+
+// Only a known accessory in its place ends that.
+TEST_F(MonitorLoop, GoesOnFetchingEventsWhenAnUnknownAccessoryFollowsABox)
+{
+    machine.attach(ACCESSORY_GRAPHICS);
+    machine.clock.at(20s, [this] { machine.computer.attach(tarnSimulator::unknownAccessory(77)); });
+    machine.clock.at(22s, [this] { machine.traffic(); });
+    runUntil(25s);
+    EXPECT_EQ(reader->accessoryKind(), 77);
+    const QStringList traffic = machine.traffic();
+    const auto at = traffic.indexOf("R 06A6 4D");
+    ASSERT_GE(at, 0);
+    EXPECT_EQ(traffic.mid(at + 1, 2), QStringList({"R 04A4 00", "W 04A4 00"}));
 }
 
 TEST_F(MonitorLoop, HoldsTheEcThroughoutTheWorkOfACycle)
