@@ -99,6 +99,23 @@ void Campaign::checkRules()
     const auto &devices = machine.state->devices;
     check(devices.listsOpened == devices.listsClosed ? QString() : "a device list is left open");
     check(gpu.endCycle());
+    checkExchanges();
+}
+
+// Only from an EC that takes no bytes the host turns away in the middle of an exchange, which its next
+// command then breaks off.
+void Campaign::checkExchanges()
+{
+    auto &seen = machine.state->faultsSeen;
+    const bool wasStuck = machine.faults().isOn(Fault::IbfStuck) || machine.faults().wasOn(Fault::IbfStuck);
+    seen.store(0);
+    const auto &counters = machine.state->counters;
+    const std::uint64_t before =
+        std::exchange(channelMistakes, counters.abortedCommands + counters.writtenWhileFull);
+    check(wasStuck || mayBreakOff || channelMistakes == before
+            ? QString()
+            : "an exchange with the EC is broken off, or a byte written while IBF was set");
+    mayBreakOff = wasStuck || (mayBreakOff && machine.isExchangeOpen());
 }
 
 void Campaign::checkNotifications()

@@ -31,6 +31,7 @@ private:
 
     [[nodiscard]] bool isQuiet() const { return quietUntil > 0; }
     void checkRules();
+    void checkExchanges();
     void checkNotifications();
     void check(const QString &fault);
 
@@ -60,6 +61,8 @@ private:
     int quietUntil = 0; // the cycle by which a recovery has to have been noticed; 0: none is on its way
     std::uint8_t expectedAccessory = 0;
     bool expectActivation = false;
+    bool mayBreakOff = false; // the EC took no bytes, and the exchange of then is still unfinished
+    std::uint64_t channelMistakes = 0;
     int nextNotificationCheck = 0;
     qsizetype notificationsChecked = 0;
     QStringList steps; // the last ones

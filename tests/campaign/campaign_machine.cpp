@@ -63,6 +63,16 @@ bool CampaignMachine::isInputWaiting() const
     return state->channel.inputKind.load() != 0;
 }
 
+bool CampaignMachine::isExchangeOpen() const
+{
+    return state->channel.phase.load() != 0 || isInputWaiting();
+}
+
+bool CampaignMachine::takesBytesSlowly() const
+{
+    return state->timing.acceptancePolls.load() != 0;
+}
+
 std::uint8_t CampaignMachine::attachedCode() const
 {
     return computer.isAttached() ? computer.peek(ACCESSORY_CODE) : ACCESSORY_NONE;

@@ -23,6 +23,10 @@ public:
     [[nodiscard]] std::uint8_t attachedCode() const;
     // A byte lies in the EC's input buffer that the EC has not looked at yet.
     [[nodiscard]] bool isInputWaiting() const;
+    // The EC waits for more bytes of the host.
+    [[nodiscard]] bool isExchangeOpen() const;
+    // Bytes are taken some looks after they were written.
+    [[nodiscard]] bool takesBytesSlowly() const;
 
     std::function<void(std::uint8_t gpuDriverData)> onGpuReport;
     tarnTest::ScriptedSession session;

@@ -9,8 +9,10 @@ using namespace tarnDeviceInfos;
 GpuWatch::GpuWatch(CampaignMachine &watched)
     : machine(watched)
 {
+    // A report that is taken late cannot be compared with the computer of the instant in which it was made.
     machine.onGpuReport = [this](std::uint8_t gpuDriverData) {
-        judgeReport(gpuDriverData);
+        if (!machine.takesBytesSlowly())
+            judgeReport(gpuDriverData);
     };
 }
 

@@ -48,14 +48,47 @@ TEST(ConformanceDialogues, AskForEveryCommand)
 // Every command with all that it takes and refuses, and every notification: nothing else may arrive, and
 // nothing else may be written to the EC.
 class Conformance : public tarnTest::RunningService, public ::testing::WithParamInterface<const char *>
-{ };
+{
+protected:
+    void SetUp() override
+    {
+        RunningService::SetUp();
+        // The last that the service does with the EC by itself.
+        ASSERT_TRUE(service.waitForLog("wait eep_status"));
+    }
+
+    void follow()
+    {
+        const QStringList lines = dialogueLines(QString::fromUtf8(GetParam()));
+        ASSERT_GT(lines.filter(QStringLiteral("<-")).size(), 4);
+        DialogueScript(service, client, DialogueScript::Others::Fail).follow(lines);
+    }
+};
 
 TEST_P(Conformance, OfTheWholeDialogue)
 {
-    const QStringList lines = dialogueLines(QString::fromUtf8(GetParam()));
-    ASSERT_GT(lines.filter(QStringLiteral("<-")).size(), 4);
-    DialogueScript(service, client, DialogueScript::Others::Fail).follow(lines);
+    follow();
 }
 
 INSTANTIATE_TEST_SUITE_P(Protocol, Conformance, ::testing::ValuesIn(dialogueNames),
+    [](const auto &dialogue) { return std::string(dialogue.param); });
+
+// The same with an EC that keeps the host waiting at each byte.
+class ConformanceOnASlowEc : public Conformance
+{
+protected:
+    void SetUp() override
+    {
+        service.takeBytesSlowly();
+        Conformance::SetUp();
+    }
+};
+
+TEST_P(ConformanceOnASlowEc, OfTheWholeDialogue)
+{
+    follow();
+}
+
+INSTANTIATE_TEST_SUITE_P(Protocol, ConformanceOnASlowEc,
+    ::testing::Values("device_settings", "dock", "external_gpu", "kvane"),
     [](const auto &dialogue) { return std::string(dialogue.param); });

@@ -31,6 +31,7 @@ private:
     bool expectMessage(const QByteArray &message);
     bool expectEmptyAnswer();
     bool expectWrites(const QString &expected);
+    [[nodiscard]] QString writesSinceMark();
     bool awaitLog(const QString &text);
     void beginStep();
 

@@ -120,18 +120,19 @@ std::optional<qint64> InstalledService::stop() const
     return timer.elapsed();
 }
 
-void InstalledService::kill() const
+void InstalledService::kill()
 {
     const DWORD id = status().dwProcessId;
     const HANDLE process = id ? OpenProcess(PROCESS_TERMINATE | SYNCHRONIZE, FALSE, id) : nullptr;
     if (!process)
         return;
     TerminateProcess(process, 1);
+    program.noteKill();
     WaitForSingleObject(process, endPatienceMs);
     CloseHandle(process);
 }
 
-void InstalledService::remove() const
+void InstalledService::remove()
 {
     if (!isInstalled())
         return;

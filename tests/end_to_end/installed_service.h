@@ -48,12 +48,12 @@ protected:
     // Milliseconds from the request to the report that the service has stopped; nothing if that never comes.
     [[nodiscard]] std::optional<qint64> stop() const;
     // Ends the service's process without asking.
-    void kill() const;
+    void kill();
 
     ServiceProcess program;
 
 private:
-    void remove() const;
+    void remove();
     [[nodiscard]] tarnPlatform::ServiceHandle open() const;
 };
 

@@ -5,11 +5,14 @@
 #include "simulator/fault_table.h"
 #include "support/pipe_peer.h"
 #include "support/seen_texts.h"
+#include "support/whole_exchanges.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+
+#include <gtest/gtest.h>
 
 namespace tarnTest {
 namespace {
@@ -99,6 +102,8 @@ ServiceProcess::ServiceProcess()
     control = std::make_unique<tarnSimulator::ComputerControl>(machine->state());
     if (!given.isEmpty())
         control->reset();
+    if (const int polls = qEnvironmentVariableIntValue("TARN_ACCEPTANCE_POLLS"); polls > 0)
+        control->timing().acceptancePolls.store(static_cast<std::uint32_t>(polls));
 
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("QT_FORCE_STDERR_LOGGING"), QStringLiteral("1"));
@@ -116,6 +121,7 @@ ServiceProcess::~ServiceProcess()
 {
     kill();
     noteSeenLines("said", log());
+    EXPECT_EQ(brokenExchanges(state(), kills), QString());
 }
 
 bool ServiceProcess::start(const QStringList &arguments)
@@ -126,6 +132,8 @@ bool ServiceProcess::start(const QStringList &arguments)
 bool ServiceProcess::launch(const QStringList &arguments, const QString &workingFolder)
 {
     noteSeenLines("said", log()); // a new process begins a new log
+    if (process.exitStatus() == QProcess::CrashExit)
+        noteKill();
     process.setWorkingDirectory(workingFolder.isEmpty() ? folder.path() : workingFolder);
     process.start(path(programName), arguments);
     return process.waitForStarted();

@@ -19,7 +19,9 @@ namespace tarnTest {
 // Path of a file that stands in for one of Windows.
 [[nodiscard]] QString standIn(const QString &name);
 
-// A real service process in a folder of its own, on a simulated computer of its own.
+// A real service process in a folder of its own, on a simulated computer of its own. Each test ends with a
+// look at what the machine has counted against the host. TARN_ACCEPTANCE_POLLS makes the EC of every test a
+// slow one.
 class ServiceProcess
 {
 public:
@@ -53,6 +55,10 @@ public:
     // Fault by its name in the simulator's table, with its usual value if none is given.
     void breakDown(const char *fault, std::optional<int> value = std::nullopt, unsigned skip = 0);
     void repair() { computer().faults().clear(); }
+    // From now on the EC takes each byte only after a few looks at its status.
+    void takeBytesSlowly() { computer().timing().acceptancePolls.store(2); }
+    // The service was killed by somebody else than this object.
+    void noteKill() { ++kills; }
 
     QProcess process;
 
@@ -60,6 +66,7 @@ private:
     QTemporaryDir folder;
     std::optional<tarnSimulator::MachineStateFile> machine;
     std::unique_ptr<tarnSimulator::ComputerControl> control;
+    std::uint64_t kills = 0;
 };
 
 } // namespace tarnTest

@@ -42,6 +42,8 @@ KillCampaign::KillCampaign(std::uint64_t seed, int killCount)
     environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(TARN_KILL_POINT_LIBRARY));
 #endif
     service.process.setProcessEnvironment(environment);
+    if (seed % 2 == 1) // then more often with a byte that the EC has not taken yet
+        service.takeBytesSlowly();
     for (const KeptSetting &setting : keptSettings())
         allowed.push_back({setting.kept(service)});
 }

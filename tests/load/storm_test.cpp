@@ -20,10 +20,12 @@ constexpr int oneInHasAWish = 40; // each such visit costs the next client half 
 
 } // namespace
 
-// Clients that come and go.
+// Clients that come and go, at an EC that takes its time.
 class ClientStorm : public tarnLoad::LoadedService
 {
 protected:
+    ClientStorm() { service.takeBytesSlowly(); }
+
     // One visit; some leave in the middle of a request, some before they have read their reply.
     void visit(int number)
     {

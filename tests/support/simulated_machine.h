@@ -8,6 +8,7 @@
 #include "support/port_backend.h"
 #include "support/run_folder.h"
 #include "support/virtual_clock.h"
+#include "support/whole_exchanges.h"
 
 #include <QStringList>
 
@@ -54,6 +55,8 @@ private:
 class MachineTest : public ::testing::Test
 {
 protected:
+    ~MachineTest() override { EXPECT_EQ(brokenExchanges(*machine.state), QString()); }
+
     SimulatedMachine machine;
 };
 

@@ -1,5 +1,6 @@
 #include "service/tarn_service.h"
 
+#include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_dirver_reader.h"
 #include "graphics/graphics_accessory_manager.h"
@@ -99,7 +100,10 @@ TEST_F(ServiceObject, DeliversAnEmittedGraphicsSignal)
     DirectService service;
     service.start();
     machine.log.clear();
-    Q_EMIT EcDirverReader::instance()->graphicsConnectSignal();
+    {
+        const tarnDeviceInfos::EcAccess access; // held by whoever calls the manager
+        Q_EMIT EcDirverReader::instance()->graphicsConnectSignal();
+    }
     EXPECT_TRUE(machine.log.contains(
         "GraphicsActive_log: Received graphics connected signal, begin active process."));
     EXPECT_EQ(endProcess(0), 0);
