@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulator/serial_line/port_claim.h"
+
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -10,7 +12,8 @@ namespace tarnSimulator {
 class PortLink
 {
 public:
-    // A link of that name that is there already is replaced; anything else stays and is an error.
+    // The link that a port without a server has left behind is replaced. Anything else of that name stays and
+    // is an error, a port that is served already too.
     [[nodiscard]] static std::optional<PortLink> make(
         const std::filesystem::path &link, const std::string &terminalName, std::string &error);
 
@@ -19,10 +22,11 @@ public:
     PortLink &operator=(PortLink &&) = delete;
 
 private:
-    PortLink(std::filesystem::path madeLink, std::string madeTarget);
+    PortLink(std::filesystem::path madeLink, std::string madeTarget, PortClaim &&madeClaim);
 
     std::filesystem::path link; // empty when moved from
     std::string target;
+    PortClaim claim;
 };
 
 } // namespace tarnSimulator

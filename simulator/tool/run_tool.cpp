@@ -40,16 +40,6 @@ bool splitCommandLine(const QStringList &arguments, CommandLine &line)
     return true;
 }
 
-ExitCode complainAboutMissingState(ToolContext &context, const StateChoice &choice)
-{
-    return complain(context, Failed,
-        QStringLiteral(
-            "there is no simulated computer in %1.\n"
-            "Start the service (./run), name the state file with --state FILE, or make a new computer "
-            "with \"tarnsim --state FILE reset\".")
-            .arg(choice.places.join(QLatin1String(" or "))));
-}
-
 ExitCode runOnMachine(
     ToolContext &context, const Verb &verb, const QStringList &arguments, const QString &named)
 {
@@ -57,7 +47,7 @@ ExitCode runOnMachine(
     const bool mayCreate = verb.need == StateNeed::IsCreated;
     std::error_code ignored;
     if (!mayCreate && !std::filesystem::exists(choice.file, ignored)) {
-        return complainAboutMissingState(context, choice);
+        return complain(context, Failed, missingStateText(choice));
     }
     std::string error;
     const auto missing =

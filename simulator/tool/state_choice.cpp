@@ -55,4 +55,13 @@ StateChoice chooseStateFile(const QString &named)
     return choice;
 }
 
+QString missingStateText(const StateChoice &choice)
+{
+    return QStringLiteral(
+        "there is no simulated computer in %1.\n"
+        "Start the service (./run), name the state file with --state FILE, or make a new computer "
+        "with \"tarnsim --state FILE reset\".")
+        .arg(choice.places.join(QLatin1String(" or ")));
+}
+
 } // namespace tarnSimulator

@@ -15,5 +15,7 @@ struct StateChoice
 
 // Which state file the tool works on. `named` is what the command line says, empty if nothing.
 [[nodiscard]] StateChoice chooseStateFile(const QString &named);
+// What is said when it is not there.
+[[nodiscard]] QString missingStateText(const StateChoice &choice);
 
 } // namespace tarnSimulator
