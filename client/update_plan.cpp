@@ -105,7 +105,7 @@ constexpr UpdateStep ecSteps[] = {
         .serviceGoneText =
             L("The EC tool may still be running: keep the computer on until no IFU_XE.exe runs "
               "any more. Then start the service and update again before you restart the "
-              "computer."),
+              "computer, unless you have seen the tool succeed."),
     },
 };
 
