@@ -282,6 +282,16 @@ TEST_F(Disengagement, ABanBeforeAnUpdateSaysWhatItWaitsForBeforeItWaits)
     EXPECT_EQ(times, std::vector<qint64>({3000, 5000}));
 }
 
+TEST_F(Disengagement, TheEndOfTheProcessCountsAsAFailedDisable)
+{
+    machine.state->xdata[XEC_APP_EVENT_DATA] = APP_EVENT_DATA_DISENGAGE;
+    session.onShow = [] {
+        ecAccessMutex.releaseWaiters();
+    };
+    EXPECT_EQ(manager->handleGpuKeyEvent(), -2);
+    EXPECT_TRUE(device("gpu").started);
+}
+
 TEST_F(Disengagement, TheBansSwitchNothingOnceTheProcessEnds)
 {
     machine.clock.at(
