@@ -1,12 +1,13 @@
 #include "simulator/ec_tool/ec_tool.h"
 
+#include "simulator/ec_tool/flashing_work.h"
+
 #include <chrono>
 #include <fstream>
 #include <map>
 #include <ostream>
 #include <string>
 #include <system_error>
-#include <thread>
 
 namespace tarnSimulator {
 
@@ -45,7 +46,7 @@ std::string value(const Settings &settings, const char *key)
 
 } // namespace
 
-int runEcTool(const std::filesystem::path &folder, std::ostream &errors)
+int runEcTool(const std::filesystem::path &folder, std::ostream &output, std::ostream &errors)
 {
     const Settings settings = readSettings(folder / "uiset.ini");
     std::ofstream log(folder / "ec_tool.log", std::ios::binary | std::ios::trunc);
@@ -64,7 +65,12 @@ int runEcTool(const std::filesystem::path &folder, std::ostream &errors)
         log << "no firmware\n";
         return EcNotFlashed;
     }
-    std::this_thread::sleep_for(FLASH_TIME);
+    log << std::flush; // others may look while it flashes
+    const std::string untilFile = value(settings, "FlashUntil");
+    if (!flash(FLASH_TIME, untilFile.empty() ? std::filesystem::path() : folder / untilFile, output)) {
+        log << "cut off\n";
+        return EcNotFlashed;
+    }
     log << "flashed " << size << " bytes of " << value(settings, "BinName") << '\n';
     return EcFlashed;
 }

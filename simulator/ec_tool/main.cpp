@@ -4,5 +4,5 @@
 
 int main()
 {
-    return tarnSimulator::runEcTool(".", std::cerr);
+    return tarnSimulator::runEcTool(".", std::cout, std::cerr);
 }

@@ -3,19 +3,23 @@
 #include "platform/seam.h"
 
 #include <QString>
+#include <QStringList>
 
 #include <functional>
 
 namespace tarnPlatform {
 
-// The processes of the computer, by the file name of their program. Any thread.
+// The processes of the computer. Any thread.
 class ProcessList : public Seam<ProcessList>
 {
 public:
     virtual ~ProcessList() = default;
-    // Walks a snapshot until the visitor says that it has seen enough; true when it did. False also when
-    // there is no snapshot.
+    // Walks a snapshot of the file names of their programs until the visitor says that it has seen enough;
+    // true when it did. False also when there is no snapshot.
     [[nodiscard]] virtual bool anyOf(const std::function<bool(const QString &)> &matches) = 0;
+    // The full paths of those programs that have this file name, in any spelling of upper and lower case. One
+    // that cannot be read is empty.
+    [[nodiscard]] virtual QStringList pathsOf(const QString &fileName) = 0;
 
 private:
     friend class Seam<ProcessList>;

@@ -64,6 +64,11 @@ void pumpEventsFor(milliseconds duration, const std::function<bool()> &cutShort)
     }
 }
 
+milliseconds steadyNow()
+{
+    return waitClock().steadyTime();
+}
+
 WaitClock *setWaitClock(WaitClock *clock)
 {
     return installedClock.exchange(clock);

@@ -31,6 +31,9 @@ void sleepFor(milliseconds duration);
 // would cross it does not wait at all; a clock that is set back cannot stretch the wait.
 void pumpEventsFor(milliseconds duration, const std::function<bool()> &cutShort = {});
 
+// Time since some instant, which no change of the computer's clock moves.
+[[nodiscard]] milliseconds steadyNow();
+
 // Installs another clock (null: the machine's own again) and returns the one before, null for the machine's.
 WaitClock *setWaitClock(WaitClock *clock);
 

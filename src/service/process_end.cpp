@@ -8,9 +8,11 @@
 #include "platform/process_exit.h"
 #include "platform/process_wide.h"
 #include "platform/unfinished_step.h"
+#include "update/tool_run.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
+#include <QDebug>
 
 #include <chrono>
 #include <cstdio>
@@ -67,6 +69,8 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
         finished = everythingFinished();
     }
     if (!finished) {
+        if (tarnFirmwareUpdate::isToolRunning())
+            qWarning() << "The service ends while a tool flashes; the tool goes on until it is done.";
         std::fflush(nullptr);
         manager.reportStopped(exitCode);
         tarnPlatform::exitAtOnce(exitCode); // a normal end would wait for the threads that are held up

@@ -4,12 +4,14 @@
 #include "device/ec_dirver_reader.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "pipe/tarn_pipe_server.h"
+#include "update/leftover_ec_tool.h"
 
 #include <QDebug>
 
 using tarnAccessoryManager::GraphicsAccessoryManager;
 using tarnDeviceInfos::EcDirverControllerHal;
 using tarnDeviceInfos::EcDirverReader;
+using tarnFirmwareUpdate::LeftoverEcTool;
 using tarnPipeServer::TarnPipeServer;
 
 TarnService::TarnService(int argc, char **argv)
@@ -21,10 +23,13 @@ TarnService::TarnService(int argc, char **argv)
     setStartupType(static_cast<StartupType>(startupType));
 }
 
+TarnService::~TarnService() = default;
+
 void TarnService::start()
 {
     qDebug() << "Main Thread: " << QThread::currentThread();
     qDebug() << "TarnService::start";
+    leftoverEcTool = std::make_unique<LeftoverEcTool>(); // before anybody can ask for the EC
     EcDirverControllerHal::instance();
     pipeServer = TarnPipeServer::instance();
     ecReader = EcDirverReader::instance();

@@ -4,8 +4,13 @@
 
 #include <QCoreApplication>
 
+#include <memory>
+
 namespace tarnDeviceInfos {
 class EcDirverReader;
+}
+namespace tarnFirmwareUpdate {
+class LeftoverEcTool;
 }
 namespace tarnPipeServer {
 class TarnPipeServer;
@@ -17,6 +22,7 @@ class TarnService : public QtService<QCoreApplication>
 {
 public:
     TarnService(int argc, char **argv);
+    ~TarnService() override;
 
 protected:
     void start() override;
@@ -29,4 +35,5 @@ private:
     int startupType = 0; // automatic
     tarnDeviceInfos::EcDirverReader *ecReader = nullptr;
     tarnPipeServer::TarnPipeServer *pipeServer = nullptr;
+    std::unique_ptr<tarnFirmwareUpdate::LeftoverEcTool> leftoverEcTool;
 };

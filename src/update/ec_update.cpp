@@ -13,8 +13,6 @@
 namespace tarnFirmwareUpdate {
 namespace {
 
-const QString toolProgram = QStringLiteral("./function/EC/IFU_XE.exe");
-const QString ecFolder = QStringLiteral("./function/EC");
 constexpr char newSettings[] = "temp.ini";
 
 // Lines end at "\n", so a "\r" before it belongs to its line and goes when the line is replaced; the tool
@@ -38,7 +36,7 @@ bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::str
     qDebug() << "modifyEcIniFile Enter |";
     const QString name = QString::fromLocal8Bit(binName.c_str(), static_cast<qsizetype>(binName.size()));
     if (!isSafeFirmwareName(name)) {
-        qWarning() << "Not a plain name of a firmware file:" << qUtf8Printable(name);
+        qWarning() << "Not a plain name of a firmware file:" << name;
         return false;
     }
     std::ifstream from(iniPath, std::ios::binary);
@@ -72,10 +70,10 @@ void FirmwareUpdater::ecUpdate()
     qDebug() << "ecUpdate Enter |";
     auto *ecTool = new QProcess;
     ecTools << ecTool;
-    if (startTool(*ecTool, toolProgram, {}, ecFolder))
-        ecTool->waitForFinished(-1);
-    else
-        qWarning() << "The EC tool cannot be started:" << toolProgram << ecTool->errorString();
+    // What it says and how it ends tells nothing about the EC.
+    const ToolResult run = runTool(*ecTool, FlashingTool::ofEc());
+    if (ecTool->error() == QProcess::FailedToStart)
+        qWarning() << "The EC tool cannot be started:" << FlashingTool::ofEc().program << run.failure;
     qDebug() << "ecUpdate Leave |";
 }
 

@@ -2,6 +2,7 @@
 #include "platform/user_session.h"
 #include "update/firmware_file_name.h"
 #include "update/firmware_updater.h"
+#include "update/flashing_tool.h"
 
 #include <QDebug>
 #include <QDir>
@@ -16,9 +17,6 @@ namespace {
 
 constexpr int copyFailed = 1;
 constexpr qint64 copyChunkBytes = 0x10000;
-
-const QString mcuFolder = QStringLiteral("./function/MCU/");
-const QString ecFolder = QStringLiteral("./function/EC/");
 
 const QString nobodyLoggedOn = QStringLiteral("Nobody is logged on at the console.");
 
@@ -70,7 +68,7 @@ bool writeAll(QFile &to, const QByteArray &bytes)
 }
 
 // The service writes what the user reads.
-bool copyAsUser(const Download &source, const QString &destination, QString *error)
+bool copy(const Download &source, const QString &destination, QString *error)
 {
     QFile from(source.path);
     if (!asOwner(source, [&from] { static_cast<void>(from.open(QIODevice::ReadOnly)); })) {
@@ -82,7 +80,7 @@ bool copyAsUser(const Download &source, const QString &destination, QString *err
         return false;
     }
     QFile to(destination);
-    if (!to.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+    if (!to.open(QIODevice::WriteOnly | QIODevice::Truncate)) {
         *error = to.errorString();
         return false;
     }
@@ -93,18 +91,6 @@ bool copyAsUser(const Download &source, const QString &destination, QString *err
     }
     copied = copied && to.flush();
     *error = from.error() == QFile::NoError ? to.errorString() : from.errorString();
-    if (!copied)
-        to.remove(); // half of a firmware must not be found beside the flasher
-    return copied;
-}
-
-bool copy(const Download &source, const QString &destination, QString *error)
-{
-    if (source.isOfConsoleUser)
-        return copyAsUser(source, destination, error);
-    QFile file(source.path);
-    const bool copied = file.copy(destination);
-    *error = file.errorString();
     return copied;
 }
 
@@ -122,15 +108,19 @@ void removeDownload(const Download &source)
         qWarning() << "The downloaded file cannot be deleted:" << source.path << error;
 }
 
-// A copy of a write-protected file could not be replaced by the next one.
-void makeWritable(const QString &file)
+// Where a tool's folder gets a firmware from: beside the folder, so that half of a copy never lies beside the
+// tool, whatever ends it. The next update overwrites what a killed service or a power cut leaves there.
+struct ToolFolder
 {
-    QFile::setPermissions(file, QFile::permissions(file) | QFile::WriteOwner | QFile::WriteUser);
-}
+    QString path;
+    QString copying;
+};
+const ToolFolder mcuFolder {QStringLiteral("./function/MCU/"), QStringLiteral("./function/MCU.part")};
+const ToolFolder ecFolder {QStringLiteral("./function/EC/"), QStringLiteral("./function/EC.part")};
 
-// Moves a downloaded file. The download is deleted only when its copy is safe on the disk, so a power cut
-// leaves one of them.
-int take(const Download &source, const QString &destination)
+// Moves a downloaded file. It gets its place in one step, and the download is deleted only when its copy is
+// safe on the disk, so a power cut leaves one of them.
+int take(const Download &source, const ToolFolder &folder, const QString &fileName)
 {
     bool folderExists = false;
     const auto lookForFolder = [&] {
@@ -141,18 +131,21 @@ int take(const Download &source, const QString &destination)
         return copyFailed;
     }
     qDebug() << "file is exist!";
-    if (QFile::exists(destination)) {
-        makeWritable(destination);
-        QFile::remove(destination);
-    }
+    const QString destination = folder.path + fileName;
     QString error;
-    if (!copy(source, destination, &error)) {
+    bool copied = copy(source, folder.copying, &error);
+    const bool contentIsSafe = copied && tarnPlatform::flushToDisk(folder.copying);
+    if (copied && !tarnPlatform::replaceFile(folder.copying, destination)) {
+        error = qt_error_string();
+        copied = false;
+    }
+    if (!copied) {
+        QFile::remove(folder.copying);
         qDebug() << "File copy failed:" << error;
         return copyFailed;
     }
     qDebug() << "File copied successfully to:" << destination;
-    makeWritable(destination);
-    if (tarnPlatform::flushToDisk(destination))
+    if (contentIsSafe && tarnPlatform::flushToDisk(destination))
         removeDownload(source);
     else
         qWarning() << "The copy may not be on the disk yet, so the download is kept:" << source.path;
@@ -174,7 +167,9 @@ int FirmwareUpdater::copyMcuFile(const QString &fileName)
     if (refuses(fileName))
         return copyFailed;
     const QMutexLocker locker(&mcuTurn);
-    const int result = take(findDownload(fileName), mcuFolder + fileName);
+    if (isLeftRunning(FlashingTool::ofMcu()))
+        return copyFailed;
+    const int result = take(findDownload(fileName), mcuFolder, fileName);
     return result == 0 ? mcuUpdate(fileName) : result;
 }
 
@@ -184,7 +179,7 @@ int FirmwareUpdater::copyEcFile(const QString &fileName)
         return copyFailed;
     const Download source = findDownload(fileName);
     qDebug() << source.path << "11111111112333333333"; // the mark by which this line is found in a long log
-    return take(source, ecFolder + fileName);
+    return take(source, ecFolder, fileName);
 }
 
 } // namespace tarnFirmwareUpdate

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "platform/waits.h"
+
 #include <QList>
 #include <QMutex>
 #include <QString>
 
 #include <atomic>
+#include <optional>
 #include <string>
 
 class QProcess;
@@ -48,6 +51,9 @@ private:
     friend class tarnPlatform::ProcessWide<FirmwareUpdater>;
     FirmwareUpdater() = default;
 
+    // Nothing when the KVane has gone while the EC was waited for.
+    [[nodiscard]] std::optional<int> switchAndFlash(const QString &fileName);
+    [[nodiscard]] bool takeEcForMode(tarnPlatform::milliseconds waitBegan);
     void readControl();
     void changeControl(quint8 bits, bool set);
     void startBootLoader();

@@ -7,20 +7,24 @@
 #include "update/tool_run.h"
 
 #include <QDebug>
+#include <QProcess>
 
 namespace tarnFirmwareUpdate {
 namespace {
 
 using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
+using tarnPlatform::milliseconds;
 using tarnPlatform::sleepFor;
+using tarnPlatform::steadyNow;
 
 constexpr auto controlPause = 1000ms; // before the sequence and after each of its writes
 constexpr auto handshakePause = 2000ms;
 constexpr int maximumRuns = 3;
 
-const QString mcuFolder = QStringLiteral("./function/MCU");
-const QString flasher = QStringLiteral("./function/MCU/stm32flash.exe");
+// A wait for the EC that no cycle of the monitor accounts for. Then the monitor has been paused, or held up,
+// and what it knows of the accessory may be out of date.
+constexpr auto longestCycleWait = 1000ms;
 
 // Flasher runs in a row that complained. One update at a time counts: the EC lock sees to that.
 std::atomic<int> failedRuns {0};
@@ -37,29 +41,53 @@ bool isKVaneAttached()
     return EcDirverReader::instance()->accessoryKind() == ACCESSORY_KVANE;
 }
 
+bool reads(quint16 address, quint8 expected)
+{
+    quint8 value = 0;
+    return EcDirverControllerHal::instance()->readXdata(address, &value) == 0 && value == expected;
+}
+
+// With the EC locked: whether the KVane that the monitor knew of before the wait for the EC is still there.
+bool isKVaneStillAttached(milliseconds waitBegan)
+{
+    if (steadyNow() - waitBegan <= longestCycleWait)
+        return true;
+    return reads(MCU_LINK_STATUS, MCU_LINKED) && reads(ACCESSORY_CODE, ACCESSORY_KVANE);
+}
+
 } // namespace
 
 int FirmwareUpdater::mcuUpdate(const QString &fileName)
 {
     qDebug() << "mcuUpdate Enter |";
-    if (!isKVaneAttached()) {
+    std::optional<int> result;
+    if (isKVaneAttached())
+        result = switchAndFlash(fileName);
+    if (!result) {
         sleepFor(handshakePause);
         qWarning() << "MCU and base handshake failed!";
-        qDebug() << "mcuUpdate Leave |";
-        return -1;
-    }
-    int result = -1;
-    if (const EcAccess access; access) {
-        startBootLoader();
-        // The flasher would outlive the service, and nobody would switch the MCU back after it.
-        if (ecAccessMutex.isReleased())
-            qWarning() << "The service ends, so the flasher is not run.";
-        else
-            result = mcuUpdateProcess(fileName);
-        sleepFor(controlPause);
-        startFirmware();
     }
     qDebug() << "mcuUpdate Leave |";
+    return result.value_or(-1);
+}
+
+std::optional<int> FirmwareUpdater::switchAndFlash(const QString &fileName)
+{
+    const auto waitBegan = steadyNow();
+    const EcAccess access;
+    if (!access)
+        return -1;
+    if (!isKVaneStillAttached(waitBegan))
+        return std::nullopt;
+    int result = -1;
+    startBootLoader();
+    // The flasher would outlive the service, and nobody would switch the MCU back after it.
+    if (ecAccessMutex.isReleased())
+        qWarning() << "The service ends, so the flasher is not run.";
+    else
+        result = mcuUpdateProcess(fileName);
+    sleepFor(controlPause);
+    startFirmware();
     return result;
 }
 
@@ -68,10 +96,11 @@ int FirmwareUpdater::mcuUpdateProcess(const QString &fileName)
     qDebug() << "mcuUpdateProcess Enter |";
     const QStringList arguments = flasherArguments(fileName);
     qDebug() << arguments;
-    const ToolResult run = runTool(flasher, arguments, mcuFolder);
+    QProcess process;
+    const ToolResult run = runTool(process, FlashingTool::ofMcu(), arguments);
     qDebug() << "Command output:" << run.output;
     // The flasher's exit code says nothing: it succeeds by having nothing to complain about.
-    const QString complaint = run.started ? QString::fromLocal8Bit(run.errors) : run.failure;
+    const QString complaint = run.failure.isEmpty() ? QString::fromLocal8Bit(run.errors) : run.failure;
     if (complaint.isEmpty()) {
         failedRuns = 0;
         qDebug() << "mcuUpdateProcess successfully";
@@ -103,16 +132,29 @@ int FirmwareUpdater::enterMcuUpdateMode()
         qDebug() << "hand shake status is failed!";
         return -1;
     }
+    const auto waitBegan = steadyNow();
     const QMutexLocker locker(&modeHold);
     EcDirverReader::instance()->setMcuUpdating(true);
     // A second enter works under the hold of the first.
-    if (!modeHeld && !ecAccessMutex.lock()) {
+    if (!modeHeld && !takeEcForMode(waitBegan)) {
         EcDirverReader::instance()->setMcuUpdating(false);
         return -1;
     }
     modeHeld = true;
     startBootLoader();
     return 0;
+}
+
+bool FirmwareUpdater::takeEcForMode(milliseconds waitBegan)
+{
+    if (!ecAccessMutex.lock())
+        return false;
+    if (!isKVaneStillAttached(waitBegan))
+        qDebug() << "hand shake status is failed!";
+    else if (!isLeftRunning(FlashingTool::ofMcu()))
+        return true;
+    ecAccessMutex.unlock();
+    return false;
 }
 
 int FirmwareUpdater::leaveMcuUpdateMode()

@@ -1,34 +1,86 @@
 #include "update/tool_run.h"
 
+#include "platform/apart_process.h"
+#include "platform/waits.h"
+
+#include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 
-namespace tarnFirmwareUpdate {
+#include <atomic>
 
-bool startTool(QProcess &process, const QString &program, const QStringList &arguments, const QString &folder)
+namespace tarnFirmwareUpdate {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto pauseAfterFailedWait = 100ms;
+
+// Not in the folder of the tool: there a client's firmware could have this name.
+QString printedBy(const FlashingTool &tool, const char *ending)
 {
-    process.setWorkingDirectory(QFileInfo(folder).absoluteFilePath());
-    // By its absolute path: a relative one would be looked for from the tool's own folder on some systems.
-    process.start(QFileInfo(program).absoluteFilePath(), arguments, QIODevice::ReadWrite);
-    if (!process.waitForStarted(-1))
-        return false;
-    process.closeWriteChannel(); // a tool that reads its input must not wait for a person
-    return true;
+    return QStringLiteral("./function/") + QFileInfo(tool.program).completeBaseName() + QLatin1String(ending);
 }
 
-ToolResult runTool(const QString &program, const QStringList &arguments, const QString &folder)
+QByteArray content(const QString &name)
 {
-    QProcess process;
-    ToolResult result;
-    result.started = startTool(process, program, arguments, folder);
-    if (!result.started) {
-        result.failure = process.errorString();
-        return result;
+    QFile file(name);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// That a tool has printed nothing means something only where it could have printed.
+bool hasRoom(const QString &name, QString *error)
+{
+    QFile file(name);
+    const bool written = file.open(QIODevice::Append) && file.write(" ") == 1 && file.flush();
+    *error = written ? QString() : file.errorString();
+    return written;
+}
+
+std::atomic<int> runningTools {0};
+
+// The process object would kill the tool if it went before it.
+void waitForEnd(QProcess &process)
+{
+    ++runningTools;
+    while (process.state() != QProcess::NotRunning) {
+        if (!process.waitForFinished(-1))
+            tarnPlatform::sleepFor(pauseAfterFailedWait);
     }
-    process.waitForFinished(-1);
-    result.output = process.readAllStandardOutput();
-    result.errors = process.readAllStandardError();
+    --runningTools;
+}
+
+} // namespace
+
+ToolResult runTool(QProcess &process, const FlashingTool &tool, const QStringList &arguments)
+{
+    const QString output = printedBy(tool, ".out");
+    const QString errors = printedBy(tool, ".err");
+    tarnPlatform::setApart(process);
+    process.setStandardInputFile(QProcess::nullDevice()); // a tool must not wait for a person
+    process.setStandardOutputFile(QFileInfo(output).absoluteFilePath());
+    process.setStandardErrorFile(QFileInfo(errors).absoluteFilePath());
+    process.setWorkingDirectory(QFileInfo(tool.folder).absoluteFilePath());
+    // By its absolute path: a relative one would be looked for from the tool's own folder on some systems.
+    process.start(QFileInfo(tool.program).absoluteFilePath(), arguments, QIODevice::ReadWrite);
+    ToolResult result;
+    if (!process.waitForStarted(-1)) {
+        result.failure = process.errorString();
+    } else {
+        waitForEnd(process);
+        result.errors = content(errors);
+        if (result.errors.isEmpty() && !hasRoom(errors, &result.failure))
+            result.failure.prepend(QStringLiteral("What it says cannot be kept: "));
+        result.output = content(output);
+    }
+    QFile::remove(output);
+    QFile::remove(errors);
     return result;
+}
+
+bool isToolRunning()
+{
+    return runningTools > 0;
 }
 
 } // namespace tarnFirmwareUpdate

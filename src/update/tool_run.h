@@ -1,7 +1,8 @@
 #pragma once
 
+#include "update/flashing_tool.h"
+
 #include <QByteArray>
-#include <QString>
 #include <QStringList>
 
 class QProcess;
@@ -11,19 +12,19 @@ namespace tarnFirmwareUpdate {
 // What came of a run of an external tool.
 struct ToolResult
 {
-    bool started = false;
-    QString failure; // why it did not start
+    QString failure; // why it did not start, or why nobody knows what it said; else empty
     QByteArray output;
     QByteArray errors;
 };
 
-// Starts a tool in its folder, with nothing to read; both paths are relative to the current folder. False
-// when it cannot be started; the process then says why.
-[[nodiscard]] bool startTool(
-    QProcess &process, const QString &program, const QStringList &arguments, const QString &folder);
+// Runs a tool in its folder until it ends, however long that takes, in a process that the caller provides.
+// The tool flashes, so nothing that happens to the service may cut it off: it runs apart from it, has nothing
+// to read, and prints into two files below function/, which are read at its end. They stay behind when the
+// service ends first; the next run overwrites them.
+[[nodiscard]] ToolResult runTool(
+    QProcess &process, const FlashingTool &tool, const QStringList &arguments = {});
 
-// Runs a tool in its folder until it ends, however long that takes. Its output is collected meanwhile, so
-// that it never waits for a reader.
-[[nodiscard]] ToolResult runTool(const QString &program, const QStringList &arguments, const QString &folder);
+// Whether a tool of this process runs.
+[[nodiscard]] bool isToolRunning();
 
 } // namespace tarnFirmwareUpdate

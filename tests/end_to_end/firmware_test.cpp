@@ -163,6 +163,25 @@ TEST_F(McuFirmware, IsStoppedWithTheServiceAndRecoversWithTheNextUpdate)
     EXPECT_EQ(service.computer().mcuMode(), McuMode::Firmware);
 }
 
+TEST_F(McuFirmware, IsNotFlashedWhenTheKVaneIsPulledOffAndIsWhenItIsBack)
+{
+    download(bytesOf(firmware));
+    client.write(R"({"cmd":"requestMcuUpdate","data":"fw.bin","asked":"once"})");
+    ASSERT_TRUE(waitUntil([this] { return service.computer().mcuMode() == McuMode::BootLoader; }, 20000));
+    service.computer().detach();
+    EXPECT_TRUE(client.waitConnected(
+        [this] {
+            return client.documents().join().contains(
+                R"("asked":"once","cmd":"requestMcuUpdate","data":"failed"})");
+        },
+        60000));
+    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "disconnected"));
+    EXPECT_EQ(service.computer().peek(EC_MCU_UPDATE_CTRL), 0);
+    service.attach(ACCESSORY_KVANE);
+    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "k_vane"));
+    expectNextUpdateWorks();
+}
+
 TEST_F(McuFirmware, IsFlashedByTheClientItselfInUpdateMode)
 {
     EXPECT_EQ(client.answer("requestEnterMcuUpdateMode"), "successed");

@@ -56,7 +56,7 @@ void copyProgram(const QDir &from, const QDir &to)
 void copyStandIns(const QDir &from, const QDir &to)
 {
     const QDir apart(standInsFolder());
-    if (!apart.exists()) {
+    if (!apart.exists(QStringLiteral("IFU_XE.exe"))) {
         for (const QString &folder : {QStringLiteral("TarnServiceGui"), QStringLiteral("function/EC")})
             copyFiles(from.filePath(folder), to.filePath(folder));
         return;

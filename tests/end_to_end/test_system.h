@@ -15,6 +15,26 @@ void requestInterrupt(QProcess &process);
 // The terminal goes: SIGHUP, or the closing of the console.
 void closeTerminal(QProcess &process);
 
+// A terminal or console of its own for a process that is going to be started, with whatever that one starts
+// and does not put apart.
+class Terminal
+{
+public:
+    explicit Terminal(QProcess &process);
+    ~Terminal();
+    Terminal(const Terminal &) = delete;
+    Terminal &operator=(const Terminal &) = delete;
+
+    // Ctrl+C, which everybody in it gets.
+    void interrupt();
+    // Takes it away, as by closing its window.
+    void close();
+
+private:
+    QProcess &user;
+    int master = -1;
+};
+
 // Where a process whose home folder is this one, as far as it can be chosen, looks for downloads.
 [[nodiscard]] QString downloadFolder(const QString &home);
 

@@ -54,6 +54,32 @@ void closeTerminal(QProcess &process)
     CloseHandle(event);
 }
 
+// A console program that is started from one without a console gets one of its own.
+Terminal::Terminal(QProcess &process)
+    : user(process)
+{
+    user.setCreateProcessArgumentsModifier([](QProcess::CreateProcessArguments *arguments) {
+        arguments->flags |= CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
+    });
+}
+
+Terminal::~Terminal() = default;
+
+void Terminal::interrupt()
+{
+    FreeConsole();
+    SetConsoleCtrlHandler(nullptr, TRUE); // not for the test, which is in that console for a moment
+    if (!AttachConsole(static_cast<DWORD>(user.processId()))
+        || !GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0)) // to everybody in it
+        qFatal("no console: %lu", GetLastError());
+    FreeConsole();
+}
+
+void Terminal::close()
+{
+    closeTerminal(user);
+}
+
 bool losesIdleConnections()
 {
     return GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;

@@ -17,7 +17,7 @@
 namespace {
 
 constexpr std::string_view lastingFiles[] = {
-    "powermodeconfig.xml", "graphicsRGB_config", "temp.ini", "uiset.ini", "/function/EC/"};
+    "powermodeconfig.xml", "graphicsRGB_config", "temp.ini", "uiset.ini", "/function/EC", "/function/MCU"};
 
 bool lasts(std::string_view path)
 {

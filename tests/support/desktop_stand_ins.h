@@ -4,6 +4,7 @@
 #include "platform/user_session.h"
 #include "support/seen_texts.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 #include <algorithm>
@@ -83,8 +84,13 @@ public:
     {
         return std::any_of(programs.begin(), programs.end(), matches);
     }
+    [[nodiscard]] QStringList pathsOf(const QString &fileName) override
+    {
+        return paths.filter(QRegularExpression('(' + fileName + ")?$"));
+    }
 
     QStringList programs {"init", "explorer.exe"};
+    QStringList paths;
 };
 
 } // namespace tarnTest

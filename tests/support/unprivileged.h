@@ -12,8 +12,9 @@
 
 namespace tarnTest {
 
-// Takes away this thread's right to open whatever it wants, for as long as it lives, so that modes of files
-// count for root too. To lay down a right is allowed to everybody, in any container; others have none anyway.
+// Takes away this thread's rights to open whatever it wants and to look into any process, for as long as it
+// lives, so that modes of files count for root too. To lay down a right is allowed to everybody, in any
+// container; others have none anyway.
 class Unprivileged
 {
 public:
@@ -22,7 +23,8 @@ public:
         if (::syscall(SYS_capget, &header, before) != 0)
             qFatal("cannot read the rights of this thread");
         __user_cap_data_struct lowered[_LINUX_CAPABILITY_U32S_3] = {before[0], before[1]};
-        lowered[0].effective &= ~((1U << CAP_DAC_OVERRIDE) | (1U << CAP_DAC_READ_SEARCH));
+        lowered[0].effective &=
+            ~((1U << CAP_DAC_OVERRIDE) | (1U << CAP_DAC_READ_SEARCH) | (1U << CAP_SYS_PTRACE));
         set(lowered);
     }
     ~Unprivileged() { set(before); }

@@ -4,6 +4,7 @@
 
 #include <QMutex>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <vector>
@@ -22,10 +23,16 @@ public:
 
     void sleep(milliseconds duration) override;
     QTime timeOfDay() override;
-    milliseconds steadyTime() override { return now(); }
+    milliseconds steadyTime() override
+    {
+        ++steadyLooks;
+        return now();
+    }
     void processEvents(milliseconds atMost) override;
 
     [[nodiscard]] milliseconds now() const;
+    // How often somebody has asked for the time that no change of the clock moves.
+    std::atomic<int> steadyLooks {0};
     // Does something once the clock has come that far (counted from its start).
     void at(milliseconds instant, std::function<void()> action);
     // Sets the time of day, which otherwise starts at ten in the morning.

@@ -5,25 +5,95 @@
 #include <QStringList>
 
 #include <algorithm>
+#include <optional>
 
 namespace tarnPlatform {
 namespace {
 
-// The file name of the program, and the name that the process goes by, which a script has too. The latter has
-// at most 15 characters.
-QStringList programNames(const QString &processFolder)
+constexpr int longestOwnName = 15; // of the name that a process goes by
+
+// A process as /proc shows it.
+class ListedProcess
 {
-    QString program = QFile::symLinkTarget(processFolder + QStringLiteral("/exe"));
-    const QString replacedMark = QStringLiteral(" (deleted)");
-    if (program.endsWith(replacedMark))
-        program.chop(replacedMark.size());
-    QStringList names {program.section(QLatin1Char('/'), -1)};
-    if (names.first().startsWith(QStringLiteral("wine")))
-        return names; // goes by the name of a Windows program, which is on another computer as it were
-    QFile name(processFolder + QStringLiteral("/comm"));
-    if (name.open(QIODevice::ReadOnly))
-        names << QString::fromLocal8Bit(name.readAll()).trimmed();
-    return names;
+public:
+    explicit ListedProcess(const QString &processFolder)
+        : folder(processFolder)
+        , program(QFile::symLinkTarget(folder + QStringLiteral("/exe")))
+        , ownName(QString::fromLocal8Bit(content("comm")).trimmed())
+    {
+        const QString replacedMark = QStringLiteral(" (deleted)");
+        if (program.endsWith(replacedMark))
+            program.chop(replacedMark.size());
+    }
+
+    // The file name of the program, and the name that the process goes by, which a script has too.
+    [[nodiscard]] QStringList names() const
+    {
+        const QString name = program.section(QLatin1Char('/'), -1);
+        return isUnderWine() ? QStringList(name) : QStringList({name, ownName});
+    }
+
+    // The program's path if it has that name; empty when it cannot be read.
+    [[nodiscard]] std::optional<QString> pathAs(const QString &name) const
+    {
+        if (isCalled(program, name))
+            return program;
+        if (isUnderWine() || ownName.compare(name.left(longestOwnName), Qt::CaseInsensitive) != 0)
+            return std::nullopt;
+        const std::optional<QString> script = scriptCalled(name);
+        if (script || !program.isEmpty())
+            return script;
+        return hasEnded() ? std::nullopt : std::optional(QString());
+    }
+
+private:
+    [[nodiscard]] static bool isCalled(const QString &path, const QString &name)
+    {
+        return path.section(QLatin1Char('/'), -1).compare(name, Qt::CaseInsensitive) == 0;
+    }
+
+    // It goes by the name of a Windows program, which is on another computer as it were.
+    [[nodiscard]] bool isUnderWine() const
+    {
+        return program.section(QLatin1Char('/'), -1).startsWith(QStringLiteral("wine"));
+    }
+
+    // The program of a script is its interpreter; the script's path is among the first words of the command.
+    [[nodiscard]] std::optional<QString> scriptCalled(const QString &name) const
+    {
+        for (const QByteArray &word : content("cmdline").split('\0')) {
+            const QString path = QFile::decodeName(word);
+            if (isCalled(path, name))
+                return QDir(QFile::symLinkTarget(folder + QStringLiteral("/cwd"))).absoluteFilePath(path);
+        }
+        return std::nullopt;
+    }
+
+    // Gone meanwhile, or a zombie that nobody has asked for its exit code.
+    [[nodiscard]] bool hasEnded() const
+    {
+        const QByteArray status = content("stat");
+        return status.isEmpty() || status.sliced(status.lastIndexOf(')') + 1).trimmed().startsWith('Z');
+    }
+
+    [[nodiscard]] QByteArray content(const char *name) const
+    {
+        QFile file(folder + QLatin1Char('/') + QLatin1String(name));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    const QString folder;
+    QString program;
+    const QString ownName;
+};
+
+QStringList processFolders()
+{
+    const QDir processes(QStringLiteral("/proc"));
+    QStringList folders;
+    for (const QString &entry : processes.entryList({QStringLiteral("[0-9]*")}, QDir::Dirs))
+        folders << processes.filePath(entry);
+    return folders;
 }
 
 class ProcFileSystem final : public ProcessList
@@ -31,13 +101,22 @@ class ProcFileSystem final : public ProcessList
 public:
     bool anyOf(const std::function<bool(const QString &)> &matches) override
     {
-        const QDir processes(QStringLiteral("/proc"));
-        for (const QString &entry : processes.entryList({QStringLiteral("[0-9]*")}, QDir::Dirs)) {
-            const QStringList names = programNames(processes.filePath(entry));
+        for (const QString &folder : processFolders()) {
+            const QStringList names = ListedProcess(folder).names();
             if (std::any_of(names.begin(), names.end(), matches))
                 return true;
         }
         return false;
+    }
+
+    QStringList pathsOf(const QString &fileName) override
+    {
+        QStringList paths;
+        for (const QString &folder : processFolders()) {
+            if (const auto path = ListedProcess(folder).pathAs(fileName))
+                paths << *path;
+        }
+        return paths;
     }
 };
 

@@ -2,6 +2,10 @@
 
 #include "platform/windows/unique_handle.h"
 
+#include <QDir>
+
+#include <optional>
+#include <vector>
 #include <windows.h>
 
 #include <tlhelp32.h>
@@ -9,10 +13,49 @@
 namespace tarnPlatform {
 namespace {
 
+constexpr DWORD longestPath = 0x8000; // characters, the end included
+
+// The path of a process's program; empty when it cannot be read, nothing when the process has ended.
+std::optional<QString> pathOf(DWORD processId)
+{
+    const UniqueHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
+    if (!process) // no process has the id of one that has gone
+        return GetLastError() == ERROR_INVALID_PARAMETER ? std::nullopt : std::optional(QString());
+    DWORD exitCode = STILL_ACTIVE;
+    if (GetExitCodeProcess(process.get(), &exitCode) && exitCode != STILL_ACTIVE)
+        return std::nullopt; // somebody keeps a handle of it
+    std::vector<wchar_t> path(longestPath);
+    DWORD length = longestPath;
+    if (!QueryFullProcessImageNameW(process.get(), 0, path.data(), &length))
+        return QString();
+    return QDir::fromNativeSeparators(QString::fromWCharArray(path.data(), static_cast<int>(length)));
+}
+
 class ToolHelpSnapshot final : public ProcessList
 {
 public:
     bool anyOf(const std::function<bool(const QString &)> &matches) override
+    {
+        return visit([&matches](const PROCESSENTRY32W &entry) {
+            return matches(QString::fromWCharArray(entry.szExeFile));
+        });
+    }
+
+    QStringList pathsOf(const QString &fileName) override
+    {
+        QStringList paths;
+        static_cast<void>(visit([&](const PROCESSENTRY32W &entry) {
+            if (QString::fromWCharArray(entry.szExeFile).compare(fileName, Qt::CaseInsensitive) == 0) {
+                if (const auto path = pathOf(entry.th32ProcessID))
+                    paths << *path;
+            }
+            return false;
+        }));
+        return paths;
+    }
+
+private:
+    [[nodiscard]] static bool visit(const std::function<bool(const PROCESSENTRY32W &)> &hasSeenEnough)
     {
         const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
         if (!snapshot)
@@ -21,7 +64,7 @@ public:
         entry.dwSize = sizeof entry;
         for (BOOL found = Process32FirstW(snapshot.get(), &entry); found;
              found = Process32NextW(snapshot.get(), &entry)) {
-            if (matches(QString::fromWCharArray(entry.szExeFile)))
+            if (hasSeenEnough(entry))
                 return true;
         }
         return false;

@@ -127,6 +127,28 @@ TEST_F(FirmwareCommands, RunTheToolsOfTwoEcUpdatesOneAfterTheOther)
     giveBackEc();
 }
 
+TEST_F(FirmwareCommands, RefuseAnEcUpdateBesideAToolOfAnEarlierRun)
+{
+    machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
+    download("new");
+    installTool("function/EC/IFU_XE.exe", "touch running; while [ ! -e go ]; do sleep 0.01; done");
+    QProcess orphan;
+    orphan.setWorkingDirectory(machine.folder.path("function/EC"));
+    orphan.start(machine.folder.path("function/EC/IFU_XE.exe"), QStringList());
+    ASSERT_TRUE(tarnTest::waitUntil([this] { return exists("function/EC/running"); }));
+    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "failed"));
+    EXPECT_EQ(machine.folder.read("function/EC/uiset.ini"), "BinName=old\n");
+    EXPECT_TRUE(exists("Downloads/fw.bin"));
+    EXPECT_FALSE(exists("function/EC/fw.bin"));
+    EXPECT_FALSE(ecAccessMutex.isLocked());
+    EXPECT_TRUE(machine.log.contains(
+        "W: Refused, because this tool is running already: \"./function/EC/IFU_XE.exe\""));
+    machine.folder.write("function/EC/go", "");
+    orphan.waitForFinished();
+    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "successed"));
+    giveBackEc();
+}
+
 TEST_F(FirmwareCommands, StartNoToolWhileTheProcessEnds)
 {
     machine.folder.write("function/EC/uiset.ini", "BinName=old\n");

@@ -174,6 +174,10 @@ TEST_F(EcSettingsFile, TakesNoLineFromAName)
     EXPECT_FALSE(modify("fw.bin\nShutdown=0"));
     EXPECT_FALSE(modify(""));
     EXPECT_EQ(machine.folder.read(settingsFile), "BinName=old\n");
+    // Nor does the log.
+    EXPECT_EQ(machine.log.lines().filter("W: "),
+        QStringList({R"(W: Not a plain name of a firmware file: "fw.bin\nShutdown=0")",
+            R"(W: Not a plain name of a firmware file: "")"}));
     EXPECT_FALSE(exists("temp.ini"));
 }
 

@@ -30,8 +30,13 @@ TEST(FirmwareFileName, RefusesWhatLeavesTheFolderOrSmuggles)
 
 TEST(FirmwareFileName, RefusesDevices)
 {
-    for (const char *name : {"con", "NUL", "aux.bin", "COM1", "com1.bin", "Lpt9.txt", "nul .bin", "CONIN$"})
-        EXPECT_FALSE(isSafeFirmwareName(name)) << name;
+    for (const char *name : {"con", "PRN", "prn.bin", "NUL", "aux.bin", "COM1", "com1.bin", "Lpt9.txt",
+             "nul .bin", "CONIN$", "conout$.bin", "COM\xC2\xB9", "lpt\xC2\xB2.bin", "Com\xC2\xB3.a.b"})
+        EXPECT_FALSE(isSafeFirmwareName(QString::fromUtf8(name))) << name;
+    for (int number = 0; number <= 9; ++number) {
+        EXPECT_FALSE(isSafeFirmwareName(QString("com%1").arg(number)));
+        EXPECT_FALSE(isSafeFirmwareName(QString("LPT%1.bin").arg(number)));
+    }
 }
 
 TEST(FirmwareFileName, RefusesWhatTheToolsWouldLoad)
@@ -39,6 +44,9 @@ TEST(FirmwareFileName, RefusesWhatTheToolsWouldLoad)
     for (const char *name : {"stm32flash.exe", "IFU_XE.EXE", "uiset.ini", "version.dll", "x.CMD",
              "IFU_XE.exe.local", "IFU_XE.exe.manifest"})
         EXPECT_FALSE(isSafeFirmwareName(name)) << name;
+    for (const char *ending : {"exe", "dll", "com", "scr", "cpl", "ocx", "sys", "drv", "bat", "cmd", "ps1",
+             "vbs", "js", "msi", "reg", "inf", "cfg", "ini", "config", "manifest", "local", "lnk"})
+        EXPECT_FALSE(isSafeFirmwareName(QString("fw.%1").arg(ending))) << ending;
 }
 
 class McuFile : public tarnTest::UpdateTest
@@ -124,6 +132,51 @@ TEST_F(McuFile, IsTakenFromTheConsoleUserInTheServiceSession)
     machine.folder.write("hidden/fw.bin", "of the user");
     EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0); // the own folder comes first
     EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "own");
+}
+
+// Half of a firmware must not lie beside the flasher, under whatever name, nor replace a whole one.
+TEST_F(McuFile, ThatIsCutOffLeavesWhatWasThere)
+{
+    download(QByteArray(1000000, 'x'));
+    machine.folder.write("function/MCU/fw.bin", "old");
+    {
+        const tarnTest::FileSizeLimit limit(100000);
+        EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    }
+    EXPECT_EQ(machine.log.lines().last(), "File copy failed: \"File too large\"");
+    EXPECT_EQ(machine.folder.read("function/MCU/fw.bin"), "old");
+    EXPECT_EQ(QDir("function/MCU").entryList(QDir::Files), QStringList({"fw.bin", "stm32flash.exe"}));
+    EXPECT_FALSE(exists("function/MCU.part"));
+    EXPECT_TRUE(exists("Downloads/fw.bin"));
+    EXPECT_EQ(flasherRuns(), 0);
+}
+
+TEST_F(McuFile, IsNotMistakenForWhatAKilledServiceHasLeft)
+{
+    machine.folder.write("function/MCU.part", "half of something that was much longer than what comes now");
+    download("new");
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
+    EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "new");
+    EXPECT_FALSE(exists("function/MCU.part"));
+}
+
+TEST_F(McuFile, IsNotTakenWhileAFlasherOfAnEarlierRunWrites)
+{
+    installFlasher("touch running; while [ ! -e go ]; do sleep 0.01; done");
+    QProcess orphan;
+    orphan.setWorkingDirectory(machine.folder.path("function/MCU"));
+    orphan.start(machine.folder.path("function/MCU/stm32flash.exe"), QStringList());
+    ASSERT_TRUE(tarnTest::waitUntil([this] { return exists("function/MCU/running"); }));
+    download("new");
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 1);
+    EXPECT_TRUE(machine.traffic().isEmpty());
+    EXPECT_TRUE(exists("Downloads/fw.bin"));
+    EXPECT_FALSE(exists("function/MCU/fw.bin"));
+    EXPECT_EQ(machine.log.lines(),
+        QStringList({"W: Refused, because this tool is running already: \"./function/MCU/stm32flash.exe\""}));
+    machine.folder.write("function/MCU/go", "");
+    orphan.waitForFinished();
+    EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0);
 }
 
 TEST_F(McuFile, OfTheConsoleUserThatIsCutOffIsNotLeftBesideTheTool)

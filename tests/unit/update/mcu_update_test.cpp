@@ -47,6 +47,43 @@ protected:
         return QString("W: mcuUpdateProcess failed again. Error message:  \"%1\"").arg(text);
     }
     const QString leave = "mcuUpdateProcess Leave |";
+
+    // Somebody has the EC for so long, counted from when the operation begins to wait for it; the machine
+    // then changes.
+    template <typename Operation>
+    void waitingFor(
+        tarnTest::milliseconds time, const Operation &operation, const std::function<void()> &change = [] {})
+    {
+        ASSERT_TRUE(ecAccessMutex.lock());
+        const int looks = machine.clock.steadyLooks;
+        std::thread waiting(operation);
+        EXPECT_TRUE(tarnTest::waitUntil([&] { return machine.clock.steadyLooks > looks; }));
+        machine.clock.sleep(time);
+        change();
+        machine.traffic();
+        machine.clock.forgetWaits();
+        start = machine.clock.now();
+        ecAccessMutex.unlock();
+        waiting.join();
+    }
+    void becomeDock() { machine.attach(ACCESSORY_DOCK); }
+
+    // What may have become of the KVane; nothing of it is written to.
+    [[nodiscard]] std::vector<std::function<void()>> lossesOfTheKVane()
+    {
+        return {[this] { machine.attach(ACCESSORY_DOCK); }, [this] { machine.attach(ACCESSORY_GRAPHICS); },
+            [this] { machine.computer.detach(); },
+            [this] { machine.faults().switchOn(tarnSimulator::Fault::FailRead, MCU_LINK_STATUS); },
+            [this] {
+                machine.faults().switchOn(tarnSimulator::Fault::FailRead, ACCESSORY_CODE);
+            }};
+    }
+    void restoreTheKVane()
+    {
+        machine.faults().clear();
+        machine.attach(ACCESSORY_KVANE);
+    }
+    [[nodiscard]] static bool writes(const QStringList &traffic) { return !traffic.filter("W ").isEmpty(); }
 };
 
 TEST_F(McuUpdate, SwitchesFlashesAndSwitchesBack)
@@ -110,12 +147,77 @@ TEST_F(McuUpdate, GoesOnWhenAWriteFails)
 TEST_F(McuUpdate, NeedsAKVane)
 {
     attachAccessory(ACCESSORY_DOCK);
+    int saidTooEarly = -1;
+    machine.clock.at(start + tarnTest::milliseconds(1999),
+        [&] { saidTooEarly = static_cast<int>(machine.log.lines().size()) - 1; });
     EXPECT_EQ(updater->mcuUpdate("fw.bin"), -1);
+    EXPECT_EQ(saidTooEarly, 0); // the warning comes after the wait
     EXPECT_EQ(machine.clock.waits(), std::vector<int>({2000}));
     EXPECT_TRUE(machine.traffic().isEmpty());
     EXPECT_EQ(flasherRuns(), 0);
     EXPECT_EQ(machine.log.lines(),
         QStringList({"mcuUpdate Enter |", "W: MCU and base handshake failed!", "mcuUpdate Leave |"}));
+}
+
+// As long as the monitor may hold the EC for a cycle, what it knows is what there is.
+TEST_F(McuUpdate, ThatWaitsForTheMonitorIsAsAnyOther)
+{
+    using namespace std::chrono_literals;
+    waitingFor(1000ms, [this] { EXPECT_EQ(updater->mcuUpdate("fw.bin"), 0); });
+    EXPECT_EQ(machine.timeline(), enterTraffic + leaveTraffic(enterTime + 1000));
+}
+
+TEST_F(McuUpdate, ThatWaitsLongerLooksForTheKVaneFirst)
+{
+    using namespace std::chrono_literals;
+    waitingFor(1001ms, [this] { EXPECT_EQ(updater->mcuUpdate("fw.bin"), 0); });
+    const QStringList timeline = machine.timeline();
+    ASSERT_EQ(timeline.size(), 11);
+    EXPECT_EQ(timeline.mid(0, 3), QStringList({"20 R 06A0 04", "40 R 06A6 04", "1060 R 06C1 00"}));
+    EXPECT_EQ(elapsed(), updateTime + 40);
+    EXPECT_EQ(flasherRuns(), 1);
+}
+
+TEST_F(McuUpdate, ThatHasLostTheKVaneMeanwhileEndsAsWithoutOne)
+{
+    using namespace std::chrono_literals;
+    bool lockedMeanwhile = false;
+    for (const auto &loss : lossesOfTheKVane()) {
+        machine.log.clear();
+        waitingFor(
+            1500ms, [this] { EXPECT_EQ(updater->mcuUpdate("fw.bin"), -1); },
+            [&] {
+                loss();
+                machine.clock.onWait = [&](tarnTest::milliseconds time) {
+                    lockedMeanwhile = lockedMeanwhile || (time == 2000ms && ecAccessMutex.isLocked());
+                };
+            });
+        EXPECT_FALSE(writes(machine.traffic()));
+        EXPECT_EQ(machine.clock.waits().back(), 2000);
+        EXPECT_EQ(machine.log.lines().mid(machine.log.lines().size() - 2),
+            QStringList({"W: MCU and base handshake failed!", "mcuUpdate Leave |"}));
+        machine.clock.onWait = {};
+        restoreTheKVane();
+    }
+    EXPECT_EQ(flasherRuns(), 0);
+    EXPECT_FALSE(lockedMeanwhile); // the others need not wait for that
+}
+
+// The accessory is pulled off while the flasher writes.
+TEST_F(McuUpdate, GoesOnToItsEndWhenTheKVaneIsDetached)
+{
+    installFlasher("echo gone >&2");
+    machine.clock.at(start + tarnTest::milliseconds(enterTime - 1), [this] { machine.computer.detach(); });
+    EXPECT_EQ(updater->mcuUpdate("fw.bin"), -1);
+    EXPECT_EQ(machine.timeline(), enterTraffic + leaveTraffic(enterTime + 1000));
+    EXPECT_EQ(flasherRuns(), 3);
+    monitor->pollAccessory();
+    EXPECT_EQ(monitor->accessoryName(), "disconnected");
+    EXPECT_EQ(updater->mcuUpdate("fw.bin"), -1); // without another access
+    EXPECT_EQ(machine.traffic(), QStringList({"R 06A0 00"}));
+    attachAccessory(ACCESSORY_KVANE);
+    installFlasher("exit 0");
+    EXPECT_EQ(updater->mcuUpdate("fw.bin"), 0);
 }
 
 TEST_F(McuUpdate, RunsTheFlasherInItsFolderWithItsArguments)
@@ -242,6 +344,94 @@ TEST_F(McuUpdateMode, CannotBeLeftUnlessItWasEntered)
     EXPECT_EQ(updater->leaveMcuUpdateMode(), -1);
     EXPECT_TRUE(ecAccessMutex.isLocked());
     ecAccessMutex.unlock();
+}
+
+TEST_F(McuUpdateMode, ThatWaitedLongLooksForTheKVaneFirst)
+{
+    using namespace std::chrono_literals;
+    waitingFor(1001ms, [this] { EXPECT_EQ(updater->enterMcuUpdateMode(), 0); });
+    EXPECT_EQ(machine.traffic().mid(0, 3), QStringList({"R 06A0 04", "R 06A6 04", "R 06C1 00"}));
+    EXPECT_EQ(updater->leaveMcuUpdateMode(), 0);
+    machine.traffic();
+    waitingFor(1000ms, [this] { EXPECT_EQ(updater->enterMcuUpdateMode(), 0); });
+    EXPECT_EQ(machine.timeline(), enterTraffic);
+    EXPECT_EQ(updater->leaveMcuUpdateMode(), 0);
+}
+
+TEST_F(McuUpdateMode, ThatHasLostTheKVaneMeanwhileIsNotEntered)
+{
+    using namespace std::chrono_literals;
+    for (const auto &loss : lossesOfTheKVane()) {
+        machine.log.clear();
+        waitingFor(
+            1500ms, [this] { EXPECT_EQ(updater->enterMcuUpdateMode(), -1); }, loss);
+        EXPECT_FALSE(writes(machine.traffic()));
+        EXPECT_EQ(machine.log.lines().last(), "hand shake status is failed!");
+        EXPECT_FALSE(ecAccessMutex.isLocked());
+        EXPECT_EQ(updater->leaveMcuUpdateMode(), -1);
+        restoreTheKVane();
+    }
+}
+
+// A KVane that is replaced while nobody polls: nothing but what the leaving has to write reaches the dock.
+TEST_F(McuUpdateMode, KeepsAnUpdateFromTheDockThatHasReplacedTheKVane)
+{
+    EXPECT_EQ(updater->enterMcuUpdateMode(), 0);
+    download("new");
+    const int looks = machine.clock.steadyLooks;
+    std::thread update([this] { EXPECT_EQ(updater->copyMcuFile("fw.bin"), -1); });
+    EXPECT_TRUE(tarnTest::waitUntil([&] { return machine.clock.steadyLooks > looks; }));
+    becomeDock();
+    machine.traffic();
+    EXPECT_EQ(updater->leaveMcuUpdateMode(), 0);
+    update.join();
+    EXPECT_EQ(flasherRuns(), 0);
+    EXPECT_EQ(machine.traffic(),
+        QStringList({"W 06C1 20", "W 06C1 30", "W 06C1 20", "W 06C1 00", "R 06A0 04", "R 06A6 01"}));
+    EXPECT_TRUE(machine.log.contains("W: MCU and base handshake failed!"));
+}
+
+TEST_F(McuUpdateMode, IsLeftOnlyWhenItHasBeenEnteredCompletely)
+{
+    std::thread leaving;
+    std::atomic<bool> left {false};
+    machine.clock.at(start + tarnTest::milliseconds(2000), [&] {
+        std::atomic<bool> begun {false};
+        leaving = std::thread([&] {
+            begun = true;
+            EXPECT_EQ(updater->leaveMcuUpdateMode(), 0);
+            left = true;
+        });
+        while (!begun)
+            std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::milliseconds(50)); // time enough to come in between
+        EXPECT_FALSE(left);
+    });
+    EXPECT_EQ(updater->enterMcuUpdateMode(), 0);
+    leaving.join();
+    EXPECT_EQ(machine.traffic(),
+        QStringList({"R 06C1 00", "W 06C1 20", "W 06C1 28", "W 06C1 38", "W 06C1 28", "W 06C1 20",
+            "W 06C1 30", "W 06C1 20", "W 06C1 00"}));
+    EXPECT_FALSE(ecAccessMutex.isLocked());
+}
+
+TEST_F(McuUpdateMode, IsNotEnteredWhileAFlasherOfAnEarlierRunWrites)
+{
+    {
+        tarnTest::ScriptedProcesses processes;
+        processes.paths = {QFileInfo("function/MCU/stm32flash.exe").canonicalFilePath()};
+        EXPECT_EQ(updater->enterMcuUpdateMode(), -1);
+        EXPECT_TRUE(machine.traffic().isEmpty());
+        EXPECT_FALSE(ecAccessMutex.isLocked());
+        EXPECT_TRUE(machine.log.contains(
+            "W: Refused, because this tool is running already: \"./function/MCU/stm32flash.exe\""));
+    }
+    EXPECT_EQ(updater->enterMcuUpdateMode(), 0);
+    // A client's own flasher may be that one, too.
+    tarnTest::ScriptedProcesses processes;
+    processes.paths = {QFileInfo("function/MCU/stm32flash.exe").canonicalFilePath()};
+    EXPECT_EQ(updater->enterMcuUpdateMode(), 0);
+    EXPECT_EQ(updater->leaveMcuUpdateMode(), 0);
 }
 
 TEST_F(McuUpdateMode, MayBeEnteredTwiceAndIsLeftOnce)
