@@ -103,9 +103,10 @@ constexpr UpdateStep ecSteps[] = {
         .goesOnText = L("The service goes on with the update. Keep the computer on until the service's log "
                         "says \"ecUpdate Leave |\"; then restart the computer."),
         .serviceGoneText =
-            L("The EC tool may still be running: keep the computer on until no IFU_XE.exe runs "
-              "any more. Then start the service and update again before you restart the "
-              "computer, unless you have seen the tool succeed."),
+            L("If the EC tool runs, it goes on until it is done: keep the computer on. A service "
+              "that you start meanwhile waits for its end by itself; then restart the computer.\n"
+              "If no IFU_XE.exe runs and the log of the service that went away has no "
+              "\"ecUpdate Enter |\", the tool was not started: update again."),
     },
 };
 

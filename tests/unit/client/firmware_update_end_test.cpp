@@ -90,7 +90,7 @@ INSTANTIATE_TEST_SUITE_P(Steps, TarnctlUpdateDepartures,
     ::testing::Values(Departure {mcuUpdatePlan(), "getAccessoryType", "Nothing has been touched."},
         Departure {mcuUpdatePlan(), "requestMcuUpdate", "may be left in its boot loader"},
         Departure {mcuUpdatePlan(), "getMcuVersion", "Nothing has been touched."},
-        Departure {ecUpdatePlan(), "requestEcUpdate", "The EC tool may still be running"}));
+        Departure {ecUpdatePlan(), "requestEcUpdate", "If the EC tool runs, it goes on until it is done"}));
 
 TEST_F(TarnctlUpdateTest, AnInterruptOfTheUpdateLeavesItToTheService)
 {
