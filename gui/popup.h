@@ -37,8 +37,6 @@ struct Popup
     std::span<const PopupButton> buttons;
     std::size_t defaultButton;
     PopupKind kind;
-    // Escape, or the window was closed without a button.
-    ExitCode closeAnswer;
 };
 
 } // namespace tarnGui

@@ -43,8 +43,7 @@ constexpr std::wstring_view driverErrorParagraphs[] = {
 
 constexpr std::wstring_view patchErrorParagraphs[] = {
     L"The NVIDIA driver is installed, but Windows reports that it does not work with the graphics card in "
-    L"your "
-    L"graphics box.",
+    L"your graphics box.",
     L"Restart the computer with the box connected. If you see this message again, install the latest GeForce "
     L"driver from the NVIDIA website and choose a clean installation.",
 };
@@ -52,13 +51,12 @@ constexpr std::wstring_view patchErrorParagraphs[] = {
 constexpr Popup notice(std::wstring_view commandSwitch, std::wstring_view summary, std::wstring_view title,
     std::span<const std::wstring_view> paragraphs)
 {
-    return {commandSwitch, summary, title, paragraphs, okOnly, 0, PopupKind::Notice, ExitCode::No};
+    return {commandSwitch, summary, title, paragraphs, okOnly, 0, PopupKind::Notice};
 }
 
 constexpr Popup popups[] = {
     {L"--disengaged-graphics", L"asks whether to disconnect the external graphics card",
-        L"Disconnect the external graphics card?", disengageParagraphs, yesNo, noButton, PopupKind::Question,
-        ExitCode::No},
+        L"Disconnect the external graphics card?", disengageParagraphs, yesNo, noButton, PopupKind::Question},
     notice(L"--graphics-disengaged-failed", L"tells that it could not be disconnected",
         L"The graphics card could not be disconnected", disengageFailedParagraphs),
     notice(L"--graphics-device-error", L"tells that it was not found",
@@ -81,6 +79,18 @@ const Popup *findPopup(std::wstring_view commandSwitch)
     const auto *const found = std::find_if(std::begin(popups), std::end(popups),
         [commandSwitch](const Popup &popup) { return popup.commandSwitch == commandSwitch; });
     return found == std::end(popups) ? nullptr : found;
+}
+
+std::wstring contentOf(const Popup &popup)
+{
+    std::wstring content;
+    for (const std::wstring_view paragraph : popup.paragraphs) {
+        if (!content.empty()) {
+            content += L"\n\n";
+        }
+        content += paragraph;
+    }
+    return content;
 }
 
 } // namespace tarnGui

@@ -3,6 +3,7 @@
 #include "popup.h"
 
 #include <span>
+#include <string>
 #include <string_view>
 
 namespace tarnGui {
@@ -13,5 +14,7 @@ inline constexpr std::wstring_view windowTitle(L"Tarn external graphics");
 [[nodiscard]] std::span<const Popup> popupTable();
 // The popup of a switch; null for anything that is not exactly one of the switches.
 [[nodiscard]] const Popup *findPopup(std::wstring_view commandSwitch);
+// Its paragraphs as one text, with an empty line between them.
+[[nodiscard]] std::wstring contentOf(const Popup &popup);
 
 } // namespace tarnGui

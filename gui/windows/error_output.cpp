@@ -25,7 +25,10 @@ void writeError(std::wstring_view text)
     if (!output || output == INVALID_HANDLE_VALUE) {
         return; // Nobody is listening.
     }
-    const std::string bytes(text.begin(), text.end());
+    std::string bytes;
+    for (const wchar_t letter : text) {
+        bytes += static_cast<char>(letter);
+    }
     DWORD written = 0;
     WriteFile(output, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }

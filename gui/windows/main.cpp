@@ -1,6 +1,8 @@
-#include "dialog_window.h"
 #include "error_output.h"
 #include "gui/command_line.h"
+#include "input_guard.h"
+#include "message_box.h"
+#include "task_dialog.h"
 
 #include <windows.h>
 
@@ -8,12 +10,17 @@
 
 int WINAPI wWinMain(HINSTANCE /*module*/, HINSTANCE /*previous*/, PWSTR /*arguments*/, int /*show*/)
 {
+    using namespace tarnGui;
     const std::span<const wchar_t *const> words(__wargv, static_cast<std::size_t>(__argc));
-    const tarnGui::Popup *const popup = tarnGui::choosePopup(words.empty() ? words : words.subspan(1));
+    const Popup *const popup = choosePopup(words.empty() ? words : words.subspan(1));
     if (!popup) {
-        tarnGui::writeError(tarnGui::usageText());
-        return static_cast<int>(tarnGui::ExitCode::Usage);
+        writeError(usageText());
+        return static_cast<int>(ExitCode::Usage);
     }
-    tarnGui::DialogWindow window(*popup);
-    return static_cast<int>(window.ask());
+    const InputGuard guard;
+    std::optional<ExitCode> answer = askByTaskDialog(*popup);
+    if (!answer) {
+        answer = askByMessageBox(*popup);
+    }
+    return static_cast<int>(answer.value_or(ExitCode::NoWindow));
 }

@@ -49,7 +49,6 @@ TEST(GuiPopupTableTest, NothingIsRemovedWithoutAClearYes)
     for (const Popup &popup : tarnGui::popupTable()) {
         ASSERT_LT(popup.defaultButton, popup.buttons.size());
         EXPECT_EQ(popup.buttons[popup.defaultButton].answer, ExitCode::No);
-        EXPECT_EQ(popup.closeAnswer, ExitCode::No);
     }
 }
 
@@ -79,6 +78,15 @@ TEST(GuiPopupTableTest, TextsEndWithZero)
             EXPECT_EQ(button.label.data()[button.label.size()], L'\0');
         }
     }
+}
+
+TEST(GuiPopupTableTest, ContentIsTheParagraphsWithAnEmptyLineBetween)
+{
+    constexpr std::wstring_view paragraphs[] = {L"One.", L"Two.", L"Three."};
+    Popup popup {};
+    EXPECT_EQ(contentOf(popup), L"");
+    popup.paragraphs = paragraphs;
+    EXPECT_EQ(contentOf(popup), L"One.\n\nTwo.\n\nThree.");
 }
 
 // The service reads these numbers.

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <windows.h>
+
+namespace tarnGui {
+
+// Puts a window that is not shown yet above all others, into the task bar, and into the middle of the screen
+// with the mouse pointer, where the user is looking.
+void placeOnTop(HWND window);
+// Shows it with the keyboard or, where Windows leaves that with another program, flashing.
+void showToUser(HWND window);
+
+} // namespace tarnGui
