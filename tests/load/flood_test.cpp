@@ -186,3 +186,39 @@ TEST_F(RequestFlood, OfHandlersThatWaitForTheEcDoesNotHoldUpTheOneThatFreesIt)
     report(
         "handlers that wait for the EC", QStringLiteral("%1, threads %2").arg(count).arg(figures().threads));
 }
+
+// After an EC update the EC stays reserved, but a client that knows nothing of it goes on polling, for an
+// hour.
+TEST_F(RequestFlood, OfPollsAfterAnEcUpdateCostsNoThreadsAndHoldsUpNoEnd)
+{
+    ASSERT_EQ(client.answer("requestStartEcUpdate"), "successed");
+    const auto poll = [this](int times) {
+        const char *line = R"("{\"cmd\":\"getMcuVersion\"}")";
+        const qsizetype before = linesThatBegin(line);
+        for (int polls = 1; polls <= times; ++polls) {
+            client.write(R"({"cmd":"getMcuVersion"})");
+            ASSERT_TRUE(waitUntil([&] { return linesThatBegin(line) >= before + polls; })) << polls;
+        }
+    };
+    constexpr int aMinute = 120;
+    const int later = scaled(2 * aMinute, 59 * aMinute);
+    poll(aMinute);
+    const auto afterAMinute = figures();
+    poll(later);
+    const auto afterwards = figures();
+    EXPECT_LE(afterwards.threads, afterAMinute.threads);
+    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
+    report("polls after an EC update",
+        QStringLiteral("threads %1 after %2, %3 after %4, memory %5 and %6 MiB")
+            .arg(afterAMinute.threads)
+            .arg(aMinute)
+            .arg(afterwards.threads)
+            .arg(aMinute + later)
+            .arg(afterAMinute.memoryMib, 0, 'f', 1)
+            .arg(afterwards.memoryMib, 0, 'f', 1));
+    constexpr qint64 promptStopMs = 3000;
+    QElapsedTimer timer;
+    timer.start();
+    EXPECT_EQ(service.stop(), 0);
+    EXPECT_LT(timer.elapsed(), promptStopMs);
+}
