@@ -11,6 +11,7 @@
 !include Sections.nsh
 !include x64.nsh
 !include service.nsh
+!include processes.nsh
 !include program_files.nsh ; made by scripts/package
 
 Target amd64-unicode
@@ -39,6 +40,9 @@ VIAddVersionKey LegalCopyright ""
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Tarn Service"
 !define PORT_LIBRARY "$INSTDIR\function\inpoutx64.dll"
 
+!include recovery.nsh
+!include replacement.nsh
+
 Page components
 Page directory
 Page instfiles
@@ -59,25 +63,77 @@ Function IsLibrarySimulated
     ${EndIf}
 FunctionEnd
 
-; Takes the files of an older version away, but nothing that the service or an administrator has put beside
-; them, nor the registration.
-Function RemoveOlderVersion
-    ${If} ${FileExists} "$INSTDIR\uninstall.exe"
-        DetailPrint "Removing the installed version"
-        ExecWait '"$INSTDIR\uninstall.exe" /S /UPGRADE _?=$INSTDIR'
+!macro RefuseDuringFlash
+    ${CountFlashingTools} $0
+    ${If} $0 <> 0
+        SetErrorLevel 2
+        Abort "${FLASH_RUNS}"
     ${EndIf}
-FunctionEnd
+!macroend
+
+!macro RefuseUnlessUnpacked
+    ${If} ${Errors}
+        SetOutPath "$INSTDIR"
+        RMDir /r "${NEW_FILES}"
+        SetErrorLevel 2
+        Abort "The files could not be unpacked. Nothing has been changed."
+    ${EndIf}
+!macroend
 
 Section "Tarn Service" SectionService
     SectionIn RO
-    Call RemoveOlderVersion
-    ${StopTarnService}
+    !insertmacro RefuseDuringFlash
+    StrCpy $SimulatedComputerIsNew 1 ; they may have been when it was cut off
+    Call TakeAllBack
+    StrCpy $SimulatedComputerIsNew 0
+    DetailPrint "Unpacking"
     ClearErrors
-    ${InstallProgramFiles}
-    WriteUninstaller "$INSTDIR\uninstall.exe"
-    ${If} ${Errors}
+    ${UnpackProgramFiles} "${NEW_FILES}"
+    WriteUninstaller "${NEW_FILES}\uninstall.exe"
+    !insertmacro RefuseUnlessUnpacked
+SectionEnd
+
+Section /o "Simulated computer" SectionSimulated
+    Call IsLibrarySimulated
+    ${If} ${FileExists} "${PORT_LIBRARY}"
+    ${AndIf} $0 = 0
+        DetailPrint "The port library in place is kept: it is not a simulated computer"
+    ${Else}
+        ClearErrors
+        SetOutPath "${NEW_FILES}\function"
+        File "${STAGE}/simulated/function/inpoutx64.dll"
+        SetOutPath "${NEW_FILES}"
+        File "${STAGE}/simulated/tarnsim.exe"
+        !insertmacro RefuseUnlessUnpacked
+        StrCpy $SimulatedComputerIsNew 1
+    ${EndIf}
+SectionEnd
+
+Section # the new files take the place of the old ones when all have been unpacked
+    SetOutPath "$INSTDIR" ; a folder that is the current one could not be removed
+    ${IsTarnServiceActive} $9
+    ${StopTarnService}
+    ${CountFlashingTools} $0 ; a client may have asked the service for an update until now
+    ${If} $0 = 0
+        ${CloseWindows}
+        DetailPrint "Replacing the files"
+        Call ReplaceFiles
+        StrCpy $0 "$InTheWay cannot be replaced, it is in use. The installed version stays."
+    ${Else}
+        RMDir /r "${NEW_FILES}"
+        StrCpy $InTheWay tool
+        StrCpy $0 "${FLASH_RUNS}"
+    ${EndIf}
+    ${If} $InTheWay != ""
+        ${If} $9 = 1
+            ${StartTarnService} $1
+        ${EndIf}
         SetErrorLevel 2
-        Abort "The files could not be written. Is TarnService.exe or tarnctl.exe still running?"
+        Abort $0
+    ${EndIf}
+    ${If} $SimulatedComputerIsNew = 1
+        GetFileTime "${PORT_LIBRARY}" $1 $2
+        WriteRegStr HKLM "${PRODUCT_KEY}" SimulatedLibraryTime "$1 $2"
     ${EndIf}
 
     WriteRegStr HKLM "${PRODUCT_KEY}" Folder "$INSTDIR"
@@ -92,21 +148,6 @@ Section "Tarn Service" SectionService
     WriteRegDWORD HKLM "${UNINSTALL_KEY}" NoRepair 1
 SectionEnd
 
-Section /o "Simulated computer" SectionSimulated
-    Call IsLibrarySimulated
-    ${If} ${FileExists} "${PORT_LIBRARY}"
-    ${AndIf} $0 = 0
-        DetailPrint "The port library in place is kept: it is not a simulated computer"
-    ${Else}
-        SetOutPath "$INSTDIR\function"
-        File "${STAGE}/simulated/function/inpoutx64.dll"
-        SetOutPath "$INSTDIR"
-        File "${STAGE}/simulated/tarnsim.exe"
-        GetFileTime "${PORT_LIBRARY}" $1 $2
-        WriteRegStr HKLM "${PRODUCT_KEY}" SimulatedLibraryTime "$1 $2"
-    ${EndIf}
-SectionEnd
-
 Section # registered and started when all files are in place
     DetailPrint "Registering the service"
     nsExec::ExecToLog '"$INSTDIR\TarnService.exe" -install'
@@ -117,6 +158,7 @@ Section # registered and started when all files are in place
         SetErrorLevel 2
         Abort "The service could not be registered"
     ${EndIf}
+    ${SetRecovery}
     ${IfNot} ${FileExists} "${PORT_LIBRARY}"
         DetailPrint "Not started: copy the port library to ${PORT_LIBRARY}, then start Tarn Service"
         Return
@@ -158,14 +200,21 @@ Function un.onInit
 FunctionEnd
 
 Section Uninstall
-    ${StopTarnService}
-    ${RemoveProgramFiles}
-    Delete "$INSTDIR\tarnsim.exe"
-    Delete "$INSTDIR\uninstall.exe"
     ${GetParameters} $1
     ClearErrors
     ${GetOptions} $1 "/UPGRADE" $2
-    ${IfNot} ${Errors}
+    ${If} ${Errors}
+        StrCpy $3 0
+        !insertmacro RefuseDuringFlash
+    ${Else}
+        StrCpy $3 1
+    ${EndIf}
+    ${StopTarnService}
+    ${CloseWindows}
+    ${RemoveProgramFiles}
+    Delete "$INSTDIR\tarnsim.exe"
+    Delete "$INSTDIR\uninstall.exe"
+    ${If} $3 = 1
         Return
     ${EndIf}
 
@@ -176,6 +225,8 @@ Section Uninstall
     Delete "$INSTDIR\graphicsRGB_config.ini.lock"
     Delete "$INSTDIR\temp.ini"
     RMDir /r "$INSTDIR\function" ; the port library, the flashing tools and what they left
+    RMDir /r "$INSTDIR\update.new" ; of an installer that was cut off
+    RMDir /r "$INSTDIR\update.old"
     RMDir "$INSTDIR"
     DeleteRegKey HKLM "${UNINSTALL_KEY}"
     DeleteRegKey HKLM "${PRODUCT_KEY}"

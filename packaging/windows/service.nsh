@@ -29,6 +29,20 @@
     System::Call '*$R3(i, i .R4)'
 !macroend
 
+; Result: 1 unless the service has stopped or is none.
+!macro IsTarnServiceActive result
+    StrCpy ${result} 0
+    !insertmacro OpenTarnService 0x4
+    ${If} $R2 P<> 0
+        !insertmacro QueryTarnService
+        ${If} $R4 <> ${SERVICE_STOPPED}
+            StrCpy ${result} 1
+        ${EndIf}
+    ${EndIf}
+    !insertmacro CloseTarnService
+!macroend
+!define IsTarnServiceActive '!insertmacro IsTarnServiceActive'
+
 ; Stops the service, if there is one, and waits until its program is no longer in use.
 !macro StopTarnService
     !insertmacro OpenTarnService 0x24

@@ -1,0 +1,57 @@
+; Programs of this installation that run, for the installer and the uninstaller. All use $R1 to $R7.
+
+!define TH32CS_SNAPPROCESS 2
+!define PROCESS_ENTRY_BYTES 568 ; PROCESSENTRY32W of a 64-bit program; the process's number is its third word
+!define RIGHT_TO_LOOK 0x1000 ; PROCESS_QUERY_LIMITED_INFORMATION
+!define RIGHT_TO_END 0x101001 ; the same with PROCESS_TERMINATE and SYNCHRONIZE
+!define END_PATIENCE_MS 5000
+
+; For each process that runs this program: the macro DO, with the process's handle in $R5.
+!macro ForEachProcess program rights do
+    System::Call 'kernel32::CreateToolhelp32Snapshot(i ${TH32CS_SNAPPROCESS}, i 0) p .R1'
+    System::Alloc ${PROCESS_ENTRY_BYTES}
+    Pop $R2
+    System::Call '*$R2(i ${PROCESS_ENTRY_BYTES})'
+    System::Call 'kernel32::Process32FirstW(p R1, p R2) i .R3'
+    ${While} $R3 <> 0
+        System::Call '*$R2(i, i, i .R4)'
+        System::Call 'kernel32::OpenProcess(i ${rights}, i 0, i R4) p .R5'
+        ${If} $R5 P<> 0
+            StrCpy $R6 ""
+            System::Call 'kernel32::QueryFullProcessImageNameW(p R5, i 0, w .R6, *i ${NSIS_MAX_STRLEN})'
+            ${If} $R6 == "${program}"
+                !insertmacro ${do}
+            ${EndIf}
+            System::Call 'kernel32::CloseHandle(p R5)'
+        ${EndIf}
+        System::Call 'kernel32::Process32NextW(p R1, p R2) i .R3'
+    ${EndWhile}
+    System::Free $R2
+    System::Call 'kernel32::CloseHandle(p R1)'
+!macroend
+
+!macro EndProcess
+    System::Call 'kernel32::TerminateProcess(p R5, i 0)'
+    System::Call 'kernel32::WaitForSingleObject(p R5, i ${END_PATIENCE_MS})'
+!macroend
+
+!macro CountProcess
+    IntOp $R7 $R7 + 1
+!macroend
+
+; The windows end with the service, but for those of a version that did not see to it. Only when the service has
+; stopped: it would take the end of a window for an answer.
+!macro CloseWindows
+    !insertmacro ForEachProcess "$INSTDIR\TarnServiceGui\TarnServiceGui.exe" ${RIGHT_TO_END} EndProcess
+!macroend
+!define CloseWindows '!insertmacro CloseWindows'
+
+; Result: how many tools write firmware just now.
+!macro CountFlashingTools result
+    StrCpy $R7 0
+    !insertmacro ForEachProcess "$INSTDIR\function\MCU\stm32flash.exe" ${RIGHT_TO_LOOK} CountProcess
+    !insertmacro ForEachProcess "$INSTDIR\function\EC\IFU_XE.exe" ${RIGHT_TO_LOOK} CountProcess
+    StrCpy ${result} $R7
+!macroend
+!define CountFlashingTools '!insertmacro CountFlashingTools'
+!define FLASH_RUNS "A firmware is being written. Nothing has been changed; try again when it is done."

@@ -1,0 +1,28 @@
+; What Windows does when the service ends without having been told to: it starts it again, after 5 s, 5 s and then
+; a minute, also when the service has said that it stopped, as it does when it cannot start. Said once for an
+; installation, so that what an administrator makes of it stays. Uses $R1 and $R2.
+!macro SetRecovery
+    ReadRegDWORD $R1 HKLM "${PRODUCT_KEY}" RecoverySet
+    ${If} $R1 <> 1
+        StrCpy $R1 0
+        ${Do} ; until the end of the values, or one that somebody has set by hand
+            EnumRegValue $R2 HKLM "System\CurrentControlSet\Services\Tarn Service" $R1
+            IntOp $R1 $R1 + 1
+            ${If} $R2 == ""
+            ${OrIf} $R2 == "FailureActions"
+                ${Break}
+            ${EndIf}
+        ${Loop}
+        ${If} $R2 == ""
+            nsExec::ExecToLog '"$SYSDIR\sc.exe" failure "Tarn Service" reset= 86400 actions= restart/5000/restart/5000/restart/60000'
+            Pop $R1
+            nsExec::ExecToLog '"$SYSDIR\sc.exe" failureflag "Tarn Service" 1'
+            Pop $R2
+            ${If} "$R1 $R2" != "0 0"
+                DetailPrint "The recovery after a failure could not be set"
+            ${EndIf}
+        ${EndIf}
+        WriteRegDWORD HKLM "${PRODUCT_KEY}" RecoverySet 1
+    ${EndIf}
+!macroend
+!define SetRecovery '!insertmacro SetRecovery'
