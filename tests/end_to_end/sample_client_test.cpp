@@ -13,8 +13,8 @@ using tarnTest::ServiceProcess;
 
 namespace {
 
-constexpr int patienceMs = 60000;
-constexpr int endMs = 5000;
+constexpr int samplePatienceMs = 60000;
+constexpr int sampleEndMs = 5000;
 
 // The sample of docs/examples as a program of its own, and what it has shown since the last look.
 class SampleClient
@@ -33,7 +33,7 @@ public:
     ~SampleClient()
     {
         program.kill();
-        program.waitForFinished(endMs);
+        program.waitForFinished(sampleEndMs);
     }
 
     SampleClient(const SampleClient &) = delete;
@@ -52,7 +52,7 @@ public:
                 seen = at + 1;
                 return true;
             },
-            patienceMs);
+            samplePatienceMs);
         if (!shown)
             ADD_FAILURE() << line.toStdString() << " does not come; all:\n"
                           << lines().join('\n').toStdString();
@@ -128,6 +128,6 @@ for size in (1, 2, 7, len(stream)):
     QProcess python;
     python.setProcessChannelMode(QProcess::MergedChannels);
     python.start(QStringLiteral("python3"), {"-c", check, TARN_DOCS_FOLDER "/examples"});
-    ASSERT_TRUE(python.waitForFinished(patienceMs));
+    ASSERT_TRUE(python.waitForFinished(samplePatienceMs));
     EXPECT_EQ(python.exitCode(), 0) << python.readAll().toStdString();
 }
