@@ -29,8 +29,8 @@ QString noAnswerText(const QString &command, std::chrono::milliseconds timeout)
             "First see whether the EC is reserved: after an EC update or requestStartEcUpdate "
             "it stays so until the service is restarted, after requestEnterMcuUpdateMode until "
             "requestLeaveMcuUpdateMode.\n"
-            "Else another client may have taken the answer, an update may be under way, or the "
-            "EC may be stuck");
+            "Else another client may have taken the answer, an update or the tool of an earlier "
+            "one may still run, or the EC may be stuck");
     }
     return QStringLiteral(
         "No answer to %1 within %2.\n%3: look at the service's log, or try again with a longer "

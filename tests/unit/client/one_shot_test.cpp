@@ -270,7 +270,8 @@ TEST(TarnctlOneShotTest, WithoutAnAnswerTheReasonsFitTheCommand)
     };
     EXPECT_TRUE(complaint("getTarnBatteryNum").contains("\nAnother client may have taken it: look at"));
     EXPECT_TRUE(complaint("noSuchCommand").contains("\nThis service may not know the command, or another"));
-    EXPECT_TRUE(complaint("getGraphicsRGB").contains("\nElse another client may have taken the answer"));
+    EXPECT_TRUE(complaint("getGraphicsRGB")
+                    .contains("\nElse another client may have taken the answer, an update or the tool"));
 }
 
 TEST(TarnctlOneShotTest, MessagesAheadOfTheAnswerMoveTheDeadline)
