@@ -139,7 +139,7 @@ TEST_F(HandlerThreads, LetLeavesThatWaitForAnEnterStopNobodyElse)
     machine.log.clear();
     constexpr int leaves = 200;
     send(R"({"cmd":"requestLeaveMcuUpdateMode"})", leaves);
-    EXPECT_EQ(threads(), threadsBefore);
+    EXPECT_LE(threads(), threadsBefore);
     client.write(R"({"cmd":"getAccessoryType"})");
     EXPECT_TRUE(isAnswered(R"({"cmd":"getAccessoryType","data":"k_vane"})"));
     ecAccessMutex.unlock();
