@@ -1,6 +1,7 @@
 #include "simulator/computer_control.h"
 
 #include "simulator/mcu_memory.h"
+#include "simulator/power_limits.h"
 #include "simulator/power_on.h"
 
 namespace tarnSimulator {
@@ -81,6 +82,12 @@ void ComputerControl::setPowerSupplyMode(std::uint8_t mode)
 void ComputerControl::setTarnPowerMode(std::uint8_t mode)
 {
     poke(EC_TARN_POWER_MODE, mode);
+}
+
+void ComputerControl::setPowerControl(std::uint8_t mode)
+{
+    poke(EC_POWERMODE_PL_CTRL, mode);
+    PowerLimits::apply(machine);
 }
 
 void ComputerControl::setHardwareVersion(std::uint8_t version)

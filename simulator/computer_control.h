@@ -46,6 +46,8 @@ public:
     void setKvaneCharging(std::uint8_t status);
     void setPowerSupplyMode(std::uint8_t mode);
     void setTarnPowerMode(std::uint8_t mode);
+    // As if a host had written it: the limits in force follow.
+    void setPowerControl(std::uint8_t mode);
     void setHardwareVersion(std::uint8_t version);
     void setMcuVersion(std::uint8_t major, std::uint8_t minor, std::uint8_t patch);
     void setSmartCharging(bool on);

@@ -28,6 +28,15 @@ template <std::uint16_t address> bool writeRegister(ComputerControl &computer, s
     return value.has_value();
 }
 
+bool writePowerControl(ComputerControl &computer, std::string_view text)
+{
+    const auto mode = parseByte(text);
+    if (mode) {
+        computer.setPowerControl(*mode);
+    }
+    return mode.has_value();
+}
+
 // "on" and "off" beside plain numbers, for registers in which one bit says it.
 template <std::uint16_t address, std::uint8_t onValue>
 bool writeSwitch(ComputerControl &computer, std::string_view text)
@@ -249,7 +258,7 @@ constexpr MachineValue VALUES[] = {
         writeRegister<EC_TARN_POWER_MODE>},
     {"smart-charging", A_SWITCH, "smart charging, kept in the EEPROM", readSmartCharging, writeSmartCharging},
     {"pl-control", A_BYTE, "power control; 0 auto, 1 manual, 2 unlimited", readRegister<EC_POWERMODE_PL_CTRL>,
-        writeRegister<EC_POWERMODE_PL_CTRL>},
+        writePowerControl},
     {"pl1", READ_ONLY, "power limit PL1 in force, W", readRegister<EC_POWERMODE_PL1_CHECK>, nullptr},
     {"pl2", READ_ONLY, "power limit PL2 in force, W", readRegister<EC_POWERMODE_PL2_CHECK>, nullptr},
     {"pl4", READ_ONLY, "power limit PL4 in force, W", readRegister<EC_POWERMODE_PL4_CHECK>, nullptr},

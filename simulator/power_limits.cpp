@@ -14,22 +14,44 @@ struct Limit
 {
     std::uint16_t address;
     std::uint16_t checkAddress;
+    std::uint8_t automatic; // watts
 };
 
 constexpr Limit LIMITS[] = {
-    {EC_POWERMODE_PL1, EC_POWERMODE_PL1_CHECK},
-    {EC_POWERMODE_PL2, EC_POWERMODE_PL2_CHECK},
-    {EC_POWERMODE_PL4, EC_POWERMODE_PL4_CHECK},
+    {EC_POWERMODE_PL1, EC_POWERMODE_PL1_CHECK, 28},
+    {EC_POWERMODE_PL2, EC_POWERMODE_PL2_CHECK, 30},
+    {EC_POWERMODE_PL4, EC_POWERMODE_PL4_CHECK, 55},
 };
+
+constexpr std::uint8_t NO_LIMIT = 255; // watts
+
+std::uint8_t limitInForce(const MachineState &machine, const Limit &limit)
+{
+    switch (machine.xdata[EC_POWERMODE_PL_CTRL].load()) {
+    case PL_CTRL_MANUAL:
+        return machine.xdata[limit.address].load();
+    case PL_CTRL_UNLIMITED:
+        return NO_LIMIT;
+    default:
+        return limit.automatic;
+    }
+}
 
 } // namespace
 
-void PowerLimits::latch(std::uint16_t limitAddress)
+void PowerLimits::restore(MachineState &machine)
+{
+    machine.xdata[EC_POWERMODE_PL_CTRL].store(PL_CTRL_AUTO);
+    for (const Limit &limit : LIMITS) {
+        machine.xdata[limit.address].store(limit.automatic);
+    }
+    apply(machine);
+}
+
+void PowerLimits::apply(MachineState &machine)
 {
     for (const Limit &limit : LIMITS) {
-        if (limit.address == limitAddress) {
-            state.xdata[limit.checkAddress].store(state.xdata[limitAddress].load());
-        }
+        machine.xdata[limit.checkAddress].store(limitInForce(machine, limit));
     }
 }
 

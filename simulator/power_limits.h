@@ -5,22 +5,24 @@
 
 namespace tarnSimulator {
 
-// The processor power limits and the bytes in which the EC reports what it has made of them.
+// The processor power limits and the bytes in which the EC reports what is in force. Only in manual mode are
+// that the host's limits. In automatic mode it is what the EC finds right, and the host's wait in their
+// registers until it takes control.
 class PowerLimits
 {
 public:
-    PowerLimits(MachineState &machine, const FaultPanel &panel)
-        : state(machine)
-        , faults(panel)
+    explicit PowerLimits(const FaultPanel &panel)
+        : faults(panel)
     { }
 
-    // Takes the limit at this address over into its read-back byte. Addresses of other registers are ignored.
-    void latch(std::uint16_t limitAddress);
+    // Out of the factory: automatic mode, and the registers hold what the EC finds right.
+    static void restore(MachineState &machine);
+    // To be called when the mode or a limit has been written.
+    static void apply(MachineState &machine);
     // What the host gets for a read-back byte that holds `value`, within 0 to 255 W.
     [[nodiscard]] std::uint8_t readBack(std::uint8_t value) const;
 
 private:
-    MachineState &state;
     const FaultPanel &faults;
 };
 

@@ -4,6 +4,7 @@
 #include "simulator/accessory_mcu.h"
 #include "simulator/desktop.h"
 #include "simulator/device_tree.h"
+#include "simulator/power_limits.h"
 
 namespace tarnSimulator {
 
@@ -29,13 +30,6 @@ constexpr RegisterDefault REGISTER_DEFAULTS[] = {
     {EC_KVANE_CHARGING_STATUS, 0},
     {EC_POWER_SUPPLY_MODE, 0},
     {EC_TARN_POWER_MODE, TARN_POWER_MODE_BALANCE},
-    {EC_POWERMODE_PL_CTRL, PL_CTRL_AUTO},
-    {EC_POWERMODE_PL1, 28},
-    {EC_POWERMODE_PL2, 30},
-    {EC_POWERMODE_PL4, 55},
-    {EC_POWERMODE_PL1_CHECK, 28},
-    {EC_POWERMODE_PL2_CHECK, 30},
-    {EC_POWERMODE_PL4_CHECK, 55},
 };
 
 constexpr std::array<std::uint8_t, SERIAL_NUMBER_LENGTH> SERIAL_NUMBER {
@@ -60,6 +54,7 @@ void resetMemories(MachineState &state)
     for (const RegisterDefault &preset : REGISTER_DEFAULTS) {
         state.xdata[preset.address].store(preset.value);
     }
+    PowerLimits::restore(state);
     fill(state.eeprom, ERASED_EEPROM_BYTE);
     state.eeprom[EEP_SMART_CHARGING].store(SMART_CHARGING_ON);
 }

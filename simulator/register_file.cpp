@@ -28,9 +28,10 @@ const RegisterFile::ReadEffect RegisterFile::READ_EFFECTS[] = {
 const RegisterFile::WriteEffect RegisterFile::WRITE_EFFECTS[] = {
     {EEP_CMD, &RegisterFile::startEeprom},
     {XEC_APP_CMD, &RegisterFile::executeCommand},
-    {EC_POWERMODE_PL1, &RegisterFile::latchLimit},
-    {EC_POWERMODE_PL2, &RegisterFile::latchLimit},
-    {EC_POWERMODE_PL4, &RegisterFile::latchLimit},
+    {EC_POWERMODE_PL_CTRL, &RegisterFile::applyLimits},
+    {EC_POWERMODE_PL1, &RegisterFile::applyLimits},
+    {EC_POWERMODE_PL2, &RegisterFile::applyLimits},
+    {EC_POWERMODE_PL4, &RegisterFile::applyLimits},
     {EC_MCU_UPDATE_CTRL, &RegisterFile::controlMcu},
 };
 
@@ -72,7 +73,7 @@ RegisterFile::RegisterFile(MachineState &machine, const NowMs &clock, const Faul
     : state(machine)
     , eepromMailbox(machine, clock, panel)
     , applicationMailbox(machine, clock, panel)
-    , powerLimits(machine, panel)
+    , powerLimits(panel)
     , events(machine.events)
     , mcu(machine)
 { }
@@ -133,9 +134,9 @@ void RegisterFile::executeCommand(std::uint16_t address)
     applicationMailbox.execute(state.xdata[address].load());
 }
 
-void RegisterFile::latchLimit(std::uint16_t address)
+void RegisterFile::applyLimits(std::uint16_t)
 {
-    powerLimits.latch(address);
+    PowerLimits::apply(state);
 }
 
 void RegisterFile::controlMcu(std::uint16_t)

@@ -30,7 +30,7 @@ private:
     void presentEvent(std::uint16_t address);
     void startEeprom(std::uint16_t address);
     void executeCommand(std::uint16_t address);
-    void latchLimit(std::uint16_t address);
+    void applyLimits(std::uint16_t address);
     void controlMcu(std::uint16_t address);
 
     MachineState &state;

@@ -52,6 +52,7 @@ void CampaignMachine::heal()
     state->devices.listsOpened = opened;
     state->devices.listsClosed = closed;
     computer.setHostBattery(70);
+    computer.setPowerControl(PL_CTRL_MANUAL); // as a client's start leaves it
     session.serviceSession = false;
     session.stage = tarnPlatform::LaunchStage::Ended;
     session.exitCode = 1;

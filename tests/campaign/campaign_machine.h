@@ -17,7 +17,7 @@ public:
 
     void out(std::uint16_t port, std::uint8_t value) override;
 
-    // The factory's devices, everybody willing, nothing wrong.
+    // The factory's devices, everybody willing, nothing wrong, and the limits under the host's control.
     void heal();
     // As the EC reports it now; the code of nothing when nothing is linked.
     [[nodiscard]] std::uint8_t attachedCode() const;

@@ -8,6 +8,12 @@ using tarnTest::ServiceClient;
 class Power : public tarnTest::RunningService
 {
 protected:
+    void SetUp() override
+    {
+        service.computer().setPowerControl(PL_CTRL_MANUAL); // as a client's start leaves it
+        RunningService::SetUp();
+    }
+
     // What the EC has been told: PL1, PL2, PL4 and the fan mode.
     std::array<int, 4> limits()
     {
@@ -30,6 +36,22 @@ TEST_F(Power, AppliesAndRemembersEachProfile)
     EXPECT_EQ(client.answer("powerModeControl", "HIGH"), "failed");
     EXPECT_EQ(client.answer("powerModeControl"), "failed");
     EXPECT_EQ(service.read("powermodeconfig.xml"), "2");
+}
+
+TEST_F(Power, FailsUntilTheClientHasStartedAndOnceItHasEnded)
+{
+    service.computer().setPowerControl(PL_CTRL_AUTO);
+    EXPECT_EQ(client.answer("powerModeControl", "high"), "failed");
+    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), 28); // the EC's own
+    EXPECT_EQ(service.read("powermodeconfig.xml"), "");
+    EXPECT_EQ(client.answer("powerModeControl", "first"), "1");
+    EXPECT_EQ(client.answer("powerModeControl", "high"), "successed");
+    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), 45);
+
+    client.write(R"({"cmd":"powerModeControl","data":"last"})");
+    EXPECT_TRUE(service.waitForLog("app is closing now."));
+    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), 28);
+    EXPECT_EQ(client.answer("powerModeControl", "high"), "failed");
 }
 
 TEST_F(Power, FollowsTheSupply)

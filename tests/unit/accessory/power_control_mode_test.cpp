@@ -79,6 +79,7 @@ TEST_F(PowerControlMode, ManualThatTurnsOutUnlimitedFails)
 
 TEST_F(PowerControlMode, AFailedWriteIsNotReadBack)
 {
+    machine.computer.setPowerControl(PL_CTRL_AUTO);
     machine.faults().switchOn(Fault::FailWrite, EC_POWERMODE_PL_CTRL);
     EXPECT_EQ(manager->setEcPowerCtrlMode(1), -1);
     EXPECT_TRUE(machine.traffic().isEmpty());

@@ -25,6 +25,8 @@ class EcLockTest : public MachineTest
 protected:
     EcLockTest()
     {
+        // As a client's start leaves it; in automatic mode the EC takes no limits.
+        machine.computer.setPowerControl(tarnDeviceInfos::PL_CTRL_MANUAL);
         machine.clock.onWait = [this](milliseconds) {
             (tarnDeviceInfos::ecAccessMutex.isLocked() ? waitsWithLock : waitsWithoutLock)++;
         };

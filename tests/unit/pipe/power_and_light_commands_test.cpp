@@ -16,6 +16,7 @@ protected:
     PowerAndLightCommands()
         : server(TarnPipeServer::instance())
     {
+        machine.computer.setPowerControl(PL_CTRL_MANUAL); // as a client's start leaves it
         QObject::connect(server, &TarnPipeServer::startChangingTimer, server, [this] { ++started; });
         QObject::connect(server, &TarnPipeServer::stopChangingTimer, server, [this] { ++stopped; });
     }
@@ -111,6 +112,7 @@ TEST_F(PowerAndLightCommands, ApplyTheProfilesOfTwoClientsOneAfterTheOther)
 
 TEST_F(PowerAndLightCommands, AnswerTheClientsStartWithTheProfileInForce)
 {
+    machine.computer.setPowerControl(PL_CTRL_AUTO);
     machine.folder.write("powermodeconfig.xml", "2");
     EXPECT_EQ(ask("powerModeControl", "first"), result("powerModeControl", "first", "2"));
     EXPECT_TRUE(machine.log.contains("+++++++++++++++++++===========================: 2"));

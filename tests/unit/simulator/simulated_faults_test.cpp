@@ -184,6 +184,7 @@ TEST(SimulatedFaults, AnswerSlowerThanTheHostIsDrainedByTheNextExchange)
 TEST(SimulatedFaults, ReadbackOffsetShiftsOnlyTheReadBack)
 {
     EcHost host;
+    host.computer.setPowerControl(PL_CTRL_MANUAL);
     ASSERT_TRUE(host.write(EC_POWERMODE_PL1, 75));
     host.computer.faults().switchOn(Fault::ReadbackOffset, -11);
     EXPECT_EQ(host.read(EC_POWERMODE_PL1_CHECK), 64);

@@ -4,7 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
+#include <vector>
 
 using namespace tarnDeviceInfos;
 using tarnSimulatorTest::EcHost;
@@ -45,6 +47,7 @@ INSTANTIATE_TEST_SUITE_P(All, SimulatedPlainRegister,
 TEST(SimulatedPowerLimits, EachLimitAppearsInItsOwnReadBack)
 {
     EcHost host;
+    ASSERT_TRUE(host.write(EC_POWERMODE_PL_CTRL, PL_CTRL_MANUAL));
     ASSERT_TRUE(host.write(EC_POWERMODE_PL1, 45));
     EXPECT_EQ(host.read(EC_POWERMODE_PL1_CHECK), 45);
     EXPECT_EQ(host.read(EC_POWERMODE_PL2_CHECK), 30);
@@ -55,6 +58,36 @@ TEST(SimulatedPowerLimits, EachLimitAppearsInItsOwnReadBack)
     ASSERT_TRUE(host.write(EC_POWERMODE_PL4, 75));
     EXPECT_EQ(host.read(EC_POWERMODE_PL4_CHECK), 75);
     EXPECT_EQ(host.read(EC_POWERMODE_PL1_CHECK), 45);
+}
+
+// A host that forgets to take control finds its limits without effect.
+TEST(SimulatedPowerLimits, AreTheEcsOwnUnlessTheHostHasControl)
+{
+    EcHost host;
+    const auto inForce = [&host] {
+        return std::vector<std::optional<std::uint8_t>> {host.read(EC_POWERMODE_PL1_CHECK),
+            host.read(EC_POWERMODE_PL2_CHECK), host.read(EC_POWERMODE_PL4_CHECK)};
+    };
+    using Limits = std::vector<std::optional<std::uint8_t>>;
+    const Limits automatic {28, 30, 55};
+    const Limits ofHost {45, 56, 75};
+    EXPECT_EQ(inForce(), automatic);
+    ASSERT_TRUE(host.write(EC_POWERMODE_PL1, 45));
+    ASSERT_TRUE(host.write(EC_POWERMODE_PL2, 56));
+    ASSERT_TRUE(host.write(EC_POWERMODE_PL4, 75));
+    EXPECT_EQ(host.read(EC_POWERMODE_PL1), 45);
+    EXPECT_EQ(inForce(), automatic);
+
+    ASSERT_TRUE(host.write(EC_POWERMODE_PL_CTRL, PL_CTRL_MANUAL));
+    EXPECT_EQ(inForce(), ofHost);
+    ASSERT_TRUE(host.write(EC_POWERMODE_PL_CTRL, PL_CTRL_AUTO));
+    EXPECT_EQ(inForce(), automatic);
+    ASSERT_TRUE(host.write(EC_POWERMODE_PL_CTRL, PL_CTRL_UNLIMITED));
+    EXPECT_EQ(inForce(), (Limits {255, 255, 255}));
+    host.computer.setPowerControl(PL_CTRL_MANUAL);
+    EXPECT_EQ(inForce(), ofHost);
+    host.computer.reset();
+    EXPECT_EQ(inForce(), automatic);
 }
 
 TEST(SimulatedRegisterNames, EveryNameLeadsToItsAddressAndBack)
