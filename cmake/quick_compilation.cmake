@@ -5,10 +5,12 @@ if(MINGW)
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 
-# The precompiled form of a header depends on options only, so ccache may take its text for its content.
+# The precompiled form of a header depends on options only, so ccache may take its text for its content. What one
+# checkout has compiled serves another in another folder: paths count from the folder of the sources.
 if(CCACHE_PROGRAM AND NOT MSVC)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
-        CCACHE_SLOPPINESS=pch_defines,time_macros ${CCACHE_PROGRAM})
+        CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
+        ${CCACHE_PROGRAM})
     add_compile_options($<$<AND:$<COMPILE_LANGUAGE:CXX>,$<CXX_COMPILER_ID:GNU>>:-fpch-preprocess>)
 endif()
 

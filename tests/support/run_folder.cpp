@@ -26,11 +26,13 @@ RunFolder::~RunFolder()
     qputenv("TMPDIR", temporaryBefore);
 }
 
-void RunFolder::installPortLibrary(const QString &library)
+void RunFolder::installPortLibrary(PortLibrary library)
 {
+    const QString file = library == PortLibrary::Whole ? QStringLiteral(TARN_TEST_PORT_LIBRARY)
+                                                       : QStringLiteral(TARN_TEST_PORT_LIBRARY_WITHOUT_INP32);
     QDir(folder.path()).mkpath(QStringLiteral("function"));
     removePortLibrary();
-    QFile::link(library, path(libraryName));
+    QFile::link(file, path(libraryName));
     noteSeen("file", libraryName);
 }
 

@@ -14,8 +14,10 @@ public:
     ~RunFolder();
 
     [[nodiscard]] QString path(const QString &name) const { return folder.filePath(name); }
-    // Puts a port library into function/; the default forwards to the port backend of the test.
-    void installPortLibrary(const QString &library = QStringLiteral(TARN_TEST_PORT_LIBRARY));
+    // Both forward to the port backend of the test.
+    enum class PortLibrary { Whole, WithoutInp32 };
+    // Puts a port library into function/.
+    void installPortLibrary(PortLibrary library = PortLibrary::Whole);
     void removePortLibrary();
     void write(const QString &name, const QByteArray &content) const;
     [[nodiscard]] QByteArray read(const QString &name) const;

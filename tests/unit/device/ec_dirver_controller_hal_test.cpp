@@ -38,7 +38,7 @@ TEST_F(EcDriverCreation, EndsTheProcessWithoutALibrary)
 
 TEST_F(EcDriverCreation, EndsTheProcessWhenAFunctionIsMissing)
 {
-    ports.folder.installPortLibrary(TARN_TEST_PORT_LIBRARY_WITHOUT_INP32);
+    ports.folder.installPortLibrary(tarnTest::RunFolder::PortLibrary::WithoutInp32);
     EXPECT_DEATH(EcDirverControllerHal::instance(), "^out32Func or inp32Func is empty!\n");
 }
 
