@@ -1,6 +1,7 @@
 #include "end_to_end/service_client.h"
 #include "end_to_end/service_process.h"
 #include "end_to_end/test_system.h"
+#include "support/time_bound.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -14,15 +15,13 @@ using tarnTest::waitUntil;
 
 namespace {
 
-constexpr int promptStopMs = 3000;
-
 // Stops the service and expects it to go promptly with exit code 0.
 void expectPromptStop(ServiceProcess &service)
 {
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(service.stop(), 0) << service.log().right(2000).toStdString();
-    EXPECT_LT(timer.elapsed(), promptStopMs);
+    EXPECT_LT(timer.elapsed(), tarnTest::allowedMs(tarnTest::promptStopMs));
 }
 
 } // namespace
@@ -73,7 +72,7 @@ TEST(Lifecycle, EndsOnAnInterruptWithAClientConnected)
     timer.start();
     tarnTest::requestInterrupt(service.process);
     ASSERT_TRUE(service.waitForEnd(15000));
-    EXPECT_LT(timer.elapsed(), promptStopMs);
+    EXPECT_LT(timer.elapsed(), tarnTest::allowedMs(tarnTest::promptStopMs));
     EXPECT_EQ(service.process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(service.process.exitCode(), 0);
 }
@@ -83,7 +82,7 @@ TEST(Lifecycle, EndsInOrderWhenItsTerminalIsClosed)
     ServiceProcess service;
     ASSERT_TRUE(service.start());
     tarnTest::closeTerminal(service.process);
-    ASSERT_TRUE(service.waitForEnd(promptStopMs));
+    ASSERT_TRUE(service.waitForEnd(tarnTest::allowedMs(tarnTest::promptStopMs)));
     EXPECT_EQ(service.process.exitStatus(), QProcess::NormalExit);
     EXPECT_EQ(service.process.exitCode(), 0);
     EXPECT_TRUE(service.log().contains("TarnService::stop\nservice is Finish!\n"));
@@ -105,7 +104,7 @@ TEST(Lifecycle, AnActionThatIsCutShortDoesNotPassForDone)
     ASSERT_TRUE(service.launch({"-install"}));
     ASSERT_TRUE(service.waitForLog("is not running."));
     tarnTest::requestInterrupt(service.process);
-    ASSERT_TRUE(service.waitForEnd(promptStopMs));
+    ASSERT_TRUE(service.waitForEnd(tarnTest::allowedMs(tarnTest::promptStopMs)));
     EXPECT_EQ(static_cast<signed char>(service.process.exitCode()), -1);
     EXPECT_FALSE(service.log().contains("installed"));
 }

@@ -1,5 +1,6 @@
 #include "end_to_end/installed_service.h"
 #include "end_to_end/service_client.h"
+#include "support/time_bound.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -11,7 +12,6 @@ using tarnTest::waitUntil;
 
 namespace {
 
-constexpr int stopPatienceMs = 3000;
 constexpr int notStarted = -4;
 
 class ServiceUnderManager : public tarnTest::InstalledService
@@ -43,7 +43,7 @@ protected:
     {
         const auto elapsed = stop();
         ASSERT_TRUE(elapsed);
-        EXPECT_LT(*elapsed, stopPatienceMs);
+        EXPECT_LT(*elapsed, tarnTest::allowedMs(tarnTest::promptStopMs));
         EXPECT_EQ(status().dwWin32ExitCode, NO_ERROR);
     }
     // The pipe's name is free when the service has stopped, but for the moment that its process takes to go.
@@ -145,7 +145,7 @@ TEST_F(ServiceUnderManager, ObeysTheCommandLine)
 
     EXPECT_EQ(command({"-t"}), 0);
     EXPECT_FALSE(program.log().contains("could not be stopped"));
-    EXPECT_TRUE(waitForState(SERVICE_STOPPED, stopPatienceMs));
+    EXPECT_TRUE(waitForState(SERVICE_STOPPED, tarnTest::allowedMs(tarnTest::promptStopMs)));
     EXPECT_TRUE(hasLeftThePipe());
     const QStringList reports = calls().filter("SetServiceStatus");
     EXPECT_EQ(reports.mid(0, 2),

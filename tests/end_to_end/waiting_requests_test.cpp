@@ -1,5 +1,6 @@
 #include "device/ec_registers.h"
 #include "end_to_end/running_service.h"
+#include "support/time_bound.h"
 
 #include <QElapsedTimer>
 
@@ -8,7 +9,6 @@ using namespace tarnDeviceInfos;
 namespace {
 
 constexpr int promptAnswerMs = 5000; // behind a few notifications, half a second each
-constexpr int promptStopMs = 3000;
 
 } // namespace
 
@@ -41,7 +41,7 @@ protected:
         QElapsedTimer timer;
         timer.start();
         EXPECT_EQ(service.stop(), 0) << service.log().right(2000).toStdString();
-        EXPECT_LT(timer.elapsed(), promptStopMs);
+        EXPECT_LT(timer.elapsed(), tarnTest::allowedMs(tarnTest::promptStopMs));
     }
 
     static constexpr int moreThanThreads = 70;

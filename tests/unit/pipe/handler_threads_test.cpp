@@ -3,6 +3,7 @@
 #include "../update/update_fixture.h"
 #include "pipe/tarn_pipe_server.h"
 #include "support/pipe_peer.h"
+#include "support/time_bound.h"
 
 #include <QSemaphore>
 #include <QThreadPool>
@@ -229,7 +230,7 @@ TEST(HandlerLanes, AreLookedAtTogetherForNoLongerThanWanted)
     timer.start();
     EXPECT_FALSE(tarnPipeServer::waitForHandlers(300));
     EXPECT_GE(timer.elapsed(), 299);
-    EXPECT_LT(timer.elapsed(), 600);
+    EXPECT_LT(timer.elapsed(), tarnTest::allowedMs(600));
     goOn.release(4);
     EXPECT_TRUE(tarnPipeServer::waitForHandlers(5000));
 }
