@@ -3,7 +3,6 @@
 
 #include "device/ec_registers.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 
 #include <windows.h>
@@ -193,11 +192,8 @@ TEST_F(GuiProgramOfAService, KeepsTheGpuWhenItsWindowIsClosed)
 {
     plugInAndPressKey();
     const HWND window = waitForWindow();
-    QElapsedTimer time;
-    time.start();
     PostMessageW(window, WM_CLOSE, 0, 0);
     EXPECT_TRUE(closes(window));
-    EXPECT_LT(time.elapsed(), deafMs);
     EXPECT_TRUE(service.waitForLog("GraphicsActive_log & GraphicsDisengaged_log: click no!!!"));
     EXPECT_TRUE(service.waitForLog("GraphicsDisengaged_log: Graphics disengagement process finished."));
     EXPECT_TRUE(gpu().started);
