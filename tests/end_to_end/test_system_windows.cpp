@@ -67,10 +67,12 @@ Terminal::~Terminal() = default;
 
 void Terminal::interrupt()
 {
+    const auto service = static_cast<DWORD>(user.processId());
+    const DWORD everybody = 0; // in the console; Wine takes it for the own group
     FreeConsole();
     SetConsoleCtrlHandler(nullptr, TRUE); // not for the test, which is in that console for a moment
-    if (!AttachConsole(static_cast<DWORD>(user.processId()))
-        || !GenerateConsoleCtrlEvent(CTRL_C_EVENT, 0)) // to everybody in it
+    if (!AttachConsole(service)
+        || !GenerateConsoleCtrlEvent(CTRL_C_EVENT, losesIdleConnections() ? service : everybody))
         qFatal("no console: %lu", GetLastError());
     FreeConsole();
 }

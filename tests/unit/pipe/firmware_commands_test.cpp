@@ -131,7 +131,7 @@ TEST_F(FirmwareCommands, RefuseAnEcUpdateBesideAToolOfAnEarlierRun)
 {
     machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
     download("new");
-    installTool("function/EC/IFU_XE.exe", "touch running; while [ ! -e go ]; do sleep 0.01; done");
+    installTool("function/EC/IFU_XE.exe", untilGo);
     QProcess orphan;
     orphan.setWorkingDirectory(machine.folder.path("function/EC"));
     orphan.start(machine.folder.path("function/EC/IFU_XE.exe"), QStringList());

@@ -162,7 +162,7 @@ TEST_F(McuFile, IsNotMistakenForWhatAKilledServiceHasLeft)
 
 TEST_F(McuFile, IsNotTakenWhileAFlasherOfAnEarlierRunWrites)
 {
-    installFlasher("touch running; while [ ! -e go ]; do sleep 0.01; done");
+    installFlasher(untilGo);
     QProcess orphan;
     orphan.setWorkingDirectory(machine.folder.path("function/MCU"));
     orphan.start(machine.folder.path("function/MCU/stm32flash.exe"), QStringList());

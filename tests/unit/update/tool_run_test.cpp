@@ -82,7 +82,7 @@ TEST_F(ToolRun, OnAFullDiskIsAFailure)
 
 TEST_F(ToolRun, IsKnownWhileItLasts)
 {
-    installFlasher("touch running; while [ ! -e go ]; do sleep 0.01; done");
+    installFlasher(untilGo);
     EXPECT_FALSE(isToolRunning());
     std::thread other([this] { static_cast<void>(run()); });
     EXPECT_TRUE(waitUntil([this] { return exists("function/MCU/running"); }));
@@ -103,7 +103,7 @@ TEST_F(ToolRun, OfTheSimulatedComputersFlasherIsKnownByTheScript)
     ASSERT_TRUE(QFile(script).setPermissions(QFile::ReadOwner | QFile::ExeOwner));
     const QByteArray pathBefore = qgetenv("PATH");
     qputenv("PATH", QFile::encodeName(machine.folder.path(".")) + ':' + pathBefore);
-    installTool("stm32flash", "touch running; while [ ! -e go ]; do sleep 0.01; done; exit 7");
+    installTool("stm32flash", QByteArray(untilGo) + "; exit 7");
     std::thread other([this] { static_cast<void>(run()); });
     EXPECT_TRUE(waitUntil([this] { return exists("function/MCU/running"); }));
     EXPECT_TRUE(FlashingTool::ofMcu().isRunning());

@@ -63,6 +63,9 @@ protected:
     {
         installTool("function/MCU/stm32flash.exe", "echo run >>runs\n" + commands);
     }
+    // Commands of a tool that goes on until there is a file "go" beside it, or for a while.
+    static constexpr char untilGo[] =
+        "touch running; for i in $(seq 1500); do [ ! -e go ] || break; sleep 0.01; done";
     [[nodiscard]] int flasherRuns() const
     {
         return static_cast<int>(machine.folder.read("function/MCU/runs").count('\n'));
