@@ -2,6 +2,7 @@
 
 import json
 import os
+import re
 import shlex
 import shutil
 import subprocess
@@ -36,7 +37,8 @@ class Program:
         configured = run(["cmake", "-S", self.source, "-B", self.tree, "-G", "Ninja", "--log-level=WARNING",
                           "-DCMAKE_BUILD_TYPE=RelWithDebInfo", "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O0 -DNDEBUG -w",
                           "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",
-                          "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST"])
+                          "-DCMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE=PRE_TEST",
+                          "-DTARN_UNITE_SOURCES=OFF"])  # so that a changed header need not build all tests again
         if configured.returncode:
             raise BuildError(configured.stdout)
         self.rebuild()
@@ -45,9 +47,17 @@ class Program:
         self.compile_commands = {os.path.relpath(entry["file"], self.source): entry for entry in entries}
         commands = run(["ninja", "-C", self.tree, "-t", "commands", "unit_tests"]).stdout.splitlines()
         self.link_command = shlex.split(commands[-1].split(" && ")[1])
+        self.objects = {path: shlex.split(entry["command"])[shlex.split(entry["command"]).index("-o") + 1]
+                        for path, entry in self.compile_commands.items()}
+        self.files_of_tests = {}
+        for path in self.objects:
+            if path.startswith("tests/unit/"):
+                text = (self.source / path).read_text(encoding="utf-8")
+                for suite, name in re.findall(r"^TEST(?:_F|_P)?\((\w+),\s*(\w+)\)", text, re.M):
+                    self.files_of_tests[suite, name] = path
 
-    def rebuild(self):
-        built = run(["cmake", "--build", self.tree, "--target", "unit_tests", "--parallel", str(self.jobs)])
+    def rebuild(self, *targets):
+        built = run(["ninja", "-C", self.tree, "-j", str(self.jobs), *(targets or ["unit_tests"])])
         if built.returncode:
             raise BuildError(built.stdout)
 
@@ -107,15 +117,33 @@ class Program:
         return target
 
     def build_changed(self, change, text, folder):
-        """The program with a changed source; the caller makes changed headers good again with restore()."""
-        if change.path.endswith(".h"):
-            (self.source / change.path).write_text(change.applied_to(text), encoding="utf-8")
-            self.rebuild()
-            return self.path
+        """The program with a changed source, which is compiled beside the others."""
         return self.link([self.compile(change.path, change.applied_to(text), folder)], folder / "unit_tests")
 
-    def restore(self, path, text):
+    def write_header(self, path, text):
+        """In its place: what includes it is built again by the next of the following two, or by rebuild()."""
         (self.source / path).write_text(text, encoding="utf-8")
+
+    def build_all(self):
+        self.rebuild()
+        return self.path
+
+    def build_some(self, test_files, folder):
+        """A program with the tests of these files alone."""
+        wanted = [self.objects[path] for path in test_files]
+        libraries = [word for word in self.link_command if word.endswith(".a") and not word.startswith("/")]
+        self.rebuild(*wanted, *libraries)
+        target = folder / "unit_tests"
+        command = [word for word in self.link_command if not word.endswith(".o") or word in wanted]
+        command[command.index("-o") + 1] = str(target)
+        linked = run(command, cwd=self.tree)
+        if linked.returncode:
+            raise BuildError(linked.stdout)
+        return target
+
+    def file_of_test(self, test):
+        suite, name = test.split(".")  # "Values/Suite.Name/7" where it has parameters
+        return self.files_of_tests[suite.split("/")[-1], name.split("/")[0]]
 
     def build_instrumented(self, folder):
         shutil.rmtree(folder, ignore_errors=True)
