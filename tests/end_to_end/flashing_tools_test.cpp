@@ -2,6 +2,7 @@
 #include "end_to_end/test_system.h"
 
 #include "device/ec_registers.h"
+#include "support/time_bound.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -17,8 +18,6 @@ using tarnTest::ServiceClient;
 using tarnTest::waitUntil;
 
 namespace {
-
-constexpr int longestStopMs = 3000;
 
 const QString refusal = "Refused, because this tool is running already: ";
 const QString leftAlone = "The EC tool is running already, so the EC is left alone until it has ended.";
@@ -101,7 +100,7 @@ protected:
     void expectPromptEnd(QElapsedTimer since)
     {
         ASSERT_TRUE(service.waitForEnd(15000));
-        EXPECT_LT(since.elapsed(), longestStopMs);
+        EXPECT_LT(since.elapsed(), tarnTest::allowedMs(tarnTest::promptStopMs));
         EXPECT_EQ(service.process.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(service.process.exitCode(), 0);
         EXPECT_EQ(service.logCount(goesOn), 1);
@@ -209,7 +208,7 @@ TEST_F(FlashingTools, OfTheEcKeepTheNextServiceFromTheEc)
     QElapsedTimer timer;
     timer.start();
     EXPECT_EQ(service.stop(), 0);
-    EXPECT_LT(timer.elapsed(), longestStopMs);
+    EXPECT_LT(timer.elapsed(), tarnTest::allowedMs(tarnTest::promptStopMs));
     EXPECT_EQ(accesses(), before);
     EXPECT_FALSE(says(ecTool, ecTool.done));
 
