@@ -40,7 +40,7 @@ public:
             return program;
         if (isUnderWine() || ownName.compare(name.left(longestOwnName), Qt::CaseInsensitive) != 0)
             return std::nullopt;
-        const std::optional<QString> script = scriptCalled(name);
+        std::optional<QString> script = scriptCalled(name);
         if (script || !program.isEmpty())
             return script;
         return hasEnded() ? std::nullopt : std::optional(QString());
