@@ -10,6 +10,12 @@ namespace tarnCampaign {
 
 using namespace tarnDeviceInfos;
 
+namespace {
+
+constexpr int slowestAcceptancePolls = 2000; // more than the driver itself has patience for
+
+} // namespace
+
 CampaignMachine::CampaignMachine()
     : homeBefore(qgetenv("HOME"))
 {
@@ -46,6 +52,10 @@ void CampaignMachine::out(std::uint16_t port, std::uint8_t value)
 void CampaignMachine::heal()
 {
     faults().clear();
+    // A stuck output buffer lets the driver take the next byte for its answer before the EC has seen the last
+    // one of the request. A slow EC answers that request later: what has been repaired has also had the time.
+    for (int look = 0; look < slowestAcceptancePolls && isInputWaiting(); ++look)
+        in(EC_CMD_STATUS_PORT);
     const std::uint32_t opened = state->devices.listsOpened;
     const std::uint32_t closed = state->devices.listsClosed;
     computer.devices().reset();
