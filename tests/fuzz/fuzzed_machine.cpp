@@ -3,6 +3,7 @@
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_dirver_reader.h"
+#include "device/ec_registers.h"
 #include "harness.h"
 #include "pipe/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
@@ -39,6 +40,7 @@ void FuzzedMachine::startAfresh()
     faults().clear();
     computer.detach();
     computer.devices().reset();
+    computer.setPowerControl(tarnDeviceInfos::PL_CTRL_MANUAL); // as a client's start leaves it
     clock.forgetWaits();
     if (++inputsSinceEmptied < inputsUntilQueueIsEmptied)
         return;

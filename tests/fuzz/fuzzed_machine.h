@@ -11,8 +11,9 @@ class FuzzedMachine : public tarnTest::SimulatedMachine
 public:
     static FuzzedMachine &instance();
 
-    // Takes faults, devices and the accessory back to a computer out of the factory, and drops what the last
-    // inputs have left behind in this process. Profiles, lights and the EC's other registers stay.
+    // Takes faults, devices and the accessory back to a computer out of the factory, the limits under the
+    // host's control, and drops what the last inputs have left behind in this process. Profiles, lights and
+    // the EC's other registers stay.
     void startAfresh();
     // Attached, and seen by the monitor.
     void attachAndPoll(std::uint8_t accessoryCode);
