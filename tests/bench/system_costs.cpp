@@ -137,9 +137,11 @@ void addIdleRow(Table &table, const char *client, qint64 pid, int seconds)
     timer.start();
     settle(1000 * seconds);
     const tarnLoad::ProcessFigures after = tarnLoad::figuresOf(pid);
+    const QString notTold = QStringLiteral("-"); // Wine counts neither
     table.add({client,
         fixed(100.0 * static_cast<double>(after.cpuMs - before) / static_cast<double>(timer.elapsed()), 2),
-        fixed(after.memoryMib, 1), QString::number(after.handles)});
+        after.memoryMib > 0 ? fixed(after.memoryMib, 1) : notTold,
+        after.handles > 0 ? QString::number(after.handles) : notTold});
 }
 
 void measureIdle(ServiceProcess &service, int seconds)
