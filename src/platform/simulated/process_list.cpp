@@ -11,6 +11,8 @@ namespace tarnPlatform {
 namespace {
 
 constexpr int longestOwnName = 15; // of the name that a process goes by
+constexpr int kernelFlags = 6; // the field of "stat", counted from the state, which follows the name
+constexpr uint exiting = 0x4; // PF_EXITING in include/linux/sched.h
 
 // A process as /proc shows it.
 class ListedProcess
@@ -63,17 +65,23 @@ private:
     {
         for (const QByteArray &word : content("cmdline").split('\0')) {
             const QString path = QFile::decodeName(word);
-            if (isCalled(path, name))
-                return QDir(QFile::symLinkTarget(folder + QStringLiteral("/cwd"))).absoluteFilePath(path);
+            if (!isCalled(path, name))
+                continue;
+            const QString current = QFile::symLinkTarget(folder + QStringLiteral("/cwd"));
+            if (current.isEmpty()) // what is relative must not be taken as relative to this process's folder
+                return std::nullopt;
+            return QDir(current).absoluteFilePath(path);
         }
         return std::nullopt;
     }
 
-    // Gone meanwhile, or a zombie that nobody has asked for its exit code.
+    // Gone meanwhile, a zombie that nobody has asked for its exit code, or about to become one: a process
+    // loses its program before it gets the state of a zombie.
     [[nodiscard]] bool hasEnded() const
     {
         const QByteArray status = content("stat");
-        return status.isEmpty() || status.sliced(status.lastIndexOf(')') + 1).trimmed().startsWith('Z');
+        const QList<QByteArray> fields = status.sliced(status.lastIndexOf(')') + 1).simplified().split(' ');
+        return fields.size() <= kernelFlags || (fields.at(kernelFlags).toUInt() & exiting) != 0;
     }
 
     [[nodiscard]] QByteArray content(const char *name) const

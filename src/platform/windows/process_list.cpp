@@ -21,12 +21,13 @@ std::optional<QString> pathOf(DWORD processId)
     const UniqueHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
     if (!process) // no process has the id of one that has gone
         return GetLastError() == ERROR_INVALID_PARAMETER ? std::nullopt : std::optional(QString());
-    DWORD exitCode = STILL_ACTIVE;
-    if (GetExitCodeProcess(process.get(), &exitCode) && exitCode != STILL_ACTIVE)
-        return std::nullopt; // somebody keeps a handle of it
     std::vector<wchar_t> path(longestPath);
     DWORD length = longestPath;
-    if (!QueryFullProcessImageNameW(process.get(), 0, path.data(), &length))
+    const bool isRead = QueryFullProcessImageNameW(process.get(), 0, path.data(), &length);
+    DWORD exitCode = STILL_ACTIVE; // asked last: one that ends meanwhile is none that cannot be read
+    if (GetExitCodeProcess(process.get(), &exitCode) && exitCode != STILL_ACTIVE)
+        return std::nullopt; // somebody keeps a handle of it
+    if (!isRead)
         return QString();
     return QDir::fromNativeSeparators(QString::fromWCharArray(path.data(), static_cast<int>(length)));
 }

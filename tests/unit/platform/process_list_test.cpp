@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QSet>
 
 #include <csignal>
 #include <sys/prctl.h>
@@ -154,4 +155,22 @@ TEST_F(ProcessPaths, OfAProcessThatOnlyAwaitsItsBurialAreNotListed)
     };
     ASSERT_TRUE(tarnTest::waitUntil(hasEnded));
     EXPECT_TRUE(pathsOf("tarn-zombie").isEmpty());
+}
+
+// One that ends while it is looked at has lost its program and its folder a moment before it counts as ended:
+// it must not be taken for one of a path that cannot be read, nor for one of the folder that this process is
+// in.
+TEST_F(ProcessPaths, OfOnesThatAreEndingAreNotListedWrongly)
+{
+    folder.write("tarn-ending", "#!/bin/sh\n:\n");
+    QFile(folder.path("tarn-ending")).setPermissions(QFile::ReadOwner | QFile::ExeOwner);
+    process.setWorkingDirectory(folder.path("."));
+    process.start("/bin/sh", {"-c", "while :; do ./tarn-ending & ./tarn-ending & ./tarn-ending; done"});
+    EXPECT_TRUE(tarnTest::waitUntil([] { return !pathsOf("tarn-ending").isEmpty(); }));
+    QSet<QString> seen;
+    for (int look = 0; look < 2000; ++look) {
+        for (const QString &path : pathsOf("tarn-ending"))
+            seen << path;
+    }
+    EXPECT_EQ(seen, QSet<QString> {folder.path("./tarn-ending")});
 }
