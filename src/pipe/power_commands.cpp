@@ -5,6 +5,7 @@
 
 #include <QDebug>
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -14,21 +15,20 @@ namespace {
 using tarnAccessoryManager::EcPowerModeManager;
 
 // Indexed by profile number.
-constexpr std::array profileNames {"high", "balance", "low"};
+constexpr std::array profileNames {QLatin1String("high"), QLatin1String("balance"), QLatin1String("low")};
 
 std::optional<quint32> profileNumber(const QString &name)
 {
-    for (quint32 number = 0; number < profileNames.size(); ++number) {
-        if (name == QLatin1String(profileNames[number]))
-            return number;
-    }
-    return std::nullopt;
+    const auto found = std::find(profileNames.begin(), profileNames.end(), name);
+    if (found == profileNames.end())
+        return std::nullopt;
+    return static_cast<quint32>(found - profileNames.begin());
 }
 
 QString profileName(int number)
 {
     const bool known = number >= 0 && number < static_cast<int>(profileNames.size());
-    return QLatin1String(known ? profileNames[static_cast<std::size_t>(number)] : "hide");
+    return known ? profileNames[static_cast<std::size_t>(number)] : QLatin1String("hide");
 }
 
 } // namespace

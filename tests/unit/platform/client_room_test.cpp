@@ -1,29 +1,11 @@
 #include "platform/client_room.h"
 
+#include "support/descriptor_limit.h"
+
 #include <gtest/gtest.h>
 
-#include <limits>
-#include <sys/resource.h>
-
 using tarnPlatform::clientRoom;
-
-// For as long as it lives this process may have so many descriptors.
-class DescriptorLimit
-{
-public:
-    explicit DescriptorLimit(rlim_t count)
-    {
-        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
-        const rlimit changed {count, before.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &changed), 0);
-    }
-    ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &before); }
-    DescriptorLimit(const DescriptorLimit &) = delete;
-    DescriptorLimit &operator=(const DescriptorLimit &) = delete;
-
-private:
-    rlimit before {};
-};
+using tarnTest::DescriptorLimit;
 
 TEST(ClientRoom, KeepsDescriptorsBackForHandlers)
 {

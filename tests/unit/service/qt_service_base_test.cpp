@@ -194,6 +194,18 @@ TEST_P(ServiceHostSignal, StopsOnceAndLeavesWithZero)
     EXPECT_EQ(service.calls, QStringList({"start", "loop", "stop"}));
 }
 
+TEST_P(ServiceHostSignal, IsObeyedInTheLoopToo)
+{
+    NotingService service({"tarn", "-exec"});
+    service.realLoop = true;
+    service.onStart = [] {
+        QTimer::singleShot(0, [] { std::raise(GetParam()); });
+        QTimer::singleShot(5000, [] { QCoreApplication::exit(9); });
+    };
+    EXPECT_EQ(service.exec(), 0);
+    EXPECT_EQ(service.calls, QStringList({"start", "loop", "stop"}));
+}
+
 TEST(ServiceHost, ObeysARequestThatCameBeforeAnybodyListened)
 {
     tarnPlatform::StopRequests::ofProcess();

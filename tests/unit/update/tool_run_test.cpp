@@ -74,8 +74,10 @@ TEST_F(ToolRun, OfAMissingToolSaysWhy)
 TEST_F(ToolRun, OnAFullDiskIsAFailure)
 {
     installTool("function/MCU/stm32flash.exe", "echo complained >&2");
-    const tarnTest::FileSizeLimit limit(0);
-    const auto result = run();
+    const auto result = [this] {
+        const tarnTest::FileSizeLimit limit(0); // for what the test has to say too
+        return run();
+    }();
     EXPECT_EQ(result.errors, "");
     EXPECT_EQ(result.failure, "What it says cannot be kept: File too large");
 }
