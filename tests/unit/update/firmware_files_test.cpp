@@ -26,6 +26,7 @@ TEST(FirmwareFileName, RefusesWhatLeavesTheFolderOrSmuggles)
     EXPECT_FALSE(isSafeFirmwareName(QString("fw") + QChar(0) + ".bin"));
     EXPECT_FALSE(isSafeFirmwareName(QString("fw") + QChar(0x85)));
     EXPECT_FALSE(isSafeFirmwareName(QString(256, 'a')));
+    EXPECT_TRUE(isSafeFirmwareName(QString(255, 'a')));
 }
 
 TEST(FirmwareFileName, RefusesDevices)
