@@ -18,7 +18,7 @@ public:
     // true when it did. False also when there is no snapshot.
     [[nodiscard]] virtual bool anyOf(const std::function<bool(const QString &)> &matches) = 0;
     // The full paths of those programs that have this file name, in any spelling of upper and lower case. One
-    // that cannot be read is empty.
+    // that cannot be read is empty, and so is the only one where the processes cannot be listed.
     [[nodiscard]] virtual QStringList pathsOf(const QString &fileName) = 0;
 
 private:

@@ -119,8 +119,11 @@ public:
 
     QStringList pathsOf(const QString &fileName) override
     {
+        const QStringList folders = processFolders();
+        if (folders.isEmpty())
+            return {QString()}; // this process at least is one, so nothing could be read
         QStringList paths;
-        for (const QString &folder : processFolders()) {
+        for (const QString &folder : folders) {
             if (const auto path = ListedProcess(folder).pathAs(fileName))
                 paths << *path;
         }

@@ -37,30 +37,33 @@ class ToolHelpSnapshot final : public ProcessList
 public:
     bool anyOf(const std::function<bool(const QString &)> &matches) override
     {
-        return visit([&matches](const PROCESSENTRY32W &entry) {
+        const auto seenEnough = visit([&matches](const PROCESSENTRY32W &entry) {
             return matches(QString::fromWCharArray(entry.szExeFile));
         });
+        return seenEnough.value_or(false);
     }
 
     QStringList pathsOf(const QString &fileName) override
     {
         QStringList paths;
-        static_cast<void>(visit([&](const PROCESSENTRY32W &entry) {
+        const auto seenEnough = visit([&](const PROCESSENTRY32W &entry) {
             if (QString::fromWCharArray(entry.szExeFile).compare(fileName, Qt::CaseInsensitive) == 0) {
                 if (const auto path = pathOf(entry.th32ProcessID))
                     paths << *path;
             }
             return false;
-        }));
-        return paths;
+        });
+        return seenEnough ? paths : QStringList(QString());
     }
 
 private:
-    [[nodiscard]] static bool visit(const std::function<bool(const PROCESSENTRY32W &)> &hasSeenEnough)
+    // Nothing where there is no snapshot.
+    [[nodiscard]] static std::optional<bool> visit(
+        const std::function<bool(const PROCESSENTRY32W &)> &hasSeenEnough)
     {
         const UniqueHandle snapshot(CreateToolhelp32Snapshot(TH32CS_SNAPPROCESS, 0));
         if (!snapshot)
-            return false;
+            return std::nullopt;
         PROCESSENTRY32W entry = {};
         entry.dwSize = sizeof entry;
         for (BOOL found = Process32FirstW(snapshot.get(), &entry); found;

@@ -1,5 +1,6 @@
 #include "platform/process_list.h"
 
+#include "support/descriptor_limit.h"
 #include "support/pipe_peer.h"
 #include "support/run_folder.h"
 #include "support/unprivileged.h"
@@ -150,6 +151,12 @@ TEST_F(ProcessPaths, AreEmptyWhereTheyCannotBeRead)
     const NamedCopy copy("tarn-unread", [] { ::prctl(PR_SET_DUMPABLE, 0); });
     const tarnTest::Unprivileged unprivileged;
     EXPECT_EQ(pathsOf("tarn-unread"), QStringList(QString()));
+}
+
+TEST_F(ProcessPaths, AreOneThatCannotBeReadWhereNoProcessCan)
+{
+    const tarnTest::DescriptorLimit limit(0);
+    EXPECT_EQ(pathsOf("tarn-nobody"), QStringList(QString()));
 }
 
 // The words of its command can be read, and name a file below a folder that cannot.
