@@ -86,6 +86,10 @@ Section "Tarn Service" SectionService
     StrCpy $SimulatedComputerIsNew 1 ; they may have been when it was cut off
     Call TakeAllBack
     StrCpy $SimulatedComputerIsNew 0
+    ${If} $NotTakenBack != ""
+        SetErrorLevel 2
+        Abort "$NotTakenBack, which an earlier installer has moved aside, cannot be put back: it is in use."
+    ${EndIf}
     DetailPrint "Unpacking"
     ClearErrors
     ${UnpackProgramFiles} "${NEW_FILES}"
@@ -119,6 +123,9 @@ Section # the new files take the place of the old ones when all have been unpack
         DetailPrint "Replacing the files"
         Call ReplaceFiles
         StrCpy $0 "$InTheWay cannot be replaced, it is in use. The installed version stays."
+        ${If} $NotTakenBack != ""
+            StrCpy $0 "$InTheWay cannot be replaced, and $NotTakenBack cannot be put back. Run the installer again."
+        ${EndIf}
     ${Else}
         RMDir /r "${NEW_FILES}"
         StrCpy $InTheWay tool
@@ -209,7 +216,18 @@ Section Uninstall
     ${Else}
         StrCpy $3 1
     ${EndIf}
+    ${IsTarnServiceActive} $9
     ${StopTarnService}
+    ${If} $3 = 0
+        ${CountFlashingTools} $0 ; a client may have asked the service for an update until now
+        ${If} $0 <> 0
+            ${If} $9 = 1
+                ${StartTarnService} $1
+            ${EndIf}
+            SetErrorLevel 2
+            Abort "${FLASH_RUNS}"
+        ${EndIf}
+    ${EndIf}
     ${CloseWindows}
     ${RemoveProgramFiles}
     Delete "$INSTDIR\tarnsim.exe"

@@ -18,11 +18,14 @@
             Pop $R1
             nsExec::ExecToLog '"$SYSDIR\sc.exe" failureflag "Tarn Service" 1'
             Pop $R2
-            ${If} "$R1 $R2" != "0 0"
-                DetailPrint "The recovery after a failure could not be set"
-            ${EndIf}
+            StrCpy $R2 "$R1 $R2"
         ${EndIf}
-        WriteRegDWORD HKLM "${PRODUCT_KEY}" RecoverySet 1
+        ${If} $R2 == "0 0"
+        ${OrIf} $R2 == "FailureActions"
+            WriteRegDWORD HKLM "${PRODUCT_KEY}" RecoverySet 1
+        ${Else}
+            DetailPrint "The recovery after a failure could not be set"
+        ${EndIf}
     ${EndIf}
 !macroend
 !define SetRecovery '!insertmacro SetRecovery'

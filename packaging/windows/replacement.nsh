@@ -1,11 +1,13 @@
 ; Puts a new version in the place of the installed one, or changes nothing. The new files come beside the old ones
 ; first; then the old ones go aside, where every one that is in use tells; then the new ones take their place.
+; As long as ${NEW_FILES} stands, ${OLD_FILES} holds what is still to be put back; without it, rubbish.
 ; Files are listed by ${ForEachProgramFile}, of program_files.nsh. All functions use $0 to $2.
 
 !define NEW_FILES "$INSTDIR\update.new"
 !define OLD_FILES "$INSTDIR\update.old"
 
 Var InTheWay ; the first file that could not be moved; empty: none so far
+Var NotTakenBack ; the first old file that could not be put back; empty: none
 Var SimulatedComputerIsNew ; 1: its files are among the new ones
 
 ; With a path below $INSTDIR on the stack, as the two below. A program that runs could be moved aside but not be
@@ -53,7 +55,12 @@ Function TakeBack
         ${GetParent} "$INSTDIR\$0" $1
         CreateDirectory $1
         Delete "$INSTDIR\$0"
+        ClearErrors
         Rename "${OLD_FILES}\$0" "$INSTDIR\$0"
+        ${If} ${Errors}
+        ${AndIf} $NotTakenBack == ""
+            StrCpy $NotTakenBack $0
+        ${EndIf}
     ${EndIf}
     Pop $0
 FunctionEnd
@@ -70,13 +77,17 @@ FunctionEnd
     ${EndIf}
 !macroend
 
-; The old files stand as they did. Also for what an installer left that was cut off in the middle.
+; The old files stand as they did. Also for what an installer left that was cut off in the middle. What cannot be put
+; back, because somebody looks into it, stays aside for the next installer.
 Function TakeAllBack
-    ${If} ${FileExists} "${OLD_FILES}\*.*"
+    StrCpy $NotTakenBack ""
+    ${If} ${FileExists} "${NEW_FILES}\*.*"
         !insertmacro ForEachNewFile TakeBack
     ${EndIf}
-    RMDir /r "${OLD_FILES}"
-    RMDir /r "${NEW_FILES}"
+    ${If} $NotTakenBack == ""
+        RMDir /r "${OLD_FILES}"
+        RMDir /r "${NEW_FILES}"
+    ${EndIf}
 FunctionEnd
 
 ; The service does not run. $InTheWay names the file when nothing could be replaced.
@@ -92,7 +103,8 @@ Function ReplaceFiles
     !insertmacro ForEachNewFile PutInPlace
     ${If} $InTheWay != ""
         Call TakeAllBack
+    ${Else}
+        RMDir /r "${NEW_FILES}"
+        RMDir /r "${OLD_FILES}"
     ${EndIf}
-    RMDir /r "${OLD_FILES}"
-    RMDir /r "${NEW_FILES}"
 FunctionEnd
