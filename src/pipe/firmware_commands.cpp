@@ -5,7 +5,7 @@
 #include "graphics/graphics_accessory_manager.h"
 #include "pipe/replies.h"
 #include "update/firmware_updater.h"
-#include "update/flashing_tool.h"
+#include "update/tool_run.h"
 
 #include <QDebug>
 #include <QMutex>
@@ -16,8 +16,7 @@ namespace {
 using tarnAccessoryManager::GraphicsAccessoryManager;
 using tarnDeviceInfos::EcDirverReader;
 using tarnFirmwareUpdate::FirmwareUpdater;
-using tarnFirmwareUpdate::FlashingTool;
-using tarnFirmwareUpdate::isLeftRunning;
+using tarnFirmwareUpdate::isToolLeftRunning;
 
 constexpr char ecSettingsFile[] = "./function/EC/uiset.ini";
 
@@ -37,8 +36,8 @@ QString mcuVersion()
 // False before the tool is run; then it counts as done whatever the tool did.
 bool updateEc(const QString &fileName)
 {
-    // A tool that an earlier run of the service has left behind still needs its settings and its file.
-    if (isLeftRunning(FlashingTool::ofEc()))
+    // An EC tool that an earlier run of the service has left behind still needs its settings and its file.
+    if (isToolLeftRunning())
         return false;
     FirmwareUpdater *updater = FirmwareUpdater::instance();
     if (!updater->modifyEcIniFile(ecSettingsFile, fileName.toLocal8Bit().toStdString())) {

@@ -2,7 +2,7 @@
 #include "platform/user_session.h"
 #include "update/firmware_file_name.h"
 #include "update/firmware_updater.h"
-#include "update/flashing_tool.h"
+#include "update/tool_run.h"
 
 #include <QDebug>
 #include <QDir>
@@ -166,11 +166,13 @@ int FirmwareUpdater::copyMcuFile(const QString &fileName)
 {
     if (refuses(fileName))
         return copyFailed;
+    const auto waitBegan = tarnPlatform::steadyNow();
     const QMutexLocker locker(&mcuTurn);
-    if (isLeftRunning(FlashingTool::ofMcu()))
+    const auto waited = tarnPlatform::steadyNow() - waitBegan;
+    if (isToolLeftRunning())
         return copyFailed;
     const int result = take(findDownload(fileName), mcuFolder, fileName);
-    return result == 0 ? mcuUpdate(fileName) : result;
+    return result == 0 ? mcuUpdate(fileName, waited) : result;
 }
 
 int FirmwareUpdater::copyEcFile(const QString &fileName)

@@ -34,8 +34,9 @@ public:
     // Only takes the file; 0 on success.
     [[nodiscard]] int copyEcFile(const QString &fileName);
 
-    // mcu_update.cpp: 0 or -1. Holds ecAccessMutex for about 10 s and the flasher's run.
-    [[nodiscard]] int mcuUpdate(const QString &fileName);
+    // mcu_update.cpp: 0 or -1. Holds ecAccessMutex for about 10 s and the flasher's run. A wait for another
+    // update counts like one for the EC: the KVane may have gone meanwhile.
+    [[nodiscard]] int mcuUpdate(const QString &fileName, tarnPlatform::milliseconds waitedBefore = {});
     // One run of the flasher, repeated at most twice while it complains; 0 or -1.
     [[nodiscard]] int mcuUpdateProcess(const QString &fileName);
     // The two halves of the switching; 0, or -1 when there is no KVane or, for leaving, when nothing was
@@ -52,7 +53,8 @@ private:
     FirmwareUpdater() = default;
 
     // Nothing when the KVane has gone while the EC was waited for.
-    [[nodiscard]] std::optional<int> switchAndFlash(const QString &fileName);
+    [[nodiscard]] std::optional<int> switchAndFlash(
+        const QString &fileName, tarnPlatform::milliseconds waitedBefore);
     [[nodiscard]] bool takeEcForMode(tarnPlatform::milliseconds waitBegan);
     void readControl();
     void changeControl(quint8 bits, bool set);

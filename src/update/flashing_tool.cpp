@@ -2,7 +2,6 @@
 
 #include "platform/process_list.h"
 
-#include <QDebug>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -29,14 +28,6 @@ bool FlashingTool::isRunning() const
     const QStringList paths = tarnPlatform::ProcessList::system().pathsOf(ours.fileName());
     return std::any_of(paths.begin(), paths.end(),
         [&ours](const QString &path) { return path.isEmpty() || QFileInfo(path) == ours; });
-}
-
-bool isLeftRunning(const FlashingTool &tool)
-{
-    if (!tool.isRunning())
-        return false;
-    qWarning() << "Refused, because this tool is running already:" << tool.program;
-    return true;
 }
 
 } // namespace tarnFirmwareUpdate

@@ -19,8 +19,4 @@ struct FlashingTool
     [[nodiscard]] bool isRunning() const;
 };
 
-// Whether an update is to be refused because a tool runs already: one that a service before this one has left
-// behind. The log then says so. Ask only while no update of this process runs the tool.
-[[nodiscard]] bool isLeftRunning(const FlashingTool &tool);
-
 } // namespace tarnFirmwareUpdate

@@ -22,8 +22,8 @@ constexpr auto controlPause = 1000ms; // before the sequence and after each of i
 constexpr auto handshakePause = 2000ms;
 constexpr int maximumRuns = 3;
 
-// A wait for the EC that no cycle of the monitor accounts for. Then the monitor has been paused, or held up,
-// and what it knows of the accessory may be out of date.
+// No cycle of the monitor holds the EC for longer. After a longer wait the monitor has been paused, or held
+// up, and what it knows of the accessory may be out of date; after a shorter one its word is taken.
 constexpr auto longestCycleWait = 1000ms;
 
 // Flasher runs in a row that complained. One update at a time counts: the EC lock sees to that.
@@ -57,12 +57,12 @@ bool isKVaneStillAttached(milliseconds waitBegan)
 
 } // namespace
 
-int FirmwareUpdater::mcuUpdate(const QString &fileName)
+int FirmwareUpdater::mcuUpdate(const QString &fileName, milliseconds waitedBefore)
 {
     qDebug() << "mcuUpdate Enter |";
     std::optional<int> result;
     if (isKVaneAttached())
-        result = switchAndFlash(fileName);
+        result = switchAndFlash(fileName, waitedBefore);
     if (!result) {
         sleepFor(handshakePause);
         qWarning() << "MCU and base handshake failed!";
@@ -71,9 +71,9 @@ int FirmwareUpdater::mcuUpdate(const QString &fileName)
     return result.value_or(-1);
 }
 
-std::optional<int> FirmwareUpdater::switchAndFlash(const QString &fileName)
+std::optional<int> FirmwareUpdater::switchAndFlash(const QString &fileName, milliseconds waitedBefore)
 {
-    const auto waitBegan = steadyNow();
+    const auto waitBegan = steadyNow() - waitedBefore;
     const EcAccess access;
     if (!access)
         return -1;
@@ -151,7 +151,7 @@ bool FirmwareUpdater::takeEcForMode(milliseconds waitBegan)
         return false;
     if (!isKVaneStillAttached(waitBegan))
         qDebug() << "hand shake status is failed!";
-    else if (!isLeftRunning(FlashingTool::ofMcu()))
+    else if (!isToolLeftRunning())
         return true;
     ecAccessMutex.unlock();
     return false;

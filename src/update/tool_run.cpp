@@ -39,15 +39,23 @@ bool hasRoom(const QString &name, QString *error)
 
 std::atomic<int> runningTools {0};
 
+// From before there is a process, so that it is never taken for somebody else's.
+class CountedRun
+{
+public:
+    CountedRun() { ++runningTools; }
+    ~CountedRun() { --runningTools; }
+    CountedRun(const CountedRun &) = delete;
+    CountedRun &operator=(const CountedRun &) = delete;
+};
+
 // The process object would kill the tool if it went before it.
 void waitForEnd(QProcess &process)
 {
-    ++runningTools;
     while (process.state() != QProcess::NotRunning) {
         if (!process.waitForFinished(-1))
             tarnPlatform::sleepFor(pauseAfterFailedWait);
     }
-    --runningTools;
 }
 
 } // namespace
@@ -56,6 +64,7 @@ ToolResult runTool(QProcess &process, const FlashingTool &tool, const QStringLis
 {
     const QString output = printedBy(tool, ".out");
     const QString errors = printedBy(tool, ".err");
+    const CountedRun counted;
     tarnPlatform::setApart(process);
     process.setStandardInputFile(QProcess::nullDevice()); // a tool must not wait for a person
     process.setStandardOutputFile(QFileInfo(output).absoluteFilePath());
@@ -81,6 +90,17 @@ ToolResult runTool(QProcess &process, const FlashingTool &tool, const QStringLis
 bool isToolRunning()
 {
     return runningTools > 0;
+}
+
+bool isToolLeftRunning()
+{
+    for (const FlashingTool &tool : {FlashingTool::ofMcu(), FlashingTool::ofEc()}) {
+        if (isToolRunning() || !tool.isRunning())
+            continue;
+        qWarning() << "Refused, because this tool is running already:" << tool.program;
+        return true;
+    }
+    return false;
 }
 
 } // namespace tarnFirmwareUpdate

@@ -27,4 +27,10 @@ struct ToolResult
 // Whether a tool of this process runs.
 [[nodiscard]] bool isToolRunning();
 
+// Whether an update is to be refused because a tool runs already that this process has not started: one that
+// a service before this one has left behind, or that somebody has opened. Either tool stands in the way of
+// either update: they would restart what the other one writes. The log then says which. One of this process
+// does not count, an update waits for that.
+[[nodiscard]] bool isToolLeftRunning();
+
 } // namespace tarnFirmwareUpdate

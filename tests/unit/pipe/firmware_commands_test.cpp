@@ -127,24 +127,36 @@ TEST_F(FirmwareCommands, RunTheToolsOfTwoEcUpdatesOneAfterTheOther)
     giveBackEc();
 }
 
-TEST_F(FirmwareCommands, RefuseAnEcUpdateBesideAToolOfAnEarlierRun)
+// Either tool stands in the way of either update, before anything is touched.
+TEST_F(FirmwareCommands, RefuseAnUpdateBesideAToolOfAnEarlierRun)
 {
     machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
     download("new");
-    installTool("function/EC/IFU_XE.exe", untilGo);
-    QProcess orphan;
-    orphan.setWorkingDirectory(machine.folder.path("function/EC"));
-    orphan.start(machine.folder.path("function/EC/IFU_XE.exe"), QStringList());
-    ASSERT_TRUE(tarnTest::waitUntil([this] { return exists("function/EC/running"); }));
-    EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "failed"));
-    EXPECT_EQ(machine.folder.read("function/EC/uiset.ini"), "BinName=old\n");
-    EXPECT_TRUE(exists("Downloads/fw.bin"));
-    EXPECT_FALSE(exists("function/EC/fw.bin"));
-    EXPECT_FALSE(ecAccessMutex.isLocked());
-    EXPECT_TRUE(machine.log.contains(
-        "W: Refused, because this tool is running already: \"./function/EC/IFU_XE.exe\""));
-    machine.folder.write("function/EC/go", "");
-    orphan.waitForFinished();
+    for (const char *tool : {"function/MCU/stm32flash.exe", "function/EC/IFU_XE.exe"}) {
+        installTool(tool, untilGo);
+        QProcess orphan;
+        orphan.setWorkingDirectory(machine.folder.path(QFileInfo(tool).path()));
+        orphan.start(machine.folder.path(tool), QStringList());
+        const QString folder = QFileInfo(tool).path();
+        ASSERT_TRUE(tarnTest::waitUntil([&] { return exists(folder + "/running"); }));
+        machine.log.clear();
+        machine.traffic();
+        for (const char *command : {"requestEcUpdate", "requestMcuUpdate", "requestEnterMcuUpdateMode"}) {
+            EXPECT_EQ(ask(command, "fw.bin"), reply(command, "failed"));
+            EXPECT_EQ(machine.folder.read("function/EC/uiset.ini"), "BinName=old\n");
+            EXPECT_TRUE(exists("Downloads/fw.bin"));
+            EXPECT_FALSE(exists("function/EC/fw.bin"));
+            EXPECT_FALSE(exists("function/MCU/fw.bin"));
+            EXPECT_FALSE(ecAccessMutex.isLocked());
+        }
+        EXPECT_TRUE(machine.traffic().isEmpty());
+        EXPECT_EQ(machine.log.lines()
+                      .filter(QString("W: Refused, because this tool is running already: \"./%1\"").arg(tool))
+                      .size(),
+            3);
+        machine.folder.write(folder + "/go", "");
+        orphan.waitForFinished();
+    }
     EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "successed"));
     giveBackEc();
 }

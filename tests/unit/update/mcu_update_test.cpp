@@ -380,7 +380,8 @@ TEST_F(McuUpdateMode, KeepsAnUpdateFromTheDockThatHasReplacedTheKVane)
     download("new");
     const int looks = machine.clock.steadyLooks;
     std::thread update([this] { EXPECT_EQ(updater->copyMcuFile("fw.bin"), -1); });
-    EXPECT_TRUE(tarnTest::waitUntil([&] { return machine.clock.steadyLooks > looks; }));
+    constexpr int looksBeforeTheEc = 3; // at its turn's begin and end, and when it asks for the EC
+    EXPECT_TRUE(tarnTest::waitUntil([&] { return machine.clock.steadyLooks == looks + looksBeforeTheEc; }));
     becomeDock();
     machine.traffic();
     EXPECT_EQ(updater->leaveMcuUpdateMode(), 0);
@@ -389,6 +390,27 @@ TEST_F(McuUpdateMode, KeepsAnUpdateFromTheDockThatHasReplacedTheKVane)
     EXPECT_EQ(machine.traffic(),
         QStringList({"W 06C1 20", "W 06C1 30", "W 06C1 20", "W 06C1 00", "R 06A0 04", "R 06A6 01"}));
     EXPECT_TRUE(machine.log.contains("W: MCU and base handshake failed!"));
+}
+
+// The wait for another update counts, too: nobody has polled in the meantime.
+TEST_F(McuUpdateMode, ThatAnotherUpdateHoldsKeepsTheNextFromTheDock)
+{
+    download("new");
+    download("newer", "next.bin");
+    installFlasher(untilGo);
+    std::thread first([this] { EXPECT_EQ(updater->copyMcuFile("fw.bin"), 0); });
+    EXPECT_TRUE(tarnTest::waitUntil([this] { return exists("function/MCU/running"); }));
+    const int looks = machine.clock.steadyLooks;
+    std::thread next([this] { EXPECT_EQ(updater->copyMcuFile("next.bin"), -1); });
+    EXPECT_TRUE(tarnTest::waitUntil([&] { return machine.clock.steadyLooks > looks; }));
+    becomeDock();
+    machine.traffic();
+    machine.folder.write("function/MCU/go", "");
+    first.join();
+    next.join();
+    EXPECT_EQ(flasherRuns(), 1);
+    EXPECT_EQ(machine.traffic(),
+        QStringList({"W 06C1 20", "W 06C1 30", "W 06C1 20", "W 06C1 00", "R 06A0 04", "R 06A6 01"}));
 }
 
 TEST_F(McuUpdateMode, IsLeftOnlyWhenItHasBeenEnteredCompletely)

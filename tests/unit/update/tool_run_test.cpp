@@ -9,7 +9,7 @@
 #include <unistd.h>
 
 using tarnFirmwareUpdate::FlashingTool;
-using tarnFirmwareUpdate::isLeftRunning;
+using tarnFirmwareUpdate::isToolLeftRunning;
 using tarnFirmwareUpdate::isToolRunning;
 using tarnFirmwareUpdate::runTool;
 using tarnTest::waitUntil;
@@ -91,6 +91,7 @@ TEST_F(ToolRun, IsKnownWhileItLasts)
     EXPECT_TRUE(waitUntil([] { return isToolRunning(); }));
     EXPECT_TRUE(FlashingTool::ofMcu().isRunning());
     EXPECT_FALSE(FlashingTool::ofEc().isRunning());
+    EXPECT_FALSE(isToolLeftRunning()); // it is this process's own
     machine.folder.write("function/MCU/go", "");
     other.join();
     EXPECT_FALSE(isToolRunning());
@@ -148,10 +149,14 @@ TEST_F(RunningTool, MayBeWhatCannotBeToldApart)
 TEST_F(RunningTool, RefusesAnUpdateAndSaysSo)
 {
     tarnTest::ScriptedProcesses processes;
-    EXPECT_FALSE(isLeftRunning(FlashingTool::ofMcu()));
+    EXPECT_FALSE(isToolLeftRunning());
     EXPECT_TRUE(machine.log.lines().isEmpty());
-    processes.paths = {""};
-    EXPECT_TRUE(isLeftRunning(FlashingTool::ofMcu()));
-    EXPECT_EQ(machine.log.lines(),
-        QStringList({"W: Refused, because this tool is running already: \"./function/MCU/stm32flash.exe\""}));
+    for (const char *tool : {"./function/MCU/stm32flash.exe", "./function/EC/IFU_XE.exe"}) {
+        machine.log.clear();
+        installTool(tool, "exit");
+        processes.paths = {QFileInfo(tool).canonicalFilePath()};
+        EXPECT_TRUE(isToolLeftRunning());
+        EXPECT_EQ(machine.log.lines(),
+            QStringList({QString("W: Refused, because this tool is running already: \"%1\"").arg(tool)}));
+    }
 }
