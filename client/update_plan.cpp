@@ -145,7 +145,9 @@ constexpr UpdatePlan ecPlan {
     .notice = L("Save your work and keep the computer on: the EC tool may shut it down by itself.\n"
                 "The service reports nothing before the tool has ended."),
     .versionKey = {},
-    .doneText = L("The EC tool has been run. Whether it succeeded only the tool knows."),
+    .doneText =
+        L("The service is done with the EC tool. Whether it ran and succeeded only the service's log and the "
+          "tool know."),
     .noVersionText = {},
     .nothingRunsVersion = {},
     .nothingRunsText = {},

@@ -23,6 +23,15 @@ constexpr QLatin1StringView lateAnswerKind("late-answer");
 
 constexpr QLatin1StringView helpWord("help");
 constexpr QLatin1StringView reconnectWord("reconnect");
+constexpr QLatin1StringView quitWord("quit");
+constexpr QLatin1StringView exitWord("exit");
+
+// What is typed to the tool itself, an empty line included; all else is to be sent.
+bool isOwnWord(const QString &word)
+{
+    return word.isEmpty() || word == helpWord || word == reconnectWord || word == quitWord
+        || word == exitWord;
+}
 
 QString timeStamp()
 {
@@ -197,7 +206,7 @@ void Watch::handleLine(const QString &line)
     if (command.name.isEmpty()) {
         return;
     }
-    if (command.name == QLatin1StringView("quit") || command.name == QLatin1StringView("exit")) {
+    if (command.name == quitWord || command.name == exitWord) {
         finish(ExitCode::Done);
     } else if (command.name == helpWord) {
         showHelp(command);
@@ -281,7 +290,7 @@ void Watch::endWatching()
     QString first;
     while (const std::optional<QString> line = m_reader ? m_reader->takeLine() : std::nullopt) {
         const TypedCommand command = parseTypedLine(*line);
-        if (findCommand(command.name) != nullptr && unsent++ == 0) {
+        if (!isOwnWord(command.name) && unsent++ == 0) {
             first = line->trimmed();
         }
     }

@@ -155,7 +155,7 @@ TEST_F(TarnctlUpdate, OfTheEcReservesItForTheNextOne)
 {
     const Outcome ec = tarnctl(update("update-ec"));
     EXPECT_EQ(ec.exitCode, 0);
-    EXPECT_TRUE(ec.out.startsWith("The EC tool has been run.")) << ec.err.toStdString();
+    EXPECT_TRUE(ec.out.startsWith("The service is done with the EC tool.")) << ec.err.toStdString();
     EXPECT_TRUE(service.log().contains("ecUpdate Leave |"));
     EXPECT_FALSE(service.log().contains("requestStartEcUpdate"));
 

@@ -27,7 +27,8 @@ TEST_F(TarnctlUpdateTest, EcIsUpdatedWithOneRequest)
 {
     const ToolRun run = update(ecUpdatePlan());
     EXPECT_EQ(run.code, 0);
-    EXPECT_TRUE(run.output.startsWith("The EC tool has been run. Whether it succeeded only the tool knows."));
+    EXPECT_TRUE(run.output.startsWith("The service is done with the EC tool. Whether it ran and succeeded "
+                                      "only the service's log and the tool know."));
     EXPECT_TRUE(run.errors.contains("Restart the computer now")) << run.errors.toStdString();
     EXPECT_EQ(service.commands(), ecCommands);
     EXPECT_EQ(
