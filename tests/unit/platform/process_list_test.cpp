@@ -162,12 +162,12 @@ TEST_F(ProcessPaths, AreOneThatCannotBeReadWhereNoProcessCan)
 // The words of its command can be read, and name a file below a folder that cannot.
 TEST_F(ProcessPaths, AreNotTakenAsRelativeToAnotherProcessesFolder)
 {
-    writeScript("tarn-relative");
+    writeScript("tarn-elsewhere");
     process.setWorkingDirectory(folder.path("."));
-    process.start("/bin/sh", {"-c", "exec ./tarn-relative"});
-    ASSERT_TRUE(tarnTest::waitUntil([&] { return !pathsOf("tarn-relative").isEmpty(); }));
+    process.start("/bin/sh", {"-c", "exec ./tarn-elsewhere"});
+    ASSERT_TRUE(tarnTest::waitUntil([&] { return !pathsOf("tarn-elsewhere").isEmpty(); }));
     const tarnTest::Unprivileged unprivileged;
-    EXPECT_EQ(pathsOf("tarn-relative"), QStringList(QString()));
+    EXPECT_EQ(pathsOf("tarn-elsewhere"), QStringList(QString()));
 }
 
 TEST_F(ProcessPaths, OfAProcessThatOnlyAwaitsItsBurialAreNotListed)
