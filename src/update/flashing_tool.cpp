@@ -2,6 +2,7 @@
 
 #include "platform/process_list.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
@@ -22,12 +23,25 @@ const FlashingTool &FlashingTool::ofEc()
     return tool;
 }
 
+namespace {
+
+// A file object stands for a file that exists: two that have gone would pass for one. Their paths are then
+// compared, as a system does that does not tell upper from lower case.
+bool isSameFile(const QFileInfo &ours, const QString &path)
+{
+    if (ours.exists())
+        return QFileInfo(path) == ours;
+    return QDir::cleanPath(ours.absoluteFilePath()).compare(path, Qt::CaseInsensitive) == 0;
+}
+
+} // namespace
+
 bool FlashingTool::isRunning() const
 {
     const QFileInfo ours(program);
     const QStringList paths = tarnPlatform::ProcessList::system().pathsOf(ours.fileName());
     return std::any_of(paths.begin(), paths.end(),
-        [&ours](const QString &path) { return path.isEmpty() || QFileInfo(path) == ours; });
+        [&ours](const QString &path) { return path.isEmpty() || isSameFile(ours, path); });
 }
 
 } // namespace tarnFirmwareUpdate

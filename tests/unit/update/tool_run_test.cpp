@@ -140,6 +140,15 @@ TEST_F(RunningTool, IsOneOfThisInstallation)
     EXPECT_FALSE(isSeenAt("/sbin/init"));
 }
 
+// A file may go while its program runs, and an installation may lack its tool. Two files that are not there
+// are not the same one.
+TEST_F(RunningTool, IsKnownByItsPathWhenItsFileHasGone)
+{
+    EXPECT_TRUE(isSeenAt(QDir::current().absoluteFilePath("function/EC/IFU_XE.exe")));
+    EXPECT_FALSE(isSeenAt("/nowhere/IFU_XE.exe"));
+    EXPECT_FALSE(isSeenAt(QDir::current().absoluteFilePath("elsewhere/IFU_XE.exe")));
+}
+
 TEST_F(RunningTool, MayBeWhatCannotBeToldApart)
 {
     installTool("function/EC/IFU_XE.exe", "exit");
