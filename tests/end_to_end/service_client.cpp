@@ -6,6 +6,8 @@
 #include <QElapsedTimer>
 #include <QJsonDocument>
 
+#include <algorithm>
+
 namespace tarnTest {
 namespace {
 
@@ -13,6 +15,7 @@ namespace {
 const QString markKey = QStringLiteral("mark");
 
 constexpr qint64 keepAliveMs = 2000;
+constexpr int keepAliveAnswerMs = 5000;
 const QByteArray keepAliveKey = "keepAlive";
 const QByteArray keepAliveRequest = R"({"cmd":"getAccessoryType","keepAlive":true})";
 
@@ -21,12 +24,27 @@ const QByteArray keepAliveRequest = R"({"cmd":"getAccessoryType","keepAlive":tru
 void ServiceClient::leave()
 {
     peer.leave();
+    keepAlivesUnanswered = 0;
     waitUntil([this] { return peer.socket.state() == QLocalSocket::UnconnectedState; });
 }
 
 void ServiceClient::write(const QByteArray &bytes)
 {
     unmarked += bytes;
+    send(bytes);
+}
+
+// What reaches the service together is one request to it, which it would not understand. So everything that
+// was sent to keep the connection is to be answered first; not for ever, as another client may have got the
+// answer.
+void ServiceClient::send(const QByteArray &bytes)
+{
+    const auto isAnswered = [this] {
+        (void)documents();
+        return keepAlivesUnanswered == 0;
+    };
+    (void)waitUntil(isAnswered, keepAliveAnswerMs);
+    keepAlivesUnanswered = 0;
     peer.write(bytes);
 }
 
@@ -34,7 +52,7 @@ QJsonObject ServiceClient::ask(QJsonObject request, int boundMs)
 {
     const int mark = ++asked;
     request.insert(markKey, mark);
-    peer.write(QJsonDocument(request).toJson(QJsonDocument::Compact));
+    send(QJsonDocument(request).toJson(QJsonDocument::Compact));
     QJsonObject reply;
     (void)waitConnected(
         [&] {
@@ -73,6 +91,7 @@ bool ServiceClient::waitConnected(const std::function<bool()> &condition, int bo
         [&] {
             if (losesIdleConnections() && sinceRequest.elapsed() > keepAliveMs) {
                 peer.write(keepAliveRequest);
+                ++keepAlivesUnanswered;
                 sinceRequest.start();
             }
             return condition();
@@ -98,8 +117,10 @@ QByteArrayList ServiceClient::documents()
     const QByteArrayList fresh = splitter.feed(QByteArrayView(bytes).sliced(taken)).documents;
     taken = bytes.size();
     for (const QByteArray &document : fresh) {
-        if (document.contains(keepAliveKey))
+        if (document.contains(keepAliveKey)) {
+            keepAlivesUnanswered = std::max(0, keepAlivesUnanswered - 1);
             continue;
+        }
         noteMessage(document);
         arrived << document;
     }

@@ -33,6 +33,7 @@ public:
     [[nodiscard]] bool waitConnected(const std::function<bool()> &condition, int boundMs);
 
 private:
+    void send(const QByteArray &bytes);
     void noteMessage(const QByteArray &document) const;
 
     PipePeer peer;
@@ -41,6 +42,7 @@ private:
     QByteArrayList arrived;
     QByteArray unmarked; // requests that were written as they were
     int asked = 0;
+    int keepAlivesUnanswered = 0;
 };
 
 } // namespace tarnTest
