@@ -18,17 +18,17 @@ TEST_F(TarnctlUpdateTest, WithoutAServiceNothingIsCopied)
 TEST_F(TarnctlUpdateTest, NoAnswerBeforeTheUpdate)
 {
     silentAt = "getAccessoryType";
-    const ToolRun mcu = update(mcuUpdatePlan(), {"--timeout", "0.2"});
+    const ToolRun mcu = update(mcuUpdatePlan(), {"--timeout", "2"});
     EXPECT_EQ(mcu.code, 4);
-    EXPECT_TRUE(mcu.errors.contains("No answer to getAccessoryType within 0.2 s."));
+    EXPECT_TRUE(mcu.errors.contains("No answer to getAccessoryType within 2 s."));
     EXPECT_TRUE(mcu.errors.contains("\nNothing has been touched.\n"));
 
     // The EC is asked for before the file can be taken.
     silentAt = "getMcuVersion";
-    const ToolRun reserved = update(mcuUpdatePlan(), {"--timeout", "0.2"});
+    const ToolRun reserved = update(mcuUpdatePlan(), {"--timeout", "2"});
     EXPECT_EQ(reserved.code, 4);
     EXPECT_TRUE(
-        reserved.errors.contains("No answer to getMcuVersion within 0.2 s.\nFirst see whether the EC is"))
+        reserved.errors.contains("No answer to getMcuVersion within 2 s.\nFirst see whether the EC is"))
         << reserved.errors.toStdString();
     EXPECT_TRUE(reserved.errors.contains("\nNothing has been touched.\n"));
     EXPECT_FALSE(service.commands().contains("requestMcuUpdate"));
@@ -38,14 +38,14 @@ TEST_F(TarnctlUpdateTest, NoAnswerBeforeTheUpdate)
 TEST_F(TarnctlUpdateTest, NoAnswerToTheUpdateLeavesTheFileToTheService)
 {
     silentAt = "requestMcuUpdate";
-    const ToolRun mcu = update(mcuUpdatePlan(), {"--timeout", "0.2"});
+    const ToolRun mcu = update(mcuUpdatePlan(), {"--timeout", "2"});
     EXPECT_EQ(mcu.code, 4);
     EXPECT_TRUE(mcu.errors.contains("The service goes on with the update."));
     EXPECT_TRUE(mcu.errors.contains("The copy stays in the download folder"));
     EXPECT_EQ(folders.downloadNames(), placed);
 
     silentAt = "requestEcUpdate";
-    const ToolRun ec = update(ecUpdatePlan(), {"--timeout", "0.2"});
+    const ToolRun ec = update(ecUpdatePlan(), {"--timeout", "2"});
     EXPECT_EQ(ec.code, 4);
     EXPECT_TRUE(ec.errors.contains("then restart the computer."));
     // It lay there already.

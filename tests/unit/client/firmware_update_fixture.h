@@ -7,6 +7,7 @@
 #include <QFile>
 
 #include <csignal>
+#include <utility>
 
 namespace tarnClientTest {
 
@@ -44,6 +45,10 @@ protected:
         if (command == interruptedAt) {
             std::raise(SIGINT);
         }
+        if (command == "getAccessoryType" && !firstAccessory.isEmpty()) {
+            service.answer(request, "data", std::exchange(firstAccessory, {}));
+            return;
+        }
         service.answer(request, "data", answers.value(command));
     }
 
@@ -69,6 +74,7 @@ protected:
     QMap<QString, QString> answers {{"getAccessoryType", "k_vane"}, {"getMcuVersion", "2.05"},
         {"requestMcuUpdate", "successed"}, {"requestEcUpdate", "successed"}};
     QString version = "3.14";
+    QString firstAccessory {}; // what the first question gets; empty: as all others
     QString silentAt {};
     QString leavingAt {};
     QString interruptedAt {};

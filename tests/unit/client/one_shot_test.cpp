@@ -278,8 +278,9 @@ TEST(TarnctlOneShotTest, MessagesAheadOfTheAnswerMoveTheDeadline)
 {
     FakeService service;
     service.onRequest([&service](const QJsonObject &request) {
-        service.notify("getTarnBatteryNum", "1");
-        service.later(milliseconds(600), [&service, request] { service.answer(request, "data", "1.23"); });
+        for (int message = 0; message < 4; ++message) // half a second each
+            service.notify("getTarnBatteryNum", "1");
+        service.later(milliseconds(1000), [&service, request] { service.answer(request, "data", "1.23"); });
     });
     EXPECT_EQ(runTool(service, {"--timeout", "0.3", "getMcuVersion"}).output, "1.23\n");
 }

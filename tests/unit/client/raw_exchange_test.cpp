@@ -25,10 +25,10 @@ TEST(TarnctlRawTest, SendsTheBytesAndPrintsWhatComesBack)
 TEST(TarnctlRawTest, SendsWhatIsNoJson)
 {
     FakeService service;
-    const ToolRun run = runTool(service, {"--timeout", "0.2", "raw", "not json"});
+    const ToolRun run = runTool(service, {"--timeout", "1", "raw", "not json"});
     EXPECT_EQ(run.code, 4);
     EXPECT_EQ(service.requests(), QByteArrayList {"not json"});
-    EXPECT_TRUE(run.errors.startsWith("tarnctl: Nothing came back within 0.2 s."));
+    EXPECT_TRUE(run.errors.startsWith("tarnctl: Nothing came back within 1 s."));
 }
 
 TEST(TarnctlRawTest, TakesTheTextFromTheInput)
@@ -81,7 +81,7 @@ TEST(TarnctlRawTest, ForListensThatLong)
         service.answer(request, "data", "x");
         service.later(milliseconds(50), [&service] { service.notify("b", "2"); });
     });
-    const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--for", "0.4"});
+    const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--for", "2"});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.output.count('\n'), 2);
 }
@@ -90,7 +90,7 @@ TEST(TarnctlRawTest, TooFewMessagesInTime)
 {
     FakeService service;
     service.onRequest([&service](const QJsonObject &request) { service.answer(request, "data", "x"); });
-    const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--count", "2", "--for", "0.2"});
+    const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--count", "2", "--for", "2"});
     EXPECT_EQ(run.code, 4);
     EXPECT_TRUE(run.errors.contains("1 message(s) came back"));
 }

@@ -105,9 +105,9 @@ TEST(TarnctlWatchTest, ForEndsIt)
     notifyAtOnce(service, 1);
     QElapsedTimer clock;
     clock.start();
-    const ToolRun run = runTool(service, {"watch", "--for", "0.3"});
+    const ToolRun run = runTool(service, {"watch", "--for", "2"});
     EXPECT_EQ(run.code, 0);
-    EXPECT_GE(clock.elapsed(), 295);
+    EXPECT_GE(clock.elapsed(), 1890); // a coarse timer may come a twentieth early
     EXPECT_EQ(run.output.count('\n'), 1);
 }
 
@@ -115,9 +115,9 @@ TEST(TarnctlWatchTest, CountNotReachedInTime)
 {
     FakeService service;
     notifyAtOnce(service, 1);
-    const ToolRun run = runTool(service, {"watch", "--count", "2", "--for", "0.2"});
+    const ToolRun run = runTool(service, {"watch", "--count", "2", "--for", "2"});
     EXPECT_EQ(run.code, 4);
-    EXPECT_EQ(run.errors, "tarnctl: 1 of 2 notifications came within 0.2 s.\n");
+    EXPECT_EQ(run.errors, "tarnctl: 1 of 2 notifications came within 2 s.\n");
 }
 
 TEST(TarnctlWatchTest, TypedCommandsGoOneByOne)
@@ -205,9 +205,9 @@ TEST(TarnctlWatchTest, AnUnansweredCommandDoesNotEndIt)
         service.answer(request, "data", "2");
     });
     const ToolRun run =
-        runTool(service, {"watch", "--timeout", "0.2"}, typed("getMcuVersion\ngetHardwareVersion\nquit\n"));
+        runTool(service, {"watch", "--timeout", "2"}, typed("getMcuVersion\ngetHardwareVersion\nquit\n"));
     EXPECT_EQ(run.code, 0);
-    EXPECT_TRUE(run.errors.contains("No answer to getMcuVersion within 0.2 s."));
+    EXPECT_TRUE(run.errors.contains("No answer to getMcuVersion within 2 s."));
     EXPECT_TRUE(run.errors.contains("type reconnect"));
     EXPECT_EQ(withoutTimes(run.output), "late-answer getMcuVersion late\nanswer getHardwareVersion 2\n");
 }

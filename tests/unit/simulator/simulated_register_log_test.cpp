@@ -151,11 +151,15 @@ TEST(SimulatedRegisterLog, EntryBeingOverwrittenIsNeverTakenForTheOldOne)
         }
     });
     const RegisterLog log(*state);
-    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    const auto began = std::chrono::steady_clock::now();
+    const auto isTimeLeft = [&began](std::chrono::seconds time) {
+        return std::chrono::steady_clock::now() < began + time;
+    };
     std::uint64_t wrong = 0;
     std::uint64_t taken = 0;
     std::uint64_t encounters = 0; // looks between which the writer has moved on
-    for (std::uint64_t last = 0; encounters < 200000 && std::chrono::steady_clock::now() < deadline;) {
+    for (std::uint64_t last = 0;
+         encounters < 200000 && isTimeLeft(std::chrono::seconds(taken > 0 ? 1 : 30));) {
         const std::uint64_t end = log.end();
         const auto access = end < LOG_ENTRIES ? std::nullopt : log.find(end - LOG_ENTRIES + 1);
         wrong += access && !isNumbered(*access) ? 1 : 0;
