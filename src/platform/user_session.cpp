@@ -1,5 +1,6 @@
 #include "platform/user_session.h"
 
+#include "platform/process_wait.h"
 #include "platform/program_path.h"
 #include "platform/tied_process.h"
 
@@ -18,7 +19,7 @@ int UserSession::run(const QString &program, const QString &argument, std::chron
     if (!process.startTied(startablePath(program), {argument}))
         qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process" << program
                    << process.errorString();
-    process.waitForFinished(static_cast<int>(patience.count()));
+    waitForEnd(process, static_cast<int>(patience.count()));
     // Whoever has not answered by now is not asked any longer: the destructor ends the program.
     return exitCodeOf(process);
 }
@@ -40,7 +41,7 @@ bool UserSession::startDetached(const QString &program, const QString &argument)
         const bool runs = process.startTied(startablePath(program), {argument});
         started->set_value(runs);
         if (runs)
-            process.waitForFinished(-1);
+            waitForEnd(process);
     }).detach();
     return isRunning.get();
 }

@@ -1,5 +1,7 @@
 #include "service/running_check.h"
 
+#include "platform/process_wait.h"
+
 #include <QProcess>
 
 bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds patience)
@@ -7,6 +9,6 @@ bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds pati
     QProcess query;
     // Deliberately one text without arguments: as it ends with a quote it goes to the system unchanged.
     query.start(QStringLiteral("sc query ") + serviceName, QStringList(), QIODevice::ReadWrite);
-    query.waitForFinished(static_cast<int>(patience.count()));
+    tarnPlatform::waitForEnd(query, static_cast<int>(patience.count()));
     return QString::fromLocal8Bit(query.readAllStandardOutput()).contains(QStringLiteral("RUNNING"));
 }

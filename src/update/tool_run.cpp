@@ -1,6 +1,7 @@
 #include "update/tool_run.h"
 
 #include "platform/apart_process.h"
+#include "platform/process_wait.h"
 #include "platform/waits.h"
 
 #include <QFile>
@@ -53,7 +54,7 @@ public:
 void waitForEnd(QProcess &process)
 {
     while (process.state() != QProcess::NotRunning) {
-        if (!process.waitForFinished(-1))
+        if (!tarnPlatform::waitForEnd(process))
             tarnPlatform::sleepFor(pauseAfterFailedWait);
     }
 }
