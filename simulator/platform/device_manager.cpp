@@ -1,41 +1,27 @@
 #include "platform/device_manager.h"
 
-#include "platform/simulated/simulated_computer.h"
 #include "simulator/computer_control.h"
+#include "simulator/platform/simulated_computer.h"
 
 #include <vector>
 
 namespace tarnPlatform {
 namespace {
 
-using tarnSimulator::Device;
 using tarnSimulator::DeviceKind;
 using tarnSimulator::DeviceTree;
 using tarnSimulator::Fault;
 using tarnSimulator::FaultPanel;
 using tarnSimulator::MachineState;
 
-class SimulatedList final : public DeviceList
+class SimulatedDevice final : public tarnPlatform::Device
 {
 public:
-    SimulatedList(MachineState &machine, std::vector<std::int32_t> presentSlots)
+    SimulatedDevice(MachineState &machine, std::int32_t slotNumber)
         : devices(machine)
         , faults(machine)
-        , present(std::move(presentSlots))
-    {
-        devices.counters().listsOpened.fetch_add(1);
-    }
-    ~SimulatedList() override { devices.counters().listsClosed.fetch_add(1); }
-    SimulatedList(const SimulatedList &) = delete;
-    SimulatedList &operator=(const SimulatedList &) = delete;
-
-    bool next() override
-    {
-        if (upcoming == present.size())
-            return false;
-        slot = present[upcoming++];
-        return true;
-    }
+        , slot(slotNumber)
+    { }
 
     std::optional<QByteArray> ansiText(DeviceProperty property, int bufferBytes) override
     {
@@ -43,7 +29,7 @@ public:
         if (faults.refusesDevice(
                 isDescription ? Fault::FailDeviceDescription : Fault::FailDeviceHardwareId, slot))
             return std::nullopt;
-        const Device device = devices.device(slot);
+        const tarnSimulator::Device device = devices.device(slot);
         const std::string &text = isDescription ? device.description : device.hardwareId;
         if (text.size() >= static_cast<std::size_t>(bufferBytes))
             return std::nullopt;
@@ -72,7 +58,7 @@ public:
     {
         if (faults.refusesDevice(Fault::FailDeviceStatus, slot))
             return std::nullopt;
-        const Device device = devices.device(slot);
+        const tarnSimulator::Device device = devices.device(slot);
         const quint32 bits =
             (device.started ? deviceStarted : 0) | (device.problem == 0 ? 0 : deviceHasProblem);
         return DeviceStatus {bits, device.problem};
@@ -105,9 +91,37 @@ public:
 private:
     DeviceTree devices;
     FaultPanel faults;
+    const std::int32_t slot;
+};
+
+class SimulatedList final : public DeviceList
+{
+public:
+    SimulatedList(MachineState &computer, std::vector<std::int32_t> presentSlots)
+        : machine(computer)
+        , devices(computer)
+        , present(std::move(presentSlots))
+    {
+        devices.counters().listsOpened.fetch_add(1);
+    }
+    ~SimulatedList() override { devices.counters().listsClosed.fetch_add(1); }
+    SimulatedList(const SimulatedList &) = delete;
+    SimulatedList &operator=(const SimulatedList &) = delete;
+
+    tarnPlatform::Device *next() override
+    {
+        if (upcoming == present.size())
+            return nullptr;
+        current = std::make_unique<SimulatedDevice>(machine, present[upcoming++]);
+        return current.get();
+    }
+
+private:
+    MachineState &machine;
+    DeviceTree devices;
     const std::vector<std::int32_t> present;
     std::size_t upcoming = 0;
-    std::int32_t slot = 0;
+    std::unique_ptr<SimulatedDevice> current;
 };
 
 class SimulatedDevices final : public DeviceManager

@@ -1,4 +1,4 @@
-#include "platform/simulated/simulated_computer.h"
+#include "simulator/platform/simulated_computer.h"
 
 #include "simulator/machine_state_file.h"
 #include "simulator/state_location.h"

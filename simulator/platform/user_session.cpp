@@ -1,9 +1,8 @@
 #include "platform/user_session.h"
 
-#include "platform/program_path.h"
-#include "platform/simulated/simulated_computer.h"
-#include "platform/tied_process.h"
+#include "platform/processes.h"
 #include "simulator/computer_control.h"
+#include "simulator/platform/simulated_computer.h"
 
 #include <QDir>
 
@@ -71,6 +70,13 @@ public:
         if (!machine || FaultPanel(*machine).isOn(Fault::NoConsoleSession))
             return {};
         return QDir::current().absoluteFilePath(QStringLiteral("console_user/Downloads"));
+    }
+
+protected:
+    [[nodiscard]] QString startablePath(const QString &program) const override
+    {
+        QString path = program;
+        return path.replace(QStringLiteral("./TarnServiceGui/"), QStringLiteral("/TarnServiceGui/"));
     }
 };
 

@@ -1,5 +1,6 @@
 #include "accessory/ec_power_mode_manager.h"
 
+#include "accessory/power_profiles.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
@@ -10,34 +11,9 @@
 namespace tarnAccessoryManager {
 namespace {
 
-using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
 
-constexpr auto latchTime = 10ms;
 constexpr quint8 unreadFlag = 0x64;
-constexpr int otherProfile = 3;
-
-// The EC's flags do not follow the profile numbers: high is 4.
-struct ProfileFlag
-{
-    int profile;
-    quint8 flag;
-    const char *text;
-};
-constexpr ProfileFlag profileFlags[] = {
-    {0, TARN_POWER_MODE_HIGH, "tarn power mode is high."},
-    {1, TARN_POWER_MODE_BALANCE, "tarn power mode is balance."},
-    {2, TARN_POWER_MODE_LOW, "tarn power mode is low."},
-};
-
-quint8 flagOf(quint32 profile)
-{
-    for (const ProfileFlag &row : profileFlags) {
-        if (static_cast<quint32>(row.profile) == profile)
-            return row.flag;
-    }
-    return TARN_POWER_MODE_UNKNOWN;
-}
 
 } // namespace
 
@@ -46,25 +22,23 @@ int EcPowerModeManager::getTarnPowerMode()
     qDebug() << "ready to get tarn power mode.";
     const EcAccess access;
     if (!access)
-        return otherProfile;
+        return noProfile;
     qDebug() << "begin to get tarn power mode.";
     quint8 flag = unreadFlag;
     if (EcDirverControllerHal::instance()->readXdata(EC_TARN_POWER_MODE, &flag) != 0) {
         qDebug() << "get tarn power mode failed.";
-        return otherProfile;
+        return noProfile;
     }
     qDebug() << "get tarn power mode successed, mode flag is " << flag;
-    for (const ProfileFlag &row : profileFlags) {
-        if (row.flag == flag) {
-            qDebug() << row.text;
-            return row.profile;
-        }
+    if (const PowerProfile *profile = profileOfFlag(flag)) {
+        qDebug() << profileText("tarn power mode is %1.", profile->name).constData();
+        return profile->number;
     }
     qDebug() << "tarn power mode is other.";
-    return otherProfile;
+    return noProfile;
 }
 
-bool EcPowerModeManager::setTarnPowerMode(quint32 profile)
+bool EcPowerModeManager::setTarnPowerMode(quint32 number)
 {
     qDebug() << "ready to set tarn power mode.";
     const EcAccess access;
@@ -72,12 +46,13 @@ bool EcPowerModeManager::setTarnPowerMode(quint32 profile)
         return false;
     qDebug() << "begin to set tarn power mode.";
     EcDirverControllerHal *ec = EcDirverControllerHal::instance();
-    const quint8 flag = flagOf(profile);
+    const PowerProfile *profile = profileOfNumber(number);
+    const quint8 flag = profile ? profile->ecFlag : TARN_POWER_MODE_UNKNOWN;
     if (ec->writeXdata(EC_TARN_POWER_MODE, flag) != 0) {
         qDebug() << "set tarn power mode failed when write setVar.";
         return false;
     }
-    tarnPlatform::sleepFor(latchTime);
+    tarnPlatform::sleepFor(EC_LATCH_TIME);
     quint8 readBack = unreadFlag;
     if (ec->readXdata(EC_TARN_POWER_MODE, &readBack) != 0) {
         qDebug() << "set tarn power mode failed when read getVar.";
@@ -87,7 +62,7 @@ bool EcPowerModeManager::setTarnPowerMode(quint32 profile)
         qDebug() << "set tarn power mode failed, setVar != getVar.";
         return false;
     }
-    qDebug() << "set tarn power mode successed with " << profile;
+    qDebug() << "set tarn power mode successed with " << number;
     return true;
 }
 

@@ -48,8 +48,8 @@ int DockAccessoryManager::getDockLedStatus()
     const EcAccess access;
     if (!access)
         return -1;
-    if (!writeMailbox({XEC_RGB_CMD, APP_EC_RGB_READ, "Success to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD.",
-            "Failed to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD."}))
+    if (!writeMailbox(
+            {XEC_RGB_CMD, APP_EC_RGB_READ, "APP_EC_RGB_READ", "to XEC_RGB_CMD.", "to XEC_RGB_CMD."}))
         return -1;
     sleepFor(mailboxPause);
     awaitMailbox(commandPoll);
@@ -80,16 +80,12 @@ int DockAccessoryManager::setDockLedStatus(quint32 value)
     if (!access)
         return -2;
     const MailboxWrite colours[] = {
-        {XEC_RGB_RED, static_cast<quint8>(value), "Success to write rgbColorRedDock: ", "to XEC_RGB_RED.",
-            "Failed to write rgbColorRedDock: ", "to XEC_RGB_RED."},
-        {XEC_RGB_GREEN, 0, "Success to write rgbColorGreenDock: ", "to XEC_RGB_GREEN.",
-            "Failed to write rgbColorGreenDock: ", "to XEC_RGB_GREEN."},
-        {XEC_RGB_BLUE, 0, "Success to write rgbColorBlueDock: ", "to XEC_RGB_BLUE.",
-            "Failed to write rgbColorBlueDock: ", "to XEC_RGB_BLUE."},
+        {XEC_RGB_RED, static_cast<quint8>(value), "rgbColorRedDock", "to XEC_RGB_RED.", "to XEC_RGB_RED."},
+        {XEC_RGB_GREEN, 0, "rgbColorGreenDock", "to XEC_RGB_GREEN.", "to XEC_RGB_GREEN."},
+        {XEC_RGB_BLUE, 0, "rgbColorBlueDock", "to XEC_RGB_BLUE.", "to XEC_RGB_BLUE."},
     };
     if (!writeMailboxColour(colours,
-            {XEC_RGB_CMD, APP_EC_RGB_WRITE, "Success to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD.",
-                "Failed to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD."}))
+            {XEC_RGB_CMD, APP_EC_RGB_WRITE, "APP_EC_RGB_WRITE", "to XEC_RGB_CMD.", "to XEC_RGB_CMD."}))
         return -2;
     qDebug() << "Set dock led status successed：" << value;
     return 0;

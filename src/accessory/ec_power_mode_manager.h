@@ -12,10 +12,10 @@ template <typename Object> class ProcessWide;
 namespace tarnAccessoryManager {
 
 struct PowerProfile;
-struct RestoreTexts;
+struct BalanceRestore;
 
-// The three performance profiles with their limits and their memory, smart charging and the device power
-// mode. Any thread. Profile numbers: 0 high, 1 balance, 2 low. Each public operation that touches the EC
+// The performance profiles (power_profiles.h), their memory, smart charging and the device power mode. Any
+// thread. Each public operation that touches the EC
 // holds ecAccessMutex for its whole run, except where it says that the caller does.
 class EcPowerModeManager : public QObject
 {
@@ -41,7 +41,7 @@ public:
 
     // power_mode_persistence.cpp. 0 applied, whatever became of the file; -1 not applied, file untouched;
     // -2 no such profile.
-    int setEcPowerMode(quint32 profile);
+    int setEcPowerMode(quint32 number);
     // 0 restored; -1 applied but not saved, -2 not applied.
     int restorePowerModeAtStart();
     // The client has started: manual control and the saved profile.
@@ -62,7 +62,7 @@ public:
     [[nodiscard]] bool isSmartChargingOn() const { return smartChargingOn; }
 
     // device_power_mode.cpp. The flag that tells the EC the user's profile; independent of the limits.
-    // 0 high, 1 balance, 2 low, 3 other or not read.
+    // The number of the profile; noProfile for another flag and for one that cannot be read.
     int getTarnPowerMode();
     // True when the EC reads back what was written.
     bool setTarnPowerMode(quint32 profile);
@@ -72,8 +72,8 @@ private:
     EcPowerModeManager();
 
     int applyProfile(const PowerProfile &profile);
-    int restoreBalance(const RestoreTexts &texts);
-    int restoreSavedProfile(quint32 profile);
+    int restoreBalance(const BalanceRestore &reason);
+    int restoreSavedProfile(const PowerProfile &profile);
 
     std::atomic<int> powerMode {-10};
     std::atomic<int> lastPowerModeResult {0};

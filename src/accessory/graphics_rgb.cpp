@@ -4,6 +4,7 @@
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
 #include "graphics/graphics_accessory_manager.h"
+#include "platform/paths.h"
 #include "platform/waits.h"
 
 #include <QDebug>
@@ -19,7 +20,8 @@ using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 
-const QString colourFile = QStringLiteral("./graphicsRGB_config.ini");
+using tarnPlatform::path::savedGraphicsColour;
+
 const QString colourKey = QStringLiteral("graphicsColor");
 
 constexpr MailboxPoll commandPoll = {
@@ -84,7 +86,7 @@ std::optional<int> savedColour(const QSettings &settings)
 // have just put right.
 bool isInFile(int colour)
 {
-    QFile file(colourFile);
+    QFile file(savedGraphicsColour);
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray wanted = colourKey.toLatin1() + '=' + QByteArray::number(colour);
@@ -107,8 +109,8 @@ int GraphicsAccessoryManager::getGraphicsRgb()
     qDebug() << "start to get graphics rgb setting.";
     if (!access)
         return -1;
-    if (!writeMailbox({XEC_RGB_CMD, APP_EC_RGB_READ, "Success to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD.",
-            "Failed to write APP_EC_RGB_READ: ", "to XEC_RGB_CMD. "}))
+    if (!writeMailbox(
+            {XEC_RGB_CMD, APP_EC_RGB_READ, "APP_EC_RGB_READ", "to XEC_RGB_CMD.", "to XEC_RGB_CMD. "}))
         return -1;
     sleepFor(mailboxPause);
     awaitMailbox(commandPoll);
@@ -139,16 +141,12 @@ int GraphicsAccessoryManager::setGraphicsRgb(int colour)
         return -2;
     const GraphicsColour &row = graphicsColours[colour];
     const MailboxWrite colourWrites[] = {
-        {XEC_RGB_RED, row.red, "Success to write rgbColorRed: ", "to XEC_RGB_RED.",
-            "Failed to write rgbColorRed: ", "to XEC_RGB_RED. "},
-        {XEC_RGB_GREEN, row.green, "Success to write rgbColorGreen: ", "to XEC_RGB_GREEN.",
-            "Failed to write rgbColorGreen: ", "to XEC_RGB_GREEN. "},
-        {XEC_RGB_BLUE, row.blue, "Success to write rgbColorBlue: ", "to XEC_RGB_BLUE.",
-            "Failed to write rgbColorBlue: ", "to XEC_RGB_BLUE. "},
+        {XEC_RGB_RED, row.red, "rgbColorRed", "to XEC_RGB_RED.", "to XEC_RGB_RED. "},
+        {XEC_RGB_GREEN, row.green, "rgbColorGreen", "to XEC_RGB_GREEN.", "to XEC_RGB_GREEN. "},
+        {XEC_RGB_BLUE, row.blue, "rgbColorBlue", "to XEC_RGB_BLUE.", "to XEC_RGB_BLUE. "},
     };
     if (!writeMailboxColour(colourWrites,
-            {XEC_RGB_CMD, APP_EC_RGB_WRITE, "Success to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD.",
-                "Failed to write APP_EC_RGB_WRITE: ", "to XEC_RGB_CMD. "}))
+            {XEC_RGB_CMD, APP_EC_RGB_WRITE, "APP_EC_RGB_WRITE", "to XEC_RGB_CMD.", "to XEC_RGB_CMD. "}))
         return -2;
     qDebug() << "Set graphics rgb color successed：" << colour;
     if (colour != graphicsOff)
@@ -158,12 +156,12 @@ int GraphicsAccessoryManager::setGraphicsRgb(int colour)
 
 int GraphicsAccessoryManager::readGraphicsColor()
 {
-    return savedColour(QSettings(colourFile, QSettings::IniFormat)).value_or(graphicsWhite);
+    return savedColour(QSettings(savedGraphicsColour, QSettings::IniFormat)).value_or(graphicsWhite);
 }
 
 void GraphicsAccessoryManager::saveGraphicsColor(int colour)
 {
-    QSettings settings(colourFile, QSettings::IniFormat);
+    QSettings settings(savedGraphicsColour, QSettings::IniFormat);
     // Saving waits for the disk, and with it everybody who waits for the EC.
     if (savedColour(settings) == colour && isInFile(colour))
         return;

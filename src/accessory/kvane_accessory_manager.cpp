@@ -9,11 +9,16 @@
 
 #include <QDebug>
 
+#include <array>
+#include <optional>
+
 namespace tarnAccessoryManager {
 namespace {
 
 using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
+
+constexpr quint8 unreadLevel = 0xFF;
 
 using SerialNumber = std::array<quint8, KVANE_SN_LENGTH>;
 
@@ -46,21 +51,16 @@ QString serialNumberText(const SerialNumber &bytes)
     return text.toUpper();
 }
 
-// The byte at the address, 0xFF when the read fails.
-quint8 readPlain(quint16 address, bool *ok = nullptr)
+std::optional<quint8> readByte(quint16 address)
 {
-    quint8 value = 0xFF;
-    const bool success = EcDirverControllerHal::instance()->readXdata(address, &value) == 0;
-    if (ok)
-        *ok = success;
-    return value;
+    quint8 value = 0;
+    const bool isRead = EcDirverControllerHal::instance()->readXdata(address, &value) == 0;
+    return isRead ? std::optional(value) : std::nullopt;
 }
 
 int readBit(quint16 address, quint8 bit)
 {
-    bool ok = false;
-    const quint8 value = readPlain(address, &ok);
-    return ok && (value & bit) != 0 ? 1 : 0;
+    return (readByte(address).value_or(0) & bit) != 0 ? 1 : 0;
 }
 
 } // namespace
@@ -138,7 +138,7 @@ int KvaneAccessoryManager::getKvaneChargingStatus()
 
 int KvaneAccessoryManager::getKvaneBatteryNum()
 {
-    return readPlain(EC_KVANE_BATTERY_NUM);
+    return readByte(EC_KVANE_BATTERY_NUM).value_or(unreadLevel);
 }
 
 int KvaneAccessoryManager::getTarnChargingStatus()
@@ -148,7 +148,7 @@ int KvaneAccessoryManager::getTarnChargingStatus()
 
 int KvaneAccessoryManager::getTarnBatteryNum()
 {
-    return readPlain(EC_TARN_BATTERY_NUM);
+    return readByte(EC_TARN_BATTERY_NUM).value_or(unreadLevel);
 }
 
 } // namespace tarnAccessoryManager

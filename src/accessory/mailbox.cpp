@@ -25,11 +25,12 @@ void readCommandByte(const MailboxPoll &poll, quint8 *command)
 
 bool writeMailbox(const MailboxWrite &write)
 {
+    const QByteArray name = write.name;
     if (EcDirverControllerHal::instance()->writeXdata(write.address, write.value) != 0) {
-        qWarning() << write.failed << write.value << write.failedEnd;
+        qWarning() << ("Failed to write " + name + ": ").constData() << write.value << write.failedEnd;
         return false;
     }
-    qDebug() << write.done << write.value << write.doneEnd;
+    qDebug() << ("Success to write " + name + ": ").constData() << write.value << write.doneEnd;
     return true;
 }
 

@@ -9,14 +9,13 @@ namespace tarnAccessoryManager {
 // What the mailbox's firmware needs between two steps.
 inline constexpr std::chrono::milliseconds mailboxPause {10};
 
-// One byte for the application mailbox with the log's words around its value.
+// One byte for the application mailbox. The log names the byte before its value and the register after it.
 struct MailboxWrite
 {
     quint16 address;
     quint8 value;
-    const char *done;
+    const char *name;
     const char *doneEnd;
-    const char *failed;
     const char *failedEnd;
 };
 
@@ -37,8 +36,8 @@ struct MailboxPoll
     const char *again;
 };
 
-// Looks at the command byte until the EC has cleared it. Running out of polls is deliberately no error: the
-// EC is taken to have answered. ecAccessMutex is held by the caller.
+// Looks at the command byte until the EC has cleared it. Running out of polls is no error: the answer is
+// read in any case, and may be there. ecAccessMutex is held by the caller.
 void awaitMailbox(const MailboxPoll &poll);
 
 } // namespace tarnAccessoryManager

@@ -10,10 +10,7 @@
 namespace tarnAccessoryManager {
 namespace {
 
-using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
-
-constexpr auto latchTime = 10ms;
 
 const char *controlModeText(quint8 mode)
 {
@@ -47,7 +44,7 @@ int EcPowerModeManager::setEcPowerCtrlMode(quint8 mode)
         return -1;
     }
     qDebug() << "write ecPowerCtrlMode: " << mode << "to EC_POWERMODE_PL_CTRL.";
-    tarnPlatform::sleepFor(latchTime);
+    tarnPlatform::sleepFor(EC_LATCH_TIME);
 
     qDebug() << "ready to get ec powerctrlmode.";
     quint8 readBack = 0x64;

@@ -1,5 +1,6 @@
 #include "accessory/ec_power_mode_manager.h"
 
+#include "accessory/power_profiles.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
@@ -9,51 +10,15 @@
 
 namespace tarnAccessoryManager {
 
-// Limits in watts, as the EC takes them.
-struct PowerLimits
-{
-    quint8 pl1;
-    quint8 pl2;
-    quint8 pl4;
-};
-
-// One profile: its limits by power supply mode, its fan mode and its words in the log.
-struct PowerProfile
-{
-    PowerLimits fullSupply; // supply modes 0 and 2
-    PowerLimits weakSupply; // supply mode 1
-    PowerLimits kvaneCharging; // supply mode 3
-    PowerLimits kvaneNotCharging; // supply mode 3
-    PowerLimits fallback; // supply mode unknown or not read; deliberately not the weak set
-    quint8 fanMode;
-    quint8 fanModeOnKvane;
-    const char *begin;
-    const char *limitsDone;
-};
-
 namespace {
 
 using namespace std::chrono_literals;
 using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 
-constexpr auto latchTime = 10ms; // the EC takes this long to act on a limit
 constexpr auto checkPause = 5ms;
 constexpr int tolerance = 10; // watts either way, inclusive
 constexpr quint8 supplyModeOnKvane = 3;
-constexpr quint8 fanQuiet = 0;
-constexpr quint8 fanFast = 1;
-
-// On the KVane's supply "high" deliberately runs with the limits of "balance" and a quiet fan.
-constexpr PowerProfile highProfile {{45, 55, 75}, {30, 30, 55}, {28, 35, 90}, {15, 28, 50}, {45, 55, 75},
-    fanFast, fanQuiet, "set ec powermode to high begin.",
-    "set ec powermode to high finish, now begin to set fan mode "};
-constexpr PowerProfile balanceProfile {{35, 55, 75}, {28, 30, 55}, {28, 35, 90}, {15, 28, 50}, {28, 30, 55},
-    fanQuiet, fanQuiet, "set ec powermode to balance begin.",
-    "set ec powermode to balance finish, now begin to set fan mode "};
-constexpr PowerProfile lowProfile {{15, 55, 75}, {15, 30, 55}, {15, 28, 50}, {12, 15, 35}, {15, 20, 36},
-    fanQuiet, fanQuiet, "set ec powermode to low begin.",
-    "set ec powermode to low finish, now begin to set fan mode "};
 
 // One limit with the register that reads it back.
 struct LimitStep
@@ -100,17 +65,17 @@ PowerLimits chooseLimits(const PowerProfile &profile, quint8 supplyMode, EcPower
 
 int EcPowerModeManager::setEcPowerModeHigh()
 {
-    return applyProfile(highProfile);
+    return applyProfile(*profileOfName("high"));
 }
 
 int EcPowerModeManager::setEcPowerModeBalance()
 {
-    return applyProfile(balanceProfile);
+    return applyProfile(*profileOfName("balance"));
 }
 
 int EcPowerModeManager::setEcPowerModeLow()
 {
-    return applyProfile(lowProfile);
+    return applyProfile(*profileOfName("low"));
 }
 
 int EcPowerModeManager::setEcPowerLimit(quint16 address, quint8 value)
@@ -163,7 +128,7 @@ quint8 EcPowerModeManager::readKvaneChargingStatus()
 
 int EcPowerModeManager::applyProfile(const PowerProfile &profile)
 {
-    qDebug() << profile.begin;
+    qDebug() << profileText("set ec powermode to %1 begin.", profile.name).constData();
     const EcAccess access;
     if (!access)
         return -2;
@@ -179,7 +144,7 @@ int EcPowerModeManager::applyProfile(const PowerProfile &profile)
         if (supplyMode == supplyModeOnKvane)
             fanMode = profile.fanModeOnKvane;
     }
-    sleepFor(latchTime);
+    sleepFor(EC_LATCH_TIME);
 
     for (const LimitStep &step : limitSteps) {
         const quint8 watts = limits.*step.value;
@@ -192,10 +157,12 @@ int EcPowerModeManager::applyProfile(const PowerProfile &profile)
             return -1;
         }
         qDebug() << step.done << watts;
-        sleepFor(latchTime);
+        sleepFor(EC_LATCH_TIME);
     }
 
-    qDebug() << profile.limitsDone << fanMode;
+    qDebug()
+        << profileText("set ec powermode to %1 finish, now begin to set fan mode ", profile.name).constData()
+        << fanMode;
     setFanMode(fanMode);
     return 0;
 }

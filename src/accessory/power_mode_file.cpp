@@ -1,15 +1,12 @@
 #include "accessory/power_mode_file.h"
 
+#include "platform/paths.h"
+
 #include <QFile>
 #include <QTextStream>
 
 namespace tarnAccessoryManager {
 namespace {
-
-QString filePath()
-{
-    return QStringLiteral("./powermodeconfig.xml");
-}
 
 // With its content, which is written over: the close of a file that was emptied first waits for the disk on
 // some file systems, and an error or a power cut in between would leave no profile at all.
@@ -22,9 +19,9 @@ bool openForWriting(QFile &file)
 
 } // namespace
 
-PowerModeFile::Write PowerModeFile::write(quint32 profile)
+PowerModeFile::Write PowerModeFile::write(int profile)
 {
-    QFile file(filePath());
+    QFile file(tarnPlatform::path::savedPowerProfile);
     if (!openForWriting(file))
         return Write::NotCreated;
     QTextStream stream(&file);
@@ -38,7 +35,7 @@ PowerModeFile::Write PowerModeFile::write(quint32 profile)
 
 PowerModeFile::Read PowerModeFile::read(QString *content)
 {
-    QFile file(filePath());
+    QFile file(tarnPlatform::path::savedPowerProfile);
     if (!file.exists())
         return Read::Absent;
     if (!file.open(QIODevice::ReadOnly | QIODevice::Text))

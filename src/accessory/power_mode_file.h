@@ -12,7 +12,7 @@ public:
     enum class Write { Done, NotCreated, NotWritten };
     enum class Read { Done, Absent, NotOpened, NotRead };
 
-    [[nodiscard]] static Write write(quint32 profile);
+    [[nodiscard]] static Write write(int profile);
     // The content without white space at its ends.
     [[nodiscard]] static Read read(QString *content);
 };

@@ -1,6 +1,7 @@
 #include "accessory/ec_power_mode_manager.h"
 
 #include "accessory/power_mode_file.h"
+#include "accessory/power_profiles.h"
 #include "device/ec_registers.h"
 #include "platform/waits.h"
 
@@ -8,20 +9,12 @@
 
 namespace tarnAccessoryManager {
 
-// What the log says of saving a profile that has been applied.
-struct SaveTexts
-{
-    const char *notCreated;
-    const char *notWritten;
-    const char *written;
-};
-
-// One way in which the saved profile can be missing, with its words.
-struct RestoreTexts
+// A reason for the default profile, with its words in the log.
+struct BalanceRestore
 {
     const char *failed;
-    const char *applied; // null: nothing is said
-    SaveTexts save;
+    bool saysDone;
+    const char *savedAs; // the profile's name in the lines about the file, and what it was saved for
 };
 
 namespace {
@@ -29,101 +22,65 @@ namespace {
 using namespace std::chrono_literals;
 using tarnPlatform::sleepFor;
 
-constexpr quint32 balanceNumber = 1;
 constexpr int restoreFailed = -2;
 constexpr auto firstRunPause = 10ms;
 constexpr int lastRunAttempts = 5;
 constexpr auto lastRunPause = 50ms;
 
-struct ProfileSteps
+constexpr BalanceRestore fileAbsent {
+    "Failed to set ec powermode to balance for first when app begin.", false, "balance for first"};
+constexpr BalanceRestore fileNotOpened {
+    "set ec powermode to balance failed.", true, "balance when app begin"};
+constexpr BalanceRestore fileNotRead {
+    "Failed to set ec powermode to balance when app begin.", false, "balance when begin"};
+constexpr BalanceRestore unexpectedContent {
+    "set ec powermode to balance when app begin failed.", true, "balance when app begin"};
+
+// False when the profile, which has been applied, could not be saved.
+bool saveProfile(int number, const char *savedAs)
 {
-    int (EcPowerModeManager::*apply)();
-    const char *failed;
-    const char *done;
-    const char *restoreFailed;
-    SaveTexts save;
-};
-// Indexed by profile number.
-constexpr ProfileSteps profileSteps[] = {
-    {&EcPowerModeManager::setEcPowerModeHigh, "set ec powermode to high failed.",
-        "set ec powermode to high done.", "Failed to set ec powermode to high when app begin.",
-        {"Failed to create the configuration file but set ec powermode to high successed.",
-            "Error writing to the configuration file but set ec powermode to high successed.",
-            "Successfully wrote to the configuration file when set ec powermode to high successed."}},
-    {&EcPowerModeManager::setEcPowerModeBalance, "set ec powermode to balance failed.",
-        "set ec powermode to balance done.", "Failed to set ec powermode to balance when app begin.",
-        {"Failed to create the configuration file but set ec powermode to balance successed.",
-            "Error writing to the configuration file but set ec powermode to balance successed.",
-            "Successfully wrote to the configuration file when set ec powermode to balance successed."}},
-    {&EcPowerModeManager::setEcPowerModeLow, "set ec powermode to low failed.",
-        "set ec powermode to low done.", "Failed to set ec powermode to low when app begin.",
-        {"Failed to create the configuration file but set ec powermode to low successed.",
-            "Error writing to the configuration file but set ec powermode to low successed.",
-            "Successfully wrote to the configuration file when set ec powermode to low successed."}},
-};
-
-constexpr SaveTexts saveWhenAppBegins {
-    "Failed to create the configuration file but set ec powermode to balance when app begin successed.",
-    "Error writing to the configuration file but set ec powermode to balance when app begin successed.",
-    "Successfully wrote to the configuration file when set ec powermode to balance when app begin "
-    "successed."};
-
-constexpr RestoreTexts fileAbsent {"Failed to set ec powermode to balance for first when app begin.", nullptr,
-    {"Failed to create the configuration file but set ec powermode to balance for first successed.",
-        "Error writing to the configuration file but set ec powermode to balance for first successed.",
-        "Successfully wrote to the configuration file when set ec powermode to balance for first "
-        "successed."}};
-constexpr RestoreTexts fileNotOpened {
-    "set ec powermode to balance failed.", "set ec powermode to balance done.", saveWhenAppBegins};
-constexpr RestoreTexts fileNotRead {"Failed to set ec powermode to balance when app begin.", nullptr,
-    {"Failed to create the configuration file but set ec powermode to balance when begin successed.",
-        "Error writing to the configuration file but set ec powermode to balance when begin successed.",
-        "Successfully wrote to the configuration file when set ec powermode to balance when begin "
-        "successed."}};
-constexpr RestoreTexts unexpectedContent {"set ec powermode to balance when app begin failed.",
-    "set ec powermode to balance done.", saveWhenAppBegins};
-
-bool saveProfile(quint32 profile, const SaveTexts &texts)
-{
-    switch (PowerModeFile::write(profile)) {
+    switch (PowerModeFile::write(number)) {
     case PowerModeFile::Write::NotCreated:
-        qWarning() << texts.notCreated;
+        qWarning() << profileText(
+            "Failed to create the configuration file but set ec powermode to %1 successed.", savedAs)
+                          .constData();
         return false;
     case PowerModeFile::Write::NotWritten:
-        qWarning() << texts.notWritten;
+        qWarning() << profileText(
+            "Error writing to the configuration file but set ec powermode to %1 successed.", savedAs)
+                          .constData();
         return false;
     case PowerModeFile::Write::Done:
         break;
     }
-    qDebug() << texts.written;
+    qDebug() << profileText(
+        "Successfully wrote to the configuration file when set ec powermode to %1 successed.", savedAs)
+                    .constData();
     return true;
 }
 
-std::optional<quint32> savedProfile(const QString &content)
+const PowerProfile *savedProfile(const QString &content)
 {
-    for (quint32 profile = 0; profile < std::size(profileSteps); ++profile) {
-        if (content == QString::number(profile))
-            return profile;
-    }
-    return std::nullopt;
+    return findProfile(
+        [&content](const PowerProfile &profile) { return content == QString::number(profile.number); });
 }
 
 } // namespace
 
-int EcPowerModeManager::setEcPowerMode(quint32 profile)
+int EcPowerModeManager::setEcPowerMode(quint32 number)
 {
     qDebug() << "begin to set ec powermode.";
-    if (profile >= std::size(profileSteps)) {
+    const PowerProfile *profile = profileOfNumber(number);
+    if (!profile) {
         qWarning() << "Invalid behavior input for setEcPowerMode.";
         return -2;
     }
-    const ProfileSteps &steps = profileSteps[profile];
-    if ((this->*steps.apply)() != 0) {
-        qWarning() << steps.failed;
+    if (applyProfile(*profile) != 0) {
+        qWarning() << profileText("set ec powermode to %1 failed.", profile->name).constData();
         return -1;
     }
-    qDebug() << steps.done;
-    saveProfile(profile, steps.save);
+    qDebug() << profileText("set ec powermode to %1 done.", profile->name).constData();
+    static_cast<void>(saveProfile(profile->number, profile->name)); // the log tells
     return 0;
 }
 
@@ -142,7 +99,7 @@ int EcPowerModeManager::restorePowerModeAtStart()
     case PowerModeFile::Read::Done:
         break;
     }
-    if (const auto profile = savedProfile(content))
+    if (const PowerProfile *profile = savedProfile(content))
         return restoreSavedProfile(*profile);
     qDebug() << "read from configuration file successed with unexpected data.";
     return restoreBalance(unexpectedContent);
@@ -190,33 +147,34 @@ void EcPowerModeManager::powerModeLastRun()
 }
 
 // Without a usable file the profile is balance, and the file is made good.
-int EcPowerModeManager::restoreBalance(const RestoreTexts &texts)
+int EcPowerModeManager::restoreBalance(const BalanceRestore &reason)
 {
-    const int result = setEcPowerModeBalance();
-    lastPowerModeResult = result; // another client's restore may change it at any time
-    if (result != 0) {
+    const int result = applyProfile(*profileOfNumber(defaultProfile));
+    lastPowerModeResult = result;
+    if (result != 0) { // not the member, which another client's restore may change at any time
         powerMode = restoreFailed;
-        qDebug() << texts.failed;
+        qDebug() << reason.failed;
         return -2;
     }
-    if (texts.applied)
-        qDebug() << texts.applied;
-    powerMode = balanceNumber;
-    return saveProfile(balanceNumber, texts.save) ? 0 : -1;
+    if (reason.saysDone)
+        qDebug() << "set ec powermode to balance done.";
+    powerMode = defaultProfile;
+    return saveProfile(defaultProfile, reason.savedAs) ? 0 : -1;
 }
 
-int EcPowerModeManager::restoreSavedProfile(quint32 profile)
+int EcPowerModeManager::restoreSavedProfile(const PowerProfile &profile)
 {
-    if (profile == 0) // only the high profile has this line
+    if (profile.number == 0) // only the high profile has this line
         qDebug() << "Read data from configuration file successed, last ec powermode is high.";
-    const int result = setEcPowerMode(profile);
+    const int result = setEcPowerMode(static_cast<quint32>(profile.number));
     lastPowerModeResult = result;
     if (result != 0) {
         powerMode = restoreFailed;
-        qWarning() << profileSteps[profile].restoreFailed;
+        qWarning()
+            << profileText("Failed to set ec powermode to %1 when app begin.", profile.name).constData();
         return -2;
     }
-    powerMode = static_cast<int>(profile);
+    powerMode = profile.number;
     return 0;
 }
 

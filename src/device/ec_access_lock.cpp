@@ -35,10 +35,4 @@ bool EcAccessLock::isLocked() const
     return locked;
 }
 
-bool EcAccessLock::isReleased() const
-{
-    const QMutexLocker locker(&state);
-    return released;
-}
-
 } // namespace tarnDeviceInfos

@@ -16,8 +16,6 @@ public:
     // From now on lock() fails at once, for those who wait already too.
     void releaseWaiters();
     [[nodiscard]] bool isLocked() const;
-    // The process ends: nothing that takes long should be begun.
-    [[nodiscard]] bool isReleased() const;
 
 private:
     mutable QMutex state;
@@ -26,7 +24,7 @@ private:
     bool released = false;
 };
 
-// The one lock of the process. Deliberately never destroyed: threads may wait for it until the very end.
+// The one lock of the process. It is never destroyed, because threads may wait for it until the very end.
 extern EcAccessLock &ecAccessMutex;
 
 // Holds the lock for a scope. Test it: without the lock there must be no EC traffic.

@@ -1,6 +1,7 @@
 #include "device/ec_dirver_controller_hal.h"
 
 #include "device/ec_registers.h"
+#include "platform/paths.h"
 #include "platform/process_wide.h"
 #include "platform/waits.h"
 
@@ -37,7 +38,7 @@ EcDirverControllerHal *EcDirverControllerHal::instance()
 }
 
 EcDirverControllerHal::EcDirverControllerHal()
-    : libraryPath(QStringLiteral("./function/inpoutx64.dll"))
+    : libraryPath(tarnPlatform::path::portLibrary)
     // As an absolute path: a relative one would make Windows look along PATH as well, with a service's
     // rights.
     , library(QDir::current().absoluteFilePath(libraryPath))

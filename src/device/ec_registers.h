@@ -1,10 +1,12 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 
 // Every EC port, channel command, xdata address, EEPROM offset and special value, grouped by what it serves.
 // Registers are one byte wide; xdata addresses are 16-bit and go over the wire high byte first.
-// No Qt here: the simulated computer is built from the same map.
+// No Qt here: the simulated computer is built from the same map, so a wrong value in it would look right in
+// every test of the two together. ec_registers_test.cpp therefore holds each value by a literal.
 namespace tarnDeviceInfos {
 
 // Second host channel of the EC.
@@ -88,6 +90,7 @@ inline constexpr std::uint16_t EC_POWERMODE_PL2_CHECK = 0x04AC;
 inline constexpr std::uint16_t EC_POWERMODE_PL4_CHECK = 0x04AD;
 inline constexpr std::uint16_t EC_POWER_SUPPLY_MODE = 0x04FC;
 inline constexpr std::uint16_t EC_TARN_POWER_MODE = 0x04FE;
+inline constexpr std::chrono::milliseconds EC_LATCH_TIME {10}; // until the EC has acted on one of them
 inline constexpr std::uint8_t PL_CTRL_AUTO = 0;
 inline constexpr std::uint8_t PL_CTRL_MANUAL = 1;
 inline constexpr std::uint8_t PL_CTRL_UNLIMITED = 2;

@@ -4,7 +4,7 @@
 #include "graphics/gui_launcher.h"
 #include "graphics/peg_state_report.h"
 #include "graphics/process_check.h"
-#include "platform/unfinished_step.h"
+#include "platform/process_end.h"
 #include "platform/waits.h"
 
 #include <QDebug>
@@ -56,7 +56,7 @@ void show(const Popup &popup)
 
 bool isTooLateToEnable()
 {
-    if (!ecAccessMutex.isReleased())
+    if (!tarnPlatform::isProcessEnding())
         return false;
     qWarning() << "GraphicsActive_log: The service ends, so the graphics are not activated.";
     return true;

@@ -4,8 +4,6 @@
 
 #include <QDebug>
 
-#include <functional>
-
 namespace tarnAccessoryManager {
 namespace {
 
@@ -31,15 +29,15 @@ int isDriverInstalled()
     const auto adapters = openAdapters();
     if (!adapters)
         return -1;
-    while (adapters->next()) {
-        const auto description = adapters->ansiText(DeviceProperty::Description, longTextBytes);
+    while (Device *adapter = adapters->next()) {
+        const auto description = adapter->ansiText(DeviceProperty::Description, longTextBytes);
         if (description && description->contains(installedName))
             return 1;
     }
     return 0;
 }
 
-bool isGpuOfSeries(DeviceList &adapter)
+bool isGpuOfSeries(Device &adapter)
 {
     const auto hardwareIds = adapter.ansiText(DeviceProperty::HardwareIds, longTextBytes);
     if (!hardwareIds || (!hardwareIds->contains(nvidiaPciId) && !hardwareIds->contains(amdPciId)))
@@ -54,17 +52,17 @@ int isGpuStarted()
     const auto adapters = openAdapters();
     if (!adapters)
         return -1;
-    while (adapters->next()) {
-        if (!isGpuOfSeries(*adapters))
+    while (Device *adapter = adapters->next()) {
+        if (!isGpuOfSeries(*adapter))
             continue;
-        if (const auto status = adapters->status())
+        if (const auto status = adapter->status())
             return status->bits & deviceStarted ? 1 : 0;
     }
     return -2;
 }
 
 // The adapter of an id decides: true when it needs no driver patch.
-bool isAdapterSound(DeviceList &adapter, const QString &id)
+bool isAdapterSound(Device &adapter, const QString &id)
 {
     const auto status = adapter.status();
     if (!status) {
@@ -82,9 +80,9 @@ bool isAdapterSound(DeviceList &adapter, const QString &id)
 bool isFirstNvidiaAdapterSound(DeviceList &adapters)
 {
     int index = 1;
-    while (adapters.next()) {
-        ++index; // counts from 2, deliberately
-        const auto id = adapters.instanceId(instanceIdCharacters);
+    while (Device *adapter = adapters.next()) {
+        ++index; // from 2 on: log readers know the first adapter by that number
+        const auto id = adapter->instanceId(instanceIdCharacters);
         if (!id) {
             qDebug() << "Failed to get device ID for index:" << index;
             continue;
@@ -93,55 +91,70 @@ bool isFirstNvidiaAdapterSound(DeviceList &adapters)
         if (!id->contains(QStringLiteral("VEN_10DE"), Qt::CaseInsensitive))
             continue;
         qDebug() << "Found NVIDIA device:" << *id;
-        return isAdapterSound(adapters, *id);
+        return isAdapterSound(*adapter, *id);
     }
     return true;
 }
 
-// How the adapters of the series are switched, and what the log says about it.
-struct GpuSwitch
+enum class Switch { On, Off };
+
+// What the log says of switching the adapters of the series.
+struct SwitchWords
 {
-    bool (*isNeeded)(const std::optional<DeviceStatus> &status);
-    bool (DeviceList::*carryOut)();
     const char *noList;
     const char *done;
     const char *failed;
 };
-
-constexpr GpuSwitch enabling = {
-    [](const std::optional<DeviceStatus> &status) { return !status || !(status->bits & deviceStarted); },
-    &DeviceList::enable,
+constexpr SwitchWords switchOnWords = {
     "GraphicsActive_log: Failed to get device info set.",
     "GraphicsActive_log: Enabled 4060 series GPU at index",
     "GraphicsActive_log: Failed to enable 4060 series GPU at index",
 };
-constexpr GpuSwitch disabling = {
-    [](const std::optional<DeviceStatus> &status) { return status && (status->bits & deviceStarted); },
-    &DeviceList::disable,
+constexpr SwitchWords switchOffWords = {
     "GraphicsDisengaged_log: Failed to get device info set.",
     "GraphicsDisengaged_log: Disabled 4060 series GPU at index",
     "GraphicsDisengaged_log: Failed to disable 4060 series GPU at index",
 };
 
-// Every adapter of the series is handled, whatever becomes of the others.
-int switchAdapters(const GpuSwitch &gpuSwitch, const std::function<void()> &onDone)
+// An adapter of unknown status counts as one that is off.
+bool isOn(Device &adapter)
 {
+    const auto status = adapter.status();
+    return status && (status->bits & deviceStarted) != 0;
+}
+
+bool isOfSeries(Device &adapter)
+{
+    const auto description = adapter.ansiText(DeviceProperty::Description, shortTextBytes);
+    return description && description->contains(seriesName);
+}
+
+struct SwitchResult
+{
+    int switched = 0; // adapters
+    bool failed = false; // the list could not be opened, or an adapter refused
+};
+
+// Every adapter of the series is handled, whatever becomes of the others.
+SwitchResult switchAdapters(Switch to, const SwitchWords &words)
+{
+    SwitchResult result;
     const auto adapters = openAdapters();
     if (!adapters) {
-        qDebug() << gpuSwitch.noList;
-        return -1;
+        qDebug() << words.noList;
+        result.failed = true;
+        return result;
     }
-    int result = 0;
-    for (int index = 0; adapters->next(); ++index) {
-        const auto description = adapters->ansiText(DeviceProperty::Description, shortTextBytes);
-        if (!description || !description->contains(seriesName) || !gpuSwitch.isNeeded(adapters->status()))
+    int index = 0;
+    for (Device *adapter = adapters->next(); adapter; adapter = adapters->next(), ++index) {
+        if (!isOfSeries(*adapter) || isOn(*adapter) == (to == Switch::On))
             continue;
-        if ((*adapters.*gpuSwitch.carryOut)()) {
-            qDebug() << gpuSwitch.done << index;
-            onDone();
+        if (to == Switch::On ? adapter->enable() : adapter->disable()) {
+            qDebug() << words.done << index;
+            ++result.switched;
         } else {
-            qDebug() << gpuSwitch.failed << index;
-            result = -1;
+            qDebug() << words.failed << index;
+            result.failed = true;
         }
     }
     return result;
@@ -164,7 +177,8 @@ int GraphicsAccessoryManager::getGpuDriverData()
         const int started = isGpuStarted();
         qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: get gpu is active or not: " << started
                  << ".";
-        // A driver whose adapter cannot be found or asked is an error, deliberately, and not an inactive GPU.
+        // An adapter that cannot be found or asked is an error and not an inactive GPU: the EC would be told
+        // that the GPU is off while it may be on.
         if (started < 0)
             return -1;
         if (started == 1)
@@ -189,12 +203,15 @@ bool GraphicsAccessoryManager::checkNvidiaAdapterStatus()
 
 int GraphicsAccessoryManager::enableGpu()
 {
-    return switchAdapters(enabling, [] {});
+    return switchAdapters(Switch::On, switchOnWords).failed ? -1 : 0;
 }
 
 int GraphicsAccessoryManager::disableGpu()
 {
-    return switchAdapters(disabling, [this] { gpuActive = false; });
+    const SwitchResult result = switchAdapters(Switch::Off, switchOffWords);
+    if (result.switched > 0)
+        gpuActive = false;
+    return result.failed ? -1 : 0;
 }
 
 } // namespace tarnAccessoryManager

@@ -4,9 +4,8 @@
 #include "graphics/graphics_accessory_manager.h"
 #include "graphics/gui_launcher.h"
 #include "graphics/peg_state_report.h"
-#include "pipe/message_format.h"
-#include "pipe/send_queue_thread.h"
-#include "platform/unfinished_step.h"
+#include "pipe/outbox/notify_client.h"
+#include "platform/process_end.h"
 #include "platform/waits.h"
 
 #include <QDebug>
@@ -32,15 +31,14 @@ constexpr PegStateWords reportWords = {
 
 void tellClient()
 {
-    tarnPipeServer::SendQueueThread::instance()->enqueueMessage(
-        tarnPipeServer::notificationText(QStringLiteral("disengagedGraphics"), QString()));
+    tarnPipeServer::notifyClient(QStringLiteral("disengagedGraphics"), QString());
     sleepFor(clientFarewell);
 }
 
 // Asked after each wait, under the step that then goes on to the end: what is disabled is also told.
 bool isTooLateToDisable()
 {
-    if (!ecAccessMutex.isReleased())
+    if (!tarnPlatform::isProcessEnding())
         return false;
     qWarning() << "GraphicsDisengaged_log: The service ends, so the gpu is not disabled.";
     return true;

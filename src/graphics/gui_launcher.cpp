@@ -1,7 +1,7 @@
 #include "graphics/gui_launcher.h"
 
-#include "device/ec_access_lock.h"
-#include "pipe/tarn_pipe_server.h"
+#include "platform/paths.h"
+#include "platform/process_end.h"
 #include "platform/user_session.h"
 
 #include <QCoreApplication>
@@ -31,11 +31,9 @@ constexpr std::array failures = {
 };
 static_assert(failures.size() == static_cast<std::size_t>(LaunchStage::Ended));
 
-// Deliberately without a separator: Windows does not count the dot that the folder's name then ends in, so
-// this is the folder beside the program.
 QString guiProgram()
 {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("./TarnServiceGui/TarnServiceGui.exe");
+    return QCoreApplication::applicationDirPath() + tarnPlatform::path::guiProgramSuffix;
 }
 
 // An exit code is a DWORD from the system and an int from the ordinary session.
@@ -80,12 +78,12 @@ int launchInOwnSession(const QString &programSwitch)
 
 int launchGuiProgram(const QString &programSwitch)
 {
-    if (tarnDeviceInfos::ecAccessMutex.isReleased()) {
+    if (tarnPlatform::isProcessEnding()) {
         qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: The service ends, so nobody is shown"
                    << programSwitch;
         return 0;
     }
-    if (tarnPipeServer::TarnPipeServer::instance()->isServiceSession())
+    if (UserSession::system().isServiceSession())
         return launchForConsoleUser(programSwitch);
     return launchInOwnSession(programSwitch);
 }

@@ -1,7 +1,6 @@
-#include "device/ec_access_lock.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "platform/device_manager.h"
-#include "platform/unfinished_step.h"
+#include "platform/process_end.h"
 #include "platform/waits.h"
 
 #include <QDebug>
@@ -16,11 +15,11 @@ constexpr int descriptionBytes = 512;
 constexpr auto restartPause = 1000ms;
 
 // A GPU that comes up late leaves its sound device with a problem that only a restart cures.
-void restart(DeviceList &device)
+void restart(Device &device)
 {
     qDebug() << "High Definition Audio Device has a problem, disabling and re-enabling.";
     const UnfinishedStep step; // until it is enabled again
-    if (tarnDeviceInfos::ecAccessMutex.isReleased()) {
+    if (isProcessEnding()) {
         qWarning() << "The service ends, so the device is not restarted.";
         return;
     }
@@ -35,7 +34,7 @@ void restart(DeviceList &device)
         qDebug() << "High Definition Audio Failed to enable device.";
 }
 
-void examine(DeviceList &device)
+void examine(Device &device)
 {
     const auto description = device.wideDescription(descriptionBytes);
     if (!description) {
@@ -66,8 +65,8 @@ bool GraphicsAccessoryManager::resetHdAudioDevice()
         qDebug() << "Failed to get device information set.";
         return false;
     }
-    while (devices->next())
-        examine(*devices);
+    while (Device *device = devices->next())
+        examine(*device);
     return true;
 }
 

@@ -1,6 +1,6 @@
 #include "graphics/process_check.h"
 
-#include "platform/process_list.h"
+#include "platform/processes.h"
 
 #include <QDebug>
 

@@ -1,7 +1,7 @@
 #include "pipe/tarn_pipe_server.h"
 
 #include "accessory/kvane_accessory_manager.h"
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "pipe/replies.h"
 
 namespace tarnPipeServer {

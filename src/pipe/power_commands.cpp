@@ -1,34 +1,28 @@
 #include "pipe/tarn_pipe_server.h"
 
 #include "accessory/ec_power_mode_manager.h"
+#include "accessory/power_profiles.h"
 #include "pipe/replies.h"
 
 #include <QDebug>
 
-#include <algorithm>
-#include <array>
 #include <optional>
 
 namespace tarnPipeServer {
 namespace {
 
-using tarnAccessoryManager::EcPowerModeManager;
-
-// Indexed by profile number.
-constexpr std::array profileNames {QLatin1String("high"), QLatin1String("balance"), QLatin1String("low")};
+using namespace tarnAccessoryManager;
 
 std::optional<quint32> profileNumber(const QString &name)
 {
-    const auto found = std::find(profileNames.begin(), profileNames.end(), name);
-    if (found == profileNames.end())
-        return std::nullopt;
-    return static_cast<quint32>(found - profileNames.begin());
+    const PowerProfile *profile = profileOfName(name.toStdString());
+    return profile ? std::optional(static_cast<quint32>(profile->number)) : std::nullopt;
 }
 
 QString profileName(int number)
 {
-    const bool known = number >= 0 && number < static_cast<int>(profileNames.size());
-    return known ? profileNames[static_cast<std::size_t>(number)] : QLatin1String("hide");
+    const PowerProfile *profile = profileOfNumber(number);
+    return QString::fromLatin1(profile ? profile->name : noProfileName);
 }
 
 } // namespace

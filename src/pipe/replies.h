@@ -1,6 +1,6 @@
 #pragma once
 
-#include "pipe/message_format.h"
+#include "pipe/outbox/message_format.h"
 
 #include <QJsonObject>
 #include <QString>

@@ -1,8 +1,7 @@
 #include "pipe/tarn_pipe_server.h"
 
 #include "accessory/ec_power_mode_manager.h"
-#include "pipe/message_format.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/notify_client.h"
 
 #include <QDebug>
 #include <QThreadPool>
@@ -21,8 +20,7 @@ void switchSmartChargingOn()
 {
     if (!tarnAccessoryManager::EcPowerModeManager::instance()->setSmartChargingStatus(true))
         return; // nothing retries; a client that asks and finds it off starts the countdown again
-    SendQueueThread::instance()->enqueueMessage(
-        notificationText(QStringLiteral("getSmartChargingStatus"), QStringLiteral("ON")));
+    notifyClient(QStringLiteral("getSmartChargingStatus"), QStringLiteral("ON"));
 }
 
 } // namespace

@@ -1,12 +1,11 @@
 #include "pipe/tarn_pipe_server.h"
 
-#include "pipe/message_format.h"
-#include "pipe/send_queue_thread.h"
-#include "platform/client_room.h"
-#include "platform/leftover_socket.h"
+#include "pipe/outbox/message_format.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "platform/process_wide.h"
+#include "platform/sockets.h"
 #include "platform/user_session.h"
-#include "service/version.h"
+#include "platform/version.h"
 
 #include <QDebug>
 #include <QFutureWatcher>
@@ -51,6 +50,7 @@ TarnPipeServer::TarnPipeServer()
     qDebug() << "TarnPipeServer ThreadID(): " << QThread::currentThreadId();
     localServer = new QLocalServer(this);
     fillCommandTable();
+    SendQueueThread::setWriter([this](const QString &message) { sendDataToClient(message); });
     connect(localServer, &QLocalServer::newConnection, this, &TarnPipeServer::handleConnection);
     openDoor();
     createSmartChargingTimer();
@@ -177,7 +177,7 @@ void TarnPipeServer::handleConnection()
         return;
     }
     qDebug() << "is connection!";
-    qDebug() << "Tarn Service version is " << tarnService::version();
+    qDebug() << "Tarn Service version is " << tarnPlatform::version();
     sendThread = SendQueueThread::instance();
     sendThread->startSending();
     clientOnline = true;

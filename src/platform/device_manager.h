@@ -25,14 +25,11 @@ struct DeviceStatus
 enum class DeviceProperty { Description, HardwareIds };
 enum class DeviceChange { Disable, Enable };
 
-// An open list of devices, which the destructor gives back. It stands before its first device when it is
-// made; everything but next() is about the device it stands on.
-class DeviceList
+// A device of an open list.
+class Device
 {
 public:
-    virtual ~DeviceList() = default;
-    // False at the end of the list.
-    [[nodiscard]] virtual bool next() = 0;
+    virtual ~Device() = default;
 
     // In the ANSI code page; empty when it cannot be read or does not fit into so many bytes. Hardware ids
     // are a multi-string: all of them, with NULs between.
@@ -46,6 +43,16 @@ public:
     [[nodiscard]] virtual bool disable() = 0;
     // Through the class installer, in the scope of all hardware profiles.
     [[nodiscard]] virtual bool changeByInstaller(DeviceChange change) = 0;
+};
+
+// An open list of devices, which the destructor gives back.
+class DeviceList
+{
+public:
+    virtual ~DeviceList() = default;
+    // The first device, and at each further call the next one; null at the end. It lives until the next call
+    // and no longer than the list.
+    [[nodiscard]] virtual Device *next() = 0;
 };
 
 // The devices that are present on the computer. Any thread; a list belongs to the thread that opened it.

@@ -1,6 +1,75 @@
 #pragma once
 
+#include <QObject>
+
+#include <atomic>
+#include <chrono>
+
 namespace tarnPlatform {
+
+// How long the end of the process may take, from the request to stop on.
+namespace endBudget {
+
+using std::chrono::milliseconds;
+
+// A healthy cycle of the monitor and the pause before a message end well within it.
+inline constexpr milliseconds threads {1500};
+// For a step that must not be left half done (UnfinishedStep).
+inline constexpr milliseconds unfinishedStep {2300};
+// Under the service manager the process is ended then, whatever it does.
+inline constexpr milliseconds watchdog {2500};
+// What the service manager and people are told to wait for.
+inline constexpr milliseconds promised {3000};
+
+static_assert(threads < unfinishedStep);
+static_assert(unfinishedStep < watchdog);
+static_assert(watchdog < promised);
+
+} // namespace endBudget
+
+// From then on the process ends: flashing, opening windows and switching devices are not begun any more. Any
+// thread; nothing takes it back.
+void beginProcessEnd();
+[[nodiscard]] bool isProcessEnding();
+
+// Lives while something has been begun that must not be left half done, such as a device that is switched off
+// only to be switched on again, or one that is switched and of which the EC has yet to be told. The end of
+// the process waits for it longer than for anything else. Make one first and ask isProcessEnding() then: in
+// the other order the end could begin in between and not wait.
+class UnfinishedStep
+{
+public:
+    UnfinishedStep() { ++count; }
+    ~UnfinishedStep() { --count; }
+    UnfinishedStep(const UnfinishedStep &) = delete;
+    UnfinishedStep &operator=(const UnfinishedStep &) = delete;
+
+    [[nodiscard]] static bool any() { return count > 0; }
+
+private:
+    static inline std::atomic<int> count {0};
+};
+
+// Tells when the system or the person at the terminal asks the process to end: SIGTERM, SIGINT and SIGHUP, or
+// the console's Ctrl+C, Ctrl+Break and closing. The signal comes on the thread that made the object, which
+// needs an event loop. From the first use on such a request no longer ends the process by itself.
+class StopRequests : public QObject
+{
+    Q_OBJECT
+
+public:
+    // The one object of the process. It is never destroyed, because a request may come until the very end.
+    static StopRequests &ofProcess();
+
+    // True from the first request on.
+    [[nodiscard]] bool isRequested() const;
+
+Q_SIGNALS:
+    void stopRequested();
+
+private:
+    StopRequests();
+};
 
 // Ends the process at once with this code: no destructor, no handler of the end, and no wait for any thread,
 // whatever it holds. What is still in the buffers of the C library is lost.

@@ -1,10 +1,67 @@
 #pragma once
 
-#include "platform/service_registration.h"
-
 #include <QString>
+#include <QtGlobal>
+
+#include <optional>
 
 namespace tarnPlatform {
+
+// What the system's service manager may ask of a running service, as it numbers it.
+enum ServiceControl : quint32 {
+    ControlStop = 1,
+    ControlPause = 2,
+    ControlContinue = 3,
+    ControlInterrogate = 4,
+    ControlShutdown = 5,
+    FirstUserControl = 128,
+    LastUserControl = 255,
+};
+
+// Which of them a service wants to be asked; interrogation and user commands always reach it.
+enum AcceptedControl : quint32 {
+    AcceptsNothing = 0x00,
+    AcceptsStop = 0x01,
+    AcceptsPauseAndContinue = 0x02,
+    AcceptsShutdown = 0x04,
+};
+
+// User commands have numbers of their own, from 0 on.
+constexpr int lastUserCommand = LastUserControl - FirstUserControl;
+
+constexpr bool isUserCommand(int code)
+{
+    return code >= 0 && code <= lastUserCommand;
+}
+
+constexpr quint32 userControl(int command)
+{
+    return FirstUserControl + static_cast<quint32>(command);
+}
+
+// How a service is to be registered with the system.
+struct ServiceRegistration
+{
+    QString name; // key and display name in one
+    QString description; // empty: none is stored
+    QString account; // empty: the local system account
+    QString password; // used only with an account
+    bool startAutomatically = true;
+};
+
+// The same in the terms of the system's service database, whose numbers these are.
+struct ServiceEntry
+{
+    quint32 serviceType = 0;
+    quint32 startType = 0;
+    quint32 errorControl = 0;
+    std::optional<QString> account; // none: the local system account
+    std::optional<QString> password;
+
+    bool operator==(const ServiceEntry &) const = default;
+};
+
+[[nodiscard]] ServiceEntry serviceEntry(const ServiceRegistration &registration);
 
 // What the system's service manager asks of a running service; called on the application thread.
 class ServiceHost

@@ -1,5 +1,6 @@
 #include "platform/service_run.h"
 
+#include "platform/process_end.h"
 #include "platform/service_manager.h"
 
 #include <QCoreApplication>
@@ -9,10 +10,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-// A stop takes 1.5 s when a thread is held up, 2.3 s when a step must not be left half done, else less; it is
-// to be over after 3 s.
-constexpr auto stopPatience = 2500ms;
-constexpr auto stopHint = 3000ms;
 constexpr auto startHint = 10000ms;
 constexpr auto pauseHint = 3000ms;
 
@@ -27,7 +24,7 @@ std::chrono::milliseconds waitHint(ServiceState state)
     case ServiceState::StartPending:
         return startHint;
     case ServiceState::StopPending:
-        return stopHint;
+        return endBudget::promised;
     case ServiceState::PausePending:
     case ServiceState::ContinuePending:
         return pauseHint;
@@ -44,6 +41,18 @@ bool takesControls(ServiceState state)
 }
 
 } // namespace
+
+// A stop goes on after the service's part, until reportStopped().
+const ServiceRun::Action ServiceRun::actions[] = {
+    {ControlStop, AcceptsStop, ServiceState::StopPending, &ServiceHost::stopService,
+        ServiceState::StopPending},
+    {ControlShutdown, AcceptsShutdown, ServiceState::StopPending, &ServiceHost::stopService,
+        ServiceState::StopPending},
+    {ControlPause, AcceptsPauseAndContinue, ServiceState::PausePending, &ServiceHost::pauseService,
+        ServiceState::Paused},
+    {ControlContinue, AcceptsPauseAndContinue, ServiceState::ContinuePending, &ServiceHost::resumeService,
+        ServiceState::Running},
+};
 
 ServiceRun::ServiceRun(ServiceHost &service, quint32 accepted, Report reportToManager)
     : host(service)
@@ -66,35 +75,29 @@ int ServiceRun::serve()
 {
     const int exitCode = host.runEventLoop();
     const std::scoped_lock lock(mutex);
-    enterStop();
+    if (status.state != ServiceState::Stopped)
+        enter(ServiceState::StopPending);
     return exitCode;
 }
 
 void ServiceRun::control(quint32 code)
 {
     const std::scoped_lock lock(mutex);
-    const quint32 accepted = takesControls(status.state) ? acceptedControls : quint32(AcceptsNothing);
-    if ((code == ControlStop && accepted & AcceptsStop)
-        || (code == ControlShutdown && accepted & AcceptsShutdown)) {
-        enterStop();
-        perform(ServiceState::StopPending, &ServiceHost::stopService, std::nullopt);
-    } else if (code == ControlPause && accepted & AcceptsPauseAndContinue) {
-        enter(ServiceState::PausePending);
-        perform(ServiceState::PausePending, &ServiceHost::pauseService, ServiceState::Paused);
-    } else if (code == ControlContinue && accepted & AcceptsPauseAndContinue) {
-        enter(ServiceState::ContinuePending);
-        perform(ServiceState::ContinuePending, &ServiceHost::resumeService, ServiceState::Running);
-    } else {
-        if (takesControls(status.state) && code >= FirstUserControl && code <= LastUserControl) {
-            QMetaObject::invokeMethod(
-                qApp,
-                [this, command = static_cast<int>(code - FirstUserControl)] {
-                    host.processServiceCommand(command);
-                },
-                Qt::QueuedConnection);
-        }
-        reportStatus(); // the manager expects an answer to every control
+    const Action *action = actionFor(code);
+    if (action) {
+        enter(action->pending);
+        perform(*action);
+        return;
     }
+    if (takesControls(status.state) && code >= FirstUserControl && code <= LastUserControl) {
+        QMetaObject::invokeMethod(
+            qApp,
+            [this, command = static_cast<int>(code - FirstUserControl)] {
+                host.processServiceCommand(command);
+            },
+            Qt::QueuedConnection);
+    }
+    reportStatus(); // the manager expects an answer to every control
 }
 
 void ServiceRun::reportStopped(int exitCode)
@@ -117,41 +120,46 @@ bool ServiceRun::waitUntilStopped()
     return isStopped() || changed.wait_until(lock, *stopDeadline, isStopped);
 }
 
+// Null for what has no effect now. With the lock held.
+const ServiceRun::Action *ServiceRun::actionFor(quint32 code) const
+{
+    if (!takesControls(status.state))
+        return nullptr;
+    for (const Action &action : actions) {
+        if (action.control == code && (acceptedControls & action.acceptedAs) != 0)
+            return &action;
+    }
+    return nullptr;
+}
+
 // The service's part, on the application thread. Controls may follow each other faster than it works: only
 // the last one that was asked for leads to its final state.
-void ServiceRun::perform(ServiceState pending, Operation operation, std::optional<ServiceState> settled)
+void ServiceRun::perform(const Action &action)
 {
     QMetaObject::invokeMethod(
         qApp,
-        [this, pending, operation, settled] {
-            (host.*operation)();
+        [this, &action] {
+            (host.*action.operation)();
             const std::scoped_lock lock(mutex);
-            if (status.state == pending)
-                enter(settled.value_or(pending));
+            if (status.state == action.pending)
+                enter(action.settled);
         },
         Qt::QueuedConnection);
 }
 
-// With the lock held, as the two below.
+// With the lock held.
 void ServiceRun::enter(ServiceState state)
 {
     const bool again = state == status.state;
     status.state = state;
+    if (state == ServiceState::StopPending && !stopDeadline) {
+        stopDeadline = std::chrono::steady_clock::now() + endBudget::watchdog;
+        changed.notify_all();
+    }
     status.checkPoint = isPending(state) ? (again ? status.checkPoint + 1 : 1) : 0;
     status.waitHint = waitHint(state);
     status.acceptedControls = takesControls(state) ? acceptedControls : quint32(AcceptsNothing);
     reportStatus();
-}
-
-void ServiceRun::enterStop()
-{
-    if (status.state == ServiceState::Stopped)
-        return;
-    if (!stopDeadline) {
-        stopDeadline = std::chrono::steady_clock::now() + stopPatience;
-        changed.notify_all();
-    }
-    enter(ServiceState::StopPending);
 }
 
 void ServiceRun::reportStatus()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/service_controls.h"
+#include "platform/service_manager.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -60,10 +60,20 @@ public:
     [[nodiscard]] bool waitUntilStopped();
 
 private:
-    using Operation = void (ServiceHost::*)();
-    void perform(ServiceState pending, Operation operation, std::optional<ServiceState> settled);
+    // What a control leads to.
+    struct Action
+    {
+        ServiceControl control;
+        AcceptedControl acceptedAs;
+        ServiceState pending;
+        void (ServiceHost::*operation)();
+        ServiceState settled; // when the operation has returned
+    };
+    static const Action actions[];
+
+    [[nodiscard]] const Action *actionFor(quint32 code) const;
+    void perform(const Action &action);
     void enter(ServiceState state);
-    void enterStop();
     void reportStatus();
 
     ServiceHost &host;

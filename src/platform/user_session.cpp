@@ -1,13 +1,13 @@
 #include "platform/user_session.h"
 
-#include "platform/process_wait.h"
-#include "platform/program_path.h"
-#include "platform/tied_process.h"
+#include "platform/processes.h"
 
 #include <QDebug>
 
+#include <cwchar>
 #include <future>
 #include <memory>
+#include <string>
 #include <thread>
 
 namespace tarnPlatform {
@@ -34,16 +34,25 @@ bool UserSession::startDetached(const QString &program, const QString &argument)
 {
     const auto started = std::make_shared<std::promise<bool>>();
     std::future<bool> isRunning = started->get_future();
-    std::thread([started, program, argument] {
+    std::thread([started, path = startablePath(program), argument] {
         TiedProcess process;
         process.setProcessChannelMode(QProcess::ForwardedChannels);
         process.setStandardInputFile(QProcess::nullDevice());
-        const bool runs = process.startTied(startablePath(program), {argument});
+        const bool runs = process.startTied(path, {argument});
         started->set_value(runs);
         if (runs)
             waitForEnd(process);
     }).detach();
     return isRunning.get();
+}
+
+bool formatLaunchCommandLine(LaunchCommandLine &line, const QString &program, const QString &argument)
+{
+    const std::wstring text = L'"' + program.toStdWString() + L"\" " + argument.toStdWString();
+    if (text.size() >= launchCommandLineSize)
+        return false;
+    std::wmemcpy(line, text.c_str(), text.size() + 1);
+    return true;
 }
 
 } // namespace tarnPlatform

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <chrono>
+#include <cstddef>
 #include <functional>
 
 class QProcess;
@@ -48,6 +49,9 @@ public:
     [[nodiscard]] virtual bool startDetached(const QString &program, const QString &argument);
 
 protected:
+    // The form in which this system finds a program by a path as Windows takes it: there, a folder name may
+    // end in a dot that does not count.
+    [[nodiscard]] virtual QString startablePath(const QString &program) const { return program; }
     // The exit code for the log. On Unix the number of a signal that has killed the program stands in its
     // place, and that of SIGHUP, 1, must not pass for a yes.
     [[nodiscard]] static int exitCodeOf(const QProcess &process);
@@ -56,5 +60,13 @@ private:
     friend class Seam<UserSession>;
     static UserSession &ofSystem();
 };
+
+// Wide characters, with the final zero: there is no room for more where a program is started for the user.
+inline constexpr std::size_t launchCommandLineSize = 260;
+using LaunchCommandLine = wchar_t[launchCommandLineSize];
+
+// Writes the program in quotes and its argument; false when they do not fit.
+[[nodiscard]] bool formatLaunchCommandLine(
+    LaunchCommandLine &line, const QString &program, const QString &argument);
 
 } // namespace tarnPlatform

@@ -2,11 +2,9 @@
 
 #include <QString>
 
-namespace tarnService {
+namespace tarnPlatform {
 
-inline QString version()
-{
-    return QStringLiteral("1.40");
-}
+// The version of the whole project, as CMakeLists.txt has it.
+[[nodiscard]] QString version();
 
-} // namespace tarnService
+} // namespace tarnPlatform

@@ -1,7 +1,5 @@
 #include "platform/waits.h"
 
-#include "platform/system_sleep.h"
-
 #include <QEventLoop>
 #include <QTimer>
 

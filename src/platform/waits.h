@@ -34,6 +34,10 @@ void pumpEventsFor(milliseconds duration, const std::function<bool()> &cutShort 
 // Time since some instant, which no change of the computer's clock moves.
 [[nodiscard]] milliseconds steadyNow();
 
+// What the machine's own clock sleeps with, to within a millisecond: the EC's 5 ms waits must not become a
+// 15.6 ms scheduler tick.
+void systemSleep(milliseconds duration);
+
 // Installs another clock (null: the machine's own again) and returns the one before, null for the machine's.
 WaitClock *setWaitClock(WaitClock *clock);
 

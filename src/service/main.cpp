@@ -1,9 +1,9 @@
-#include "platform/stop_requests.h"
+#include "platform/process_end.h"
+#include "platform/version.h"
 #include "service/process_end.h"
 #include "service/running_check.h"
 #include "service/start_delay.h"
 #include "service/tarn_service.h"
-#include "service/version.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -42,7 +42,7 @@ int main(int argc, char *argv[])
     logBanner();
     if (!waitForSystem())
         return TarnService::exitCodeOfNothingDone(argc, argv);
-    qDebug() << "Tarn Service is running as " << tarnService::version() << "!";
+    qDebug() << "Tarn Service is running as " << tarnPlatform::version() << "!";
     logSourcePath();
 
     TarnService service(argc, argv);

@@ -1,38 +1,33 @@
 #include "service/process_end.h"
 
 #include "device/ec_access_lock.h"
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "pipe/handler_threads.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
-#include "platform/process_exit.h"
+#include "platform/process_end.h"
 #include "platform/process_wide.h"
-#include "platform/unfinished_step.h"
 #include "update/tool_run.h"
 
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDebug>
 
-#include <chrono>
 #include <cstdio>
 
 namespace {
 
-using namespace std::chrono_literals;
 using tarnDeviceInfos::EcDirverReader;
 using tarnPipeServer::SendQueueThread;
 using tarnPipeServer::TarnPipeServer;
 using tarnPlatform::ProcessWide;
 using tarnPlatform::UnfinishedStep;
+namespace endBudget = tarnPlatform::endBudget;
 
-// A healthy cycle of the monitor and the pause before a message end well within it; a stop may take 3 s.
-constexpr auto patience = 1500ms;
-// For what must not be left half done. Under the service manager a watchdog ends the process soon after it.
-constexpr auto lastPatience = 2300ms;
 constexpr int pollMs = 10;
-// A thread that has finished still gives back what Qt keeps for it, which nothing tells the end of.
-constexpr unsigned long farewellMs = 20;
+// Threads that QThread calls finished still free the data that Qt has kept for them. Nothing tells when they
+// have.
+constexpr unsigned long threadDataMs = 20;
 
 bool hasFinished(const QThread *thread)
 {
@@ -43,6 +38,7 @@ bool hasFinished(const QThread *thread)
 
 int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
 {
+    tarnPlatform::beginProcessEnd();
     auto *monitor = ProcessWide<EcDirverReader>::existing();
     auto *sender = ProcessWide<SendQueueThread>::existing();
     if (auto *server = ProcessWide<TarnPipeServer>::existing())
@@ -57,8 +53,8 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
     const auto everythingFinished = [monitor, sender] {
         return hasFinished(monitor) && hasFinished(sender) && tarnPipeServer::waitForHandlers(pollMs);
     };
-    const QDeadlineTimer deadline(patience);
-    const QDeadlineTimer lastDeadline(lastPatience);
+    const QDeadlineTimer deadline(endBudget::threads);
+    const QDeadlineTimer lastDeadline(endBudget::unfinishedStep);
     const auto isWorthWaiting = [&deadline, &lastDeadline] {
         return !deadline.hasExpired() || (UnfinishedStep::any() && !lastDeadline.hasExpired());
     };
@@ -78,7 +74,7 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
     if (sender)
         sender->wait(); // for the last steps of a thread that counts as finished already
     delete monitor;
-    QThread::msleep(farewellMs);
+    QThread::msleep(threadDataMs);
     manager.reportStopped(exitCode);
     return exitCode;
 }

@@ -1,7 +1,7 @@
 #include "service/qt_service_base.h"
 
-#include "platform/service_controls.h"
-#include "platform/stop_requests.h"
+#include "platform/process_end.h"
+#include "platform/service_manager.h"
 
 #include <QCoreApplication>
 #include <QDebug>

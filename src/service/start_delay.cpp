@@ -1,6 +1,6 @@
 #include "service/start_delay.h"
 
-#include "platform/stop_requests.h"
+#include "platform/process_end.h"
 #include "platform/waits.h"
 
 namespace {

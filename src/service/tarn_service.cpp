@@ -1,7 +1,7 @@
 #include "service/tarn_service.h"
 
 #include "device/ec_dirver_controller_hal.h"
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "pipe/tarn_pipe_server.h"
 #include "update/leftover_ec_tool.h"

@@ -1,4 +1,7 @@
-#include "platform/durable_files.h"
+#include "platform/files.h"
+#include "platform/paths.h"
+#include "platform/process_end.h"
+#include "update/ec_reservation.h"
 #include "update/ec_settings.h"
 #include "update/firmware_file_name.h"
 #include "update/firmware_updater.h"
@@ -13,7 +16,8 @@
 namespace tarnFirmwareUpdate {
 namespace {
 
-constexpr char newSettings[] = "temp.ini";
+using tarnPlatform::path::ecSettings;
+using tarnPlatform::path::newEcSettings;
 
 // Lines end at "\n", so a "\r" before it belongs to its line and goes when the line is replaced; the tool
 // reads both. Every line that is written gets its end, the last one too. False when something could not be
@@ -42,7 +46,7 @@ bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::str
     std::ifstream from(iniPath, std::ios::binary);
     std::ofstream to;
     if (from.is_open())
-        to.open(newSettings, std::ios::binary | std::ios::trunc);
+        to.open(newEcSettings.toStdString(), std::ios::binary | std::ios::trunc);
     if (!from.is_open() || !to.is_open()) {
         qDebug() << "Error opening files!";
         return false;
@@ -50,18 +54,43 @@ bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::str
     const bool written = rewrite(from, to, binName);
     from.close();
     to.close();
-    const QString temporary = QString::fromLatin1(newSettings);
     const QString target = QString::fromLocal8Bit(iniPath.c_str(), static_cast<qsizetype>(iniPath.size()));
     // The old settings go only when the new ones are complete.
-    const bool safe = written && tarnPlatform::flushToDisk(temporary);
-    if (!written || !tarnPlatform::replaceFile(temporary, target)) {
+    const bool safe = written && tarnPlatform::flushToDisk(newEcSettings);
+    if (!written || !tarnPlatform::replaceFile(newEcSettings, target)) {
         qWarning() << "The settings of the EC tool cannot be replaced:" << target;
-        QFile::remove(temporary);
+        QFile::remove(newEcSettings);
         return false;
     }
     if (!safe)
         qWarning() << "The settings of the EC tool may not be on the disk yet:" << target;
     qDebug() << "modifyEcIniFile Leave |";
+    return true;
+}
+
+bool FirmwareUpdater::updateEc(const QString &fileName)
+{
+    const QMutexLocker locker(&ecTurn);
+    const bool isToolRun = reserveAndRunEcTool(fileName);
+    markEcUpdateOver(); // on every way out
+    return isToolRun;
+}
+
+bool FirmwareUpdater::reserveAndRunEcTool(const QString &fileName)
+{
+    // An EC tool that an earlier run of the service has left behind still needs its settings and its file.
+    if (isToolLeftRunning())
+        return false;
+    if (!modifyEcIniFile(ecSettings.toStdString(), fileName.toLocal8Bit().toStdString())) {
+        qDebug() << "write uiset.ini file failed!";
+        return false;
+    }
+    if (copyEcFile(fileName) != 0)
+        return false;
+    // A tool that is started while the process ends would flash an EC that others still talk to.
+    if (!reserveEcForUpdate() || tarnPlatform::isProcessEnding())
+        return false;
+    ecUpdate();
     return true;
 }
 

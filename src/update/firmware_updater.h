@@ -44,7 +44,10 @@ public:
     [[nodiscard]] int enterMcuUpdateMode();
     [[nodiscard]] int leaveMcuUpdateMode();
 
-    // ec_update.cpp: true unless one of the two files could not be opened or replaced.
+    // ec_update.cpp: writes the tool's settings, takes the file, reserves the EC and runs the tool. False
+    // when the tool was not run; if it was, nobody knows what came of it. Updates take turns.
+    [[nodiscard]] bool updateEc(const QString &fileName);
+    // True unless one of the two files could not be opened or replaced.
     [[nodiscard]] bool modifyEcIniFile(const std::string &iniPath, const std::string &binName);
     void ecUpdate();
 
@@ -64,9 +67,12 @@ private:
     std::atomic<quint8> control {0xFF}; // EC_MCU_UPDATE_CTRL as last read or written
     QMutex modeHold; // guards modeHeld, and lets a leave wait for an enter that is on its way
     bool modeHeld = false;
+    [[nodiscard]] bool reserveAndRunEcTool(const QString &fileName);
+
     QMutex mcuTurn; // two updates of the same file name would take it from each other
-    // One for each update, the last one running or done; deliberately never deleted. Without a lock: an EC
-    // update waits for its turn before it comes here.
+    QMutex ecTurn; // settings, firmware file and tool are one set, which two updates at a time would mix up
+    // One for each update, the last one running or done; never deleted, because that would end a tool
+    // that still runs. Guarded by ecTurn.
     QList<QProcess *> ecTools;
 };
 

@@ -1,6 +1,7 @@
 #include "update/flashing_tool.h"
 
-#include "platform/process_list.h"
+#include "platform/paths.h"
+#include "platform/processes.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -11,15 +12,13 @@ namespace tarnFirmwareUpdate {
 
 const FlashingTool &FlashingTool::ofMcu()
 {
-    static const FlashingTool tool {
-        QStringLiteral("./function/MCU/stm32flash.exe"), QStringLiteral("./function/MCU")};
+    static const FlashingTool tool {tarnPlatform::path::mcuTool, tarnPlatform::path::mcuFolder};
     return tool;
 }
 
 const FlashingTool &FlashingTool::ofEc()
 {
-    static const FlashingTool tool {
-        QStringLiteral("./function/EC/IFU_XE.exe"), QStringLiteral("./function/EC")};
+    static const FlashingTool tool {tarnPlatform::path::ecTool, tarnPlatform::path::ecFolder};
     return tool;
 }
 

@@ -1,7 +1,8 @@
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
-#include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
+#include "device/monitor/ec_dirver_reader.h"
+#include "platform/process_end.h"
 #include "platform/waits.h"
 #include "update/firmware_updater.h"
 #include "update/tool_run.h"
@@ -82,7 +83,7 @@ std::optional<int> FirmwareUpdater::switchAndFlash(const QString &fileName, mill
     int result = -1;
     startBootLoader();
     // The flasher would outlive the service, and nobody would switch the MCU back after it.
-    if (ecAccessMutex.isReleased())
+    if (tarnPlatform::isProcessEnding())
         qWarning() << "The service ends, so the flasher is not run.";
     else
         result = mcuUpdateProcess(fileName);
@@ -113,7 +114,7 @@ int FirmwareUpdater::mcuUpdateProcess(const QString &fileName)
         qWarning() << "mcuUpdateProcess failed 3 times. Sending notification...";
         return -1;
     }
-    if (ecAccessMutex.isReleased()) {
+    if (tarnPlatform::isProcessEnding()) {
         failedRuns = 0;
         qWarning() << "The service ends, so the flasher is not run again.";
         return -1;

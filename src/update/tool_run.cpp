@@ -1,7 +1,7 @@
 #include "update/tool_run.h"
 
-#include "platform/apart_process.h"
-#include "platform/process_wait.h"
+#include "platform/paths.h"
+#include "platform/processes.h"
 #include "platform/waits.h"
 
 #include <QFile>
@@ -20,7 +20,8 @@ constexpr auto pauseAfterFailedWait = 100ms;
 // Not in the folder of the tool: there a client's firmware could have this name.
 QString printedBy(const FlashingTool &tool, const char *ending)
 {
-    return QStringLiteral("./function/") + QFileInfo(tool.program).completeBaseName() + QLatin1String(ending);
+    return tarnPlatform::path::toolOutputFolder + QFileInfo(tool.program).completeBaseName()
+        + QLatin1String(ending);
 }
 
 QByteArray content(const QString &name)

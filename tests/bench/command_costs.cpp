@@ -1,10 +1,10 @@
 #include "campaign/campaign_machine.h"
 #include "device/ec_access_lock.h"
-#include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "figures.h"
 #include "pipe/tarn_pipe_server.h"
-#include "platform/system_sleep.h"
+#include "platform/waits.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

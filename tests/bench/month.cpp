@@ -1,6 +1,6 @@
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "figures.h"
 #include "live_memory.h"
 #include "pipe/tarn_pipe_server.h"

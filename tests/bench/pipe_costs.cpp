@@ -1,5 +1,5 @@
 #include "figures.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
 #include "support/queued_messages.h"
 #include "support/run_folder.h"

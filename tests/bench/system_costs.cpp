@@ -4,7 +4,6 @@
 #include "figures.h"
 #include "load/process_figures.h"
 #include "pipe/tarn_pipe_server.h"
-#include "platform/system_sleep.h"
 #include "platform/waits.h"
 #include "support/pipe_peer.h"
 

@@ -2,7 +2,7 @@
 
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "simulator/accessory_catalog.h"
 #include "support/simulated_machine.h"
 

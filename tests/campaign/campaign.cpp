@@ -1,8 +1,8 @@
 #include "campaign.h"
 
 #include "device/ec_access_lock.h"
-#include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "pipe/tarn_pipe_server.h"
 #include "recovery.h"
 #include "reply_rules.h"

@@ -2,10 +2,10 @@
 
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
-#include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "harness.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
 
 #include <QCoreApplication>

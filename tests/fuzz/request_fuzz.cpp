@@ -2,8 +2,8 @@
 // as
 // '@' for none or the letters and signs from 'A' on in the order of the fault table, then the request.
 #include "device/ec_access_lock.h"
-#include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "fuzzed_machine.h"
 #include "harness.h"
 #include "pipe/tarn_pipe_server.h"

@@ -3,7 +3,7 @@
 #include "load/figure_table.h"
 #include "load/load_scale.h"
 #include "pipe/handler_threads.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"

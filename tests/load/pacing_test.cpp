@@ -1,7 +1,7 @@
 #include "campaign/random_source.h"
 #include "load/figure_table.h"
 #include "load/load_scale.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"

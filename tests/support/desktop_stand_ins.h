@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/process_list.h"
+#include "platform/processes.h"
 #include "platform/user_session.h"
 #include "support/seen_texts.h"
 

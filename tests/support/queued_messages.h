@@ -1,7 +1,7 @@
 #pragma once
 
-#include "pipe/message_format.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/message_format.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "support/seen_texts.h"
 
 #include <QStringList>

@@ -1,9 +1,9 @@
 #include "support/simulated_machine.h"
 
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "platform/process_wide.h"
-#include "platform/simulated/simulated_computer.h"
 #include "simulator/accessory_catalog.h"
+#include "simulator/platform/simulated_computer.h"
 #include "simulator/power_on.h"
 #include "simulator/register_log.h"
 #include "support/pipe_peer.h"

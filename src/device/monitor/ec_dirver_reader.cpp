@@ -1,13 +1,13 @@
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 
 #include "accessory/ec_power_mode_manager.h"
 #include "accessory/kvane_accessory_manager.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
+#include "device/monitor/accessory_table.h"
 #include "graphics/graphics_accessory_manager.h"
-#include "pipe/message_format.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/notify_client.h"
 #include "platform/process_wide.h"
 #include "platform/waits.h"
 
@@ -21,6 +21,7 @@ using namespace std::chrono_literals;
 using tarnAccessoryManager::EcPowerModeManager;
 using tarnAccessoryManager::GraphicsAccessoryManager;
 using tarnAccessoryManager::KvaneAccessoryManager;
+using tarnPipeServer::notifyClient;
 using tarnPlatform::pumpEventsFor;
 using tarnPlatform::sleepFor;
 
@@ -48,41 +49,6 @@ int readWatched(int value)
 {
     const auto read = watchedValues[value].read;
     return (KvaneAccessoryManager::instance()->*read)();
-}
-
-// The table of accessories: wire name, and what the log says at first detection and at a change.
-struct AccessoryKind
-{
-    quint8 code;
-    const char *name;
-    const char *foundAtFirst;
-    const char *foundAtChange;
-};
-constexpr AccessoryKind accessoryKinds[] = {
-    {ACCESSORY_DOCK, "dock", "Connected accessory is dock!", "now Accessory is dock"},
-    {ACCESSORY_GRAPHICS, "graphics", "Connected accessory is graphics!", "now Accessory is graphics"},
-    {ACCESSORY_GRAPHICS_16G, "graphics", "Connected accessory is graphics16G!", "now Accessory is graphics"},
-    {ACCESSORY_KVANE, "k_vane", "Connected accessory is k_Vane!", "now Accessory is k_vane"},
-};
-
-const AccessoryKind *findAccessoryKind(quint8 code)
-{
-    for (const AccessoryKind &kind : accessoryKinds) {
-        if (kind.code == code)
-            return &kind;
-    }
-    return nullptr;
-}
-
-constexpr bool isGraphics(quint8 code)
-{
-    return code == ACCESSORY_GRAPHICS || code == ACCESSORY_GRAPHICS_16G;
-}
-
-void enqueueNotification(const char *command, const QString &data)
-{
-    tarnPipeServer::SendQueueThread::instance()->enqueueMessage(
-        tarnPipeServer::notificationText(QString::fromLatin1(command), data));
 }
 
 } // namespace
@@ -173,8 +139,8 @@ QString EcDirverReader::accessoryName() const
 {
     const quint8 code = mcuLinkModel;
     if (code == ACCESSORY_NONE)
-        return QStringLiteral("disconnected");
-    const AccessoryKind *kind = findAccessoryKind(code);
+        return QString::fromLatin1(noAccessoryName);
+    const AccessoryKind *kind = findAccessory(code);
     return kind ? QString::fromLatin1(kind->name) : QString();
 }
 
@@ -219,14 +185,14 @@ void EcDirverReader::detectAttachedAccessory()
     ec->readXdata(ACCESSORY_CODE, &code);
     mcuLinkModel = code;
 
-    const AccessoryKind *kind = findAccessoryKind(code);
+    const AccessoryKind *kind = findAccessory(code);
     if (!kind) {
         qDebug() << "Unknown accessory: " << code;
         mcuLinkModel = unknownAccessory;
         return;
     }
     qDebug() << kind->foundAtFirst;
-    if (isGraphics(code)) {
+    if (kind->isGraphicsBox) {
         graphicsConnected = true;
         GraphicsAccessoryManager::instance()->gpuActiveProcessFirst();
     }
@@ -242,7 +208,7 @@ void EcDirverReader::handleDetach(quint8 linkStatus)
         qDebug() << "Accessory is disconnected.";
         mcuLinkModel = ACCESSORY_NONE;
         graphicsConnected = false;
-        announceAccessory("disconnected");
+        announceAccessory(noAccessoryName);
     }
     mcuLinkStatus = linkStatus;
 }
@@ -250,12 +216,12 @@ void EcDirverReader::handleDetach(quint8 linkStatus)
 void EcDirverReader::handleChange(quint8 code)
 {
     qDebug() << "Accessory is connected.";
-    const AccessoryKind *kind = findAccessoryKind(code);
+    const AccessoryKind *kind = findAccessory(code);
     mcuLinkModel = code;
     if (!kind)
         return; // kept, so that it is not a change again in the next cycle, but not announced
     qDebug() << kind->foundAtChange;
-    graphicsConnected = isGraphics(code);
+    graphicsConnected = kind->isGraphicsBox;
     announceAccessory(kind->name);
     if (graphicsConnected)
         GraphicsAccessoryManager::instance()->handleGraphicsConnectSignal();
@@ -263,14 +229,14 @@ void EcDirverReader::handleChange(quint8 code)
 
 void EcDirverReader::announceAccessory(const char *name)
 {
-    enqueueNotification("changeAccessoryType", QString::fromLatin1(name));
+    notifyClient(QStringLiteral("changeAccessoryType"), QString::fromLatin1(name));
 }
 
 void EcDirverReader::announceValue(Watched value)
 {
     const int reading = readWatched(value);
     sent[value] = reading;
-    enqueueNotification(watchedValues[value].command, QString::number(reading));
+    notifyClient(QString::fromLatin1(watchedValues[value].command), QString::number(reading));
 }
 
 void EcDirverReader::announceChangedValues()
@@ -280,7 +246,7 @@ void EcDirverReader::announceChangedValues()
         if (latest[value] == sent[value])
             continue;
         sent[value] = latest[value];
-        enqueueNotification(watchedValues[value].command, QString::number(latest[value]));
+        notifyClient(QString::fromLatin1(watchedValues[value].command), QString::number(latest[value]));
     }
 }
 

@@ -1,7 +1,7 @@
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
-#include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "platform/waits.h"
 
 #include <QDebug>

@@ -1,6 +1,5 @@
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 
-#include "pipe/tarn_pipe_server.h"
 #include "platform/process_wide.h"
 #include "platform/waits.h"
 
@@ -13,11 +12,18 @@ using namespace std::chrono_literals;
 
 constexpr auto messagePause = 500ms;
 
+SendQueueThread::Write writeToClient;
+
 } // namespace
 
 SendQueueThread *SendQueueThread::instance()
 {
     return tarnPlatform::ProcessWide<SendQueueThread>::instance();
+}
+
+void SendQueueThread::setWriter(const Write &write)
+{
+    writeToClient = write;
 }
 
 SendQueueThread::SendQueueThread()
@@ -75,7 +81,7 @@ void SendQueueThread::run()
         if (ending && message.isEmpty())
             continue; // the end of the process does not wait half a second for nothing
         tarnPlatform::sleepFor(messagePause);
-        TarnPipeServer::instance()->sendDataToClient(message);
+        writeToClient(message);
     }
 }
 

@@ -7,6 +7,7 @@
 #include <QWaitCondition>
 
 #include <atomic>
+#include <functional>
 
 namespace tarnPlatform {
 template <typename Object> class ProcessWide;
@@ -23,6 +24,11 @@ class SendQueueThread : public QThread
 
 public:
     static SendQueueThread *instance();
+
+    // What hands a message to the client, called on the send thread; it may block. Set before the loop
+    // starts, as the queue itself is made at its first use only.
+    using Write = std::function<void(const QString &message)>;
+    static void setWriter(const Write &write);
 
     // Any thread. Empty messages are sent like any other: a pause and a write of nothing.
     void enqueueMessage(const QString &message);
@@ -51,13 +57,24 @@ private:
     QString takeNextMessage();
     bool decideToReturn();
 
-    std::atomic<bool> running {true};
     QList<QString> messageQueue;
     QMutex queueMutex; // guards messageQueue and returning
     QWaitCondition queueNotEmpty;
+
+    // What a round of the loop does:
+    //   running  stopRequested  ending
+    //   yes      no             no      waits for a message, sends it, goes on
+    //   yes      yes            no      takes no message, sends an empty one, goes on
+    //   no       no             no      waits for a message, sends it, returns
+    //   no       yes            no      takes no message, sends an empty one, returns
+    //   no       yes            yes     takes and sends nothing, returns
+    // startSending() leads to the first line, a client that leaves to the fourth, the end of the process to
+    // the fifth. Nothing clears ending.
+    std::atomic<bool> running {true};
     std::atomic<bool> stopRequested {false};
-    std::atomic<bool> ending {false}; // with the process; nothing takes it back
-    bool returning = false; // the loop has made up its mind to return; only a new start brings it back
+    std::atomic<bool> ending {false}; // with the process
+    // The loop has seen that it is not to run and is on its way out of run().
+    bool returning = false;
 };
 
 } // namespace tarnPipeServer

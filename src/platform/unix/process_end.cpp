@@ -1,4 +1,4 @@
-#include "platform/stop_requests.h"
+#include "platform/process_end.h"
 
 #include <QSocketNotifier>
 
@@ -6,6 +6,7 @@
 #include <atomic>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -61,6 +62,11 @@ StopRequests::StopRequests()
         if (!keptByNohup)
             ::sigaction(signal, &action, nullptr);
     }
+}
+
+void exitAtOnce(int code)
+{
+    std::_Exit(code);
 }
 
 } // namespace tarnPlatform

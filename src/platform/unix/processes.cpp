@@ -1,11 +1,15 @@
-#include "platform/process_list.h"
+#include "platform/processes.h"
 
 #include <QDir>
 #include <QFile>
+#include <QProcess>
 #include <QStringList>
 
 #include <algorithm>
+#include <csignal>
 #include <optional>
+#include <sys/prctl.h>
+#include <unistd.h>
 
 namespace tarnPlatform {
 namespace {
@@ -137,6 +141,39 @@ ProcessList &ProcessList::ofSystem()
 {
     static ProcFileSystem list;
     return list;
+}
+
+void setApart(QProcess &process)
+{
+    process.setChildProcessModifier([] { ::setsid(); });
+}
+
+// The kernel keeps the tie.
+class ProcessTie
+{ };
+
+TiedProcess::TiedProcess()
+{
+    // In the child, before it becomes the program.
+    setChildProcessModifier([parent = ::getpid()] {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        if (::getppid() != parent) // it has ended before the kernel was told to watch it
+            ::_exit(EXIT_FAILURE);
+    });
+}
+
+TiedProcess::~TiedProcess() = default;
+
+bool TiedProcess::startTied(const QString &program, const QStringList &arguments)
+{
+    start(program, arguments);
+    return waitForStarted(-1);
+}
+
+bool waitForEnd(QProcess &process, int milliseconds)
+{
+    process.waitForFinished(milliseconds);
+    return process.state() == QProcess::NotRunning;
 }
 
 } // namespace tarnPlatform

@@ -1,4 +1,4 @@
-#include "platform/leftover_socket.h"
+#include "platform/sockets.h"
 
 #include <QDir>
 #include <QFile>
@@ -6,6 +6,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <limits>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -39,6 +41,10 @@ bool isBoundByNobody(const QByteArray &path)
     return refused;
 }
 
+// Two pools of 64 handlers and the other threads, one descriptor each, and the files and programs of a
+// handler.
+constexpr rlim_t keptBack = 160;
+
 } // namespace
 
 void removeLeftoverSocket(const QString &pipeName)
@@ -46,6 +52,15 @@ void removeLeftoverSocket(const QString &pipeName)
     const QString path = QDir(QDir::tempPath()).absoluteFilePath(pipeName); // where QLocalServer puts it
     if (isSocket(QFile::encodeName(path)) && isBoundByNobody(QFile::encodeName(path)))
         QLocalServer::removeServer(pipeName);
+}
+
+int clientRoom()
+{
+    rlimit descriptors {};
+    if (::getrlimit(RLIMIT_NOFILE, &descriptors) != 0 || descriptors.rlim_cur == RLIM_INFINITY)
+        return std::numeric_limits<int>::max();
+    const rlim_t room = descriptors.rlim_cur - std::min(keptBack, descriptors.rlim_cur / 2);
+    return static_cast<int>(std::min<rlim_t>(room, std::numeric_limits<int>::max()));
 }
 
 } // namespace tarnPlatform

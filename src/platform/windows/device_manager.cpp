@@ -21,19 +21,13 @@ DWORD codeOf(DeviceProperty property)
     return property == DeviceProperty::Description ? SPDRP_DEVICEDESC : SPDRP_HARDWAREID;
 }
 
-class SetupList final : public DeviceList
+class SetupDevice final : public Device
 {
 public:
-    explicit SetupList(HDEVINFO opened)
-        : list(opened)
-    {
-        device.cbSize = sizeof device;
-    }
-    ~SetupList() override { SetupDiDestroyDeviceInfoList(list); }
-    SetupList(const SetupList &) = delete;
-    SetupList &operator=(const SetupList &) = delete;
-
-    bool next() override { return SetupDiEnumDeviceInfo(list, index++, &device); }
+    SetupDevice(HDEVINFO openList, const SP_DEVINFO_DATA &data)
+        : list(openList)
+        , device(data)
+    { }
 
     std::optional<QByteArray> ansiText(DeviceProperty property, int bufferBytes) override
     {
@@ -93,8 +87,33 @@ public:
 
 private:
     const HDEVINFO list;
+    SP_DEVINFO_DATA device;
+};
+
+class SetupList final : public DeviceList
+{
+public:
+    explicit SetupList(HDEVINFO opened)
+        : list(opened)
+    { }
+    ~SetupList() override { SetupDiDestroyDeviceInfoList(list); }
+    SetupList(const SetupList &) = delete;
+    SetupList &operator=(const SetupList &) = delete;
+
+    Device *next() override
+    {
+        SP_DEVINFO_DATA data = {};
+        data.cbSize = sizeof data;
+        if (!SetupDiEnumDeviceInfo(list, index++, &data))
+            return nullptr;
+        current = std::make_unique<SetupDevice>(list, data);
+        return current.get();
+    }
+
+private:
+    const HDEVINFO list;
     DWORD index = 0;
-    SP_DEVINFO_DATA device = {};
+    std::unique_ptr<SetupDevice> current;
 };
 
 std::unique_ptr<DeviceList> wrap(HDEVINFO list)

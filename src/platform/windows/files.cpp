@@ -1,4 +1,4 @@
-#include "platform/durable_files.h"
+#include "platform/files.h"
 
 #include "platform/windows/unique_handle.h"
 

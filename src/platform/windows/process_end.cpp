@@ -1,6 +1,7 @@
-#include "platform/stop_requests.h"
+#include "platform/process_end.h"
 
 #include <atomic>
+#include <cstdlib>
 #include <windows.h>
 
 namespace tarnPlatform {
@@ -43,6 +44,14 @@ StopRequests::StopRequests()
     SetConsoleCtrlHandler(
         nullptr, FALSE); // a process started in a group of its own ignores Ctrl+C until then
     SetConsoleCtrlHandler(noteControl, TRUE);
+}
+
+// An ordinary exit takes the loader's lock, which a thread that is stuck in loading or unloading a library
+// (the monitor reloads the port library) never gives back.
+void exitAtOnce(int code)
+{
+    TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));
+    std::_Exit(code); // not reached
 }
 
 } // namespace tarnPlatform

@@ -1,14 +1,15 @@
-#include "platform/process_list.h"
+#include "platform/processes.h"
 
+#include "platform/windows/launch_job.h"
 #include "platform/windows/unique_handle.h"
 
 #include <QDir>
+#include <QProcess>
 
 #include <optional>
+#include <tlhelp32.h>
 #include <vector>
 #include <windows.h>
-
-#include <tlhelp32.h>
 
 namespace tarnPlatform {
 namespace {
@@ -81,6 +82,70 @@ ProcessList &ProcessList::ofSystem()
 {
     static ToolHelpSnapshot list;
     return list;
+}
+
+void setApart(QProcess &process)
+{
+    // Without a window a console program still gets a console, but one that nobody can close or type into.
+    process.setCreateProcessArgumentsModifier([](QProcess::CreateProcessArguments *arguments) {
+        arguments->flags |= CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
+    });
+}
+
+class ProcessTie
+{
+public:
+    LaunchJob job;
+};
+
+TiedProcess::TiedProcess()
+    : tie(std::make_unique<ProcessTie>())
+{ }
+
+TiedProcess::~TiedProcess() = default;
+
+bool TiedProcess::startTied(const QString &program, const QStringList &arguments)
+{
+    start(program, arguments);
+    if (!waitForStarted(-1))
+        return false;
+    const UniqueHandle started(
+        OpenProcess(PROCESS_SET_QUOTA | PROCESS_TERMINATE, FALSE, static_cast<DWORD>(processId())));
+    tie->job.take(started.get());
+    return true;
+}
+
+LaunchJob::LaunchJob()
+    : job(CreateJobObjectW(nullptr, nullptr))
+{
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits = {};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job.get(), JobObjectExtendedLimitInformation, &limits, sizeof limits);
+}
+
+void LaunchJob::take(HANDLE process)
+{
+    AssignProcessToJobObject(job.get(), process);
+}
+
+// QProcess watches its process from a thread of the system's pool. Its own wait sees the end as well, and
+// stops that watch at the same moment. Wine (8.0) may call the watch back after that, on memory that has been
+// freed, and the service crashes. In an event loop the end is only seen through the watch.
+bool waitForEnd(QProcess &process, int milliseconds)
+{
+    QEventLoop loop;
+    QObject::connect(&process, &QProcess::stateChanged, &loop, [&loop](QProcess::ProcessState state) {
+        if (state == QProcess::NotRunning)
+            loop.quit();
+    });
+    QTimer timer;
+    timer.setSingleShot(true);
+    QObject::connect(&timer, &QTimer::timeout, &loop, &QEventLoop::quit);
+    if (milliseconds >= 0)
+        timer.start(milliseconds);
+    if (process.state() != QProcess::NotRunning)
+        loop.exec();
+    return process.state() == QProcess::NotRunning;
 }
 
 } // namespace tarnPlatform

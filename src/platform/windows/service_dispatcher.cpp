@@ -1,8 +1,9 @@
 #include "platform/windows/service_dispatcher.h"
 
-#include "platform/process_exit.h"
+#include "platform/process_end.h"
 #include "platform/service_run.h"
 #include "platform/windows/event_log.h"
+#include "platform/windows/fatal_message_watch.h"
 #include "platform/windows/wide_text.h"
 
 #include <atomic>
@@ -45,7 +46,7 @@ private:
     std::atomic<bool> connectionNoted {false};
 };
 
-// The system's callbacks carry no context. Deliberately never destroyed: they may come until the very end.
+// The system's callbacks carry no context. It is never destroyed, because they may come until the very end.
 Dispatcher *dispatcher = nullptr;
 
 void WINAPI serviceMain(DWORD, LPWSTR *)
@@ -57,35 +58,6 @@ void WINAPI handleControl(DWORD control)
 {
     dispatcher->run.control(control);
 }
-
-// A start that cannot succeed ends the process with a fatal message, which nobody sees of a service. While
-// this object lives, such a message reaches the event log and the manager as well; all go where they went.
-class FatalMessageWatch
-{
-public:
-    // The default one stands in for a moment: a message may come on another thread before it is known whom to
-    // pass it on to.
-    FatalMessageWatch()
-    {
-        passOn = qInstallMessageHandler(nullptr);
-        qInstallMessageHandler(note);
-    }
-    FatalMessageWatch(const FatalMessageWatch &) = delete;
-    FatalMessageWatch &operator=(const FatalMessageWatch &) = delete;
-    ~FatalMessageWatch() { qInstallMessageHandler(passOn); }
-
-private:
-    static void note(QtMsgType type, const QMessageLogContext &context, const QString &message)
-    {
-        if (type == QtFatalMsg) {
-            reportStartFailure(dispatcher->functions, dispatcher->name, message);
-            dispatcher->run.reportStopped(EXIT_FAILURE);
-        }
-        passOn(type, context, message);
-    }
-
-    static inline QtMessageHandler passOn = nullptr;
-};
 
 void Dispatcher::connectToManager()
 {
@@ -136,7 +108,11 @@ bool runUnderServiceManager(const ServiceFunctions &functions, const QString &na
         return false;
     }
     {
-        const FatalMessageWatch watch;
+        // A start that cannot succeed ends the process with a fatal message, which nobody sees of a service.
+        const FatalMessageWatch watch([](const QString &message) {
+            reportStartFailure(dispatcher->functions, dispatcher->name, message);
+            dispatcher->run.reportStopped(EXIT_FAILURE);
+        });
         dispatcher->run.start();
     }
     *exitCode = dispatcher->run.serve();

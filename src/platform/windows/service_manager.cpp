@@ -1,6 +1,5 @@
 #include "platform/service_manager.h"
 
-#include "platform/service_controls.h"
 #include "platform/windows/service_dispatcher.h"
 #include "platform/windows/service_functions.h"
 #include "platform/windows/service_handle.h"

@@ -1,6 +1,5 @@
 #include "platform/user_session.h"
 
-#include "platform/launch_command_line.h"
 #include "platform/windows/launch_job.h"
 #include "platform/windows/unique_handle.h"
 

@@ -1,4 +1,4 @@
-#include "platform/system_sleep.h"
+#include "platform/waits.h"
 
 #include <windows.h>
 

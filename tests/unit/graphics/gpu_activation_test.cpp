@@ -1,6 +1,8 @@
 #include "graphics_fixture.h"
 
-#include "platform/unfinished_step.h"
+#include "support/process_ending.h"
+
+#include "platform/process_end.h"
 
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
@@ -243,7 +245,7 @@ TEST_F(GpuActivation, AStopDuringTheEnablingIsHeardAfterTheReport)
     machine.log.onLine = [&](const QString &line) {
         if (line == "GraphicsActive_log: Enabled 4060 series GPU at index 1") {
             during = tarnPlatform::UnfinishedStep::any();
-            ecAccessMutex.releaseWaiters();
+            tarnTest::letProcessEnd();
         } else if (line == "GraphicsActive_log: Received GPU connect signal.") {
             EXPECT_FALSE(tarnPlatform::UnfinishedStep::any());
         } else if (line == commandWritten) {
@@ -261,7 +263,7 @@ TEST_F(GpuActivation, AStopDuringTheLooksAtTheDevicesEnablesNothing)
 {
     machine.log.onLine = [](const QString &line) {
         if (line == "Device info list destroyed for display adapters.")
-            ecAccessMutex.releaseWaiters();
+            tarnTest::letProcessEnd();
     };
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
     EXPECT_FALSE(device("gpu").started);
@@ -271,8 +273,7 @@ TEST_F(GpuActivation, AStopDuringTheLooksAtTheDevicesEnablesNothing)
 
 TEST_F(GpuActivation, SwitchesNothingOnceTheProcessEnds)
 {
-    machine.clock.at(
-        machine.clock.now() + tarnTest::milliseconds(2999), [] { ecAccessMutex.releaseWaiters(); });
+    machine.clock.at(machine.clock.now() + tarnTest::milliseconds(2999), [] { tarnTest::letProcessEnd(); });
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
     EXPECT_FALSE(device("gpu").started);
     EXPECT_TRUE(machine.traffic().isEmpty());

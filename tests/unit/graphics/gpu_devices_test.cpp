@@ -1,7 +1,9 @@
 #include "graphics_fixture.h"
 
+#include "support/process_ending.h"
+
 #include "platform/device_manager.h"
-#include "platform/unfinished_step.h"
+#include "platform/process_end.h"
 
 #include <utility>
 
@@ -51,13 +53,12 @@ public:
     QStringList taken() { return std::exchange(rooms, {}); }
 
 private:
-    class List : public tarnPlatform::DeviceList
+    class Gpu : public tarnPlatform::Device
     {
     public:
-        explicit List(QStringList &notes)
+        explicit Gpu(QStringList &notes)
             : rooms(notes)
         { }
-        bool next() override { return !std::exchange(passed, true); }
         std::optional<QByteArray> ansiText(tarnPlatform::DeviceProperty property, int bytes) override
         {
             const bool isDescription = property == tarnPlatform::DeviceProperty::Description;
@@ -83,6 +84,17 @@ private:
 
     private:
         QStringList &rooms;
+    };
+    class List : public tarnPlatform::DeviceList
+    {
+    public:
+        explicit List(QStringList &notes)
+            : gpu(notes)
+        { }
+        tarnPlatform::Device *next() override { return std::exchange(passed, true) ? nullptr : &gpu; }
+
+    private:
+        Gpu gpu;
         bool passed = false;
     };
 
@@ -442,7 +454,7 @@ TEST_F(HdAudio, ADeviceThatIsStoppedIsStartedAgainWhenTheProcessEndsAndNoOtherIs
     setCondition("gpu-audio", false, 10);
     bool unfinishedMeanwhile = false;
     machine.clock.at(machine.clock.now() + tarnTest::milliseconds(500), [&] {
-        ecAccessMutex.releaseWaiters();
+        tarnTest::letProcessEnd();
         unfinishedMeanwhile = tarnPlatform::UnfinishedStep::any();
     });
     EXPECT_TRUE(manager->resetHdAudioDevice());

@@ -1,6 +1,8 @@
 #include "graphics_fixture.h"
 
-#include "platform/unfinished_step.h"
+#include "support/process_ending.h"
+
+#include "platform/process_end.h"
 
 using namespace tarnDeviceInfos;
 using tarnPlatform::LaunchStage;
@@ -210,7 +212,7 @@ TEST_F(Disengagement, SwitchesNothingOnceTheProcessEnds)
 {
     session.onShow = [this] {
         machine.clock.at(
-            machine.clock.now() + tarnTest::milliseconds(1999), [] { ecAccessMutex.releaseWaiters(); });
+            machine.clock.now() + tarnTest::milliseconds(1999), [] { tarnTest::letProcessEnd(); });
     };
     pressKey();
     EXPECT_TRUE(device("gpu").started);
@@ -228,7 +230,7 @@ TEST_F(Disengagement, AStopDuringTheDisablingIsHeardAfterTheReport)
         if (tarnPlatform::UnfinishedStep::any())
             unfinishedAt << line;
         if (line == disabled)
-            ecAccessMutex.releaseWaiters();
+            tarnTest::letProcessEnd();
     };
     pressKey();
     EXPECT_FALSE(device("gpu").started);
@@ -286,7 +288,7 @@ TEST_F(Disengagement, TheEndOfTheProcessCountsAsAFailedDisable)
 {
     machine.state->xdata[XEC_APP_EVENT_DATA] = APP_EVENT_DATA_DISENGAGE;
     session.onShow = [] {
-        ecAccessMutex.releaseWaiters();
+        tarnTest::letProcessEnd();
     };
     EXPECT_EQ(manager->handleGpuKeyEvent(), -2);
     EXPECT_TRUE(device("gpu").started);
@@ -294,8 +296,7 @@ TEST_F(Disengagement, TheEndOfTheProcessCountsAsAFailedDisable)
 
 TEST_F(Disengagement, TheBansSwitchNothingOnceTheProcessEnds)
 {
-    machine.clock.at(
-        machine.clock.now() + tarnTest::milliseconds(1999), [] { ecAccessMutex.releaseWaiters(); });
+    machine.clock.at(machine.clock.now() + tarnTest::milliseconds(1999), [] { tarnTest::letProcessEnd(); });
     manager->banGpu();
     EXPECT_EQ(machine.log.lines().last(), endsNow);
     manager->banGpuForMcuUpdate();

@@ -1,6 +1,6 @@
 #include "graphics_fixture.h"
 
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "graphics/keyboard_listener.h"
 
 using namespace tarnDeviceInfos;

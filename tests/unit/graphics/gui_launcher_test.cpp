@@ -1,5 +1,7 @@
 #include "graphics/gui_launcher.h"
 
+#include "support/process_ending.h"
+
 #include "graphics/process_check.h"
 #include "graphics_fixture.h"
 #include "pipe/tarn_pipe_server.h"
@@ -120,7 +122,7 @@ TEST_F(GuiLauncher, ReportsANoticeThatCannotBeStarted)
 
 TEST_F(GuiLauncher, OpensNoWindowOnceTheProcessEnds)
 {
-    tarnDeviceInfos::ecAccessMutex.releaseWaiters();
+    tarnTest::letProcessEnd();
     for (const bool inServiceSession : {false, true}) {
         session.serviceSession = inServiceSession;
         EXPECT_EQ(launchGuiProgram("--disengaged-graphics"), 0);

@@ -1,7 +1,7 @@
 #include "pipe/tarn_pipe_server.h"
 
-#include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "support/simulated_machine.h"
 
 using namespace tarnDeviceInfos;

@@ -1,6 +1,7 @@
 #include "../update/update_fixture.h"
 #include "pipe/tarn_pipe_server.h"
 #include "support/pipe_peer.h"
+#include "support/process_ending.h"
 
 #include <algorithm>
 #include <thread>
@@ -121,7 +122,7 @@ TEST_P(LaneThatNeverWaits, KeepsItsPromise)
         done = true;
     });
     EXPECT_TRUE(tarnTest::waitUntil([&] { return done.load(); }));
-    ecAccessMutex.releaseWaiters();
+    tarnTest::letProcessEnd();
     handler.join();
 }
 

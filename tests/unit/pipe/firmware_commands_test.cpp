@@ -2,6 +2,7 @@
 
 #include "pipe/tarn_pipe_server.h"
 #include "support/pipe_peer.h"
+#include "support/process_ending.h"
 
 #include <thread>
 
@@ -78,7 +79,7 @@ TEST_F(FirmwareCommands, RaiseTheHoldOfAnEcUpdate)
 
 TEST_F(FirmwareCommands, CannotRaiseTheHoldWhileTheProcessEnds)
 {
-    ecAccessMutex.releaseWaiters();
+    tarnTest::letProcessEnd();
     EXPECT_EQ(ask("requestStartEcUpdate"), reply("requestStartEcUpdate", "failed"));
 }
 
@@ -166,7 +167,7 @@ TEST_F(FirmwareCommands, StartNoToolWhileTheProcessEnds)
     machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
     download("new");
     installTool("function/EC/IFU_XE.exe", "touch ran");
-    ecAccessMutex.releaseWaiters();
+    tarnTest::letProcessEnd();
     EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "failed"));
     EXPECT_FALSE(exists("function/EC/ran"));
 }
@@ -177,7 +178,7 @@ TEST_F(FirmwareCommands, StartNoToolUnderAnOlderHoldWhileTheProcessEnds)
     download("new");
     installTool("function/EC/IFU_XE.exe", "touch ran");
     EXPECT_EQ(ask("requestStartEcUpdate"), reply("requestStartEcUpdate", "successed"));
-    ecAccessMutex.releaseWaiters();
+    tarnTest::letProcessEnd();
     EXPECT_EQ(ask("requestEcUpdate", "fw.bin"), reply("requestEcUpdate", "failed"));
     EXPECT_FALSE(exists("function/EC/ran"));
     giveBackEc();

@@ -1,7 +1,7 @@
 #include "pipe/tarn_pipe_server.h"
 
 #include "device/ec_access_lock.h"
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"
 #include "support/simulated_machine.h"

@@ -1,4 +1,4 @@
-#include "platform/client_room.h"
+#include "platform/sockets.h"
 
 #include "support/descriptor_limit.h"
 

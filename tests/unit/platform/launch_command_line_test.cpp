@@ -1,4 +1,4 @@
-#include "platform/launch_command_line.h"
+#include "platform/user_session.h"
 
 #include "support/printing.h"
 

@@ -1,4 +1,4 @@
-#include "platform/stop_requests.h"
+#include "platform/process_end.h"
 
 #include "support/pipe_peer.h"
 

@@ -1,4 +1,4 @@
-#include "platform/process_exit.h"
+#include "platform/process_end.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "platform/process_wait.h"
+#include "platform/processes.h"
 
 #include <gtest/gtest.h>
 

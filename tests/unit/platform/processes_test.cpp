@@ -1,4 +1,4 @@
-#include "platform/process_list.h"
+#include "platform/processes.h"
 
 #include "support/descriptor_limit.h"
 #include "support/pipe_peer.h"

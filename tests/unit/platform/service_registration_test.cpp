@@ -1,4 +1,4 @@
-#include "platform/service_registration.h"
+#include "platform/service_manager.h"
 
 #include <gtest/gtest.h>
 

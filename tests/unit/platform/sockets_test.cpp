@@ -1,4 +1,4 @@
-#include "platform/leftover_socket.h"
+#include "platform/sockets.h"
 
 #include "support/descriptor_limit.h"
 #include "support/run_folder.h"

@@ -1,6 +1,6 @@
 #include "service/qt_service.h"
 
-#include "platform/stop_requests.h"
+#include "platform/process_end.h"
 #include "support/log_capture.h"
 #include "support/seen_texts.h"
 #include "support/virtual_clock.h"

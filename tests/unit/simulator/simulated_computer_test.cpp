@@ -1,4 +1,4 @@
-#include "platform/simulated/simulated_computer.h"
+#include "simulator/platform/simulated_computer.h"
 
 #include "platform/device_manager.h"
 #include "platform/user_session.h"

@@ -1,5 +1,4 @@
-#include "platform/process_list.h"
-#include "platform/program_path.h"
+#include "platform/processes.h"
 #include "platform/user_session.h"
 #include "support/pipe_peer.h"
 #include "support/simulated_machine.h"

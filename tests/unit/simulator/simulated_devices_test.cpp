@@ -18,30 +18,29 @@ protected:
         changed.instanceId = "instance";
         devices.store(slot, changed);
         adapters = DeviceManager::system().displayAdapters(DeviceManager::Text::Ansi);
-        found = adapters && adapters->next();
+        adapter = adapters ? adapters->next() : nullptr;
     }
 
     std::unique_ptr<tarnPlatform::DeviceList> adapters;
-    bool found = false;
+    tarnPlatform::Device *adapter = nullptr;
 };
 
 TEST_F(SimulatedDevices, TextsNeedRoomForTheirEnd)
 {
-    ASSERT_TRUE(found);
-    EXPECT_EQ(adapters->ansiText(DeviceProperty::Description, 11), QByteArray("ten signs."));
-    EXPECT_EQ(adapters->ansiText(DeviceProperty::Description, 10), std::nullopt);
-    EXPECT_EQ(adapters->ansiText(DeviceProperty::HardwareIds, 9), QByteArray("eight.id"));
-    EXPECT_EQ(adapters->ansiText(DeviceProperty::HardwareIds, 8), std::nullopt);
-    EXPECT_EQ(adapters->wideDescription(22), QString("ten signs."));
-    EXPECT_EQ(adapters->wideDescription(21), std::nullopt);
-    EXPECT_EQ(adapters->instanceId(9), QString("instance"));
-    EXPECT_EQ(adapters->instanceId(8), std::nullopt);
+    ASSERT_TRUE(adapter);
+    EXPECT_EQ(adapter->ansiText(DeviceProperty::Description, 11), QByteArray("ten signs."));
+    EXPECT_EQ(adapter->ansiText(DeviceProperty::Description, 10), std::nullopt);
+    EXPECT_EQ(adapter->ansiText(DeviceProperty::HardwareIds, 9), QByteArray("eight.id"));
+    EXPECT_EQ(adapter->ansiText(DeviceProperty::HardwareIds, 8), std::nullopt);
+    EXPECT_EQ(adapter->wideDescription(22), QString("ten signs."));
+    EXPECT_EQ(adapter->wideDescription(21), std::nullopt);
+    EXPECT_EQ(adapter->instanceId(9), QString("instance"));
+    EXPECT_EQ(adapter->instanceId(8), std::nullopt);
 }
 
 TEST_F(SimulatedDevices, AListEndsAndStaysAtItsEnd)
 {
-    ASSERT_TRUE(found);
+    ASSERT_TRUE(adapter);
     EXPECT_FALSE(adapters->next()); // there is no box attached
     EXPECT_FALSE(adapters->next());
-    EXPECT_EQ(adapters->wideDescription(512), QString("ten signs."));
 }

@@ -3,6 +3,9 @@ set(SIMULATOR_TEST_SOURCES
     simulated_accessories_test.cpp
     simulated_boot_loader_test.cpp
     simulated_channel_test.cpp
+    simulated_computer_test.cpp
+    simulated_desktop_test.cpp
+    simulated_devices_test.cpp
     simulated_eeprom_test.cpp
     simulated_events_test.cpp
     simulated_faults_test.cpp

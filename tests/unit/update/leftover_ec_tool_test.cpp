@@ -2,9 +2,10 @@
 
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "support/desktop_stand_ins.h"
 #include "support/pipe_peer.h"
+#include "support/process_ending.h"
 #include "support/simulated_machine.h"
 
 #include <QDir>
@@ -120,7 +121,7 @@ TEST_F(LeftoverTool, DoesNotHoldUpTheEndOfTheProcess)
     const LeftoverEcTool tool;
     startMonitor();
     EcDirverReader::instance()->requestEnd();
-    ecAccessMutex.releaseWaiters();
+    tarnTest::letProcessEnd();
     loop.join();
     EXPECT_TRUE(machine.traffic().isEmpty());
 }

@@ -3,6 +3,7 @@
 #include "simulator/accessory_mcu.h"
 
 #include "support/pipe_peer.h"
+#include "support/process_ending.h"
 
 #include <thread>
 
@@ -285,7 +286,7 @@ TEST_F(McuUpdate, TakesWhateverAFlasherPrints)
 TEST_F(McuUpdate, IsNotRetriedWhileTheProcessEnds)
 {
     installFlasher("echo bad >&2");
-    ecAccessMutex.releaseWaiters();
+    tarnTest::letProcessEnd();
     EXPECT_EQ(updater->mcuUpdateProcess("fw.bin"), -1);
     EXPECT_EQ(flasherRuns(), 1);
     EXPECT_EQ(machine.log.lines().last(), "W: The service ends, so the flasher is not run again.");
@@ -293,7 +294,7 @@ TEST_F(McuUpdate, IsNotRetriedWhileTheProcessEnds)
 
 TEST_F(McuUpdate, RunsNoFlasherOnceTheProcessEnds)
 {
-    machine.clock.at(start + tarnTest::milliseconds(enterTime - 100), [] { ecAccessMutex.releaseWaiters(); });
+    machine.clock.at(start + tarnTest::milliseconds(enterTime - 100), [] { tarnTest::letProcessEnd(); });
     EXPECT_EQ(updater->mcuUpdate("fw.bin"), -1);
     EXPECT_EQ(flasherRuns(), 0);
     EXPECT_TRUE(machine.log.contains("W: The service ends, so the flasher is not run."));
@@ -501,7 +502,7 @@ TEST_F(McuUpdateMode, MakesAnUpdateWait)
 
 TEST_F(McuUpdateMode, FailsWhenTheProcessEnds)
 {
-    ecAccessMutex.releaseWaiters();
+    tarnTest::letProcessEnd();
     EXPECT_EQ(updater->enterMcuUpdateMode(), -1);
     EXPECT_EQ(updater->mcuUpdate("fw.bin"), -1);
     EXPECT_TRUE(machine.traffic().isEmpty());

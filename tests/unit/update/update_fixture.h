@@ -2,8 +2,8 @@
 
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
-#include "device/ec_dirver_reader.h"
 #include "device/ec_registers.h"
+#include "device/monitor/ec_dirver_reader.h"
 #include "support/desktop_stand_ins.h"
 #include "support/simulated_machine.h"
 #include "update/firmware_updater.h"

@@ -1,4 +1,4 @@
-#include "device/ec_dirver_reader.h"
+#include "device/monitor/ec_dirver_reader.h"
 
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"

@@ -1,4 +1,4 @@
-#include "pipe/message_format.h"
+#include "pipe/outbox/message_format.h"
 
 #include <gtest/gtest.h>
 

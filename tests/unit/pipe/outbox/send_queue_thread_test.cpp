@@ -1,4 +1,4 @@
-#include "pipe/send_queue_thread.h"
+#include "pipe/outbox/send_queue_thread.h"
 
 #include "pipe/tarn_pipe_server.h"
 #include "support/pipe_peer.h"

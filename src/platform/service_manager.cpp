@@ -1,4 +1,4 @@
-#include "platform/service_registration.h"
+#include "platform/service_manager.h"
 
 namespace tarnPlatform {
 namespace {

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QString>
+
+// Every file and folder of an installation that the service uses. They are relative to the folder of the
+// program, which main() makes the current one, and stand in the log as they stand here.
+namespace tarnPlatform::path {
+
+inline const QString portLibrary = QStringLiteral("./function/inpoutx64.dll");
+
+// The external tools that flash, and the folders that they and their firmware lie in.
+inline const QString mcuTool = QStringLiteral("./function/MCU/stm32flash.exe");
+inline const QString mcuFolder = QStringLiteral("./function/MCU/");
+inline const QString ecTool = QStringLiteral("./function/EC/IFU_XE.exe");
+inline const QString ecFolder = QStringLiteral("./function/EC/");
+inline const QString ecSettings = QStringLiteral("./function/EC/uiset.ini");
+
+// Firmware on its way into a tool's folder lies beside the folder, so that half of a copy never lies beside
+// the tool, whatever ends it.
+inline const QString mcuFirmwarePart = QStringLiteral("./function/MCU.part");
+inline const QString ecFirmwarePart = QStringLiteral("./function/EC.part");
+// What the tools print. Not in their folders: there a client's firmware could have this name.
+inline const QString toolOutputFolder = QStringLiteral("./function/");
+// The EC tool's settings while they are written anew.
+inline const QString newEcSettings = QStringLiteral("temp.ini");
+
+// What the service remembers. The profile file is not XML, despite its name.
+inline const QString savedPowerProfile = QStringLiteral("./powermodeconfig.xml");
+inline const QString savedGraphicsColour = QStringLiteral("./graphicsRGB_config.ini");
+
+// Behind the folder of the program. There is no separator before it: Windows does not count the dot that the
+// folder's name then ends in, so this is a folder beside the program. The log shows it so.
+inline const QString guiProgramSuffix = QStringLiteral("./TarnServiceGui/TarnServiceGui.exe");
+
+} // namespace tarnPlatform::path

@@ -1,0 +1,20 @@
+#include "platform/process_end.h"
+
+namespace tarnPlatform {
+namespace {
+
+std::atomic<bool> ending {false};
+
+} // namespace
+
+void beginProcessEnd()
+{
+    ending = true;
+}
+
+bool isProcessEnding()
+{
+    return ending;
+}
+
+} // namespace tarnPlatform
