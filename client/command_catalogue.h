@@ -27,13 +27,13 @@ struct CommandEntry
     // The data for which the service sends nothing back.
     QLatin1StringView silentData {};
     std::chrono::milliseconds timeout;
-    // Not answered while the EC is reserved. The others are answered from what the service remembers.
+    // Not answered while the EC is reserved.
     bool needsEc = true;
     QLatin1StringView example;
     QLatin1StringView note {};
 };
 
-// All commands, in the order of the service's own table.
+// All commands of the service.
 [[nodiscard]] const QList<CommandEntry> &commandCatalogue();
 // Null when there is no command of that name.
 [[nodiscard]] const CommandEntry *findCommand(const QString &name);

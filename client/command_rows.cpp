@@ -246,6 +246,7 @@ const QList<CommandEntry> rows {
         .concerns = L("graphics box"),
         .answerMeaning = L("none: the service does not say whether it worked, so tarnctl prints \"done\""),
         .timeout = deviceTimeout,
+        .needsEc = false,
         .example = L("tarnctl requestBeginGraphicsMcuUpdate"),
     },
     {

@@ -1,4 +1,4 @@
-#include "pipe/tarn_pipe_server.h"
+#include "pipe/command.h"
 
 #include "accessory/kvane_accessory_manager.h"
 #include "device/monitor/ec_dirver_reader.h"
@@ -17,29 +17,27 @@ QString readText(QString &(EcDirverReader::*read)(QString &))
     return (EcDirverReader::instance()->*read)(text);
 }
 
-} // namespace
-
-QString TarnPipeServer::getAccessoryType(QJsonObject &request)
+QString getAccessoryType(QJsonObject &request)
 {
     return replyData(request, EcDirverReader::instance()->accessoryName());
 }
 
-QString TarnPipeServer::getMcuVersion(QJsonObject &request)
+QString getMcuVersion(QJsonObject &request)
 {
     return replyData(request, readText(&EcDirverReader::getMcuVersion));
 }
 
-QString TarnPipeServer::getHardwareVersion(QJsonObject &request)
+QString getHardwareVersion(QJsonObject &request)
 {
     return replyData(request, readText(&EcDirverReader::getHardwareVersion));
 }
 
-QString TarnPipeServer::getAccessoryCode(QJsonObject &request)
+QString getAccessoryCode(QJsonObject &request)
 {
     return replyData(request, readText(&EcDirverReader::getAccessoryCode));
 }
 
-QString TarnPipeServer::getMcuUpdateParameters(QJsonObject &request)
+QString getMcuUpdateParameters(QJsonObject &request)
 {
     request.insert(QStringLiteral("mcuVer"), readText(&EcDirverReader::getMcuVersion));
     request.insert(QStringLiteral("hardwareVer"), readText(&EcDirverReader::getHardwareVersion));
@@ -47,41 +45,63 @@ QString TarnPipeServer::getMcuUpdateParameters(QJsonObject &request)
     return messageText(request);
 }
 
-QString TarnPipeServer::getTarnKvaneSnCode(QJsonObject &request)
+QString getTarnKvaneSnCode(QJsonObject &request)
 {
     return replyData(request, KvaneAccessoryManager::instance()->getKvaneSnCode());
 }
 
-QString TarnPipeServer::setKVaneLedLight(QJsonObject &request)
+QString setKVaneLedLight(QJsonObject &request)
 {
     // Text that is no number sets 0.
     KvaneAccessoryManager::instance()->setKVaneLedLight(static_cast<quint32>(requestData(request).toInt()));
     return messageText(request);
 }
 
-QString TarnPipeServer::getKVaneLedLight(QJsonObject &request)
+QString getKVaneLedLight(QJsonObject &request)
 {
     return replyData(request, QString::number(EcDirverReader::instance()->sentKVaneLedLight()));
 }
 
-QString TarnPipeServer::getKvaneChargingStatus(QJsonObject &request)
+QString getKvaneChargingStatus(QJsonObject &request)
 {
     return replyData(request, QString::number(EcDirverReader::instance()->sentKvaneChargingStatus()));
 }
 
-QString TarnPipeServer::getKvaneBatteryNum(QJsonObject &request)
+QString getKvaneBatteryNum(QJsonObject &request)
 {
     return replyData(request, QString::number(EcDirverReader::instance()->sentKvaneBatteryNum()));
 }
 
-QString TarnPipeServer::getTarnChargingStatus(QJsonObject &request)
+QString getTarnChargingStatus(QJsonObject &request)
 {
     return replyData(request, QString::number(EcDirverReader::instance()->sentTarnChargingStatus()));
 }
 
-QString TarnPipeServer::getTarnBatteryNum(QJsonObject &request)
+QString getTarnBatteryNum(QJsonObject &request)
 {
     return replyData(request, QString::number(EcDirverReader::instance()->sentTarnBatteryNum()));
+}
+
+constexpr Command accessoryTable[] = {
+    {"getAccessoryType", &getAccessoryType, Lane::NeverWaits},
+    {"getMcuVersion", &getMcuVersion, Lane::WaitsForEc},
+    {"getHardwareVersion", &getHardwareVersion, Lane::WaitsForEc},
+    {"getAccessoryCode", &getAccessoryCode, Lane::WaitsForEc},
+    {"getMcuUpdateParameters", &getMcuUpdateParameters, Lane::WaitsForEc},
+    {"getTarnKvaneSnCode", &getTarnKvaneSnCode, Lane::WaitsForEc},
+    {"setKVaneLedLight", &setKVaneLedLight, Lane::WaitsForEc},
+    {"getKVaneLedLight", &getKVaneLedLight, Lane::NeverWaits},
+    {"getKvaneChargingStatus", &getKvaneChargingStatus, Lane::NeverWaits},
+    {"getKvaneBatteryNum", &getKvaneBatteryNum, Lane::NeverWaits},
+    {"getTarnChargingStatus", &getTarnChargingStatus, Lane::NeverWaits},
+    {"getTarnBatteryNum", &getTarnBatteryNum, Lane::NeverWaits},
+};
+
+} // namespace
+
+std::span<const Command> accessoryCommands()
+{
+    return accessoryTable;
 }
 
 } // namespace tarnPipeServer

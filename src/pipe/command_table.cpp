@@ -1,48 +1,39 @@
-#include "pipe/tarn_pipe_server.h"
+#include "pipe/command_table.h"
+
+#include <QHash>
 
 namespace tarnPipeServer {
+namespace {
 
-void TarnPipeServer::fillCommandTable()
+QHash<QString, const Command *> allCommands()
 {
-    struct Row
-    {
-        const char *name;
-        Handler handler;
-        Lane lane;
-        Handler answer = nullptr;
-    };
-    static constexpr Row rows[] = {
-        {"getAccessoryType", &TarnPipeServer::getAccessoryType, Lane::NeverWaits},
-        {"getMcuVersion", &TarnPipeServer::getMcuVersion, Lane::WaitsForEc},
-        {"getHardwareVersion", &TarnPipeServer::getHardwareVersion, Lane::WaitsForEc},
-        {"getAccessoryCode", &TarnPipeServer::getAccessoryCode, Lane::WaitsForEc},
-        {"getMcuUpdateParameters", &TarnPipeServer::getMcuUpdateParameters, Lane::WaitsForEc},
-        {"powerModeControl", &TarnPipeServer::powerModeControl, Lane::WaitsForEc},
-        {"getDockLedStatus", &TarnPipeServer::getDockLedStatus, Lane::WaitsForEc},
-        {"setDockLedStatus", &TarnPipeServer::setDockLedStatus, Lane::WaitsForEc},
-        {"getGraphicsRGB", &TarnPipeServer::getGraphicsRGB, Lane::WaitsForEc},
-        {"setGraphicsRGB", &TarnPipeServer::setGraphicsRGB, Lane::WaitsForEc},
-        {"requestMcuUpdate", &TarnPipeServer::requestMcuUpdate, Lane::WaitsForEc},
-        {"requestEnterMcuUpdateMode", &TarnPipeServer::requestEnterMcuUpdateMode, Lane::WaitsForEc},
-        {"requestLeaveMcuUpdateMode", &TarnPipeServer::requestLeaveMcuUpdateMode, Lane::LeavesMcuUpdateMode,
-            &TarnPipeServer::answerLeaveMcuUpdateMode},
-        {"requestStartEcUpdate", &TarnPipeServer::requestStartEcUpdate, Lane::WaitsForEc},
-        {"requestEcUpdate", &TarnPipeServer::requestEcUpdate, Lane::UpdatesEc},
-        {"setSmartChargingStatus", &TarnPipeServer::setSmartChargingStatus, Lane::WaitsForEc},
-        {"getSmartChargingStatus", &TarnPipeServer::getSmartChargingStatus, Lane::WaitsForEc},
-        {"getTarnPowerMode", &TarnPipeServer::getTarnPowerMode, Lane::WaitsForEc},
-        {"setTarnPowerMode", &TarnPipeServer::setTarnPowerMode, Lane::WaitsForEc},
-        {"requestBeginGraphicsMcuUpdate", &TarnPipeServer::requestBeginGraphicsMcuUpdate, Lane::NeverWaits},
-        {"getTarnKvaneSnCode", &TarnPipeServer::getTarnKvaneSnCode, Lane::WaitsForEc},
-        {"setKVaneLedLight", &TarnPipeServer::setKVaneLedLight, Lane::WaitsForEc},
-        {"getKVaneLedLight", &TarnPipeServer::getKVaneLedLight, Lane::NeverWaits},
-        {"getKvaneChargingStatus", &TarnPipeServer::getKvaneChargingStatus, Lane::NeverWaits},
-        {"getKvaneBatteryNum", &TarnPipeServer::getKvaneBatteryNum, Lane::NeverWaits},
-        {"getTarnChargingStatus", &TarnPipeServer::getTarnChargingStatus, Lane::NeverWaits},
-        {"getTarnBatteryNum", &TarnPipeServer::getTarnBatteryNum, Lane::NeverWaits},
-    };
-    for (const Row &row : rows)
-        commandTable.insert(QString::fromLatin1(row.name), {row.handler, row.lane, row.answer});
+    QHash<QString, const Command *> table;
+    for (const auto commands :
+        {accessoryCommands(), lightingCommands(), firmwareCommands(), powerCommands()}) {
+        for (const Command &command : commands)
+            table.insert(QString::fromLatin1(command.name), &command);
+    }
+    return table;
+}
+
+const QHash<QString, const Command *> &commandTable()
+{
+    static const QHash<QString, const Command *> table = allCommands();
+    return table;
+}
+
+} // namespace
+
+const Command *findCommand(const QString &name)
+{
+    return commandTable().value(name);
+}
+
+QStringList commandNames()
+{
+    QStringList names = commandTable().keys();
+    names.sort();
+    return names;
 }
 
 } // namespace tarnPipeServer

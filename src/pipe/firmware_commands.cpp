@@ -1,4 +1,4 @@
-#include "pipe/tarn_pipe_server.h"
+#include "pipe/command.h"
 
 #include "device/monitor/ec_dirver_reader.h"
 #include "graphics/graphics_accessory_manager.h"
@@ -22,9 +22,7 @@ QString mcuVersion()
     return EcDirverReader::instance()->getMcuVersion(version);
 }
 
-} // namespace
-
-QString TarnPipeServer::requestMcuUpdate(QJsonObject &request)
+QString requestMcuUpdate(QJsonObject &request)
 {
     const bool success = FirmwareUpdater::instance()->copyMcuFile(requestData(request)) == 0;
     if (success)
@@ -32,13 +30,13 @@ QString TarnPipeServer::requestMcuUpdate(QJsonObject &request)
     return replyData(request, outcome(success));
 }
 
-QString TarnPipeServer::requestEnterMcuUpdateMode(QJsonObject &request)
+QString requestEnterMcuUpdateMode(QJsonObject &request)
 {
     qDebug() << "Enter Enter Mcu Update Mode"; // doubled like the command's name
     return replyData(request, outcome(FirmwareUpdater::instance()->enterMcuUpdateMode() == 0));
 }
 
-QString TarnPipeServer::requestLeaveMcuUpdateMode(QJsonObject &request)
+QString requestLeaveMcuUpdateMode(QJsonObject &request)
 {
     qDebug() << "Enter Leave Mcu Update Mode";
     if (FirmwareUpdater::instance()->leaveMcuUpdateMode() != 0)
@@ -48,27 +46,44 @@ QString TarnPipeServer::requestLeaveMcuUpdateMode(QJsonObject &request)
 
 // The version tells the client what runs now, whatever came of the leaving. Reading it may wait for an EC
 // that another one has taken meanwhile, and the next leave must not wait for that.
-QString TarnPipeServer::answerLeaveMcuUpdateMode(QJsonObject &request)
+QString answerLeaveMcuUpdateMode(QJsonObject &request)
 {
     return replyData(request, mcuVersion());
 }
 
-QString TarnPipeServer::requestStartEcUpdate(QJsonObject &request)
+QString requestStartEcUpdate(QJsonObject &request)
 {
     return replyData(request, outcome(reserveEcForUpdate()));
 }
 
-QString TarnPipeServer::requestEcUpdate(QJsonObject &request)
+QString requestEcUpdate(QJsonObject &request)
 {
     return replyData(request, outcome(FirmwareUpdater::instance()->updateEc(requestData(request))));
 }
 
 // The request comes back as it was sent: there is nothing to answer.
-QString TarnPipeServer::requestBeginGraphicsMcuUpdate(QJsonObject &request)
+QString requestBeginGraphicsMcuUpdate(QJsonObject &request)
 {
     qDebug() << "Ban gpu before gpu mcu update.";
     GraphicsAccessoryManager::instance()->banGpuForMcuUpdate();
     return messageText(request);
+}
+
+constexpr Command firmwareTable[] = {
+    {"requestMcuUpdate", &requestMcuUpdate, Lane::WaitsForEc},
+    {"requestEnterMcuUpdateMode", &requestEnterMcuUpdateMode, Lane::WaitsForEc},
+    {"requestLeaveMcuUpdateMode", &requestLeaveMcuUpdateMode, Lane::LeavesMcuUpdateMode,
+        &answerLeaveMcuUpdateMode},
+    {"requestStartEcUpdate", &requestStartEcUpdate, Lane::WaitsForEc},
+    {"requestEcUpdate", &requestEcUpdate, Lane::UpdatesEc},
+    {"requestBeginGraphicsMcuUpdate", &requestBeginGraphicsMcuUpdate, Lane::NeverWaits},
+};
+
+} // namespace
+
+std::span<const Command> firmwareCommands()
+{
+    return firmwareTable;
 }
 
 } // namespace tarnPipeServer

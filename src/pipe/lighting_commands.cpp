@@ -1,4 +1,4 @@
-#include "pipe/tarn_pipe_server.h"
+#include "pipe/command.h"
 
 #include "accessory/dock_accessory_manager.h"
 #include "accessory/graphics_colours.h"
@@ -30,9 +30,7 @@ std::optional<int> colourNumber(const QString &name)
     return std::nullopt;
 }
 
-} // namespace
-
-QString TarnPipeServer::getDockLedStatus(QJsonObject &request)
+QString getDockLedStatus(QJsonObject &request)
 {
     const int status = DockAccessoryManager::instance()->getDockLedStatus();
     if (status == 1)
@@ -43,7 +41,7 @@ QString TarnPipeServer::getDockLedStatus(QJsonObject &request)
     return replyData(request, QStringLiteral("unknown"));
 }
 
-QString TarnPipeServer::setDockLedStatus(QJsonObject &request)
+QString setDockLedStatus(QJsonObject &request)
 {
     const QString data = requestData(request);
     const bool on = data == QStringLiteral("on");
@@ -54,7 +52,7 @@ QString TarnPipeServer::setDockLedStatus(QJsonObject &request)
     return replyResult(request, DockAccessoryManager::instance()->setDockLedStatus(on ? 1 : 0) == 0);
 }
 
-QString TarnPipeServer::getGraphicsRGB(QJsonObject &request)
+QString getGraphicsRGB(QJsonObject &request)
 {
     const int number = GraphicsAccessoryManager::instance()->getGraphicsRgb();
     if (!isGraphicsColour(number))
@@ -62,7 +60,7 @@ QString TarnPipeServer::getGraphicsRGB(QJsonObject &request)
     return replyData(request, colourName(number));
 }
 
-QString TarnPipeServer::setGraphicsRGB(QJsonObject &request)
+QString setGraphicsRGB(QJsonObject &request)
 {
     GraphicsAccessoryManager *graphics = GraphicsAccessoryManager::instance();
     const QString data = requestData(request);
@@ -78,6 +76,20 @@ QString TarnPipeServer::setGraphicsRGB(QJsonObject &request)
         return replyResult(request, false);
     }
     return replyResult(request, graphics->setGraphicsRgb(*number) == 0);
+}
+
+constexpr Command lightingTable[] = {
+    {"getDockLedStatus", &getDockLedStatus, Lane::WaitsForEc},
+    {"setDockLedStatus", &setDockLedStatus, Lane::WaitsForEc},
+    {"getGraphicsRGB", &getGraphicsRGB, Lane::WaitsForEc},
+    {"setGraphicsRGB", &setGraphicsRGB, Lane::WaitsForEc},
+};
+
+} // namespace
+
+std::span<const Command> lightingCommands()
+{
+    return lightingTable;
 }
 
 } // namespace tarnPipeServer

@@ -1,8 +1,9 @@
-#include "pipe/tarn_pipe_server.h"
+#include "pipe/command.h"
 
 #include "accessory/ec_power_mode_manager.h"
 #include "accessory/power_profiles.h"
 #include "pipe/replies.h"
+#include "pipe/tarn_pipe_server.h"
 
 #include <QDebug>
 
@@ -25,9 +26,7 @@ QString profileName(int number)
     return QString::fromLatin1(profile ? profile->name : noProfileName);
 }
 
-} // namespace
-
-QString TarnPipeServer::powerModeControl(QJsonObject &request)
+QString powerModeControl(QJsonObject &request)
 {
     EcPowerModeManager *manager = EcPowerModeManager::instance();
     const QString data = requestData(request);
@@ -49,7 +48,7 @@ QString TarnPipeServer::powerModeControl(QJsonObject &request)
     return replyResult(request, manager->setEcPowerMode(*profile) == 0);
 }
 
-QString TarnPipeServer::setSmartChargingStatus(QJsonObject &request)
+QString setSmartChargingStatus(QJsonObject &request)
 {
     const QString data = requestData(request);
     const bool on = data == QStringLiteral("ON");
@@ -60,28 +59,28 @@ QString TarnPipeServer::setSmartChargingStatus(QJsonObject &request)
     const bool success = EcPowerModeManager::instance()->setSmartChargingStatus(on);
     // Whatever became of it: an OFF that failed half-way may still have reached the EC.
     if (on)
-        Q_EMIT stopChangingTimer();
+        Q_EMIT TarnPipeServer::instance()->stopChangingTimer();
     else
-        Q_EMIT startChangingTimer();
+        Q_EMIT TarnPipeServer::instance()->startChangingTimer();
     return replyResult(request, success);
 }
 
-QString TarnPipeServer::getSmartChargingStatus(QJsonObject &request)
+QString getSmartChargingStatus(QJsonObject &request)
 {
     const auto on = EcPowerModeManager::instance()->readSmartCharging();
     if (!on)
         return replyData(request, outcome(false));
     if (!*on)
-        Q_EMIT startChangingTimer();
+        Q_EMIT TarnPipeServer::instance()->startChangingTimer();
     return replyData(request, *on ? QStringLiteral("ON") : QStringLiteral("OFF"));
 }
 
-QString TarnPipeServer::getTarnPowerMode(QJsonObject &request)
+QString getTarnPowerMode(QJsonObject &request)
 {
     return replyData(request, profileName(EcPowerModeManager::instance()->getTarnPowerMode()));
 }
 
-QString TarnPipeServer::setTarnPowerMode(QJsonObject &request)
+QString setTarnPowerMode(QJsonObject &request)
 {
     const auto profile = profileNumber(requestData(request));
     if (!profile) {
@@ -89,6 +88,21 @@ QString TarnPipeServer::setTarnPowerMode(QJsonObject &request)
         return replyResult(request, false);
     }
     return replyResult(request, EcPowerModeManager::instance()->setTarnPowerMode(*profile));
+}
+
+constexpr Command powerTable[] = {
+    {"powerModeControl", &powerModeControl, Lane::WaitsForEc},
+    {"setSmartChargingStatus", &setSmartChargingStatus, Lane::WaitsForEc},
+    {"getSmartChargingStatus", &getSmartChargingStatus, Lane::WaitsForEc},
+    {"getTarnPowerMode", &getTarnPowerMode, Lane::WaitsForEc},
+    {"setTarnPowerMode", &setTarnPowerMode, Lane::WaitsForEc},
+};
+
+} // namespace
+
+std::span<const Command> powerCommands()
+{
+    return powerTable;
 }
 
 } // namespace tarnPipeServer

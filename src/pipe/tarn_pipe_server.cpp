@@ -1,6 +1,6 @@
 #include "pipe/tarn_pipe_server.h"
 
-#include "pipe/outbox/message_format.h"
+#include "pipe/command_table.h"
 #include "pipe/outbox/send_queue_thread.h"
 #include "platform/process_wide.h"
 #include "platform/sockets.h"
@@ -35,6 +35,18 @@ QJsonObject parsed(const QByteArray &request)
     return QJsonDocument::fromJson(request).object();
 }
 
+// Null for what is not understood.
+const Command *commandOf(const QByteArray &request)
+{
+    return findCommand(parsed(request).value(commandKey).toString());
+}
+
+// What is not understood is logged and answered with silence, for which nobody has to wait.
+Lane laneOf(const Command *command)
+{
+    return command ? command->lane : Lane::NeverWaits;
+}
+
 } // namespace
 
 TarnPipeServer *TarnPipeServer::instance()
@@ -49,7 +61,6 @@ TarnPipeServer::TarnPipeServer()
 
     qDebug() << "TarnPipeServer ThreadID(): " << QThread::currentThreadId();
     localServer = new QLocalServer(this);
-    fillCommandTable();
     SendQueueThread::setWriter([this](const QString &message) { sendDataToClient(message); });
     connect(localServer, &QLocalServer::newConnection, this, &TarnPipeServer::handleConnection);
     openDoor();
@@ -90,29 +101,24 @@ QString TarnPipeServer::dispatch(const QByteArray &request)
     return replyTo(handle(request));
 }
 
-Lane TarnPipeServer::laneOf(const QByteArray &request) const
+Lane TarnPipeServer::laneOf(const QByteArray &request)
 {
-    return commandOf(request).lane;
-}
-
-TarnPipeServer::Command TarnPipeServer::commandOf(const QByteArray &request) const
-{
-    return commandTable.value(parsed(request).value(commandKey).toString());
+    return tarnPipeServer::laneOf(commandOf(request));
 }
 
 // On the server's thread. Requests are parsed twice, here and by their worker, which costs microseconds: the
 // lane must be the right one, and a word that merely occurs somewhere in a request says nothing.
 QFuture<QString> TarnPipeServer::startHandler(const QByteArray &request)
 {
-    const Command command = commandOf(request);
-    QThreadPool *threads = threadsOf(command.lane);
-    if (!command.answer)
+    const Command *command = commandOf(request);
+    QThreadPool *threads = threadsOf(tarnPipeServer::laneOf(command));
+    if (!command || !command->answer)
         return QtConcurrent::run(threads, [this, request] { return dispatch(request); });
     // By hand, because a continuation of Qt's may run twice when it is added while its future finishes (6.4).
     const auto promise = std::make_shared<QPromise<QString>>();
     promise->start();
-    threads->start([this, request, promise] {
-        threadsOf(Lane::WaitsForEc)->start([this, handled = handle(request), promise] {
+    threads->start([request, promise] {
+        threadsOf(Lane::WaitsForEc)->start([handled = handle(request), promise] {
             promise->addResult(replyTo(handled));
             promise->finish();
         });
@@ -131,19 +137,19 @@ TarnPipeServer::Handled TarnPipeServer::handle(const QByteArray &request)
     }
     const QString name = command.toString();
     qDebug() << name;
-    const auto found = commandTable.constFind(name);
-    if (found == commandTable.constEnd()) {
+    const Command *found = findCommand(name);
+    if (!found) {
         qDebug() << "Unknown command: " << name;
         return handled;
     }
-    handled.reply = (this->*found->handler)(handled.request);
+    handled.reply = found->handler(handled.request);
     handled.answer = found->answer;
     return handled;
 }
 
 QString TarnPipeServer::replyTo(Handled handled)
 {
-    return handled.answer ? (this->*handled.answer)(handled.request) : handled.reply;
+    return handled.answer ? handled.answer(handled.request) : handled.reply;
 }
 
 bool TarnPipeServer::isServiceSession() const

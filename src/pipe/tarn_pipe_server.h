@@ -1,14 +1,12 @@
 #pragma once
 
-#include "pipe/handler_threads.h"
+#include "pipe/command.h"
 
 #include <QByteArray>
 #include <QFuture>
 #include <QJsonObject>
-#include <QMap>
 #include <QObject>
 #include <QString>
-#include <QStringList>
 
 #include <atomic>
 
@@ -42,8 +40,7 @@ public:
     QString dispatch(const QByteArray &request);
 
     // Where the handler of this request is to run. Says nothing: the log tells of a request on its worker.
-    [[nodiscard]] Lane laneOf(const QByteArray &request) const;
-    [[nodiscard]] QStringList commandNames() const { return commandTable.keys(); }
+    [[nodiscard]] static Lane laneOf(const QByteArray &request);
 
     // True in session 0, where services run and no user sees anything.
     [[nodiscard]] bool isServiceSession() const;
@@ -62,14 +59,6 @@ Q_SIGNALS:
 
 private:
     friend class tarnPlatform::ProcessWide<TarnPipeServer>;
-    using Handler = QString (TarnPipeServer::*)(QJsonObject &);
-    struct Command
-    {
-        Handler handler = nullptr;
-        Lane lane = Lane::NeverWaits;
-        // Makes the reply in the handler's place, where the handler's lane must not wait for what it needs.
-        Handler answer = nullptr;
-    };
     // A request whose handler has run.
     struct Handled
     {
@@ -82,50 +71,10 @@ private:
     void openDoor();
     [[nodiscard]] bool isCrowded() const;
     void noticeWhoHasLeft(const QLocalSocket *newcomer);
-    [[nodiscard]] Command commandOf(const QByteArray &request) const;
     QFuture<QString> startHandler(const QByteArray &request);
-    Handled handle(const QByteArray &request);
-    QString replyTo(Handled handled);
+    static Handled handle(const QByteArray &request);
+    static QString replyTo(Handled handled);
     void writeToClient(const QByteArray &message);
-
-    // command_table.cpp
-    void fillCommandTable();
-
-    // accessory_commands.cpp
-    QString getAccessoryType(QJsonObject &request);
-    QString getMcuVersion(QJsonObject &request);
-    QString getHardwareVersion(QJsonObject &request);
-    QString getAccessoryCode(QJsonObject &request);
-    QString getMcuUpdateParameters(QJsonObject &request);
-    QString getTarnKvaneSnCode(QJsonObject &request);
-    QString setKVaneLedLight(QJsonObject &request);
-    QString getKVaneLedLight(QJsonObject &request);
-    QString getKvaneChargingStatus(QJsonObject &request);
-    QString getKvaneBatteryNum(QJsonObject &request);
-    QString getTarnChargingStatus(QJsonObject &request);
-    QString getTarnBatteryNum(QJsonObject &request);
-
-    // lighting_commands.cpp
-    QString getDockLedStatus(QJsonObject &request);
-    QString setDockLedStatus(QJsonObject &request);
-    QString getGraphicsRGB(QJsonObject &request);
-    QString setGraphicsRGB(QJsonObject &request);
-
-    // firmware_commands.cpp
-    QString requestMcuUpdate(QJsonObject &request);
-    QString requestEnterMcuUpdateMode(QJsonObject &request);
-    QString requestLeaveMcuUpdateMode(QJsonObject &request);
-    QString answerLeaveMcuUpdateMode(QJsonObject &request);
-    QString requestStartEcUpdate(QJsonObject &request);
-    QString requestEcUpdate(QJsonObject &request);
-    QString requestBeginGraphicsMcuUpdate(QJsonObject &request);
-
-    // power_commands.cpp
-    QString powerModeControl(QJsonObject &request);
-    QString setSmartChargingStatus(QJsonObject &request);
-    QString getSmartChargingStatus(QJsonObject &request);
-    QString getTarnPowerMode(QJsonObject &request);
-    QString setTarnPowerMode(QJsonObject &request);
 
     // smart_charging_timer.cpp
     void createSmartChargingTimer();
@@ -134,7 +83,6 @@ private:
     void handleSmartChargingExpiry();
 
     std::atomic<bool> clientOnline {false};
-    QMap<QString, Command> commandTable;
     QLocalServer *localServer = nullptr;
     const int room; // for clients at once
     bool doorClosed = false; // for good

@@ -41,7 +41,6 @@ TEST(ConformanceDialogues, AskForEveryCommand)
     QSet<QString> commands;
     for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue())
         commands += QString(command.name);
-    EXPECT_EQ(commands.size(), 27);
     EXPECT_EQ(answered, commands);
 }
 

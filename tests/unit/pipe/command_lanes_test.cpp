@@ -1,4 +1,5 @@
 #include "../update/update_fixture.h"
+#include "client/command_catalogue.h"
 #include "pipe/tarn_pipe_server.h"
 #include "support/pipe_peer.h"
 #include "support/process_ending.h"
@@ -7,6 +8,8 @@
 #include <thread>
 #include <vector>
 
+using tarnClient::CommandEntry;
+using tarnClient::DataKind;
 using tarnDeviceInfos::ecAccessMutex;
 using tarnPipeServer::Lane;
 using tarnPipeServer::TarnPipeServer;
@@ -14,65 +17,44 @@ using tarnPipeServer::TarnPipeServer;
 namespace {
 
 // A request whose handler does all it ever does.
-struct LaneRow
+QByteArray fullRequest(const CommandEntry &command)
 {
-    const char *command;
-    const char *data;
-    Lane lane;
-};
-
-const LaneRow laneRows[] = {
-    {"getAccessoryType", "", Lane::NeverWaits},
-    {"getMcuVersion", "", Lane::WaitsForEc},
-    {"getHardwareVersion", "", Lane::WaitsForEc},
-    {"getAccessoryCode", "", Lane::WaitsForEc},
-    {"getMcuUpdateParameters", "", Lane::WaitsForEc},
-    {"powerModeControl", "first", Lane::WaitsForEc},
-    {"getDockLedStatus", "", Lane::WaitsForEc},
-    {"setDockLedStatus", "on", Lane::WaitsForEc},
-    {"getGraphicsRGB", "", Lane::WaitsForEc},
-    {"setGraphicsRGB", "on", Lane::WaitsForEc},
-    {"requestMcuUpdate", "fw.bin", Lane::WaitsForEc},
-    {"requestEnterMcuUpdateMode", "", Lane::WaitsForEc},
-    {"requestLeaveMcuUpdateMode", "", Lane::LeavesMcuUpdateMode},
-    {"requestStartEcUpdate", "", Lane::WaitsForEc},
-    {"requestEcUpdate", "fw.bin", Lane::UpdatesEc},
-    {"setSmartChargingStatus", "OFF", Lane::WaitsForEc},
-    {"getSmartChargingStatus", "", Lane::WaitsForEc},
-    {"getTarnPowerMode", "", Lane::WaitsForEc},
-    {"setTarnPowerMode", "low", Lane::WaitsForEc},
-    {"requestBeginGraphicsMcuUpdate", "", Lane::NeverWaits},
-    {"getTarnKvaneSnCode", "", Lane::WaitsForEc},
-    {"setKVaneLedLight", "1", Lane::WaitsForEc},
-    {"getKVaneLedLight", "", Lane::NeverWaits},
-    {"getKvaneChargingStatus", "", Lane::NeverWaits},
-    {"getKvaneBatteryNum", "", Lane::NeverWaits},
-    {"getTarnChargingStatus", "", Lane::NeverWaits},
-    {"getTarnBatteryNum", "", Lane::NeverWaits},
-};
-
-QByteArray requestOf(const LaneRow &row)
-{
-    return QByteArray(R"({"cmd":")") + row.command + R"(","data":")" + row.data + R"("})";
+    QString data;
+    switch (command.data.kind) {
+    case DataKind::None:
+        break;
+    case DataKind::Choice:
+        data = command.data.choices.first();
+        break;
+    case DataKind::Byte:
+        data = "1";
+        break;
+    case DataKind::McuFileName:
+    case DataKind::EcFileName:
+        data = "fw.bin";
+        break;
+    }
+    return tarnTest::notification(command.name.latin1(), data).toUtf8();
 }
 
-std::vector<LaneRow> rowsThatNeverWait()
+std::vector<CommandEntry> commandsThatNeverWait()
 {
-    std::vector<LaneRow> rows;
-    std::copy_if(std::begin(laneRows), std::end(laneRows), std::back_inserter(rows),
-        [](const LaneRow &row) { return row.lane == Lane::NeverWaits; });
-    return rows;
+    std::vector<CommandEntry> commands;
+    const auto &all = tarnClient::commandCatalogue();
+    std::copy_if(all.begin(), all.end(), std::back_inserter(commands),
+        [](const CommandEntry &command) { return !command.needsEc; });
+    return commands;
 }
 
-std::string rowName(const ::testing::TestParamInfo<LaneRow> &info)
+std::string rowName(const ::testing::TestParamInfo<CommandEntry> &info)
 {
-    return info.param.command;
+    return info.param.name.toString().toStdString();
 }
 
 } // namespace
 
 // A KVane, tools that do nothing and a file for each of them.
-class CommandLanes : public tarnTest::UpdateTest, public ::testing::WithParamInterface<LaneRow>
+class CommandLanes : public tarnTest::UpdateTest, public ::testing::WithParamInterface<CommandEntry>
 {
 protected:
     CommandLanes()
@@ -100,25 +82,27 @@ protected:
     TarnPipeServer *server;
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, CommandLanes, ::testing::ValuesIn(laneRows), rowName);
+INSTANTIATE_TEST_SUITE_P(Of, CommandLanes, ::testing::ValuesIn(tarnClient::commandCatalogue()), rowName);
 
 TEST_P(CommandLanes, AreThoseOfTheEcForWhatTakesIt)
 {
-    EXPECT_EQ(server->laneOf(requestOf(GetParam())), GetParam().lane);
-    EXPECT_EQ(takesEc(requestOf(GetParam())), GetParam().lane != Lane::NeverWaits);
+    const QByteArray request = fullRequest(GetParam());
+    const bool waits = server->laneOf(request) != Lane::NeverWaits;
+    EXPECT_EQ(takesEc(request), waits);
+    EXPECT_EQ(GetParam().needsEc, waits); // what clients are told
 }
 
 class LaneThatNeverWaits : public CommandLanes
 { };
 
-INSTANTIATE_TEST_SUITE_P(Of, LaneThatNeverWaits, ::testing::ValuesIn(rowsThatNeverWait()), rowName);
+INSTANTIATE_TEST_SUITE_P(Of, LaneThatNeverWaits, ::testing::ValuesIn(commandsThatNeverWait()), rowName);
 
 TEST_P(LaneThatNeverWaits, KeepsItsPromise)
 {
     ASSERT_TRUE(ecAccessMutex.lock());
     std::atomic<bool> done {false};
     std::thread handler([&] {
-        server->dispatch(requestOf(GetParam()));
+        server->dispatch(fullRequest(GetParam()));
         done = true;
     });
     EXPECT_TRUE(tarnTest::waitUntil([&] { return done.load(); }));
@@ -126,13 +110,17 @@ TEST_P(LaneThatNeverWaits, KeepsItsPromise)
     handler.join();
 }
 
-TEST_F(CommandLanes, AreKnownForEveryCommand)
+TEST_F(CommandLanes, OfWhatBeginsOrEndsAWaitAreTheirOwn)
 {
-    QStringList names;
-    for (const LaneRow &row : laneRows)
-        names << row.command;
-    names.sort();
-    EXPECT_EQ(server->commandNames(), names);
+    EXPECT_EQ(server->laneOf(R"({"cmd":"requestLeaveMcuUpdateMode"})"), Lane::LeavesMcuUpdateMode);
+    EXPECT_EQ(server->laneOf(R"({"cmd":"requestEcUpdate"})"), Lane::UpdatesEc);
+    QStringList others;
+    for (const CommandEntry &command : tarnClient::commandCatalogue()) {
+        const Lane lane = server->laneOf(fullRequest(command));
+        if (lane != Lane::WaitsForEc && lane != Lane::NeverWaits)
+            others << command.name;
+    }
+    EXPECT_EQ(others, QStringList({"requestLeaveMcuUpdateMode", "requestEcUpdate"}));
 }
 
 TEST_F(CommandLanes, AreChosenByTheCommandAndNotByItsWords)

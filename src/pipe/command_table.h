@@ -1,0 +1,15 @@
+#pragma once
+
+#include "pipe/command.h"
+
+#include <QString>
+#include <QStringList>
+
+namespace tarnPipeServer {
+
+// Null for what is no command. Any thread.
+[[nodiscard]] const Command *findCommand(const QString &name);
+
+[[nodiscard]] QStringList commandNames();
+
+} // namespace tarnPipeServer
