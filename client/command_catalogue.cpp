@@ -39,16 +39,14 @@ QStringList nearestCommands(const QString &name)
         const QString known = entry.name.toString();
         const qsizetype distance = nameDistance(wanted, known.toLower());
         const bool isPart = wanted.size() >= 3 && known.contains(wanted, Qt::CaseInsensitive);
-        if (isPart || distance <= toleranceFor(wanted.size())) {
+        if (isPart || distance <= toleranceFor(wanted.size()))
             candidates.append({distance, known});
-        }
     }
     std::stable_sort(candidates.begin(), candidates.end(),
         [](const Candidate &a, const Candidate &b) { return a.distance < b.distance; });
     QStringList names;
-    for (const Candidate &candidate : candidates.mid(0, mostSuggestions)) {
+    for (const Candidate &candidate : candidates.mid(0, mostSuggestions))
         names << candidate.name;
-    }
     return names;
 }
 

@@ -19,9 +19,8 @@ QString takeSessionText(DWORD session, WTS_INFO_CLASS what)
 {
     wchar_t *text = nullptr;
     DWORD bytes = 0;
-    if (!WTSQuerySessionInformationW(WTS_CURRENT_SERVER_HANDLE, session, what, &text, &bytes)) {
+    if (!WTSQuerySessionInformationW(WTS_CURRENT_SERVER_HANDLE, session, what, &text, &bytes))
         return {};
-    }
     const QString taken = QString::fromWCharArray(text);
     WTSFreeMemory(text);
     return taken;
@@ -40,9 +39,8 @@ QString userAtConsole()
 QByteArray ownTokenUser()
 {
     HANDLE token = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token)) {
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &token))
         return {};
-    }
     DWORD size = 0;
     GetTokenInformation(token, TokenUser, nullptr, 0, &size);
     QByteArray user(qsizetype(size), '\0');
@@ -88,13 +86,11 @@ std::optional<OtherUser> otherUserAtConsole()
     const QString atConsole = userAtConsole();
     QByteArray consoleSid = atConsole.isEmpty() ? QByteArray() : sidOf(atConsole);
     QByteArray own = ownTokenUser();
-    if (consoleSid.isEmpty() || own.isEmpty()) {
+    if (consoleSid.isEmpty() || own.isEmpty())
         return std::nullopt;
-    }
     const PSID ownSid = reinterpret_cast<const TOKEN_USER *>(own.constData())->User.Sid;
-    if (EqualSid(ownSid, consoleSid.data())) {
+    if (EqualSid(ownSid, consoleSid.data()))
         return std::nullopt;
-    }
     return OtherUser {accountOf(ownSid), atConsole};
 }
 

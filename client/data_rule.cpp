@@ -26,17 +26,15 @@ bool isByteText(const QString &data)
 QString DataRule::joinedChoices(QLatin1StringView separator) const
 {
     QStringList words;
-    for (const QLatin1StringView choice : choices) {
+    for (const QLatin1StringView choice : choices)
         words << choice.toString();
-    }
     return words.join(separator);
 }
 
 std::optional<QString> DataRule::choiceObjection(const QString &command, const QString &data) const
 {
-    if (std::find(choices.cbegin(), choices.cend(), data) != choices.cend()) {
+    if (std::find(choices.cbegin(), choices.cend(), data) != choices.cend())
         return std::nullopt;
-    }
     const auto sameLetters = std::find_if(choices.cbegin(), choices.cend(),
         [&data](QLatin1StringView choice) { return data.compare(choice, Qt::CaseInsensitive) == 0; });
     if (sameLetters != choices.cend()) {
@@ -50,17 +48,14 @@ std::optional<QString> DataRule::choiceObjection(const QString &command, const Q
 std::optional<QString> DataRule::objection(const QString &command, const std::optional<QString> &data) const
 {
     if (kind == DataKind::None) {
-        if (!data) {
+        if (!data)
             return std::nullopt;
-        }
         return QStringLiteral("%1 takes no data, but \"%2\" was given.").arg(command, *data);
     }
-    if (!data) {
+    if (!data)
         return QStringLiteral("%1 needs data. Allowed: %2.").arg(command, description());
-    }
-    if (kind == DataKind::Choice) {
+    if (kind == DataKind::Choice)
         return choiceObjection(command, *data);
-    }
     const QString refusal = QStringLiteral("%1 does not take \"%2\". ").arg(command, *data);
     if (kind == DataKind::Byte) {
         return isByteText(*data) ? std::nullopt

@@ -71,15 +71,12 @@ ExitCode FirmwareUpdate::run(const QString &file)
             otherUserText(*m_otherUser, m_plan.steps.back().command, QFileInfo(file).fileName()));
         return ExitCode::Usage;
     }
-    if (!connectService()) {
+    if (!connectService())
         return ExitCode::NoService;
-    }
-    if (!placeFile(file)) {
+    if (!placeFile(file))
         return ExitCode::Usage;
-    }
-    if (!m_options.json) {
+    if (!m_options.json)
         m_streams.remark(m_plan.notice.toString());
-    }
     m_clock.start();
     m_progressTimer.start(progressPeriod);
     beginStep();
@@ -102,9 +99,8 @@ bool FirmwareUpdate::placeFile(const QString &file)
 
 void FirmwareUpdate::beginStep()
 {
-    while (m_options.force && step().isPrecaution) {
+    while (m_options.force && step().isPrecaution)
         ++m_stepIndex;
-    }
     m_stepBegan = elapsed();
     m_progress.begin(step().phases, m_stepBegan);
     sendRequest();
@@ -113,9 +109,8 @@ void FirmwareUpdate::beginStep()
 void FirmwareUpdate::sendRequest()
 {
     TypedCommand command {step().command.toString()};
-    if (step().takesFile) {
+    if (step().takesFile)
         command.data = m_firmware.name();
-    }
     const Request request = buildRequest(command);
     m_tag = request.tag;
     if (m_interrupt.isRaised()) {
@@ -124,39 +119,33 @@ void FirmwareUpdate::sendRequest()
         return;
     }
     m_deadline.start(timeoutFor(findCommand(command.name)));
-    if (!m_client.send(request.bytes)) {
+    if (!m_client.send(request.bytes))
         handleServiceGone();
-    }
 }
 
 void FirmwareUpdate::handleDocument(const QByteArray &bytes)
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
-    if (m_options.verbose) {
+    if (m_options.verbose)
         m_progress.clear();
-    }
-    if (const std::optional<Message> answer = takeAnswer(m_tag, bytes)) {
+    if (const std::optional<Message> answer = takeAnswer(m_tag, bytes))
         handleAnswer(*answer);
-    }
 }
 
 void FirmwareUpdate::handleAnswer(const Message &answer)
 {
     const QString value = answer.value(dataKey);
-    if (step().tellsVersion) {
+    if (step().tellsVersion)
         m_versionBefore = value;
-    }
     const bool isAgreed = step().wanted.isEmpty() || value == step().wanted;
     const bool isLast = m_stepIndex + 1 == m_plan.steps.size();
     if (!isAgreed && asksAgain()) {
         m_versionBefore.reset(); // that of something else
         m_deadline.stop();
         QTimer::singleShot(askingPause, this, [this] {
-            if (!isFinished()) {
+            if (!isFinished())
                 sendRequest();
-            }
         });
     } else if (!isAgreed) {
         endRefused(answer);
@@ -201,9 +190,8 @@ void FirmwareUpdate::showProgress()
 void FirmwareUpdate::endWell(const Message &answer)
 {
     m_progress.end();
-    if (m_options.json) {
+    if (m_options.json)
         print(answer.json());
-    }
     if (!m_plan.versionKey.isEmpty()) {
         endFlashed(answer.value(m_plan.versionKey));
         return;
@@ -229,9 +217,8 @@ void FirmwareUpdate::endFlashed(const QString &version)
         end(ExitCode::ServiceFailed, isUnknown ? text : text.arg(version, *m_options.expectedVersion));
         return;
     }
-    if (!m_options.json) {
+    if (!m_options.json)
         print(filledIn(isUnknown ? m_plan.noVersionText : m_plan.doneText, version));
-    }
     if (!m_options.json && !isUnknown && !isChecked) {
         const bool isOfBefore = m_versionBefore == version;
         m_streams.remark((isOfBefore ? m_plan.sameVersionText : m_plan.adviceText).toString());
@@ -241,9 +228,8 @@ void FirmwareUpdate::endFlashed(const QString &version)
 
 void FirmwareUpdate::endRefused(const Message &answer)
 {
-    if (m_options.json) {
+    if (m_options.json)
         print(answer.json());
-    }
     // Not whether the file is still there: the service may have copied it and then be kept from deleting it.
     const bool isUntouched = elapsed() - m_stepBegan < step().untouchedBefore;
     QString text = filledIn(isUntouched ? step().untouchedText : step().refusedText, answer.value(dataKey));
@@ -269,9 +255,8 @@ void FirmwareUpdate::endUnfinished(const QString &reason)
 
 void FirmwareUpdate::end(ExitCode code, const QString &text)
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
     m_progress.end();
     m_streams.complain(text);
     finish(code);

@@ -134,9 +134,8 @@ QString commandTable()
 QString joinedKeys(const CommandEntry &entry)
 {
     QStringList keys;
-    for (const QLatin1StringView key : entry.answerKeys) {
+    for (const QLatin1StringView key : entry.answerKeys)
         keys << u'"' + key.toString() + u'"';
-    }
     return keys.isEmpty() ? QStringLiteral("none") : keys.join(QLatin1StringView(", "));
 }
 
@@ -176,22 +175,19 @@ QString commandHelp(const CommandEntry &entry)
         QStringLiteral("Waits:    up to ") + durationText(entry.timeout),
         QStringLiteral("Example:  ") + entry.example,
     };
-    if (!entry.note.isEmpty()) {
+    if (!entry.note.isEmpty())
         lines << QString() << entry.note.toString();
-    }
     return lines.join(u'\n');
 }
 
 std::optional<QString> topicHelp(const QString &topic)
 {
-    if (const CommandEntry *entry = findCommand(topic)) {
+    if (const CommandEntry *entry = findCommand(topic))
         return commandHelp(*entry);
-    }
     const auto *const found = std::find_if(
         std::begin(topics), std::end(topics), [&topic](const Topic &known) { return known.word == topic; });
-    if (found == std::end(topics)) {
+    if (found == std::end(topics))
         return std::nullopt;
-    }
     return found->text.toString();
 }
 
@@ -203,9 +199,8 @@ QString typingHelp()
 QString commandNames()
 {
     QStringList names;
-    for (const CommandEntry &entry : commandCatalogue()) {
+    for (const CommandEntry &entry : commandCatalogue())
         names << entry.name.toString();
-    }
     return names.join(u'\n');
 }
 

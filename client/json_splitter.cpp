@@ -28,11 +28,10 @@ JsonSplitter::Harvest JsonSplitter::feed(QByteArrayView bytes)
 {
     Harvest harvest;
     for (const char byte : bytes) {
-        if (m_depth == 0) {
+        if (m_depth == 0)
             takeOutside(byte, harvest);
-        } else {
+        else
             takeInside(byte, harvest);
-        }
     }
     return harvest;
 }
@@ -76,26 +75,24 @@ void JsonSplitter::takeInside(char byte, Harvest &harvest)
         takeInString(byte, harvest);
         return;
     }
-    if (byte == '"') {
+    if (byte == '"')
         m_inString = true;
-    } else if (byte == '{') {
+    else if (byte == '{')
         ++m_depth;
-    } else if (byte == '}' && --m_depth == 0) {
+    else if (byte == '}' && --m_depth == 0)
         harvest.documents.append(std::exchange(m_document, {}));
-    }
 }
 
 void JsonSplitter::takeInString(char byte, Harvest &harvest)
 {
-    if (breaksString(byte)) {
+    if (breaksString(byte))
         harvest.garbage.append(abandon());
-    } else if (m_escaped) {
+    else if (m_escaped)
         m_escaped = false;
-    } else if (byte == '\\') {
+    else if (byte == '\\')
         m_escaped = true;
-    } else if (byte == '"') {
+    else if (byte == '"')
         m_inString = false;
-    }
 }
 
 } // namespace tarnClient

@@ -23,9 +23,8 @@ Message::Message(QJsonObject object)
 std::optional<Message> Message::parse(const QByteArray &bytes)
 {
     const QJsonDocument document = QJsonDocument::fromJson(bytes);
-    if (!document.isObject()) {
+    if (!document.isObject())
         return std::nullopt;
-    }
     return Message(document.object());
 }
 
@@ -42,9 +41,8 @@ bool Message::hasTag() const
 bool Message::echoes(const QJsonObject &request) const
 {
     for (auto field = request.constBegin(); field != request.constEnd(); ++field) {
-        if (m_object.value(field.key()) != field.value()) {
+        if (m_object.value(field.key()) != field.value())
             return false;
-        }
     }
     return !request.isEmpty();
 }
@@ -62,19 +60,16 @@ QString Message::value(QLatin1StringView key) const
 QStringList Message::answerLines(const CommandEntry *entry) const
 {
     if (entry == nullptr) {
-        if (m_object.contains(resultKey)) {
+        if (m_object.contains(resultKey))
             return {value(resultKey)};
-        }
         return {QString::fromUtf8(json())};
     }
-    if (entry->answerKeys.isEmpty()) {
+    if (entry->answerKeys.isEmpty())
         return {doneText.toString()};
-    }
     QStringList lines;
     for (const QLatin1StringView key : entry->answerKeys) {
-        if (!m_object.contains(key)) {
+        if (!m_object.contains(key))
             continue;
-        }
         const bool isPlain = key == dataKey || key == resultKey;
         lines << (isPlain ? value(key) : key.toString() + QLatin1StringView(": ") + value(key));
     }
@@ -95,9 +90,8 @@ QString Message::lineText(const CommandEntry *entry) const
 QString Message::notificationText() const
 {
     const bool isUsual = m_object.size() == 2 && m_object.contains(commandKey) && m_object.contains(dataKey);
-    if (!isUsual) {
+    if (!isUsual)
         return QString::fromUtf8(json());
-    }
     return (command() + u' ' + value(dataKey)).trimmed();
 }
 

@@ -21,9 +21,8 @@ qsizetype nameDistance(QStringView left, QStringView right)
             const qsizetype wrongLetter = left[i - 1] == right[j - 1] ? 0 : 1;
             current[at] = std::min({last[at] + 1, current[at - 1] + 1, last[at - 1] + wrongLetter});
             const bool swapped = i > 1 && j > 1 && left[i - 1] == right[j - 2] && left[i - 2] == right[j - 1];
-            if (swapped) {
+            if (swapped)
                 current[at] = std::min(current[at], beforeLast[at - 2] + 1);
-            }
         }
         std::swap(beforeLast, last);
         std::swap(last, current);

@@ -19,27 +19,23 @@ OneShot::OneShot(const ToolOptions &options, ToolStreams &streams, TypedCommand 
     connect(&m_client, &PipeClient::documentReceived, this, &OneShot::handleDocument);
     connect(&m_client, &PipeClient::serviceGone, this, &OneShot::handleServiceGone);
     connect(&m_deadline, &ReplyDeadline::expired, this, &OneShot::handleExpiry);
-    if (m_options.verbose) {
+    if (m_options.verbose)
         connect(&m_client, &PipeClient::garbageReceived, this, &OneShot::remarkGarbage);
-    }
 }
 
 ExitCode OneShot::run()
 {
-    if (!connectService()) {
+    if (!connectService())
         return ExitCode::NoService;
-    }
     const Request request = buildRequest(m_command);
     m_tag = request.tag;
     m_deadline.start(timeoutFor(m_entry));
-    if (!m_client.send(request.bytes)) {
+    if (!m_client.send(request.bytes))
         handleServiceGone();
-    } else if (isAnsweredBySilence(m_command)) {
+    else if (isAnsweredBySilence(m_command))
         return runSilently();
-    }
-    if (m_streams.interactive) {
+    if (m_streams.interactive)
         QTimer::singleShot(patience, this, &OneShot::remarkWaiting);
-    }
     return waitForFinish();
 }
 
@@ -56,29 +52,25 @@ ExitCode OneShot::runSilently()
     const auto linger = [this] {
         m_deadline.stop();
         QTimer::singleShot(silentLinger, this, [this] {
-            if (!isFinished() && !m_options.json) {
+            if (!isFinished() && !m_options.json)
                 print(sentText.toString());
-            }
             finish(ExitCode::Done);
         });
     };
-    if (m_client.isDrained()) {
+    if (m_client.isDrained())
         linger();
-    } else {
+    else
         connect(&m_client, &PipeClient::drained, this, linger, Qt::SingleShotConnection);
-    }
     return waitForFinish();
 }
 
 void OneShot::handleDocument(const QByteArray &bytes)
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
     const std::optional<Message> message = takeAnswer(m_tag, bytes);
-    if (!message) {
+    if (!message)
         return;
-    }
     printAnswer(*message, m_entry);
     finish(message->tellsFailure(m_entry) ? ExitCode::ServiceFailed : ExitCode::Done);
 }
@@ -91,9 +83,8 @@ void OneShot::handleExpiry()
 
 void OneShot::handleServiceGone()
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
     m_streams.complain(
         QStringLiteral("The service went away before it answered %1.\nStart it again (./run, or "
                        "the service \"Tarn Service\" on Windows) and repeat the command.")

@@ -34,9 +34,8 @@ bool PipeClient::open()
 {
     m_splitter.abandon();
     m_socket.connectToServer(m_pipeName);
-    if (m_socket.waitForConnected(static_cast<int>(connectTimeout.count()))) {
+    if (m_socket.waitForConnected(static_cast<int>(connectTimeout.count())))
         return true;
-    }
     m_openError = m_socket.error();
     m_openErrorText = m_socket.errorString();
     m_socket.abort();
@@ -99,25 +98,21 @@ void PipeClient::close()
 void PipeClient::readAvailable()
 {
     const JsonSplitter::Harvest harvest = m_splitter.feed(m_socket.readAll());
-    if (m_splitter.isInsideDocument()) {
+    if (m_splitter.isInsideDocument())
         m_stallTimer.start(stallTimeout);
-    } else {
+    else
         m_stallTimer.stop();
-    }
-    if (!harvest.garbage.isEmpty()) {
+    if (!harvest.garbage.isEmpty())
         emit garbageReceived(harvest.garbage);
-    }
-    for (const QByteArray &document : harvest.documents) {
+    for (const QByteArray &document : harvest.documents)
         emit documentReceived(document);
-    }
 }
 
 void PipeClient::dropStalledDocument()
 {
     const QByteArray rest = m_splitter.abandon();
-    if (!rest.isEmpty()) {
+    if (!rest.isEmpty())
         emit garbageReceived(rest);
-    }
 }
 
 void PipeClient::handleDisconnected()
@@ -130,9 +125,8 @@ void PipeClient::handleDisconnected()
 
 void PipeClient::handleWritten()
 {
-    if (isDrained()) {
+    if (isDrained())
         emit drained();
-    }
 }
 
 } // namespace tarnClient

@@ -17,39 +17,33 @@ RawExchange::RawExchange(const ToolOptions &options, ToolStreams &streams, QByte
 
 ExitCode RawExchange::run()
 {
-    if (!connectService()) {
+    if (!connectService())
         return ExitCode::NoService;
-    }
     const CommandEntry *entry = findCommand(m_request.value(QLatin1StringView("cmd")).toString());
     m_deadline.start(m_options.duration.value_or(timeoutFor(entry)));
-    if (!m_client.send(m_bytes)) {
+    if (!m_client.send(m_bytes))
         handleServiceGone();
-    }
     return waitForFinish();
 }
 
 void RawExchange::handleDocument(const QByteArray &bytes)
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
     ++m_received;
     print(bytes);
-    if (isLast(bytes)) {
+    if (isLast(bytes))
         finish(ExitCode::Done);
-    } else if (!m_options.duration) {
+    else if (!m_options.duration)
         m_deadline.extend();
-    }
 }
 
 bool RawExchange::isLast(const QByteArray &bytes) const
 {
-    if (m_options.count) {
+    if (m_options.count)
         return m_received >= *m_options.count;
-    }
-    if (m_options.duration) {
+    if (m_options.duration)
         return false;
-    }
     const std::optional<Message> message = Message::parse(bytes);
     return message && message->echoes(m_request);
 }
@@ -72,9 +66,8 @@ void RawExchange::handleExpiry()
 
 void RawExchange::handleServiceGone()
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
     m_streams.complain(
         QStringLiteral("The service closed the connection.\nSee its log, and start it again if it "
                        "has ended."));

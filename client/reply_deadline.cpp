@@ -32,9 +32,8 @@ void ReplyDeadline::stop()
 
 void ReplyDeadline::extend()
 {
-    if (m_timer.isActive()) {
+    if (m_timer.isActive())
         m_timer.start(m_timer.remainingTimeAsDuration() + messagePeriod);
-    }
 }
 
 bool ReplyDeadline::isRunning() const
@@ -51,9 +50,8 @@ QString durationText(milliseconds duration)
 {
     const auto wholeMinutes = std::chrono::duration_cast<std::chrono::minutes>(duration);
     const bool readsBetterInMinutes = wholeMinutes == duration && wholeMinutes > std::chrono::minutes(1);
-    if (readsBetterInMinutes) {
+    if (readsBetterInMinutes)
         return QString::number(wholeMinutes.count()) + QStringLiteral(" min");
-    }
     return QString::number(std::chrono::duration<double>(duration).count()) + QStringLiteral(" s");
 }
 

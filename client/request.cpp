@@ -30,9 +30,8 @@ Request buildRequest(const TypedCommand &command)
     request.tag = nextTag();
     QJsonObject object;
     object.insert(QLatin1StringView("cmd"), command.name);
-    if (command.data) {
+    if (command.data)
         object.insert(QLatin1StringView("data"), *command.data);
-    }
     object.insert(tagKey, request.tag);
     request.bytes = QJsonDocument(object).toJson(QJsonDocument::Compact);
     return request;

@@ -46,26 +46,23 @@ Session::Session(const ToolOptions &options, ToolStreams &streams)
 
 bool Session::connectService()
 {
-    if (m_client.open()) {
+    if (m_client.open())
         return true;
-    }
     m_streams.complain(m_client.openFailureText());
     return false;
 }
 
 ExitCode Session::waitForFinish()
 {
-    if (!m_exitCode) {
+    if (!m_exitCode)
         m_loop.exec();
-    }
     return m_exitCode.value_or(ExitCode::Done);
 }
 
 void Session::finish(ExitCode code)
 {
-    if (m_exitCode) {
+    if (m_exitCode)
         return;
-    }
     m_exitCode = code;
     m_deadline.stop();
     m_loop.quit();
@@ -80,26 +77,22 @@ std::optional<Message> Session::takeAnswer(const QString &tag, const QByteArray 
 {
     std::optional<Message> message = Message::parse(bytes);
     if (!message) {
-        if (m_options.verbose) {
+        if (m_options.verbose)
             remarkGarbage(bytes);
-        }
         return std::nullopt;
     }
-    if (message->answers(tag)) {
+    if (message->answers(tag))
         return message;
-    }
     m_deadline.extend();
-    if (m_options.verbose) {
+    if (m_options.verbose)
         m_streams.remark(QStringLiteral("meanwhile: ") + message->notificationText());
-    }
     return std::nullopt;
 }
 
 void Session::print(const QByteArray &line)
 {
-    if (!m_streams.printLine(line)) {
+    if (!m_streams.printLine(line))
         finish(ExitCode::Done);
-    }
 }
 
 void Session::print(const QString &line)
@@ -109,11 +102,10 @@ void Session::print(const QString &line)
 
 void Session::printAnswer(const Message &message, const CommandEntry *entry)
 {
-    if (m_options.json) {
+    if (m_options.json)
         print(message.json());
-    } else {
+    else
         print(message.answerText(entry));
-    }
 }
 
 void Session::remarkGarbage(const QByteArray &bytes)

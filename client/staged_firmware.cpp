@@ -26,14 +26,12 @@ bool haveSameContent(const QString &one, const QString &other)
     const bool comparable = QFileInfo(one).isFile() && QFileInfo(other).isFile()
         && first.open(QIODevice::ReadOnly) && second.open(QIODevice::ReadOnly)
         && first.size() == second.size();
-    if (!comparable) {
+    if (!comparable)
         return false;
-    }
     while (!first.atEnd()) {
         const QByteArray piece = first.read(comparedAtOnce);
-        if (piece.isEmpty() || piece != second.read(comparedAtOnce)) {
+        if (piece.isEmpty() || piece != second.read(comparedAtOnce))
             return false;
-        }
     }
     return true;
 }
@@ -52,20 +50,17 @@ StagedFirmware::~StagedFirmware()
 std::optional<QString> StagedFirmware::objection(const QString &file, FirmwareKind kind)
 {
     const QFileInfo info(file);
-    if (!info.exists()) {
+    if (!info.exists())
         return QStringLiteral("There is no file \"%1\".").arg(file);
-    }
-    if (!info.isFile()) {
+    if (!info.isFile())
         return QStringLiteral("\"%1\" is no regular file.").arg(file);
-    }
     if (const std::optional<QString> reason = firmwareNameObjection(info.fileName(), kind)) {
         return QStringLiteral("A firmware file cannot be named \"%1\".\n%2\nGive it another name.")
             .arg(info.fileName(), *reason);
     }
     QFile opened(file);
-    if (!opened.open(QIODevice::ReadOnly)) {
+    if (!opened.open(QIODevice::ReadOnly))
         return QStringLiteral("\"%1\" cannot be read: %2.").arg(file, opened.errorString());
-    }
     if (opened.size() == 0) {
         // The flasher would erase the MCU, write nothing and call that a success.
         return QStringLiteral("\"%1\" is empty.").arg(file);
@@ -80,13 +75,11 @@ std::optional<QString> StagedFirmware::place(const QString &file)
         return QStringLiteral("There is no download folder (%1), from where the service takes the file.")
             .arg(m_folder);
     }
-    if (!isNameTaken(path())) {
+    if (!isNameTaken(path()))
         return copy(file);
-    }
     // The file itself, under whatever path, or as good as that.
-    if (haveSameContent(file, path())) {
+    if (haveSameContent(file, path()))
         return std::nullopt;
-    }
     return QStringLiteral(
         "There is another file of that name in the download folder, which the service would "
         "take instead:\n%1\nMove it away, or give the firmware file another name.")
@@ -148,9 +141,8 @@ std::optional<QString> StagedFirmware::copy(const QString &file)
 void StagedFirmware::withdraw()
 {
     const QFileInfo now(path());
-    if (m_isCopy && now.size() == m_copySize && now.lastModified() == m_copyTime) {
+    if (m_isCopy && now.size() == m_copySize && now.lastModified() == m_copyTime)
         QFile::remove(path());
-    }
     m_isCopy = false;
 }
 

@@ -36,9 +36,8 @@ struct StdinReader::Shared
     {
         std::unique_lock lock(mutex);
         roomForLines.wait(lock, [this] { return unwanted || lines.size() < mostWaitingLines; });
-        if (unwanted) {
+        if (unwanted)
             return false;
-        }
         lines.push_back(std::move(line));
         return true;
     }
@@ -59,9 +58,8 @@ StdinReader::StdinReader(std::shared_ptr<std::istream> input, QObject *parent)
     ++readingThreads;
     m_thread = std::thread([shared = m_shared, stream = std::move(input)] {
         std::string line;
-        while (std::getline(*stream, line) && shared->add(std::move(line))) {
+        while (std::getline(*stream, line) && shared->add(std::move(line)))
             line.clear();
-        }
         shared->end();
         --readingThreads;
     });
@@ -76,11 +74,10 @@ StdinReader::~StdinReader()
         ended = m_shared->ended;
     }
     m_shared->roomForLines.notify_all();
-    if (ended) {
+    if (ended)
         m_thread.join();
-    } else {
+    else
         m_thread.detach();
-    }
 }
 
 std::optional<QString> StdinReader::takeLine()
@@ -88,9 +85,8 @@ std::optional<QString> StdinReader::takeLine()
     std::string line;
     {
         const std::lock_guard lock(m_shared->mutex);
-        if (m_shared->lines.empty()) {
+        if (m_shared->lines.empty())
             return std::nullopt;
-        }
         line = std::move(m_shared->lines.front());
         m_shared->lines.pop_front();
     }
@@ -101,9 +97,8 @@ std::optional<QString> StdinReader::takeLine()
 std::optional<QString> StdinReader::nextLine() const
 {
     const std::lock_guard lock(m_shared->mutex);
-    if (m_shared->lines.empty()) {
+    if (m_shared->lines.empty())
         return std::nullopt;
-    }
     return QString::fromStdString(m_shared->lines.front());
 }
 
@@ -122,12 +117,10 @@ void StdinReader::reportChange()
         ended = m_shared->ended;
         hasLines = !m_shared->lines.empty();
     }
-    if (ended) {
+    if (ended)
         m_poll.stop();
-    }
-    if (ended || hasLines) {
+    if (ended || hasLines)
         emit changed();
-    }
 }
 
 bool StdinReader::hasThreadLeftBehind()

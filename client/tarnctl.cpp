@@ -41,9 +41,8 @@ ExitCode show(ToolStreams &streams, const QString &text)
 
 ExitCode runHelp(const ToolOptions &, const QStringList &arguments, ToolStreams &streams)
 {
-    if (arguments.isEmpty()) {
+    if (arguments.isEmpty())
         return show(streams, generalHelp());
-    }
     const std::optional<QString> text = topicHelp(arguments.first());
     return text ? show(streams, *text) : refuse(streams, unknownCommandText(arguments.first()));
 }
@@ -65,9 +64,8 @@ ExitCode runRaw(const ToolOptions &options, const QStringList &arguments, ToolSt
         const std::string all(std::istreambuf_iterator<char>(*streams.input), {});
         bytes = QByteArray::fromStdString(all);
     }
-    if (bytes.isEmpty()) {
+    if (bytes.isEmpty())
         return refuse(streams, QStringLiteral("raw was given no bytes, so there is nothing to send."));
-    }
     return RawExchange(options, streams, bytes).run();
 }
 
@@ -130,27 +128,22 @@ ExitCode runServiceCommand(const ToolOptions &options, ToolStreams &streams)
                            "\"tarnctl help %1\".")
                 .arg(command.name));
     }
-    if (options.words.size() == mostWords) {
+    if (options.words.size() == mostWords)
         command.data = options.words.last();
-    }
     const std::optional<QString> objection = options.force ? std::nullopt : commandObjection(command);
-    if (objection) {
+    if (objection)
         return refuse(streams, *objection);
-    }
     return OneShot(options, streams, command).run();
 }
 
 ExitCode runOptions(const ToolOptions &options, ToolStreams &streams)
 {
-    if (options.version) {
+    if (options.version)
         return show(streams, QStringLiteral("tarnctl " TARNCTL_VERSION));
-    }
-    if (options.help) {
+    if (options.help)
         return runHelp(options, options.words.mid(0, 1), streams);
-    }
-    if (options.words.isEmpty()) {
+    if (options.words.isEmpty())
         return refuse(streams, QStringLiteral("No command was given.\n") + usageText());
-    }
     const Verb *verb = findVerb(options.words.first());
     const bool hasLimits = options.count || options.duration;
     if (hasLimits && (verb == nullptr || !verb->takesLimits)) {
@@ -158,12 +151,10 @@ ExitCode runOptions(const ToolOptions &options, ToolStreams &streams)
             QStringLiteral("--count and --for belong to watch and raw.\nUse --timeout to limit "
                            "the wait for an answer."));
     }
-    if (options.reconnect && (verb == nullptr || verb->run != runWatch)) {
+    if (options.reconnect && (verb == nullptr || verb->run != runWatch))
         return refuse(streams, QStringLiteral("--reconnect belongs to watch."));
-    }
-    if (options.expectedVersion && (verb == nullptr || verb->run != runUpdateMcu)) {
+    if (options.expectedVersion && (verb == nullptr || verb->run != runUpdateMcu))
         return refuse(streams, QStringLiteral("--expect belongs to update-mcu."));
-    }
     return verb == nullptr ? runServiceCommand(options, streams) : runVerb(*verb, options, streams);
 }
 

@@ -47,9 +47,8 @@ void declareOptions(QCommandLineParser &parser)
 std::optional<milliseconds> readSeconds(
     const QCommandLineParser &parser, const QString &option, QString &error)
 {
-    if (!parser.isSet(option)) {
+    if (!parser.isSet(option))
         return std::nullopt;
-    }
     bool converted = false;
     const double wanted = parser.value(option).toDouble(&converted);
     // Written so that "nan" is refused as well.
@@ -65,9 +64,8 @@ std::optional<milliseconds> readSeconds(
 
 std::optional<int> readCount(const QCommandLineParser &parser, QString &error)
 {
-    if (!parser.isSet(countOption)) {
+    if (!parser.isSet(countOption))
         return std::nullopt;
-    }
     bool converted = false;
     const int count = parser.value(countOption).toInt(&converted);
     if (!converted || count < 1) {
@@ -81,9 +79,8 @@ std::optional<int> readCount(const QCommandLineParser &parser, QString &error)
 std::optional<QString> readVersion(const QCommandLineParser &parser, QString &error)
 {
     static const QRegularExpression form(QStringLiteral("\\A[0-9]+\\.[0-9]+\\z"));
-    if (!parser.isSet(expectOption)) {
+    if (!parser.isSet(expectOption))
         return std::nullopt;
-    }
     const QString version = parser.value(expectOption);
     if (!form.match(version).hasMatch()) {
         error =
@@ -117,9 +114,8 @@ ParsedOptions parseOptions(const QStringList &arguments)
     options.help = parser.isSet(helpOption);
     options.version = parser.isSet(versionOption);
     options.words = parser.positionalArguments();
-    if (options.pipeName.isEmpty()) {
+    if (options.pipeName.isEmpty())
         parsed.error = QStringLiteral("--pipe takes a name.");
-    }
     return parsed;
 }
 

@@ -33,14 +33,12 @@ void UpdateProgress::begin(std::span<const UpdatePhase> phases, milliseconds now
 void UpdateProgress::show(milliseconds now)
 {
     const UpdatePhase *phase = phaseAt(now);
-    if (m_isQuiet || phase == nullptr) {
+    if (m_isQuiet || phase == nullptr)
         return;
-    }
     const QString line = clockText(now) + QLatin1StringView("  ") + phase->text;
     if (m_streams.errorsAreTerminal) {
-        if (line != m_line) {
+        if (line != m_line)
             write(line);
-        }
     } else if (phase != m_shown) {
         m_streams.remark(line);
     }
@@ -49,9 +47,8 @@ void UpdateProgress::show(milliseconds now)
 
 void UpdateProgress::clear()
 {
-    if (!m_line.isEmpty()) {
+    if (!m_line.isEmpty())
         write({});
-    }
 }
 
 void UpdateProgress::end()
@@ -64,9 +61,8 @@ const UpdatePhase *UpdateProgress::phaseAt(milliseconds now) const
 {
     const UpdatePhase *found = nullptr;
     for (const UpdatePhase &phase : m_phases) {
-        if (phase.begins <= now - m_stepBegan) {
+        if (phase.begins <= now - m_stepBegan)
             found = &phase;
-        }
     }
     return found;
 }
@@ -76,9 +72,8 @@ void UpdateProgress::write(const QString &line)
 {
     const QString padded = line.leftJustified(m_line.size());
     m_streams.errors << '\r' << padded.toStdString();
-    if (line.isEmpty()) {
+    if (line.isEmpty())
         m_streams.errors << '\r';
-    }
     m_streams.errors.flush();
     m_line = line;
 }

@@ -46,18 +46,16 @@ Watch::Watch(const ToolOptions &options, ToolStreams &streams)
     connect(&m_client, &PipeClient::documentReceived, this, &Watch::handleDocument);
     connect(&m_client, &PipeClient::serviceGone, this, &Watch::handleServiceGone);
     connect(&m_deadline, &ReplyDeadline::expired, this, &Watch::handleExpiry);
-    if (m_options.verbose) {
+    if (m_options.verbose)
         connect(&m_client, &PipeClient::garbageReceived, this, &Watch::remarkGarbage);
-    }
 }
 
 ExitCode Watch::run()
 {
     const InterruptPoll interrupt;
     connect(&interrupt, &InterruptPoll::raised, this, [this] { finish(ExitCode::Done); });
-    if (m_options.duration) {
+    if (m_options.duration)
         QTimer::singleShot(*m_options.duration, this, &Watch::handleDurationEnd);
-    }
     tryConnect();
     if (!isFinished()) {
         announceStart();
@@ -78,9 +76,8 @@ void Watch::announceStart()
 
 void Watch::tryConnect()
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
     if (m_client.open()) {
         handleNextLines();
         return;
@@ -100,9 +97,8 @@ void Watch::retryLater(milliseconds pause)
 
 void Watch::handleServiceGone()
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
     const QString unanswered =
         m_pendingTag.isEmpty() ? QString() : QStringLiteral(" before it answered ") + m_pending.name;
     m_pendingTag.clear();
@@ -122,14 +118,12 @@ void Watch::handleServiceGone()
 
 void Watch::handleDocument(const QByteArray &bytes)
 {
-    if (isFinished()) {
+    if (isFinished())
         return;
-    }
     const std::optional<Message> message = Message::parse(bytes);
     if (!message) {
-        if (m_options.verbose) {
+        if (m_options.verbose)
             remarkGarbage(bytes);
-        }
         return;
     }
     if (message->answers(m_pendingTag)) {
@@ -148,9 +142,8 @@ void Watch::showNotification(const Message &message)
 {
     show(eventKind, message.notificationText(), message.json());
     ++m_notifications;
-    if (m_options.count && m_notifications >= *m_options.count) {
+    if (m_options.count && m_notifications >= *m_options.count)
         endWatching();
-    }
 }
 
 void Watch::showAnswer(const Message &message)
@@ -163,11 +156,10 @@ void Watch::showAnswer(const Message &message)
 
 void Watch::show(QLatin1StringView kind, const QString &text, const QByteArray &json)
 {
-    if (m_options.json) {
+    if (m_options.json)
         print(json);
-    } else {
+    else
         print(timeStamp() + u' ' + kind + u' ' + text);
-    }
 }
 
 void Watch::handleNextLines()
@@ -181,9 +173,8 @@ void Watch::handleNextLines()
         }
         // A person who ends the input wants to leave; a script that has no more commands may well want to go
         // on watching.
-        if (!isWaiting && m_streams.interactive && m_reader->isExhausted()) {
+        if (!isWaiting && m_streams.interactive && m_reader->isExhausted())
             finish(ExitCode::Done);
-        }
         return;
     }
 }
@@ -193,9 +184,8 @@ void Watch::handleNextLines()
 std::optional<QString> Watch::takeUrgentLine()
 {
     const std::optional<QString> line = m_streams.interactive ? m_reader->nextLine() : std::nullopt;
-    if (!line) {
+    if (!line)
         return std::nullopt;
-    }
     const QString word = parseTypedLine(*line).name;
     return word == helpWord || word == reconnectWord ? m_reader->takeLine() : std::nullopt;
 }
@@ -203,18 +193,16 @@ std::optional<QString> Watch::takeUrgentLine()
 void Watch::handleLine(const QString &line)
 {
     const TypedCommand command = parseTypedLine(line);
-    if (command.name.isEmpty()) {
+    if (command.name.isEmpty())
         return;
-    }
-    if (command.name == quitWord || command.name == exitWord) {
+    if (command.name == quitWord || command.name == exitWord)
         finish(ExitCode::Done);
-    } else if (command.name == helpWord) {
+    else if (command.name == helpWord)
         showHelp(command);
-    } else if (command.name == reconnectWord) {
+    else if (command.name == reconnectWord)
         connectAnew();
-    } else {
+    else
         sendCommand(command);
-    }
 }
 
 void Watch::showHelp(const TypedCommand &command)
@@ -252,9 +240,8 @@ void Watch::sendCommand(const TypedCommand &command)
     m_lingering = true;
     QTimer::singleShot(silentLinger, this, [this, name = command.name] {
         m_lingering = false;
-        if (!m_options.json) {
+        if (!m_options.json)
             show(answerKind, name + u' ' + sentText, {});
-        }
         handleNextLines();
     });
 }
@@ -283,25 +270,22 @@ void Watch::handleExpiry()
 void Watch::endWatching()
 {
     QStringList left;
-    if (!m_pendingTag.isEmpty()) {
+    if (!m_pendingTag.isEmpty())
         left << QStringLiteral("No answer to %1 has come yet.").arg(m_pending.name);
-    }
     int unsent = 0;
     QString first;
     while (const std::optional<QString> line = m_reader ? m_reader->takeLine() : std::nullopt) {
         const TypedCommand command = parseTypedLine(*line);
-        if (!isOwnWord(command.name) && unsent++ == 0) {
+        if (!isOwnWord(command.name) && unsent++ == 0)
             first = line->trimmed();
-        }
     }
     if (unsent > 0) {
         left << (unsent == 1
                 ? QStringLiteral("Not sent any more: %1").arg(first)
                 : QStringLiteral("Not sent any more: %1, and %2 after it.").arg(first).arg(unsent - 1));
     }
-    if (!left.isEmpty()) {
+    if (!left.isEmpty())
         m_streams.complain(QStringLiteral("The watching ends.\n") + left.join(u'\n'));
-    }
     finish(left.isEmpty() ? ExitCode::Done : ExitCode::NoAnswer);
 }
 

@@ -14,9 +14,8 @@ const Popup *choosePopup(std::span<const wchar_t *const> arguments)
 std::wstring usageText()
 {
     std::size_t switchWidth = 0;
-    for (const Popup &popup : popupTable()) {
+    for (const Popup &popup : popupTable())
         switchWidth = std::max(switchWidth, popup.commandSwitch.size());
-    }
     std::wstring text = L"Usage: TarnServiceGui SWITCH\n\n";
     for (const Popup &popup : popupTable()) {
         text += L"  ";

@@ -85,9 +85,8 @@ std::wstring contentOf(const Popup &popup)
 {
     std::wstring content;
     for (const std::wstring_view paragraph : popup.paragraphs) {
-        if (!content.empty()) {
+        if (!content.empty())
             content += L"\n\n";
-        }
         content += paragraph;
     }
     return content;

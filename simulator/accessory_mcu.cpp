@@ -35,14 +35,12 @@ void AccessoryMcu::powerUp()
 
 void AccessoryMcu::obeyControlByte()
 {
-    if (!isConnected()) {
+    if (!isConnected())
         return;
-    }
-    if ((controlByte() & MCU_RESET_PULSE) != 0) {
+    if ((controlByte() & MCU_RESET_PULSE) != 0)
         enter({McuMode::HeldInReset, {}});
-    } else if (mode() == McuMode::HeldInReset) {
+    else if (mode() == McuMode::HeldInReset)
         enter(startAfterReset());
-    }
 }
 
 McuMode AccessoryMcu::mode() const
@@ -95,9 +93,8 @@ AccessoryMcu::Start AccessoryMcu::startOfFirmware() const
 
 void AccessoryMcu::report(const Start &start)
 {
-    if (!start.version) {
+    if (!start.version)
         return;
-    }
     state.xdata[MCU_VERSION_MAJOR].store(start.version->major);
     state.xdata[MCU_VERSION_MINOR].store(start.version->minor);
     state.xdata[MCU_VERSION_PATCH].store(start.version->patch);
@@ -114,9 +111,8 @@ void AccessoryMcu::enter(const Start &next)
 void AccessoryMcu::leave(std::uint32_t ofRun, const Start &next)
 {
     std::uint32_t expected = ofRun;
-    if (state.bootLoader.run.compare_exchange_strong(expected, nextRun(ofRun, next.mode))) {
+    if (state.bootLoader.run.compare_exchange_strong(expected, nextRun(ofRun, next.mode)))
         report(next);
-    }
 }
 
 } // namespace tarnSimulator

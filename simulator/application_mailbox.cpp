@@ -44,9 +44,8 @@ void ApplicationMailbox::execute(std::uint8_t command)
         return;
     }
     const Command *known = find(command);
-    if (known != nullptr && known->begin != nullptr) {
+    if (known != nullptr && known->begin != nullptr)
         (this->*known->begin)();
-    }
     mailbox.sinceMs.store(nowMs());
     mailbox.busy.store(1);
     advance();
@@ -55,20 +54,16 @@ void ApplicationMailbox::execute(std::uint8_t command)
 void ApplicationMailbox::advance()
 {
     ApplicationMailboxState &mailbox = state.applicationMailbox;
-    if (mailbox.busy.load() == 0) {
+    if (mailbox.busy.load() == 0)
         return;
-    }
-    if (!hasElapsed(nowMs(), mailbox.sinceMs.load(), state.timing.mailboxBusyMs.load())) {
+    if (!hasElapsed(nowMs(), mailbox.sinceMs.load(), state.timing.mailboxBusyMs.load()))
         return;
-    }
     const Command *known = find(mailbox.pending.load());
-    if (known != nullptr && known->finish != nullptr) {
+    if (known != nullptr && known->finish != nullptr)
         (this->*known->finish)();
-    }
     mailbox.pending.store(0); // once only, also while the fault keeps the command byte
-    if (faults.isOn(Fault::MailboxStuck)) {
+    if (faults.isOn(Fault::MailboxStuck))
         return;
-    }
     mailbox.busy.store(0);
     state.xdata[XEC_APP_CMD].store(0);
 }
@@ -91,9 +86,8 @@ void ApplicationMailbox::loadColour()
 void ApplicationMailbox::applyColour()
 {
     SharedWord *light = lightOfAccessory();
-    if (light == nullptr) {
+    if (light == nullptr)
         return;
-    }
     const Colour colour {
         state.xdata[XEC_RGB_RED].load(), state.xdata[XEC_RGB_GREEN].load(), state.xdata[XEC_RGB_BLUE].load()};
     light->store(colour.toWord());
@@ -117,9 +111,8 @@ void ApplicationMailbox::loadKvaneLed()
 
 void ApplicationMailbox::applyKvaneLed()
 {
-    if (linkedAccessory(state) == ACCESSORY_KVANE) {
+    if (linkedAccessory(state) == ACCESSORY_KVANE)
         state.accessory.kvaneLed.store(state.xdata[XEC_RGB_RED].load());
-    }
 }
 
 SharedWord *ApplicationMailbox::lightOfAccessory()

@@ -32,13 +32,11 @@ std::size_t pageListLength(std::span<const std::uint8_t> input)
 // More pages than there are: refused without waiting for them.
 std::size_t extendedPageListLength(std::span<const std::uint8_t> input)
 {
-    if (input.size() < 2) {
+    if (input.size() < 2)
         return 2;
-    }
     const std::uint16_t last = halfAt(input, 0);
-    if (last >= FIRST_SPECIAL_ERASE) {
+    if (last >= FIRST_SPECIAL_ERASE)
         return 3;
-    }
     return last < MCU_PAGES ? 2 + (std::size_t {last} + 1) * 2 + 1 : 2;
 }
 
@@ -97,22 +95,19 @@ std::vector<std::uint8_t> BootLoader::receive(std::span<const std::uint8_t> byte
     reply.clear();
     for (const std::uint8_t byte : bytes) {
         // Each byte may be the one that makes it leave.
-        if (!mcu.isInBootLoader()) {
+        if (!mcu.isInBootLoader())
             break;
-        }
         joinConversation();
-        if (!isDead()) {
+        if (!isDead())
             take(byte);
-        }
     }
     return reply;
 }
 
 bool BootLoader::isDead() const
 {
-    if (faults.isOn(Fault::FlashSilent) && state.versionAsked.load() != 0) {
+    if (faults.isOn(Fault::FlashSilent) && state.versionAsked.load() != 0)
         return true;
-    }
     const auto lastBlock = faults.value(Fault::FlashUnplugged);
     return lastBlock && state.blocksWritten.load() >= static_cast<std::uint32_t>(*lastBlock);
 }
@@ -121,9 +116,8 @@ bool BootLoader::isDead() const
 void BootLoader::joinConversation()
 {
     const std::uint32_t run = mcu.run();
-    if (state.conversationRun.load() == run) {
+    if (state.conversationRun.load() == run)
         return;
-    }
     state.versionAsked.store(0);
     state.blocksWritten.store(0);
     await(AwaitsInit);
@@ -142,9 +136,8 @@ void BootLoader::take(std::uint8_t byte)
     state.received.store(static_cast<std::uint16_t>(received + 1));
     const std::vector<std::uint8_t> input(state.input.begin(), state.input.begin() + received + 1);
     const Step &step = STEPS[phase - AwaitsCommand];
-    if (input.size() < step.length(input)) {
+    if (input.size() < step.length(input))
         return;
-    }
     await(AwaitsCommand); // unless the step asks for more
     (this->*step.finish)(input);
 }
@@ -152,9 +145,8 @@ void BootLoader::take(std::uint8_t byte)
 // The host's speed is measured with this byte; others are noise to a chip that does not know the speed yet.
 void BootLoader::answerInit(std::uint8_t byte)
 {
-    if (byte != INIT) {
+    if (byte != INIT)
         return;
-    }
     await(AwaitsCommand);
     confirm(!faults.isOn(Fault::FlashInitNoise));
 }
@@ -182,11 +174,10 @@ void BootLoader::takeCommand(Input input)
     }
     state.command.store(known->code);
     confirm(true);
-    if (known->action != nullptr) {
+    if (known->action != nullptr)
         (this->*known->action)();
-    } else {
+    else
         await(known->next);
-    }
 }
 
 } // namespace tarnSimulator

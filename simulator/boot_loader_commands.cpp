@@ -79,9 +79,8 @@ void BootLoader::takeWriteData(Input input)
         confirm(false);
         return;
     }
-    if (isFlash) {
+    if (isFlash)
         state.blocksWritten.fetch_add(1);
-    }
     confirm(true);
 }
 
@@ -107,9 +106,8 @@ void BootLoader::takeExtendedPages(Input input)
         return;
     }
     std::vector<std::size_t> pages;
-    for (std::size_t i = 2; i + 1 < input.size(); i += 2) {
+    for (std::size_t i = 2; i + 1 < input.size(); i += 2)
         pages.push_back(halfAt(input, i));
-    }
     confirm(erasePages(pages));
 }
 
@@ -137,9 +135,8 @@ void BootLoader::takeSectors(Input input)
         return;
     }
     std::uint32_t mask = 0;
-    for (const std::uint8_t sector : sectors) {
+    for (const std::uint8_t sector : sectors)
         mask |= 1U << sector;
-    }
     state.writeProtected.store(mask);
     confirm(true);
     mcu.restart(state.conversationRun.load());
@@ -184,9 +181,8 @@ void BootLoader::tellCommands()
 void BootLoader::tellVersion()
 {
     state.versionAsked.store(1);
-    if (isDead()) {
+    if (isDead())
         return;
-    }
     answer(VERSION);
     answer(0); // two bytes that were once about read protection
     answer(0);
@@ -205,13 +201,12 @@ void BootLoader::tellId()
 void BootLoader::go()
 {
     const auto offset = McuMemory::flashOffset(state.address.load());
-    if (!offset) {
+    if (!offset)
         mcu.restart(state.conversationRun.load());
-    } else if (*offset == 0) {
+    else if (*offset == 0)
         mcu.startFirmware(state.conversationRun.load());
-    } else {
+    else
         mcu.leaveForNothing(state.conversationRun.load());
-    }
 }
 
 } // namespace tarnSimulator

@@ -13,19 +13,16 @@ ChannelFaults::ChannelFaults(
 
 void ChannelFaults::letEcWork()
 {
-    if (isInputDue()) {
+    if (isInputDue())
         dealWithInput();
-    }
-    if (hasElapsed(nowMs(), channel.answerSinceMs(), delayMs())) {
+    if (hasElapsed(nowMs(), channel.answerSinceMs(), delayMs()))
         channel.presentAnswer();
-    }
 }
 
 void ChannelFaults::beginByte()
 {
-    if (showsInputFull()) {
+    if (showsInputFull())
         state.counters.writtenWhileFull.fetch_add(1);
-    }
     hold.refused.store(0);
     hold.looksLeft.store(state.timing.acceptancePolls.load());
 }
@@ -42,9 +39,8 @@ bool ChannelFaults::showsInputFull() const
 
 void ChannelFaults::endLook()
 {
-    if (const std::uint32_t looks = hold.looksLeft.load(); looks > 0) {
+    if (const std::uint32_t looks = hold.looksLeft.load(); looks > 0)
         hold.looksLeft.store(looks - 1);
-    }
 }
 
 bool ChannelFaults::isInputDue() const
@@ -65,13 +61,12 @@ void ChannelFaults::dealWithInput()
         channel.takeInput();
         return;
     }
-    if (faults.refuses(access->kind, access->address)) {
+    if (faults.refuses(access->kind, access->address))
         refuse(access->kind);
-    } else if (access->kind == AccessKind::Read && faults.isOn(Fault::NoAnswer)) {
+    else if (access->kind == AccessKind::Read && faults.isOn(Fault::NoAnswer))
         channel.dropInput();
-    } else {
+    else
         channel.takeInput();
-    }
 }
 
 // A refused read is never answered. A refused write leaves its address in the input buffer, so that IBF stays

@@ -29,9 +29,8 @@ void ComputerControl::attach(const Accessory &accessory)
 {
     setHardwareVersion(accessory.hardwareVersion);
     setMcuVersion(accessory.mcuMajor, accessory.mcuMinor, accessory.mcuPatch);
-    if (accessory.code == ACCESSORY_KVANE) {
+    if (accessory.code == ACCESSORY_KVANE)
         mcu.powerUp();
-    }
     poke(ACCESSORY_CODE, accessory.code);
     setLinkStatus(MCU_LINKED);
 }
@@ -139,17 +138,15 @@ std::uint8_t ComputerControl::kvaneLed() const
 
 void ComputerControl::setKvaneSerialNumber(const SerialNumber &bytes)
 {
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
+    for (std::size_t i = 0; i < bytes.size(); ++i)
         machine.accessory.kvaneSerialNumber[i].store(bytes[i]);
-    }
 }
 
 SerialNumber ComputerControl::kvaneSerialNumber() const
 {
     SerialNumber bytes {};
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
+    for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = machine.accessory.kvaneSerialNumber[i].load();
-    }
     return bytes;
 }
 

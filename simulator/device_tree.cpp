@@ -38,9 +38,8 @@ constexpr FactoryDevice FACTORY_DEVICES[] = {
 
 void DeviceTree::reset()
 {
-    for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(DEVICE_SLOTS); ++slot) {
+    for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(DEVICE_SLOTS); ++slot)
         remove(slot);
-    }
     std::int32_t slot = 0;
     for (const FactoryDevice &device : FACTORY_DEVICES) {
         store(slot++,
@@ -54,9 +53,8 @@ std::vector<std::int32_t> DeviceTree::allSlots() const
 {
     std::vector<std::int32_t> found;
     for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(DEVICE_SLOTS); ++slot) {
-        if (at(slot).used.load() != 0) {
+        if (at(slot).used.load() != 0)
             found.push_back(slot);
-        }
     }
     return found;
 }
@@ -65,9 +63,8 @@ std::vector<std::int32_t> DeviceTree::presentSlots() const
 {
     std::vector<std::int32_t> found;
     for (const std::int32_t slot : allSlots()) {
-        if (isPresent(at(slot))) {
+        if (isPresent(at(slot)))
             found.push_back(slot);
-        }
     }
     return found;
 }
@@ -75,9 +72,8 @@ std::vector<std::int32_t> DeviceTree::presentSlots() const
 std::optional<std::int32_t> DeviceTree::find(std::string_view name) const
 {
     for (const std::int32_t slot : allSlots()) {
-        if (loadText(at(slot).name) == name) {
+        if (loadText(at(slot).name) == name)
             return slot;
-        }
     }
     return std::nullopt;
 }

@@ -66,9 +66,8 @@ bool EcChannel::isOutputFull() const
 std::optional<RequestedAccess> EcChannel::requestedAccess() const
 {
     const std::uint8_t phase = channel.phase.load();
-    if (channel.inputKind.load() != DataByte || (phase != ReadAddressLow && phase != WriteAddressLow)) {
+    if (channel.inputKind.load() != DataByte || (phase != ReadAddressLow && phase != WriteAddressLow))
         return std::nullopt;
-    }
     const AccessKind kind = phase == ReadAddressLow ? AccessKind::Read : AccessKind::Write;
     return RequestedAccess {kind, addressWith(channel.inputValue.load())};
 }
@@ -77,11 +76,10 @@ void EcChannel::takeInput()
 {
     const std::uint8_t kind = channel.inputKind.exchange(NoInput);
     const std::uint8_t value = channel.inputValue.load();
-    if (kind == CommandByte) {
+    if (kind == CommandByte)
         takeCommand(value);
-    } else if (kind == DataByte) {
+    else if (kind == DataByte)
         takeData(value);
-    }
 }
 
 void EcChannel::dropInput()
@@ -92,9 +90,8 @@ void EcChannel::dropInput()
 
 void EcChannel::presentAnswer()
 {
-    if (channel.answerState.load() == Prepared) {
+    if (channel.answerState.load() == Prepared)
         channel.answerState.store(Waiting);
-    }
 }
 
 void EcChannel::put(std::uint8_t kind, std::uint8_t value)
@@ -109,16 +106,14 @@ void EcChannel::put(std::uint8_t kind, std::uint8_t value)
 void EcChannel::takeCommand(std::uint8_t command)
 {
     state.counters.commands.fetch_add(1);
-    if (channel.phase.load() != Idle) {
+    if (channel.phase.load() != Idle)
         state.counters.abortedCommands.fetch_add(1);
-    }
-    if (command == XDATA_READ_CMD) {
+    if (command == XDATA_READ_CMD)
         channel.phase.store(ReadAddressHigh);
-    } else if (command == XDATA_WRITE_CMD) {
+    else if (command == XDATA_WRITE_CMD)
         channel.phase.store(WriteAddressHigh);
-    } else {
+    else
         channel.phase.store(Idle);
-    }
 }
 
 // Idle: nobody waits for a data byte.

@@ -38,26 +38,22 @@ void EepromMailbox::advance()
 {
     EepromMailboxState &mailbox = state.eepromMailbox;
     const std::uint8_t operation = mailbox.operation.load();
-    if (operation == Idle || operation == NeverEnding) {
+    if (operation == Idle || operation == NeverEnding)
         return;
-    }
-    if (!hasElapsed(nowMs(), mailbox.sinceMs.load(), state.timing.eepromBusyMs.load())) {
+    if (!hasElapsed(nowMs(), mailbox.sinceMs.load(), state.timing.eepromBusyMs.load()))
         return;
-    }
     SharedByte &cell = state.eeprom[mailbox.offset.load()];
-    if (operation == Reading) {
+    if (operation == Reading)
         state.xdata[EEP_DATA].store(cell.load());
-    } else if (operation == Writing) {
+    else if (operation == Writing)
         cell.store(mailbox.value.load());
-    }
     finish(operation == Failing ? mailbox.errorStatus.load() : EEP_STATUS_DONE);
 }
 
 std::uint8_t EepromMailbox::errorOf(std::uint8_t command) const
 {
-    if (const auto status = faults.value(Fault::EepromError)) {
+    if (const auto status = faults.value(Fault::EepromError))
         return static_cast<std::uint8_t>(*status);
-    }
     const bool commandKnown = command == EEP_CMD_READ || command == EEP_CMD_WRITE;
     const bool offsetExists = state.xdata[EEP_ADDR_HI].load() == 0;
     const bool lengthSupported = state.xdata[EEP_LEN].load() == 1;

@@ -37,12 +37,10 @@ std::optional<AppEvent> EventQueue::take()
                 oldestValue = value;
             }
         }
-        if (oldest == nullptr) {
+        if (oldest == nullptr)
             return std::nullopt;
-        }
-        if (oldest->compare_exchange_strong(oldestValue, 0)) {
+        if (oldest->compare_exchange_strong(oldestValue, 0))
             return unpack(oldestValue);
-        }
     }
 }
 
@@ -50,9 +48,8 @@ std::vector<AppEvent> EventQueue::waiting() const
 {
     std::vector<std::uint64_t> used;
     for (const SharedLong &slot : shared.waiting) {
-        if (const std::uint64_t value = slot.load(); value != 0) {
+        if (const std::uint64_t value = slot.load(); value != 0)
             used.push_back(value);
-        }
     }
     std::sort(used.begin(), used.end());
 

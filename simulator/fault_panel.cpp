@@ -10,9 +10,8 @@ bool isUsedUp(SharedWord &remaining)
 {
     std::uint32_t left = remaining.load();
     while (left > 0) {
-        if (remaining.compare_exchange_weak(left, left - 1)) {
+        if (remaining.compare_exchange_weak(left, left - 1))
             return false;
-        }
     }
     return true;
 }
@@ -42,9 +41,8 @@ void FaultPanel::switchOff(Fault fault)
 
 void FaultPanel::clear()
 {
-    for (const FaultDescription &row : faultTable()) {
+    for (const FaultDescription &row : faultTable())
         switchOff(row.fault);
-    }
 }
 
 bool FaultPanel::isOn(Fault fault) const
@@ -59,9 +57,8 @@ bool FaultPanel::wasOn(Fault fault) const
 
 std::optional<std::int32_t> FaultPanel::value(Fault fault) const
 {
-    if (!isOn(fault)) {
+    if (!isOn(fault))
         return std::nullopt;
-    }
     return slot(fault).value.load();
 }
 
@@ -98,9 +95,8 @@ bool FaultPanel::strikesAt(Fault fault, std::uint16_t address)
 
 bool FaultPanel::strikesOnce()
 {
-    if (!isOn(Fault::FailAfter) || !isUsedUp(slot(Fault::FailAfter).remaining)) {
+    if (!isOn(Fault::FailAfter) || !isUsedUp(slot(Fault::FailAfter).remaining))
         return false;
-    }
     switchOff(Fault::FailAfter);
     return true;
 }

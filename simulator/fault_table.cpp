@@ -78,9 +78,8 @@ constexpr FaultTable FAULTS {{
 constexpr bool isInOrder()
 {
     for (std::size_t i = 0; i < FAULTS.size(); ++i) {
-        if (static_cast<std::size_t>(FAULTS[i].fault) != i) {
+        if (static_cast<std::size_t>(FAULTS[i].fault) != i)
             return false;
-        }
     }
     return true;
 }

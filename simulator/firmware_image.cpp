@@ -20,26 +20,23 @@ constexpr std::uint32_t FIRST_HANDLER = 0x08000211; // Thumb code: odd
 
 void putWord(std::vector<std::uint8_t> &image, std::size_t offset, std::uint32_t word)
 {
-    for (std::size_t i = 0; i < 4; ++i) {
+    for (std::size_t i = 0; i < 4; ++i)
         image[offset + i] = static_cast<std::uint8_t>(word >> (8 * i));
-    }
 }
 
 std::uint32_t wordAt(std::span<const std::uint8_t> bytes, std::size_t offset)
 {
     std::uint32_t word = 0;
-    for (std::size_t i = 4; i-- > 0;) {
+    for (std::size_t i = 4; i-- > 0;)
         word = word << 8 | bytes[offset + i];
-    }
     return word;
 }
 
 std::uint32_t checksum(std::span<const std::uint8_t> bytes)
 {
     std::uint32_t sum = 2166136261U;
-    for (const std::uint8_t byte : bytes) {
+    for (const std::uint8_t byte : bytes)
         sum = (sum ^ byte) * 16777619U;
-    }
     return sum;
 }
 
@@ -61,9 +58,8 @@ std::vector<std::uint8_t> makeFirmwareImage(FirmwareVersion version, std::size_t
 {
     std::vector<std::uint8_t> image(size, 0);
     putWord(image, 0, STACK_TOP);
-    for (std::uint32_t vector = 1; vector < VECTOR_COUNT; ++vector) {
+    for (std::uint32_t vector = 1; vector < VECTOR_COUNT; ++vector)
         putWord(image, std::size_t {4} * vector, FIRST_HANDLER + 4 * (vector - 1));
-    }
     std::copy(MARK.begin(), MARK.end(), image.begin() + MARK_OFFSET);
     image[VERSION_OFFSET] = version.major;
     image[VERSION_OFFSET + 1] = version.minor;
@@ -82,13 +78,11 @@ std::optional<FirmwareVersion> findFirmware(std::span<const std::uint8_t> flash)
         return std::nullopt;
     }
     const std::size_t size = wordAt(flash, SIZE_OFFSET);
-    if (size < SMALLEST_FIRMWARE || size > flash.size()) {
+    if (size < SMALLEST_FIRMWARE || size > flash.size())
         return std::nullopt;
-    }
     const std::size_t end = size - CHECKSUM_SIZE;
-    if (wordAt(flash, end) != checksum(flash.first(end))) {
+    if (wordAt(flash, end) != checksum(flash.first(end)))
         return std::nullopt;
-    }
     return FirmwareVersion {flash[VERSION_OFFSET], flash[VERSION_OFFSET + 1], flash[VERSION_OFFSET + 2]};
 }
 

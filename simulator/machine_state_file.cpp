@@ -66,21 +66,18 @@ bool createFile(const std::filesystem::path &file, std::string &error)
 // Empty when the file is what this program works with.
 std::string objectionTo(const SharedMapping &mapping)
 {
-    if (mapping.size() < sizeof(StateHeader)) {
+    if (mapping.size() < sizeof(StateHeader))
         return "is too short to be the state of a simulated computer";
-    }
     const auto *header = static_cast<const StateHeader *>(mapping.data());
-    if (header->magic.load() != STATE_MAGIC) {
+    if (header->magic.load() != STATE_MAGIC)
         return "is not the state of a simulated computer";
-    }
     if (const std::uint32_t version = header->version.load(); version != STATE_VERSION) {
         return "is a simulated computer of version " + std::to_string(version)
             + ", this program needs version " + std::to_string(STATE_VERSION)
             + "; delete the file to begin with a new computer";
     }
-    if (header->size.load() != sizeof(MachineState) || mapping.size() < sizeof(MachineState)) {
+    if (header->size.load() != sizeof(MachineState) || mapping.size() < sizeof(MachineState))
         return "is damaged: its size is wrong; delete the file to begin with a new computer";
-    }
     return {};
 }
 

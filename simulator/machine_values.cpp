@@ -22,18 +22,16 @@ template <std::uint16_t address> std::string readRegister(const ComputerControl 
 template <std::uint16_t address> bool writeRegister(ComputerControl &computer, std::string_view text)
 {
     const auto value = parseByte(text);
-    if (value) {
+    if (value)
         computer.poke(address, *value);
-    }
     return value.has_value();
 }
 
 bool writePowerControl(ComputerControl &computer, std::string_view text)
 {
     const auto mode = parseByte(text);
-    if (mode) {
+    if (mode)
         computer.setPowerControl(*mode);
-    }
     return mode.has_value();
 }
 
@@ -51,9 +49,8 @@ bool writeSwitch(ComputerControl &computer, std::string_view text)
 std::string readSmartCharging(const ComputerControl &computer)
 {
     const std::uint8_t value = computer.peekEeprom(EEP_SMART_CHARGING);
-    if (value == SMART_CHARGING_ON) {
+    if (value == SMART_CHARGING_ON)
         return "on";
-    }
     return value == SMART_CHARGING_OFF ? "off" : std::to_string(value);
 }
 
@@ -64,9 +61,8 @@ bool writeSmartCharging(ComputerControl &computer, std::string_view text)
         return true;
     }
     const auto value = parseByte(text);
-    if (value) {
+    if (value)
         computer.pokeEeprom(EEP_SMART_CHARGING, *value);
-    }
     return value.has_value();
 }
 
@@ -78,9 +74,8 @@ std::string readSerialNumber(const ComputerControl &computer)
 bool writeSerialNumber(ComputerControl &computer, std::string_view text)
 {
     const auto bytes = parseSerialNumber(text);
-    if (bytes) {
+    if (bytes)
         computer.setKvaneSerialNumber(*bytes);
-    }
     return bytes.has_value();
 }
 
@@ -93,9 +88,8 @@ template <void (ComputerControl::*setter)(Colour)>
 bool writeColour(ComputerControl &computer, std::string_view text)
 {
     const auto colour = parseColour(text);
-    if (colour) {
+    if (colour)
         (computer.*setter)(*colour);
-    }
     return colour.has_value();
 }
 
@@ -107,9 +101,8 @@ std::string readKvaneLed(const ComputerControl &computer)
 bool writeKvaneLed(ComputerControl &computer, std::string_view text)
 {
     const auto value = parseByte(text);
-    if (value) {
+    if (value)
         computer.setKvaneLed(*value);
-    }
     return value.has_value();
 }
 
@@ -130,9 +123,8 @@ std::string readSession(const ComputerControl &computer)
 
 bool writeSession(ComputerControl &computer, std::string_view text)
 {
-    if (text != "service" && text != "user") {
+    if (text != "service" && text != "user")
         return false;
-    }
     computer.desktop().setServiceSession(text == "service");
     return true;
 }
@@ -149,9 +141,8 @@ std::string readAnswer(const ComputerControl &computer)
 {
     const std::int32_t answer = computer.desktop().answer();
     for (const NamedAnswer &named : ANSWERS) {
-        if (named.exitCode == answer) {
+        if (named.exitCode == answer)
             return std::string(named.name);
-        }
     }
     return std::to_string(answer);
 }
@@ -165,9 +156,8 @@ bool writeAnswer(ComputerControl &computer, std::string_view text)
         }
     }
     const auto exitCode = parseByte(text);
-    if (exitCode) {
+    if (exitCode)
         computer.desktop().setAnswer(*exitCode);
-    }
     return exitCode.has_value();
 }
 
@@ -211,9 +201,8 @@ template <SharedWord TimingState::*field, std::int64_t maximum>
 bool writeTiming(ComputerControl &computer, std::string_view text)
 {
     const auto number = parseNumber(text);
-    if (!number || *number < 0 || *number > maximum) {
+    if (!number || *number < 0 || *number > maximum)
         return false;
-    }
     (computer.timing().*field).store(static_cast<std::uint32_t>(*number));
     return true;
 }

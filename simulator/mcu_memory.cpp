@@ -12,9 +12,8 @@ constexpr std::uint8_t READOUT_ALLOWED = 0xA5; // anything else: protected
 template <std::size_t size>
 void fill(std::array<SharedByte, size> &bytes, std::size_t offset, std::size_t count, std::uint8_t value)
 {
-    for (std::size_t i = offset; i < offset + count; ++i) {
+    for (std::size_t i = offset; i < offset + count; ++i)
         bytes[i].store(value, std::memory_order_relaxed);
-    }
 }
 
 constexpr bool lies(std::uint32_t address, std::size_t count, std::uint32_t start, std::size_t size)
@@ -25,12 +24,10 @@ constexpr bool lies(std::uint32_t address, std::size_t count, std::uint32_t star
 // From the address on; empty when not all of it is in the flash.
 std::optional<std::size_t> flashRange(std::uint32_t address, std::size_t count)
 {
-    if (lies(address, count, MCU_FLASH_START, MCU_FLASH_SIZE)) {
+    if (lies(address, count, MCU_FLASH_START, MCU_FLASH_SIZE))
         return address - MCU_FLASH_START;
-    }
-    if (lies(address, count, 0, MCU_FLASH_SIZE)) {
+    if (lies(address, count, 0, MCU_FLASH_SIZE))
         return address;
-    }
     return std::nullopt;
 }
 
@@ -47,9 +44,8 @@ void McuMemory::restore(std::span<const std::uint8_t> firmware)
     mcu.readoutProtected.store(0);
     fill(mcu.ram, 0, MCU_RAM_SIZE, 0);
     eraseBytes(0, MCU_FLASH_SIZE);
-    for (std::size_t i = 0; i < firmware.size(); ++i) {
+    for (std::size_t i = 0; i < firmware.size(); ++i)
         mcu.flash[i].store(firmware[i], std::memory_order_relaxed);
-    }
 }
 
 std::optional<std::size_t> McuMemory::flashOffset(std::uint32_t address)
@@ -72,55 +68,46 @@ std::optional<std::vector<std::uint8_t>> McuMemory::read(std::uint32_t address, 
 {
     const auto copy = [count](const auto &bytes, std::size_t offset) {
         std::vector<std::uint8_t> copied(count);
-        for (std::size_t i = 0; i < count; ++i) {
+        for (std::size_t i = 0; i < count; ++i)
             copied[i] = bytes[offset + i];
-        }
         return copied;
     };
-    if (const auto offset = flashRange(address, count)) {
+    if (const auto offset = flashRange(address, count))
         return copy(mcu.flash, *offset);
-    }
-    if (isFreeRamRange(address, count)) {
+    if (isFreeRamRange(address, count))
         return copy(mcu.ram, address - MCU_RAM_START);
-    }
-    if (lies(address, count, MCU_OPTION_BYTES_START, MCU_OPTION_BYTES_SIZE)) {
+    if (lies(address, count, MCU_OPTION_BYTES_START, MCU_OPTION_BYTES_SIZE))
         return copy(optionBytes(), address - MCU_OPTION_BYTES_START);
-    }
     return std::nullopt;
 }
 
 bool McuMemory::write(std::uint32_t address, std::span<const std::uint8_t> bytes)
 {
     if (isFreeRamRange(address, bytes.size())) {
-        for (std::size_t i = 0; i < bytes.size(); ++i) {
+        for (std::size_t i = 0; i < bytes.size(); ++i)
             mcu.ram[address - MCU_RAM_START + i].store(bytes[i]);
-        }
         return true;
     }
     const auto offset = flashRange(address, bytes.size());
-    if (!offset || isProtected(*offset) || isProtected(*offset + bytes.size() - 1)) {
+    if (!offset || isProtected(*offset) || isProtected(*offset + bytes.size() - 1))
         return false;
-    }
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
+    for (std::size_t i = 0; i < bytes.size(); ++i)
         mcu.flash[*offset + i].fetch_and(bytes[i]);
-    }
     return true;
 }
 
 bool McuMemory::erasePage(std::size_t page)
 {
-    if (page >= MCU_PAGES || isProtected(page * MCU_PAGE_SIZE)) {
+    if (page >= MCU_PAGES || isProtected(page * MCU_PAGE_SIZE))
         return false;
-    }
     eraseBytes(page * MCU_PAGE_SIZE, MCU_PAGE_SIZE);
     return true;
 }
 
 bool McuMemory::eraseAll()
 {
-    if (mcu.writeProtected.load() != 0) {
+    if (mcu.writeProtected.load() != 0)
         return false;
-    }
     eraseBytes(0, MCU_FLASH_SIZE);
     return true;
 }
@@ -150,12 +137,10 @@ std::vector<std::uint8_t> McuMemory::optionBytes() const
         bytes.push_back(static_cast<std::uint8_t>(~value));
     };
     add(mcu.readoutProtected.load() == 0 ? READOUT_ALLOWED : 0);
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < 3; ++i)
         add(ERASED);
-    }
-    for (unsigned shift = 0; shift < MCU_SECTORS; shift += 8) {
+    for (unsigned shift = 0; shift < MCU_SECTORS; shift += 8)
         add(~mcu.writeProtected.load() >> shift);
-    }
     return bytes;
 }
 

@@ -35,9 +35,8 @@ public:
     void write(std::uint16_t port, std::uint8_t value)
     {
         const std::lock_guard guard(portMutex);
-        if (ec != nullptr) {
+        if (ec != nullptr)
             ec->writePort(port, value);
-        }
     }
 
     [[nodiscard]] std::uint8_t read(std::uint16_t port)

@@ -42,17 +42,15 @@ std::uint8_t limitInForce(const MachineState &machine, const Limit &limit)
 void PowerLimits::restore(MachineState &machine)
 {
     machine.xdata[EC_POWERMODE_PL_CTRL].store(PL_CTRL_AUTO);
-    for (const Limit &limit : LIMITS) {
+    for (const Limit &limit : LIMITS)
         machine.xdata[limit.address].store(limit.automatic);
-    }
     apply(machine);
 }
 
 void PowerLimits::apply(MachineState &machine)
 {
-    for (const Limit &limit : LIMITS) {
+    for (const Limit &limit : LIMITS)
         machine.xdata[limit.checkAddress].store(limitInForce(machine, limit));
-    }
 }
 
 std::uint8_t PowerLimits::readBack(std::uint8_t value) const

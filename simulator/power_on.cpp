@@ -43,17 +43,15 @@ constexpr std::uint32_t REFUSED_WRITE_POLLS = 1000;
 
 template <std::size_t size> void fill(std::array<SharedByte, size> &bytes, std::uint8_t value)
 {
-    for (SharedByte &byte : bytes) {
+    for (SharedByte &byte : bytes)
         byte.store(value, std::memory_order_relaxed);
-    }
 }
 
 void resetMemories(MachineState &state)
 {
     fill(state.xdata, 0);
-    for (const RegisterDefault &preset : REGISTER_DEFAULTS) {
+    for (const RegisterDefault &preset : REGISTER_DEFAULTS)
         state.xdata[preset.address].store(preset.value);
-    }
     PowerLimits::restore(state);
     fill(state.eeprom, ERASED_EEPROM_BYTE);
     state.eeprom[EEP_SMART_CHARGING].store(SMART_CHARGING_ON);
@@ -66,9 +64,8 @@ void resetAccessory(AccessoryState &accessory)
     accessory.gpuReports.store(0);
     accessory.gpuDriverData.store(0);
     accessory.kvaneLed.store(0);
-    for (std::size_t i = 0; i < SERIAL_NUMBER_LENGTH; ++i) {
+    for (std::size_t i = 0; i < SERIAL_NUMBER_LENGTH; ++i)
         accessory.kvaneSerialNumber[i].store(SERIAL_NUMBER[i]);
-    }
 }
 
 void resetCounters(CounterState &counters)
@@ -76,9 +73,8 @@ void resetCounters(CounterState &counters)
     SharedLong *const all[] = {&counters.reads, &counters.writes, &counters.commands,
         &counters.abortedCommands, &counters.refusedAccesses, &counters.libraryLoads,
         &counters.writtenWhileFull};
-    for (SharedLong *counter : all) {
+    for (SharedLong *counter : all)
         counter->store(0);
-    }
 }
 
 } // namespace
@@ -100,9 +96,8 @@ void powerOn(MachineState &state)
     }
     state.faultsSeen.store(0);
     state.statusNoise.store(0);
-    for (SharedLong &slot : state.events.waiting) {
+    for (SharedLong &slot : state.events.waiting)
         slot.store(0);
-    }
     state.eepromMailbox.operation.store(0);
     state.applicationMailbox.busy.store(0);
     state.applicationMailbox.pending.store(0);

@@ -82,9 +82,8 @@ std::uint8_t RegisterFile::read(std::uint16_t address)
 {
     advance();
     for (const ReadEffect &effect : READ_EFFECTS) {
-        if (effect.address == address) {
+        if (effect.address == address)
             (this->*effect.before)(address);
-        }
     }
     const std::uint8_t value = state.xdata[address].load();
     return contains(LIMIT_READ_BACKS, address) ? powerLimits.readBack(value) : value;
@@ -93,14 +92,12 @@ std::uint8_t RegisterFile::read(std::uint16_t address)
 void RegisterFile::write(std::uint16_t address, std::uint8_t value)
 {
     advance();
-    if (contains(READ_ONLY, address)) {
+    if (contains(READ_ONLY, address))
         return;
-    }
     state.xdata[address].store(value);
     for (const WriteEffect &effect : WRITE_EFFECTS) {
-        if (effect.address == address) {
+        if (effect.address == address)
             (this->*effect.after)(address);
-        }
     }
 }
 
@@ -115,9 +112,8 @@ void RegisterFile::advance()
 // cleared yet stays.
 void RegisterFile::presentEvent(std::uint16_t address)
 {
-    if (state.xdata[address].load() != APP_EVENT_NONE) {
+    if (state.xdata[address].load() != APP_EVENT_NONE)
         return;
-    }
     if (const auto event = events.take()) {
         state.xdata[XEC_APP_EVENT_DATA].store(event->data);
         state.xdata[address].store(event->code);

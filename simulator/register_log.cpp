@@ -64,16 +64,14 @@ LogReading RegisterLog::readAfter(std::uint64_t cursor) const
 std::optional<RegisterAccess> RegisterLog::find(std::uint64_t number) const
 {
     const LogEntryState &slot = shared.entries[slotOf(number)];
-    if (slot.stamp.load(std::memory_order_acquire) != number) {
+    if (slot.stamp.load(std::memory_order_acquire) != number)
         return std::nullopt;
-    }
     RegisterAccess access;
     access.number = number;
     access.timeMs = slot.timeMs.load(std::memory_order_acquire);
     const std::uint32_t packed = slot.access.load(std::memory_order_acquire);
-    if (slot.stamp.load(std::memory_order_relaxed) != number) {
+    if (slot.stamp.load(std::memory_order_relaxed) != number)
         return std::nullopt;
-    }
     access.kind = static_cast<AccessKind>(packed >> 24);
     access.address = static_cast<std::uint16_t>(packed >> 8 & 0xFFFF);
     access.value = static_cast<std::uint8_t>(packed & 0xFF);
@@ -82,13 +80,11 @@ std::optional<RegisterAccess> RegisterLog::find(std::uint64_t number) const
 
 bool RegisterLog::anyWrittenAfter(std::uint64_t number, std::uint64_t newest) const
 {
-    if (shared.entries[slotOf(number)].stamp.load() > number) {
+    if (shared.entries[slotOf(number)].stamp.load() > number)
         return true;
-    }
     for (std::uint64_t later = number + 1; later <= newest; ++later) {
-        if (shared.entries[slotOf(later)].stamp.load() >= later) {
+        if (shared.entries[slotOf(later)].stamp.load() >= later)
             return true;
-        }
     }
     return false;
 }

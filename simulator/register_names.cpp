@@ -61,12 +61,10 @@ std::string registerName(std::uint16_t address)
 {
     const auto found = std::find_if(std::begin(NAMES), std::end(NAMES),
         [address](const RegisterName &row) { return row.address == address; });
-    if (found != std::end(NAMES)) {
+    if (found != std::end(NAMES))
         return std::string(found->name);
-    }
-    if (address > KVANE_SN_BYTES && address < KVANE_SN_BYTES + KVANE_SN_LENGTH) {
+    if (address > KVANE_SN_BYTES && address < KVANE_SN_BYTES + KVANE_SN_LENGTH)
         return "KVANE_SN_BYTES+" + std::to_string(address - KVANE_SN_BYTES);
-    }
     return {};
 }
 
@@ -74,9 +72,8 @@ std::optional<std::uint16_t> registerAddress(std::string_view name)
 {
     const auto found = std::find_if(
         std::begin(NAMES), std::end(NAMES), [name](const RegisterName &row) { return row.name == name; });
-    if (found == std::end(NAMES)) {
+    if (found == std::end(NAMES))
         return std::nullopt;
-    }
     return found->address;
 }
 

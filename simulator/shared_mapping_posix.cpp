@@ -20,9 +20,8 @@ public:
 
     ~FileDescriptor()
     {
-        if (descriptor >= 0) {
+        if (descriptor >= 0)
             ::close(descriptor);
-        }
     }
 
     FileDescriptor(const FileDescriptor &) = delete;
@@ -50,9 +49,8 @@ std::optional<SharedMapping> SharedMapping::open(const std::filesystem::path &fi
         return std::nullopt;
     }
     const auto fileLength = static_cast<std::size_t>(facts.st_size);
-    if (fileLength == 0) {
+    if (fileLength == 0)
         return SharedMapping(nullptr, 0);
-    }
     void *mapped = ::mmap(nullptr, fileLength, PROT_READ | PROT_WRITE, MAP_SHARED, descriptor.number(), 0);
     if (mapped == MAP_FAILED) {
         error = lastError();
@@ -63,9 +61,8 @@ std::optional<SharedMapping> SharedMapping::open(const std::filesystem::path &fi
 
 SharedMapping::~SharedMapping()
 {
-    if (start != nullptr) {
+    if (start != nullptr)
         ::munmap(start, length);
-    }
 }
 
 // A hard link, unlike a rename, does not replace a file that is there.
@@ -76,9 +73,8 @@ bool renameUnlessThere(
         ::unlink(file.c_str());
         return true;
     }
-    if (errno == EEXIST) {
+    if (errno == EEXIST)
         return true;
-    }
     error = lastError();
     return false;
 }

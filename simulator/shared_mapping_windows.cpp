@@ -16,9 +16,8 @@ public:
 
     ~Handle()
     {
-        if (isOpen()) {
+        if (isOpen())
             ::CloseHandle(handle);
-        }
     }
 
     Handle(const Handle &) = delete;
@@ -49,9 +48,8 @@ std::optional<SharedMapping> SharedMapping::open(const std::filesystem::path &fi
         error = lastError();
         return std::nullopt;
     }
-    if (fileLength.QuadPart == 0) {
+    if (fileLength.QuadPart == 0)
         return SharedMapping(nullptr, 0);
-    }
     const Handle mapping(::CreateFileMappingW(opened.get(), nullptr, PAGE_READWRITE, 0, 0, nullptr));
     void *view =
         mapping.isOpen() ? ::MapViewOfFile(mapping.get(), FILE_MAP_READ | FILE_MAP_WRITE, 0, 0, 0) : nullptr;
@@ -64,18 +62,16 @@ std::optional<SharedMapping> SharedMapping::open(const std::filesystem::path &fi
 
 SharedMapping::~SharedMapping()
 {
-    if (start != nullptr) {
+    if (start != nullptr)
         ::UnmapViewOfFile(start);
-    }
 }
 
 // Without the replace flag the move fails when the name is taken.
 bool renameUnlessThere(
     const std::filesystem::path &file, const std::filesystem::path &finalName, std::string &error)
 {
-    if (::MoveFileExW(file.c_str(), finalName.c_str(), MOVEFILE_WRITE_THROUGH) != 0) {
+    if (::MoveFileExW(file.c_str(), finalName.c_str(), MOVEFILE_WRITE_THROUGH) != 0)
         return true;
-    }
     if (const DWORD reason = ::GetLastError();
         reason == ERROR_ALREADY_EXISTS || reason == ERROR_FILE_EXISTS) {
         return true;

@@ -25,24 +25,21 @@ SimulatedEc::SimulatedEc(MachineState &state, NowMs clock)
 
 void SimulatedEc::writePort(std::uint16_t port, std::uint8_t value)
 {
-    if (port != EC_CMD_STATUS_PORT && port != EC_DATA_PORT) {
+    if (port != EC_CMD_STATUS_PORT && port != EC_DATA_PORT)
         return;
-    }
     channelFaults.letEcWork();
     channelFaults.beginByte();
-    if (port == EC_CMD_STATUS_PORT) {
+    if (port == EC_CMD_STATUS_PORT)
         channel.writeCommand(value);
-    } else {
+    else
         channel.writeData(value);
-    }
     channelFaults.letEcWork();
 }
 
 std::uint8_t SimulatedEc::readPort(std::uint16_t port)
 {
-    if (port == EC_CMD_STATUS_PORT) {
+    if (port == EC_CMD_STATUS_PORT)
         return readStatus();
-    }
     if (port == EC_DATA_PORT) {
         channelFaults.letEcWork();
         return channel.readData();

@@ -8,18 +8,16 @@ namespace tarnSimulator {
 std::optional<std::filesystem::path> stateFileFromEnvironment()
 {
     const char *value = std::getenv(STATE_FILE_VARIABLE);
-    if (value == nullptr || *value == '\0') {
+    if (value == nullptr || *value == '\0')
         return std::nullopt;
-    }
     return std::filesystem::path(value);
 }
 
 std::filesystem::path moduleFile()
 {
     Dl_info module = {};
-    if (::dladdr(reinterpret_cast<const void *>(&moduleFile), &module) == 0 || module.dli_fname == nullptr) {
+    if (::dladdr(reinterpret_cast<const void *>(&moduleFile), &module) == 0 || module.dli_fname == nullptr)
         return {};
-    }
     return module.dli_fname;
 }
 

@@ -17,9 +17,8 @@ std::optional<std::filesystem::path> stateFileFromEnvironment()
     const std::string name(STATE_FILE_VARIABLE);
     const std::wstring wideName(name.begin(), name.end());
     const DWORD length = ::GetEnvironmentVariableW(wideName.c_str(), value.data(), LONGEST_PATH);
-    if (length == 0 || length >= LONGEST_PATH) {
+    if (length == 0 || length >= LONGEST_PATH)
         return std::nullopt;
-    }
     value.resize(length);
     return std::filesystem::path(value);
 }
@@ -28,9 +27,8 @@ std::filesystem::path moduleFile()
 {
     HMODULE module = nullptr;
     const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    if (::GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&moduleFile), &module) == 0) {
+    if (::GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&moduleFile), &module) == 0)
         return {};
-    }
     std::wstring file(LONGEST_PATH, L'\0');
     const DWORD length = ::GetModuleFileNameW(module, file.data(), LONGEST_PATH);
     file.resize(length);

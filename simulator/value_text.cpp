@@ -11,9 +11,8 @@ constexpr std::string_view HEX_DIGITS = "0123456789ABCDEF";
 std::string bareHex(std::uint32_t value, int digits)
 {
     std::string text;
-    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4) {
+    for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
         text += HEX_DIGITS[value >> shift & 0xF];
-    }
     return text;
 }
 
@@ -22,9 +21,8 @@ std::optional<std::int64_t> parseDigits(std::string_view text, int base)
     std::uint32_t number = 0;
     const char *end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, number, base);
-    if (error != std::errc() || stop != end) {
+    if (error != std::errc() || stop != end)
         return std::nullopt;
-    }
     return number;
 }
 
@@ -33,26 +31,22 @@ std::optional<std::int64_t> parseDigits(std::string_view text, int base)
 std::optional<std::int64_t> parseNumber(std::string_view text)
 {
     const bool negative = text.starts_with('-');
-    if (negative) {
+    if (negative)
         text.remove_prefix(1);
-    }
     const bool hexadecimal = text.starts_with("0x") || text.starts_with("0X");
-    if (hexadecimal) {
+    if (hexadecimal)
         text.remove_prefix(2);
-    }
     const auto number = parseDigits(text, hexadecimal ? 16 : 10);
-    if (!number) {
+    if (!number)
         return std::nullopt;
-    }
     return negative ? -*number : *number;
 }
 
 std::optional<std::uint8_t> parseByte(std::string_view text)
 {
     const auto number = parseNumber(text);
-    if (!number || *number < 0 || *number > 255) {
+    if (!number || *number < 0 || *number > 255)
         return std::nullopt;
-    }
     return static_cast<std::uint8_t>(*number);
 }
 
@@ -60,15 +54,13 @@ std::optional<Colour> parseColour(std::string_view text)
 {
     const std::size_t first = text.find(',');
     const std::size_t second = first == std::string_view::npos ? first : text.find(',', first + 1);
-    if (second == std::string_view::npos) {
+    if (second == std::string_view::npos)
         return std::nullopt;
-    }
     const auto red = parseByte(text.substr(0, first));
     const auto green = parseByte(text.substr(first + 1, second - first - 1));
     const auto blue = parseByte(text.substr(second + 1));
-    if (!red || !green || !blue) {
+    if (!red || !green || !blue)
         return std::nullopt;
-    }
     return Colour {*red, *green, *blue};
 }
 
@@ -81,14 +73,12 @@ std::string colourText(Colour colour)
 std::optional<SerialNumber> parseSerialNumber(std::string_view text)
 {
     SerialNumber bytes {};
-    if (text.size() != bytes.size() * 2) {
+    if (text.size() != bytes.size() * 2)
         return std::nullopt;
-    }
     for (std::size_t i = 0; i < bytes.size(); ++i) {
         const auto byte = parseDigits(text.substr(i * 2, 2), 16);
-        if (!byte) {
+        if (!byte)
             return std::nullopt;
-        }
         bytes[bytes.size() - 1 - i] = static_cast<std::uint8_t>(*byte);
     }
     return bytes;
@@ -97,9 +87,8 @@ std::optional<SerialNumber> parseSerialNumber(std::string_view text)
 std::string serialNumberText(const SerialNumber &bytes)
 {
     std::string text;
-    for (std::size_t i = bytes.size(); i > 0; --i) {
+    for (std::size_t i = bytes.size(); i > 0; --i)
         text += bareHex(bytes[i - 1], 2);
-    }
     return text;
 }
 

@@ -11,9 +11,8 @@ namespace {
 HANDLE errorHandle()
 {
     const HANDLE inherited = GetStdHandle(STD_ERROR_HANDLE);
-    if (inherited && inherited != INVALID_HANDLE_VALUE) {
+    if (inherited && inherited != INVALID_HANDLE_VALUE)
         return inherited;
-    }
     return AttachConsole(ATTACH_PARENT_PROCESS) ? GetStdHandle(STD_ERROR_HANDLE) : nullptr;
 }
 
@@ -26,9 +25,8 @@ void writeError(std::wstring_view text)
         return; // Nobody is listening.
     }
     std::string bytes;
-    for (const wchar_t letter : text) {
+    for (const wchar_t letter : text)
         bytes += static_cast<char>(letter);
-    }
     DWORD written = 0;
     WriteFile(output, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr);
 }

@@ -17,9 +17,8 @@ std::optional<DWORD> shownAt;
 // A window that is shown is told at once to paint itself.
 void noteFirstWindow(const MSG &message)
 {
-    if (!shownAt && IsWindowVisible(GetAncestor(message.hwnd, GA_ROOT))) {
+    if (!shownAt && IsWindowVisible(GetAncestor(message.hwnd, GA_ROOT)))
         shownAt = GetTickCount();
-    }
 }
 
 bool isKeyPress(const MSG &message)
@@ -48,9 +47,8 @@ bool isLetterKey(WPARAM key)
 // With Alt they would be system keys. With Ctrl they are commands, such as the one that copies the text.
 bool isTyped(const MSG &message)
 {
-    if (message.message == WM_CHAR) {
+    if (message.message == WM_CHAR)
         return message.wParam > L' ';
-    }
     return message.message == WM_KEYDOWN && isLetterKey(message.wParam) && GetKeyState(VK_CONTROL) >= 0;
 }
 
@@ -71,9 +69,8 @@ LRESULT CALLBACK look(int code, WPARAM wide, LPARAM lengthy)
     if (code == HC_ACTION) {
         MSG &message = *reinterpret_cast<MSG *>(lengthy);
         noteFirstWindow(message);
-        if (isTyped(message) || isHeldKey(message) || isTooEarly(message)) {
+        if (isTyped(message) || isHeldKey(message) || isTooEarly(message))
             message.message = WM_NULL;
-        }
     }
     return CallNextHookEx(nullptr, code, wide, lengthy);
 }

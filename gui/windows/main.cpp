@@ -19,8 +19,7 @@ int WINAPI wWinMain(HINSTANCE /*module*/, HINSTANCE /*previous*/, PWSTR /*argume
     }
     const InputGuard guard;
     std::optional<ExitCode> answer = askByTaskDialog(*popup);
-    if (!answer) {
+    if (!answer)
         answer = askByMessageBox(*popup);
-    }
     return static_cast<int>(answer.value_or(ExitCode::NoWindow));
 }

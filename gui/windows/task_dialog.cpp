@@ -70,9 +70,8 @@ HRESULT CALLBACK receive(
 std::vector<TASKDIALOG_BUTTON> buttonsOf(const Popup &popup)
 {
     std::vector<TASKDIALOG_BUTTON> buttons;
-    for (const PopupButton &button : popup.buttons) {
+    for (const PopupButton &button : popup.buttons)
         buttons.push_back({buttonIdOf(button), button.label.data()});
-    }
     return buttons;
 }
 
@@ -81,9 +80,8 @@ std::vector<TASKDIALOG_BUTTON> buttonsOf(const Popup &popup)
 std::optional<ExitCode> askByTaskDialog(const Popup &popup)
 {
     const TaskDialogFunction showTaskDialog = taskDialogFunction();
-    if (!showTaskDialog) {
+    if (!showTaskDialog)
         return std::nullopt;
-    }
     const WindowIcons icons;
     const std::wstring content = contentOf(popup);
     const std::vector<TASKDIALOG_BUTTON> buttons = buttonsOf(popup);
@@ -107,9 +105,8 @@ std::optional<ExitCode> askByTaskDialog(const Popup &popup)
     dialog.pfCallback = receive;
     dialog.lpCallbackData = reinterpret_cast<LONG_PTR>(&icons);
     int buttonId = 0;
-    if (FAILED(showTaskDialog(&dialog, &buttonId, nullptr, nullptr))) {
+    if (FAILED(showTaskDialog(&dialog, &buttonId, nullptr, nullptr)))
         return std::nullopt;
-    }
     return answerOf(buttonId);
 }
 

@@ -31,9 +31,8 @@ Settings readSettings(const std::filesystem::path &file)
     std::ifstream in(file, std::ios::binary);
     for (std::string line; std::getline(in, line);) {
         const auto equals = line.find('=');
-        if (equals != std::string::npos) {
+        if (equals != std::string::npos)
             settings[trimmed(line.substr(0, equals))] = trimmed(line.substr(equals + 1));
-        }
     }
     return settings;
 }
@@ -50,9 +49,8 @@ int runEcTool(const std::filesystem::path &folder, std::ostream &output, std::os
 {
     const Settings settings = readSettings(folder / "uiset.ini");
     std::ofstream log(folder / "ec_tool.log", std::ios::binary | std::ios::trunc);
-    for (const auto &[key, text] : settings) {
+    for (const auto &[key, text] : settings)
         log << key << " = " << text << '\n';
-    }
     if (value(settings, "AutoFlash") != "1" || value(settings, "SilentRun") != "1") {
         log << "would show its window and wait\n";
         return EcToolWaits;

@@ -23,9 +23,8 @@ bool flash(std::chrono::milliseconds time, const std::filesystem::path &untilFil
     };
     for (int block = 0; !isDone(); ++block) {
         output << "block " << block << " is written\n" << std::flush;
-        if (!output) {
+        if (!output)
             return false;
-        }
         std::this_thread::sleep_for(BLOCK_TIME);
     }
     return true;

@@ -33,9 +33,8 @@ constexpr Window WINDOWS[] = {
 
 std::filesystem::path stateFile(std::string_view program)
 {
-    if (const auto named = stateFileFromEnvironment()) {
+    if (const auto named = stateFileFromEnvironment())
         return *named;
-    }
     std::error_code error;
     const std::filesystem::path self = std::filesystem::absolute(program, error);
     return self.parent_path().parent_path() / "function" / STATE_FILE_NAME;
@@ -75,9 +74,8 @@ int runStandIn(std::string_view programSwitch, std::string_view program, std::os
     Desktop desktop(machine->state());
     desktop.windowOpened(programSwitch);
     terminal << "TarnServiceGui (simulated) " << window->text;
-    if (desktop.answer() == Desktop::WAITS) {
+    if (desktop.answer() == Desktop::WAITS)
         terminal << "; answer with: tarnsim set gui-answer yes|no";
-    }
     terminal << std::endl;
     const std::int32_t answer = awaitAnswer(desktop, file);
     terminal << "TarnServiceGui (simulated) " << window->programSwitch << " ends with exit code " << answer

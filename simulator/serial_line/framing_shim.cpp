@@ -31,8 +31,7 @@ extern "C" __attribute__((visibility("default"))) int tcgetattr(int terminal, te
 {
     static const auto original = systemFunction<int (*)(int, termios *)>("tcgetattr");
     const int result = original(terminal, settings);
-    if (result == 0 && isKnown) {
+    if (result == 0 && isKnown)
         settings->c_cflag = (settings->c_cflag & ~FRAMING) | askedFor;
-    }
     return result;
 }

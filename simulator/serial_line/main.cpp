@@ -49,9 +49,8 @@ std::optional<Request> parse(const QCoreApplication &application)
             .arg(QString::fromLatin1(USUAL_LINK)),
         QStringLiteral("[LINK]"));
     const bool understood = parser.parse(application.arguments());
-    if (parser.isSet(help)) {
+    if (parser.isSet(help))
         parser.showHelp(Served);
-    }
     const QStringList links = parser.positionalArguments();
     const bool namesNoFile = parser.isSet(state) && parser.value(state).isEmpty();
     const QString objection = !understood ? parser.errorText()
@@ -67,9 +66,8 @@ std::optional<Request> parse(const QCoreApplication &application)
 
 std::filesystem::path chooseLink(const QString &named)
 {
-    if (!named.isEmpty()) {
+    if (!named.isEmpty())
         return named.toStdString();
-    }
     const std::filesystem::path here = USUAL_LINK;
     std::error_code ignored;
     return std::filesystem::is_directory(here.parent_path(), ignored)
@@ -85,29 +83,24 @@ int main(int argc, char **argv)
     const int stop = openStopSignals();
     const QCoreApplication application(argc, argv);
     const auto request = parse(application);
-    if (!request) {
+    if (!request)
         return WrongUsage;
-    }
 
     const StateChoice choice = chooseStateFile(request->stateFile);
     std::error_code ignored;
-    if (!std::filesystem::exists(choice.file, ignored)) {
+    if (!std::filesystem::exists(choice.file, ignored))
         return complain(Failed, missingStateText(choice).toStdString());
-    }
     std::string error;
     const auto machine = MachineStateFile::open(choice.file, MachineStateFile::Missing::IsAnError, error);
-    if (!machine) {
+    if (!machine)
         return complain(Failed, error);
-    }
     const auto line = PseudoTerminal::open(error);
-    if (!line || stop < 0) {
+    if (!line || stop < 0)
         return complain(Failed, "The serial port cannot be made: " + error + ".");
-    }
     const std::filesystem::path link = chooseLink(request->link);
     const auto name = PortLink::make(link, line->terminalName(), error);
-    if (!name) {
+    if (!name)
         return complain(Failed, error);
-    }
     std::printf("%s is %s\n", link.c_str(), line->terminalName().c_str());
     std::fflush(stdout);
     serveLine(machine->state(), *line, stop);

@@ -45,9 +45,8 @@ std::optional<PortClaim> PortClaim::take(const std::filesystem::path &absoluteLi
 
 PortClaim::~PortClaim()
 {
-    if (socket >= 0) {
+    if (socket >= 0)
         ::close(socket);
-    }
 }
 
 PortClaim::PortClaim(PortClaim &&other) noexcept

@@ -30,9 +30,8 @@ std::optional<PortLink> PortLink::make(
         error = refusal(absoluteLink, error);
         return std::nullopt;
     }
-    if (isLeftover(absoluteLink)) {
+    if (isLeftover(absoluteLink))
         std::filesystem::remove(absoluteLink, code);
-    }
     std::filesystem::create_symlink(terminalName, absoluteLink, code);
     if (code) {
         error = refusal(absoluteLink, code.message());
@@ -57,9 +56,8 @@ PortLink::PortLink(PortLink &&other) noexcept
 PortLink::~PortLink()
 {
     std::error_code ignored;
-    if (!link.empty() && std::filesystem::read_symlink(link, ignored) == target) {
+    if (!link.empty() && std::filesystem::read_symlink(link, ignored) == target)
         std::filesystem::remove(link, ignored);
-    }
 }
 
 } // namespace tarnSimulator

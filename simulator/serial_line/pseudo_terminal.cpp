@@ -20,9 +20,8 @@ constexpr std::size_t LONGEST_NAME = 256;
 bool makeRaw(int terminal)
 {
     termios settings = {};
-    if (::tcgetattr(terminal, &settings) != 0) {
+    if (::tcgetattr(terminal, &settings) != 0)
         return false;
-    }
     ::cfmakeraw(&settings);
     return ::tcsetattr(terminal, TCSANOW, &settings) == 0;
 }
@@ -49,9 +48,8 @@ std::optional<PseudoTerminal> PseudoTerminal::open(std::string &error)
 PseudoTerminal::~PseudoTerminal()
 {
     for (const int descriptor : {slave, master}) {
-        if (descriptor >= 0) {
+        if (descriptor >= 0)
             ::close(descriptor);
-        }
     }
 }
 
@@ -73,11 +71,10 @@ void PseudoTerminal::write(std::span<const std::uint8_t> bytes) const
 {
     while (!bytes.empty()) {
         const ssize_t count = ::write(master, bytes.data(), bytes.size());
-        if (count > 0) {
+        if (count > 0)
             bytes = bytes.subspan(static_cast<std::size_t>(count));
-        } else if (count == 0 || errno != EINTR) {
+        else if (count == 0 || errno != EINTR)
             return;
-        }
     }
 }
 

@@ -14,14 +14,12 @@ int main()
     const std::filesystem::path folder = std::filesystem::path(program).parent_path();
 
     std::string line;
-    for (const wchar_t *at = GetCommandLineW(); *at != L'\0'; ++at) {
+    for (const wchar_t *at = GetCommandLineW(); *at != L'\0'; ++at)
         line.push_back(*at < 0x80 ? static_cast<char>(*at) : '?');
-    }
     std::ofstream(folder / "sc_calls.txt", std::ios::app | std::ios::binary) << line << '\n';
 
     std::ifstream answer(folder / "sc_answer.txt", std::ios::binary);
-    for (std::string text; std::getline(answer, text);) {
+    for (std::string text; std::getline(answer, text);)
         std::puts(text.c_str());
-    }
     return 0;
 }

@@ -16,9 +16,8 @@ constexpr std::string_view PLACES[] = {"computer", "box", "nowhere"};
 template <std::size_t count> QStringList namesIn(const std::string_view (&names)[count])
 {
     QStringList texts;
-    for (const std::string_view name : names) {
+    for (const std::string_view name : names)
         texts << toQString(name);
-    }
     return texts;
 }
 
@@ -27,18 +26,16 @@ template <typename Enumeration, std::size_t count>
 bool parseName(const std::string_view (&names)[count], std::string_view text, Enumeration &value)
 {
     const auto found = std::find(std::begin(names), std::end(names), text);
-    if (found == std::end(names)) {
+    if (found == std::end(names))
         return false;
-    }
     value = static_cast<Enumeration>(found - std::begin(names));
     return true;
 }
 
 bool storeText(std::string &target, std::string_view text)
 {
-    if (text.size() >= DEVICE_TEXT_SIZE) {
+    if (text.size() >= DEVICE_TEXT_SIZE)
         return false;
-    }
     target = text;
     return true;
 }
@@ -77,9 +74,8 @@ bool setStarted(Device &device, std::string_view text)
 bool setProblem(Device &device, std::string_view text)
 {
     const auto number = parseNumber(text);
-    if (!number || *number < 0 || *number > LARGEST_PROBLEM) {
+    if (!number || *number < 0 || *number > LARGEST_PROBLEM)
         return false;
-    }
     device.problem = static_cast<std::uint32_t>(*number);
     return true;
 }
@@ -106,18 +102,16 @@ constexpr Key KEYS[] = {
 QStringList deviceNames(const DeviceTree &devices)
 {
     QStringList names;
-    for (const std::int32_t slot : devices.allSlots()) {
+    for (const std::int32_t slot : devices.allSlots())
         names << toQString(devices.device(slot).name);
-    }
     return names;
 }
 
 std::optional<std::int32_t> chooseDevice(ToolContext &context, const QString &name)
 {
     const auto slot = context.computer->devices().find(name.toStdString());
-    if (!slot) {
+    if (!slot)
         complainAboutName(context, QStringLiteral("device"), name, deviceNames(context.computer->devices()));
-    }
     return slot;
 }
 
@@ -150,17 +144,15 @@ ExitCode showDevices(ToolContext &context, const QStringList &)
 ExitCode changeDevice(ToolContext &context, const QStringList &arguments)
 {
     const auto slot = chooseDevice(context, arguments.at(0));
-    if (!slot) {
+    if (!slot)
         return WrongUsage;
-    }
     const std::string name = arguments.at(1).toStdString();
     const auto key =
         std::find_if(std::begin(KEYS), std::end(KEYS), [&name](const Key &row) { return row.name == name; });
     if (key == std::end(KEYS)) {
         QStringList keys;
-        for (const Key &row : KEYS) {
+        for (const Key &row : KEYS)
             keys << toQString(row.name);
-        }
         return complainAboutName(context, QStringLiteral("key"), arguments.at(1), keys);
     }
     Device device = context.computer->devices().device(*slot);
@@ -190,12 +182,10 @@ ExitCode addDevice(ToolContext &context, const QStringList &arguments)
             QStringLiteral("the name \"%1\" is taken; there are: %2")
                 .arg(arguments.at(0), deviceNames(devices).join(QLatin1String(", "))));
     }
-    if (!setKind(device, arguments.at(1).toStdString())) {
+    if (!setKind(device, arguments.at(1).toStdString()))
         return complainAboutName(context, QStringLiteral("kind of device"), arguments.at(1), namesIn(KINDS));
-    }
-    if (!setDescription(device, arguments.at(2).toStdString())) {
+    if (!setDescription(device, arguments.at(2).toStdString()))
         return complain(context, WrongUsage, QStringLiteral("the description is too long"));
-    }
     if (!devices.add(device)) {
         return complain(context, Failed,
             QStringLiteral("there are %1 devices already; remove-device makes room").arg(DEVICE_SLOTS));
@@ -206,9 +196,8 @@ ExitCode addDevice(ToolContext &context, const QStringList &arguments)
 ExitCode removeDevice(ToolContext &context, const QStringList &arguments)
 {
     const auto slot = chooseDevice(context, arguments.at(0));
-    if (!slot) {
+    if (!slot)
         return WrongUsage;
-    }
     context.computer->devices().remove(*slot);
     return Done;
 }

@@ -44,12 +44,10 @@ ExitCode complainAboutValue(ToolContext &context, const FaultDescription &fault,
 std::optional<std::int32_t> parseTarget(
     const ToolContext &context, const FaultDescription &fault, const QString &text)
 {
-    if (fault.kind == FaultValue::Register) {
+    if (fault.kind == FaultValue::Register)
         return parseRegister(text);
-    }
-    if (text == QLatin1String("on")) {
+    if (text == QLatin1String("on"))
         return fault.onValue;
-    }
     return context.computer->devices().find(text.toStdString());
 }
 
@@ -57,13 +55,11 @@ ExitCode switchOnAtTarget(
     ToolContext &context, const FaultDescription &fault, const QString &text, const QString &skipText)
 {
     const auto target = parseTarget(context, fault, text);
-    if (!target) {
+    if (!target)
         return complainAboutValue(context, fault, text);
-    }
     const auto skip = parseNumber(skipText.toStdString());
-    if (!skip || *skip < 0 || *skip > MOST_SKIPPED) {
+    if (!skip || *skip < 0 || *skip > MOST_SKIPPED)
         return complainAboutValue(context, fault, text + QLatin1Char(' ') + skipText);
-    }
     context.computer->faults().switchOn(fault.fault, *target, static_cast<std::uint32_t>(*skip));
     return Done;
 }
@@ -71,9 +67,8 @@ ExitCode switchOnAtTarget(
 ExitCode switchOnWithNumber(ToolContext &context, const FaultDescription &fault, const QString &text)
 {
     const auto number = parseNumber(text.toStdString());
-    if (!number || *number < fault.minimum || *number > fault.maximum) {
+    if (!number || *number < fault.minimum || *number > fault.maximum)
         return complainAboutValue(context, fault, text);
-    }
     const auto value = static_cast<std::int32_t>(*number);
     const std::uint32_t skip = fault.kind == FaultValue::Count ? static_cast<std::uint32_t>(value) : 0;
     context.computer->faults().switchOn(fault.fault, value, skip);
@@ -86,19 +81,16 @@ ExitCode switchOn(ToolContext &context, const FaultDescription &fault, const QSt
     const bool plainOn = text.isEmpty() || text == QLatin1String("on");
     const bool takesTarget = fault.kind == FaultValue::Register || fault.kind == FaultValue::Device;
     const bool hasDefault = fault.kind != FaultValue::Register && fault.kind != FaultValue::Count;
-    if (values.size() > 1 && !takesTarget) {
+    if (values.size() > 1 && !takesTarget)
         return complainAboutValue(context, fault, values.join(QLatin1Char(' ')));
-    }
     if (plainOn && hasDefault && values.size() < 2) {
         context.computer->faults().switchOn(fault.fault, fault.onValue);
         return Done;
     }
-    if (takesTarget && !text.isEmpty()) {
+    if (takesTarget && !text.isEmpty())
         return switchOnAtTarget(context, fault, text, values.value(1, QStringLiteral("0")));
-    }
-    if (plainOn || fault.kind == FaultValue::None) {
+    if (plainOn || fault.kind == FaultValue::None)
         return complainAboutValue(context, fault, text);
-    }
     return switchOnWithNumber(context, fault, text);
 }
 
@@ -107,9 +99,8 @@ ExitCode switchOn(ToolContext &context, const FaultDescription &fault, const QSt
 ExitCode switchFault(ToolContext &context, const QStringList &arguments)
 {
     const FaultDescription *fault = findFault(arguments.first().toStdString());
-    if (fault == nullptr) {
+    if (fault == nullptr)
         return complainAboutName(context, QStringLiteral("fault"), arguments.first(), faultNames());
-    }
     const QStringList values = arguments.mid(1);
     if (values == QStringList {QStringLiteral("off")}) {
         context.computer->faults().switchOff(fault->fault);

@@ -14,9 +14,8 @@ std::optional<FirmwareVersion> parseVersion(const QStringList &fields)
     const auto major = parseByte(fields.at(0).toStdString());
     const auto minor = parseByte(fields.at(1).toStdString());
     const auto patch = parseByte(fields.at(2).toStdString());
-    if (!major || !minor || !patch) {
+    if (!major || !minor || !patch)
         return std::nullopt;
-    }
     return FirmwareVersion {*major, *minor, *patch};
 }
 
@@ -50,9 +49,8 @@ ExitCode makeFirmware(ToolContext &context, const QStringList &arguments)
         std::filesystem::path(arguments.first().toStdU16String()), std::ios::binary | std::ios::trunc);
     file.write(reinterpret_cast<const char *>(image.data()), static_cast<std::streamsize>(image.size()));
     file.close();
-    if (!file) {
+    if (!file)
         return complain(context, Failed, QStringLiteral("\"%1\" cannot be written").arg(arguments.first()));
-    }
     return Done;
 }
 

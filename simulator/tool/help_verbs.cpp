@@ -25,9 +25,8 @@ void printOverview(QTextStream &out)
 {
     out << "tarnsim - do to the simulated computer what a person would do to a real one\n\n"
         << "Usage: tarnsim [--state FILE] VERB [ARGUMENTS]\n\nVerbs:\n";
-    for (const Verb &verb : verbTable()) {
+    for (const Verb &verb : verbTable())
         out << "  " << QString::fromLatin1(verb.name).leftJustified(15) << verb.summary << '\n';
-    }
     out << "\nThe state file is the one given with --state, else the one in TARN_SIMULATOR_STATE, else the "
            "first\n"
         << "that is there: ./function/simulated_computer.state, ./simulated_computer.state, or\n"
@@ -42,9 +41,8 @@ void printVerb(QTextStream &out, const Verb &verb)
     const QString line = QStringLiteral("Usage: tarnsim [--state FILE] %1 %2")
                              .arg(QString::fromLatin1(verb.name), QString::fromLatin1(verb.syntax));
     out << line.trimmed() << "\n\n" << verb.summary << '\n';
-    if (*verb.details != '\0') {
+    if (*verb.details != '\0')
         out << '\n' << verb.details << '\n';
-    }
 }
 
 } // namespace
@@ -69,9 +67,8 @@ ExitCode showHelp(ToolContext &context, const QStringList &arguments)
         return Done;
     }
     const Verb *verb = findVerb(arguments.first());
-    if (verb == nullptr) {
+    if (verb == nullptr)
         return complainAboutName(context, QStringLiteral("verb"), arguments.first(), verbNames());
-    }
     printVerb(context.out, *verb);
     return Done;
 }

@@ -13,16 +13,13 @@ constexpr std::uint8_t SOME_UNKNOWN_CODE = 9;
 std::optional<Accessory> chooseAccessory(const QString &text)
 {
     const std::string plain = text.toStdString();
-    if (const Accessory *known = findAccessory(plain)) {
+    if (const Accessory *known = findAccessory(plain))
         return *known;
-    }
-    if (plain == unknownAccessory(SOME_UNKNOWN_CODE).name) {
+    if (plain == unknownAccessory(SOME_UNKNOWN_CODE).name)
         return unknownAccessory(SOME_UNKNOWN_CODE);
-    }
     const auto code = parseByte(plain);
-    if (!code) {
+    if (!code)
         return std::nullopt;
-    }
     const Accessory *known = findAccessory(*code);
     return known == nullptr ? unknownAccessory(*code) : *known;
 }
@@ -59,9 +56,8 @@ ExitCode detachAccessory(ToolContext &context, const QStringList &)
 ExitCode getValue(ToolContext &context, const QStringList &arguments)
 {
     const MachineValue *value = findMachineValue(arguments.first().toStdString());
-    if (value == nullptr) {
+    if (value == nullptr)
         return complainAboutName(context, QStringLiteral("value"), arguments.first(), valueNames());
-    }
     context.out << toQString(value->read(*context.computer)) << '\n';
     return Done;
 }
@@ -71,9 +67,8 @@ ExitCode setValue(ToolContext &context, const QStringList &arguments)
     const QString &name = arguments.at(0);
     const QString &text = arguments.at(1);
     const MachineValue *value = findMachineValue(name.toStdString());
-    if (value == nullptr) {
+    if (value == nullptr)
         return complainAboutName(context, QStringLiteral("value"), name, valueNames());
-    }
     if (value->write == nullptr) {
         return complain(
             context, WrongUsage, QStringLiteral("%1 is set by the host and can only be read").arg(name));

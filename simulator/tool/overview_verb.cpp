@@ -41,9 +41,8 @@ void printLine(QTextStream &out, const QString &label, const QString &text)
 
 QString accessoryText(const ComputerControl &computer)
 {
-    if (!computer.isAttached()) {
+    if (!computer.isAttached())
         return QStringLiteral("none (link status %1)").arg(computer.peek(MCU_LINK_STATUS));
-    }
     const std::uint8_t code = computer.peek(ACCESSORY_CODE);
     const Accessory *known = findAccessory(code);
     const std::string_view name = known == nullptr ? unknownAccessory(code).name : known->name;
@@ -59,9 +58,8 @@ QString accessoryText(const ComputerControl &computer)
 QString eventsText(const ComputerControl &computer)
 {
     QStringList events;
-    for (const AppEvent &event : computer.armedEvents()) {
+    for (const AppEvent &event : computer.armedEvents())
         events << toQString(hexText(event.code, 2) + " data " + hexText(event.data, 2));
-    }
     return events.isEmpty() ? QStringLiteral("none") : events.join(QLatin1String(", "));
 }
 
@@ -79,9 +77,8 @@ QString faultsText(const ComputerControl &computer)
 {
     QStringList faults;
     for (const FaultDescription &fault : faultTable()) {
-        if (const QString state = faultStateText(computer.faults(), fault); !state.isEmpty()) {
+        if (const QString state = faultStateText(computer.faults(), fault); !state.isEmpty())
             faults << QStringLiteral("%1: %2").arg(toQString(fault.name), state);
-        }
     }
     return faults.isEmpty() ? QStringLiteral("none") : faults.join(QLatin1String("; "));
 }

@@ -74,9 +74,8 @@ struct LogRequest
 std::optional<std::uint64_t> parseCount(const QString &text, std::int64_t maximum)
 {
     const auto number = parseNumber(text.toStdString());
-    if (!number || *number < 0 || *number > maximum) {
+    if (!number || *number < 0 || *number > maximum)
         return std::nullopt;
-    }
     return static_cast<std::uint64_t>(*number);
 }
 
@@ -121,9 +120,8 @@ std::optional<LogRequest> parseLogRequest(const QStringList &arguments, QString 
 
 void printReading(QTextStream &out, const LogReading &reading)
 {
-    if (reading.lost > 0) {
+    if (reading.lost > 0)
         out << "(" << reading.lost << " accesses lost)\n";
-    }
     for (const RegisterAccess &access : reading.accesses) {
         const QString seconds = QString::number(static_cast<double>(access.timeMs) / 1000, 'f', 3);
         const char *kind = access.kind == AccessKind::Read ? "read " : "write";
@@ -149,9 +147,8 @@ void followLog(QTextStream &out, const RegisterLog &log, std::uint64_t cursor, c
 ExitCode peekMemory(ToolContext &context, const QStringList &arguments)
 {
     const auto place = parsePlace(arguments.at(0));
-    if (!place) {
+    if (!place)
         return complainAboutPlace(context, arguments.at(0));
-    }
     const auto most = static_cast<std::int64_t>(place->memorySize() - place->address);
     const auto count = parseCount(arguments.value(1, QStringLiteral("1")), most);
     if (!count || *count == 0) {
@@ -168,19 +165,17 @@ ExitCode peekMemory(ToolContext &context, const QStringList &arguments)
 ExitCode pokeMemory(ToolContext &context, const QStringList &arguments)
 {
     const auto place = parsePlace(arguments.at(0));
-    if (!place) {
+    if (!place)
         return complainAboutPlace(context, arguments.at(0));
-    }
     const auto value = parseByte(arguments.at(1).toStdString());
     if (!value) {
         return complain(
             context, WrongUsage, QStringLiteral("\"%1\" is no byte; allowed: 0 to 255").arg(arguments.at(1)));
     }
-    if (place->inEeprom) {
+    if (place->inEeprom)
         context.computer->pokeEeprom(static_cast<std::uint8_t>(place->address), *value);
-    } else {
+    else
         context.computer->poke(place->address, *value);
-    }
     return Done;
 }
 
@@ -188,9 +183,8 @@ ExitCode showRegisterLog(ToolContext &context, const QStringList &arguments)
 {
     QString objection;
     const auto request = parseLogRequest(arguments, objection);
-    if (!request) {
+    if (!request)
         return complain(context, WrongUsage, objection);
-    }
     const RegisterLog &log = context.computer->registerLog();
     const std::uint64_t end = log.end();
     std::uint64_t cursor = end;
@@ -199,9 +193,8 @@ ExitCode showRegisterLog(ToolContext &context, const QStringList &arguments)
         printReading(context.out, reading);
         cursor = reading.cursor;
     }
-    if (request->follow) {
+    if (request->follow)
         followLog(context.out, log, cursor, *request);
-    }
     return Done;
 }
 

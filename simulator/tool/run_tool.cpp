@@ -33,9 +33,8 @@ bool splitCommandLine(const QStringList &arguments, CommandLine &line)
             line.words << argument;
             continue;
         }
-        if (!line.helpWanted && line.stateFile.isEmpty()) {
+        if (!line.helpWanted && line.stateFile.isEmpty())
             return false;
-        }
     }
     return true;
 }
@@ -46,16 +45,14 @@ ExitCode runOnMachine(
     const StateChoice choice = chooseStateFile(named);
     const bool mayCreate = verb.need == StateNeed::IsCreated;
     std::error_code ignored;
-    if (!mayCreate && !std::filesystem::exists(choice.file, ignored)) {
+    if (!mayCreate && !std::filesystem::exists(choice.file, ignored))
         return complain(context, Failed, missingStateText(choice));
-    }
     std::string error;
     const auto missing =
         mayCreate ? MachineStateFile::Missing::IsCreated : MachineStateFile::Missing::IsAnError;
     const auto file = MachineStateFile::open(choice.file, missing, error);
-    if (!file) {
+    if (!file)
         return complain(context, Failed, toQString(error));
-    }
     ComputerControl computer(file->state());
     context.computer = &computer;
     context.stateFile = file->path();
@@ -68,28 +65,24 @@ int runTool(const QStringList &arguments, QTextStream &out, QTextStream &err)
 {
     ToolContext context {out, err, nullptr, {}};
     CommandLine line;
-    if (!splitCommandLine(arguments, line)) {
+    if (!splitCommandLine(arguments, line))
         return complain(context, WrongUsage, QStringLiteral("--state needs the name of a file"));
-    }
-    if (line.helpWanted) {
+    if (line.helpWanted)
         return showHelp(context, line.words.mid(0, 1));
-    }
     if (line.words.isEmpty()) {
         return complain(context, WrongUsage,
             QStringLiteral("a verb is missing; there are: %1").arg(verbNames().join(QLatin1String(", "))));
     }
     const QString name = line.words.takeFirst();
     const Verb *verb = findVerb(name);
-    if (verb == nullptr) {
+    if (verb == nullptr)
         return complainAboutName(context, QStringLiteral("verb"), name, verbNames());
-    }
     if (line.words.size() < verb->fewestArguments || line.words.size() > verb->mostArguments) {
         const QString usage = QStringLiteral("%1 %2").arg(name, QString::fromLatin1(verb->syntax)).trimmed();
         return complain(context, WrongUsage, QStringLiteral("wrong arguments; usage: tarnsim %1").arg(usage));
     }
-    if (verb->need == StateNeed::None) {
+    if (verb->need == StateNeed::None)
         return verb->run(context, line.words);
-    }
     return runOnMachine(context, *verb, line.words, line.stateFile);
 }
 

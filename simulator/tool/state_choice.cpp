@@ -28,12 +28,10 @@ std::filesystem::path programFolder()
 
 StateChoice chooseStateFile(const QString &named)
 {
-    if (!named.isEmpty()) {
+    if (!named.isEmpty())
         return only(named.toStdU16String());
-    }
-    if (const auto file = stateFileFromEnvironment()) {
+    if (const auto file = stateFileFromEnvironment())
         return only(*file);
-    }
     const std::vector<std::filesystem::path> candidates {
         std::filesystem::path("function") / STATE_FILE_NAME,
         STATE_FILE_NAME,
@@ -43,9 +41,8 @@ StateChoice chooseStateFile(const QString &named)
     for (const std::filesystem::path &candidate : candidates) {
         choice.places << QString::fromStdU16String(candidate.u16string());
         std::error_code ignored;
-        if (choice.file.empty() && std::filesystem::exists(candidate, ignored)) {
+        if (choice.file.empty() && std::filesystem::exists(candidate, ignored))
             choice.file = candidate;
-        }
     }
     if (choice.file.empty()) {
         std::error_code ignored;

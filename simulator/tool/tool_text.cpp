@@ -14,9 +14,8 @@ namespace {
 template <typename Rows> QStringList namesOf(const Rows &rows)
 {
     QStringList names;
-    for (const auto &row : rows) {
+    for (const auto &row : rows)
         names << toQString(row.name);
-    }
     return names;
 }
 
@@ -77,13 +76,11 @@ qsizetype columnWidth(const QStringList &names)
 std::optional<std::uint16_t> parseRegister(const QString &text)
 {
     const std::string plain = text.toStdString();
-    if (const auto known = registerAddress(plain)) {
+    if (const auto known = registerAddress(plain))
         return known;
-    }
     const auto number = parseNumber(plain);
-    if (!number || *number < 0 || *number > 0xFFFF) {
+    if (!number || *number < 0 || *number > 0xFFFF)
         return std::nullopt;
-    }
     return static_cast<std::uint16_t>(*number);
 }
 
@@ -95,9 +92,8 @@ QString registerText(std::uint16_t address)
 QString faultStateText(const FaultPanel &panel, const FaultDescription &fault)
 {
     const auto value = panel.value(fault.fault);
-    if (!value) {
+    if (!value)
         return {};
-    }
     const QString remaining = QString::number(panel.remaining(fault.fault));
     switch (fault.kind) {
     case FaultValue::Number:

@@ -24,9 +24,8 @@ void noteCall(const std::string &line)
     const std::scoped_lock lock(mutex);
     const HANDLE file = CreateFileW((folderOfHost() / L"calls.txt").wstring().c_str(), FILE_APPEND_DATA,
         FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr, OPEN_ALWAYS, 0, nullptr);
-    if (file == INVALID_HANDLE_VALUE) {
+    if (file == INVALID_HANDLE_VALUE)
         return;
-    }
     const std::string text = line + '\n';
     DWORD written = 0;
     WriteFile(file, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
@@ -46,9 +45,8 @@ void noteClosed(HANDLE handle)
     {
         const std::scoped_lock lock(mutex);
         const auto known = openHandles().extract(handle);
-        if (known.empty()) {
+        if (known.empty())
             return;
-        }
         kind = known.mapped();
     }
     noteCall("closed " + kind);
@@ -63,9 +61,8 @@ bool isOpen(HANDLE handle, const char *kind)
 
 std::string utf8(const wchar_t *text)
 {
-    if (text == nullptr) {
+    if (text == nullptr)
         return "-";
-    }
     const int size = WideCharToMultiByte(CP_UTF8, 0, text, -1, nullptr, 0, nullptr, nullptr); // with the zero
     std::string narrow(static_cast<std::size_t>(size), '\0');
     WideCharToMultiByte(CP_UTF8, 0, text, -1, narrow.data(), size, nullptr, nullptr);

@@ -36,9 +36,8 @@ void awaitClosing()
 
 BOOL WINAPI setHandler(PHANDLER_ROUTINE handler, BOOL add)
 {
-    if (handler != nullptr && add && closeHandler.exchange(handler) == nullptr) {
+    if (handler != nullptr && add && closeHandler.exchange(handler) == nullptr)
         std::thread(awaitClosing).detach();
-    }
     return SetConsoleCtrlHandler(handler, add);
 }
 

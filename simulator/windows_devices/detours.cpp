@@ -18,9 +18,8 @@ void detour(ULONGLONG *entry, const char *function)
 {
     for (const auto &rows : {sessionDetours(), serviceDetours(), consoleDetours()}) {
         for (const Detour &row : rows) {
-            if (std::strcmp(row.function, function) != 0) {
+            if (std::strcmp(row.function, function) != 0)
                 continue;
-            }
             DWORD before = 0;
             VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &before);
             *entry = reinterpret_cast<ULONGLONG>(row.replacement);
@@ -36,17 +35,15 @@ void detourImportsOfProgram()
     const auto *dos = at<IMAGE_DOS_HEADER>(base, 0);
     const auto *headers = at<IMAGE_NT_HEADERS>(base, static_cast<ULONGLONG>(dos->e_lfanew));
     const auto &imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
-    if (imports.VirtualAddress == 0) {
+    if (imports.VirtualAddress == 0)
         return;
-    }
     for (auto *library = at<IMAGE_IMPORT_DESCRIPTOR>(base, imports.VirtualAddress); library->FirstThunk != 0;
          ++library) {
         const auto *names = at<IMAGE_THUNK_DATA>(base, library->OriginalFirstThunk);
         auto *entries = at<IMAGE_THUNK_DATA>(base, library->FirstThunk);
         for (; names->u1.AddressOfData != 0; ++names, ++entries) {
-            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal)) {
+            if (IMAGE_SNAP_BY_ORDINAL(names->u1.Ordinal))
                 continue;
-            }
             detour(&entries->u1.Function, at<IMAGE_IMPORT_BY_NAME>(base, names->u1.AddressOfData)->Name);
         }
     }
@@ -56,8 +53,7 @@ void detourImportsOfProgram()
 
 BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID)
 {
-    if (reason == DLL_PROCESS_ATTACH) {
+    if (reason == DLL_PROCESS_ATTACH)
         detourImportsOfProgram();
-    }
     return TRUE;
 }

@@ -83,9 +83,8 @@ HDEVINFO openList(const GUID *setupClass, const void *enumerator, HWND window, D
 std::string propertyText(const SP_DEVINFO_DATA &data, DWORD property)
 {
     const bool isDescription = property == SPDRP_DEVICEDESC;
-    if (refuses(isDescription ? Fault::FailDeviceDescription : Fault::FailDeviceHardwareId, data.DevInst)) {
+    if (refuses(isDescription ? Fault::FailDeviceDescription : Fault::FailDeviceHardwareId, data.DevInst))
         return {};
-    }
     const Device device = deviceOf(data.DevInst);
     std::string text = isDescription ? device.description : device.hardwareId;
     text.push_back('\0');
@@ -106,9 +105,8 @@ std::wstring wideText(const std::string &text)
 
 BOOL giveProperty(const void *text, std::size_t bytes, BYTE *buffer, DWORD size, DWORD *needed)
 {
-    if (needed != nullptr) {
+    if (needed != nullptr)
         *needed = static_cast<DWORD>(bytes);
-    }
     if (bytes == 0 || bytes > size) {
         SetLastError(bytes == 0 ? ERROR_INVALID_DATA : ERROR_INSUFFICIENT_BUFFER);
         return FALSE;
@@ -202,16 +200,13 @@ BOOL WINAPI SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO list, PSP_D
 
 CONFIGRET WINAPI CM_Get_Device_IDW(DEVINST instance, PWSTR buffer, ULONG length, ULONG flags)
 {
-    if (length != INSTANCE_ID_CHARACTERS || flags != 0) {
+    if (length != INSTANCE_ID_CHARACTERS || flags != 0)
         return CR_INVALID_FLAG;
-    }
     const std::wstring id = wideText(deviceOf(instance).instanceId);
-    if (refuses(Fault::FailDeviceId, instance)) {
+    if (refuses(Fault::FailDeviceId, instance))
         return CR_FAILURE;
-    }
-    if (id.size() >= length) {
+    if (id.size() >= length)
         return CR_BUFFER_SMALL;
-    }
     std::copy(id.begin(), id.end(), buffer);
     buffer[id.size()] = L'\0';
     return CR_SUCCESS;
@@ -219,12 +214,10 @@ CONFIGRET WINAPI CM_Get_Device_IDW(DEVINST instance, PWSTR buffer, ULONG length,
 
 CONFIGRET WINAPI CM_Get_DevNode_Status(PULONG status, PULONG problem, DEVINST instance, ULONG flags)
 {
-    if (flags != 0) {
+    if (flags != 0)
         return CR_INVALID_FLAG;
-    }
-    if (refuses(Fault::FailDeviceStatus, instance)) {
+    if (refuses(Fault::FailDeviceStatus, instance))
         return CR_NO_SUCH_DEVNODE;
-    }
     const Device device = deviceOf(instance);
     *status = (device.started ? DN_STARTED : 0) | (device.problem == 0 ? 0 : DN_HAS_PROBLEM);
     *problem = device.problem;
@@ -233,24 +226,20 @@ CONFIGRET WINAPI CM_Get_DevNode_Status(PULONG status, PULONG problem, DEVINST in
 
 CONFIGRET WINAPI CM_Enable_DevNode(DEVINST instance, ULONG flags)
 {
-    if (flags != 0) {
+    if (flags != 0)
         return CR_INVALID_FLAG;
-    }
-    if (refuses(Fault::FailDeviceEnable, instance)) {
+    if (refuses(Fault::FailDeviceEnable, instance))
         return CR_ACCESS_DENIED;
-    }
     DeviceTree(*machineOfHost()).enable(slotOf(instance));
     return CR_SUCCESS;
 }
 
 CONFIGRET WINAPI CM_Disable_DevNode(DEVINST instance, ULONG flags)
 {
-    if (flags != 0) {
+    if (flags != 0)
         return CR_INVALID_FLAG;
-    }
-    if (refuses(Fault::FailDeviceDisable, instance)) {
+    if (refuses(Fault::FailDeviceDisable, instance))
         return CR_NOT_DISABLEABLE;
-    }
     DeviceTree(*machineOfHost()).disable(slotOf(instance));
     return CR_SUCCESS;
 }

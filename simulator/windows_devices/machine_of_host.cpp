@@ -13,9 +13,8 @@ constexpr DWORD LONGEST_PATH = 32768; // characters, with the final zero
 
 std::filesystem::path stateFile()
 {
-    if (const auto named = stateFileFromEnvironment()) {
+    if (const auto named = stateFileFromEnvironment())
         return *named;
-    }
     return folderOfHost() / "function" / STATE_FILE_NAME;
 }
 

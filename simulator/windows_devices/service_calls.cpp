@@ -29,9 +29,8 @@ BOOL WINAPI report(HANDLE log, WORD type, WORD category, DWORD event, PSID user,
 {
     std::string line =
         "ReportEvent type" + number(type) + " category" + number(category) + " event" + number(event);
-    for (WORD i = 0; i < texts; ++i) {
+    for (WORD i = 0; i < texts; ++i)
         line += " \"" + utf8(text[i]) + '"';
-    }
     noteCall(line);
     return ReportEventW(log, type, category, event, user, texts, bytes, text, data);
 }
@@ -78,9 +77,8 @@ FARPROC WINAPI lookUp(HMODULE library, LPCSTR name)
     const FARPROC found = GetProcAddress(library, name);
     const bool isOrdinal = HIWORD(reinterpret_cast<ULONGLONG>(name)) == 0;
     for (const Detour &row : NOTED) {
-        if (found != nullptr && !isOrdinal && std::strcmp(row.function, name) == 0) {
+        if (found != nullptr && !isOrdinal && std::strcmp(row.function, name) == 0)
             return reinterpret_cast<FARPROC>(row.replacement);
-        }
     }
     return found;
 }

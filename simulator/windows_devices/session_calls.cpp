@@ -85,9 +85,8 @@ DWORD WINAPI consoleSession()
 BOOL WINAPI userToken(ULONG session, PHANDLE token)
 {
     const bool isConsole = session == WTSGetActiveConsoleSessionId();
-    if (isOn(Fault::NoUserToken) || !isConsole || !WTSQueryUserToken(session, token)) {
+    if (isOn(Fault::NoUserToken) || !isConsole || !WTSQueryUserToken(session, token))
         return refuse();
-    }
     noteOpened(*token, USER_TOKEN);
     return TRUE;
 }
@@ -150,18 +149,15 @@ BOOL WINAPI exitCode(HANDLE process, LPDWORD code)
 // tells where it is: without one it would be that of the system account.
 HRESULT WINAPI knownFolder(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PWSTR *path)
 {
-    if (!isServiceSession()) {
+    if (!isServiceSession())
         return SHGetKnownFolderPath(folder, flags, token, path);
-    }
     *path = nullptr;
-    if (!IsEqualGUID(folder, FOLDERID_Downloads) || flags != 0 || token == nullptr) {
+    if (!IsEqualGUID(folder, FOLDERID_Downloads) || flags != 0 || token == nullptr)
         return E_INVALIDARG;
-    }
     const std::wstring downloads = (folderOfHost() / L"console_user" / L"Downloads").wstring();
     *path = static_cast<PWSTR>(CoTaskMemAlloc((downloads.size() + 1) * sizeof(wchar_t)));
-    if (*path == nullptr) {
+    if (*path == nullptr)
         return E_OUTOFMEMORY;
-    }
     std::wmemcpy(*path, downloads.c_str(), downloads.size() + 1);
     return S_OK;
 }

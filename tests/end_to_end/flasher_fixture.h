@@ -58,9 +58,8 @@ protected:
 
     void TearDown() override
     {
-        if (port.state() != QProcess::NotRunning) {
+        if (port.state() != QProcess::NotRunning)
             EXPECT_EQ(stopPort(SIGTERM), 0);
-        }
     }
 
     [[nodiscard]] QString stateFile() const { return folder.filePath("function/simulated_computer.state"); }
@@ -88,22 +87,19 @@ protected:
     {
         using namespace tarnDeviceInfos;
         ec->writePort(EC_CMD_STATUS_PORT, XDATA_WRITE_CMD);
-        for (const int byte : {EC_MCU_UPDATE_CTRL >> 8, EC_MCU_UPDATE_CTRL & 0xFF, value}) {
+        for (const int byte : {EC_MCU_UPDATE_CTRL >> 8, EC_MCU_UPDATE_CTRL & 0xFF, value})
             ec->writePort(EC_DATA_PORT, static_cast<std::uint8_t>(byte));
-        }
     }
     void enterBootLoader()
     {
-        for (const int value : {0x20, 0x28, 0x38, 0x28}) {
+        for (const int value : {0x20, 0x28, 0x38, 0x28})
             control(value);
-        }
         ASSERT_EQ(computer->mcuMode(), tarnSimulator::McuMode::BootLoader);
     }
     void startFirmware()
     {
-        for (const int value : {0x20, 0x30, 0x20, 0x00}) {
+        for (const int value : {0x20, 0x30, 0x20, 0x00})
             control(value);
-        }
     }
 
     void write(const QString &name, const Bytes &bytes) const

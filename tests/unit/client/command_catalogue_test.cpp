@@ -52,14 +52,12 @@ TEST(TarnctlCatalogueTest, OutcomeKeysFollowTheKindOfCommand)
     // The firmware commands answer their outcome in "data", the other actions in "result", queries have none.
     for (const CommandEntry &entry : commandCatalogue()) {
         SCOPED_TRACE(fromRow(entry.name).toStdString());
-        if (entry.answerKeys.contains(QLatin1StringView("result"))) {
+        if (entry.answerKeys.contains(QLatin1StringView("result")))
             EXPECT_EQ(entry.outcomeKey, QLatin1StringView("result"));
-        }
         const bool isQuery = entry.name.startsWith(QLatin1StringView("get"))
             && entry.name != QLatin1StringView("getSmartChargingStatus");
-        if (isQuery) {
+        if (isQuery)
             EXPECT_TRUE(entry.outcomeKey.isEmpty());
-        }
     }
     for (const char *name : {"requestMcuUpdate", "requestEnterMcuUpdateMode", "requestStartEcUpdate",
              "requestEcUpdate", "getSmartChargingStatus"}) {
@@ -90,16 +88,14 @@ TEST(TarnctlHelpTest, ExplainsTheToolsOwnWords)
         EXPECT_EQ(run.code, 0) << word;
         EXPECT_TRUE(run.output.startsWith(QByteArray("tarnctl ") + word)) << word;
     }
-    for (const char *line : {"\n  watch ", "\n  raw ", "\n  update-mcu ", "\n  update-ec "}) {
+    for (const char *line : {"\n  watch ", "\n  raw ", "\n  update-mcu ", "\n  update-ec "})
         EXPECT_TRUE(runTool({"help"}).output.contains(line)) << line;
-    }
     const ToolRun general = runTool({"help"});
     EXPECT_EQ(general.code, 0);
     EXPECT_TRUE(general.output.startsWith("Usage: tarnctl"));
     EXPECT_EQ(runTool({"-h"}).output, general.output);
-    for (const CommandEntry &entry : commandCatalogue()) {
+    for (const CommandEntry &entry : commandCatalogue())
         EXPECT_TRUE(general.output.contains(fromRow(entry.name).toUtf8()));
-    }
 }
 
 TEST(TarnctlHelpTest, UnknownTopicIsAUsageError)

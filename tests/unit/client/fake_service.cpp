@@ -40,9 +40,8 @@ QByteArrayList FakeService::requests() const
 QStringList FakeService::commands() const
 {
     QStringList names;
-    for (const QByteArray &request : m_requests) {
+    for (const QByteArray &request : m_requests)
         names << QJsonDocument::fromJson(request).object().value(QStringLiteral("cmd")).toString();
-    }
     return names;
 }
 
@@ -81,9 +80,8 @@ void FakeService::notify(const QString &command, const QString &data)
 
 void FakeService::dropClient()
 {
-    if (m_client) {
+    if (m_client)
         m_client->abort();
-    }
 }
 
 void FakeService::stopListening()
@@ -94,9 +92,8 @@ void FakeService::stopListening()
 void FakeService::startListening()
 {
     QLocalServer::removeServer(m_pipeName);
-    if (!m_server.listen(m_pipeName)) {
+    if (!m_server.listen(m_pipeName))
         qFatal("The test's pipe cannot be opened.");
-    }
 }
 
 void FakeService::later(std::chrono::milliseconds delay, std::function<void()> action)
@@ -111,9 +108,8 @@ void FakeService::takeConnection()
     m_client = socket;
     connect(socket, &QLocalSocket::readyRead, this, [this, socket] { takeRequest(socket); });
     connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-    if (m_connectionHandler) {
+    if (m_connectionHandler)
         m_connectionHandler();
-    }
 }
 
 void FakeService::takeRequest(QLocalSocket *socket)
@@ -121,9 +117,8 @@ void FakeService::takeRequest(QLocalSocket *socket)
     m_client = socket;
     const QByteArray bytes = socket->readAll();
     m_requests << bytes;
-    if (m_requestHandler) {
+    if (m_requestHandler)
         m_requestHandler(QJsonDocument::fromJson(bytes).object());
-    }
 }
 
 } // namespace tarnClientTest

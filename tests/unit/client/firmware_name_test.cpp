@@ -31,7 +31,6 @@ TEST(TarnctlFirmwareNameTest, NamesThatHoldASettingOfTheEcToolAreRefusedForTheEc
         EXPECT_FALSE(firmwareNameObjection(name, FirmwareKind::Mcu).has_value()) << key;
     }
     EXPECT_TRUE(firmwareNameObjection("BIOS_0105.bin", FirmwareKind::Ec).has_value());
-    for (const char *name : {"bios_0105.bin", "BinName.bin", "Shutdown.bin", "Read.bin"}) {
+    for (const char *name : {"bios_0105.bin", "BinName.bin", "Shutdown.bin", "Read.bin"})
         EXPECT_FALSE(firmwareNameObjection(name, FirmwareKind::Ec).has_value()) << name;
-    }
 }

@@ -22,9 +22,8 @@ protected:
         service.onRequest([this](const QJsonObject &request) {
             const QString command = request.value("cmd").toString();
             present << folders.downloadNames();
-            if (command == silentAt) {
+            if (command == silentAt)
                 return;
-            }
             if (command == leavingAt) {
                 service.dropClient();
                 return;
@@ -39,16 +38,10 @@ protected:
 
     void answer(const QString &command, QJsonObject request)
     {
-        if (command == "requestMcuUpdate" && !version.isEmpty()) {
+        if (command == "requestMcuUpdate" && !version.isEmpty())
             request = withField(request, "mcuVer", version);
-        }
-        if (command == interruptedAt) {
+        if (command == interruptedAt)
             std::raise(SIGINT);
-        }
-        if (command == "getAccessoryType" && !firstAccessory.isEmpty()) {
-            service.answer(request, "data", std::exchange(firstAccessory, {}));
-            return;
-        }
         service.answer(request, "data", answers.value(command));
     }
 

@@ -25,9 +25,8 @@ struct Collected
 Collected feedAll(JsonSplitter &splitter, const QByteArrayList &chunks)
 {
     Collected collected;
-    for (const QByteArray &chunk : chunks) {
+    for (const QByteArray &chunk : chunks)
         collected.take(splitter.feed(chunk));
-    }
     return collected;
 }
 

@@ -16,18 +16,15 @@ void waitUntilExhausted(StdinReader &reader, QStringList &lines)
     QEventLoop loop;
     QTimer::singleShot(std::chrono::seconds(20), &loop, &QEventLoop::quit);
     const auto drain = [&] {
-        while (const std::optional<QString> line = reader.takeLine()) {
+        while (const std::optional<QString> line = reader.takeLine())
             lines << *line;
-        }
-        if (reader.isExhausted()) {
+        if (reader.isExhausted())
             loop.quit();
-        }
     };
     QObject::connect(&reader, &StdinReader::changed, &loop, drain);
     drain();
-    if (!reader.isExhausted()) {
+    if (!reader.isExhausted())
         loop.exec();
-    }
 }
 
 } // namespace
@@ -44,9 +41,8 @@ TEST(StdinReaderTest, HandsOutLinesInOrder)
 TEST(StdinReaderTest, ManyLinesAllArrive)
 {
     std::string text;
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 5000; ++i)
         text += std::to_string(i) + "\n";
-    }
     StdinReader reader(std::make_shared<std::istringstream>(text));
     QStringList lines;
     waitUntilExhausted(reader, lines);
@@ -57,17 +53,15 @@ TEST(StdinReaderTest, ManyLinesAllArrive)
 TEST(StdinReaderTest, LeavingWithLinesUntakenEndsTheThread)
 {
     std::string text;
-    for (int i = 0; i < 5000; ++i) {
+    for (int i = 0; i < 5000; ++i)
         text += "x\n";
-    }
     // The thread fills the queue and then waits for room.
     std::make_unique<StdinReader>(std::make_shared<std::istringstream>(text)).reset();
     QEventLoop loop;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &loop, [&loop] {
-        if (!StdinReader::hasThreadLeftBehind()) {
+        if (!StdinReader::hasThreadLeftBehind())
             loop.quit();
-        }
     });
     poll.start(std::chrono::milliseconds(5));
     QTimer::singleShot(std::chrono::seconds(20), &loop, &QEventLoop::quit);

@@ -10,9 +10,8 @@ namespace tarnClientTest {
 FirmwareFolders::FirmwareFolders()
 {
     writeFile(firmware(), "new firmware");
-    if (!QDir().mkpath(downloads())) {
+    if (!QDir().mkpath(downloads()))
         qFatal("The test's download folder cannot be made.");
-    }
 }
 
 QString FirmwareFolders::firmware() const
@@ -38,9 +37,8 @@ QStringList FirmwareFolders::downloadNames() const
 void writeFile(const QString &path, const QByteArray &content)
 {
     QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("The test's file cannot be written.");
-    }
 }
 
 QByteArray readFile(const QString &path)

@@ -73,9 +73,8 @@ QByteArray withoutTimes(const QByteArray &output)
 void notifyAtOnce(FakeService &service, int count)
 {
     service.onConnection([&service, count] {
-        for (int i = 1; i <= count; ++i) {
+        for (int i = 1; i <= count; ++i)
             service.notify("getTarnBatteryNum", QString::number(i));
-        }
     });
 }
 
@@ -183,9 +182,8 @@ TEST(TarnctlWatchTest, LastIsFollowedByTheNextCommandInAReadOfItsOwn)
 {
     FakeService service;
     service.onRequest([&service](const QJsonObject &request) {
-        if (request.value("data").toString() != "last") {
+        if (request.value("data").toString() != "last")
             service.answer(request, "data", "1.23");
-        }
     });
     const ToolRun run = runTool(service, {"watch"}, typed("powerModeControl last\ngetMcuVersion\nquit\n"));
     EXPECT_EQ(withoutTimes(run.output), "answer powerModeControl sent\nanswer getMcuVersion 1.23\n");
@@ -250,9 +248,8 @@ TEST(TarnctlWatchTest, CommandsThatWereNotSentInTimeAreToldAndCount)
     FakeService service;
     QStringList answered {"getHardwareVersion"};
     service.onRequest([&](const QJsonObject &request) {
-        if (answered.contains(request.value("cmd").toString())) {
+        if (answered.contains(request.value("cmd").toString()))
             service.answer(request, "data", "1");
-        }
     });
     const ToolRun one = runTool(service, {"watch", "--for", "1.5"},
         typed("getHardwareVersion\ngetMcuVersion\n\n setDockLedStatus on\nquit\n"));
@@ -308,11 +305,10 @@ TEST(TarnctlWatchTest, ReconnectWaitsForTheService)
     service.stopListening();
     service.later(milliseconds(100), [&service] { service.startListening(); });
     service.onConnection([&service] {
-        if (service.connections() == 1) {
+        if (service.connections() == 1)
             service.later(milliseconds(20), [&service] { service.dropClient(); });
-        } else {
+        else
             service.notify("changeAccessoryType", "dock");
-        }
     });
     const ToolRun run = runTool(service, {"watch", "--reconnect", "--count", "1", "--for", "20"});
     EXPECT_EQ(run.code, 0);

@@ -10,9 +10,8 @@ using tarnGui::choosePopup;
 
 TEST(GuiCommandLineTest, OneSwitchChoosesItsPopup)
 {
-    for (const tarnGui::Popup &popup : tarnGui::popupTable()) {
+    for (const tarnGui::Popup &popup : tarnGui::popupTable())
         EXPECT_EQ(choosePopup(Words {popup.commandSwitch.data()}), &popup);
-    }
 }
 
 TEST(GuiCommandLineTest, AnythingElseChoosesNone)

@@ -71,12 +71,10 @@ TEST(GuiPopupTableTest, TextsEndWithZero)
 {
     for (const Popup &popup : tarnGui::popupTable()) {
         EXPECT_EQ(popup.title.data()[popup.title.size()], L'\0');
-        for (const std::wstring_view paragraph : popup.paragraphs) {
+        for (const std::wstring_view paragraph : popup.paragraphs)
             EXPECT_EQ(paragraph.data()[paragraph.size()], L'\0');
-        }
-        for (const PopupButton &button : popup.buttons) {
+        for (const PopupButton &button : popup.buttons)
             EXPECT_EQ(button.label.data()[button.label.size()], L'\0');
-        }
     }
 }
 

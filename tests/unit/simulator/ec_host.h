@@ -48,13 +48,11 @@ public:
 
     [[nodiscard]] std::optional<std::uint8_t> read(std::uint16_t address)
     {
-        if (!sendAddress(tarnDeviceInfos::XDATA_READ_CMD, address)) {
+        if (!sendAddress(tarnDeviceInfos::XDATA_READ_CMD, address))
             return std::nullopt;
-        }
         for (int i = 0; i < PATIENCE; ++i) {
-            if (answerWaits()) {
+            if (answerWaits())
                 return takeData();
-            }
             nowMs += POLL_MS;
         }
         return std::nullopt;
@@ -62,9 +60,8 @@ public:
 
     [[nodiscard]] bool write(std::uint16_t address, std::uint8_t value)
     {
-        if (!sendAddress(tarnDeviceInfos::XDATA_WRITE_CMD, address) || !waitForEmptyInput()) {
+        if (!sendAddress(tarnDeviceInfos::XDATA_WRITE_CMD, address) || !waitForEmptyInput())
             return false;
-        }
         sendData(value);
         return true;
     }
@@ -84,9 +81,8 @@ private:
     [[nodiscard]] bool waitForEmptyInput()
     {
         for (int i = 0; i < PATIENCE; ++i) {
-            if (!inputIsFull()) {
+            if (!inputIsFull())
                 return true;
-            }
             nowMs += POLL_MS;
         }
         return false;
@@ -98,17 +94,14 @@ private:
             static_cast<void>(takeData());
             nowMs += POLL_MS;
         }
-        if (!waitForEmptyInput()) {
+        if (!waitForEmptyInput())
             return false;
-        }
         sendCommand(command);
-        if (!waitForEmptyInput()) {
+        if (!waitForEmptyInput())
             return false;
-        }
         sendData(static_cast<std::uint8_t>(address >> 8));
-        if (!waitForEmptyInput()) {
+        if (!waitForEmptyInput())
             return false;
-        }
         sendData(static_cast<std::uint8_t>(address & 0xFF));
         return true;
     }

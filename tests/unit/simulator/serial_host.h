@@ -46,9 +46,8 @@ public:
     Bytes sendSummed(Bytes bytes)
     {
         std::uint8_t sum = 0;
-        for (const std::uint8_t byte : bytes) {
+        for (const std::uint8_t byte : bytes)
             sum ^= byte;
-        }
         bytes.push_back(sum);
         return send(bytes);
     }
@@ -81,17 +80,15 @@ public:
     // Past the boot loader.
     void putIntoFlash(const Bytes &bytes)
     {
-        for (std::size_t i = 0; i < state->bootLoader.flash.size(); ++i) {
+        for (std::size_t i = 0; i < state->bootLoader.flash.size(); ++i)
             state->bootLoader.flash[i].store(i < bytes.size() ? bytes[i] : 0xFF);
-        }
     }
 
     static Bytes joined(std::initializer_list<Bytes> parts)
     {
         Bytes all;
-        for (const Bytes &part : parts) {
+        for (const Bytes &part : parts)
             all.insert(all.end(), part.begin(), part.end());
-        }
         return all;
     }
 

@@ -15,9 +15,8 @@ constexpr std::uint16_t OTHER_REGISTER = 0x3412;
 std::vector<int> looksAtTheStatus(EcHost &host, int count)
 {
     std::vector<int> looks;
-    for (int i = 0; i < count; ++i) {
+    for (int i = 0; i < count; ++i)
         looks.push_back(host.wholeStatus());
-    }
     return looks;
 }
 
@@ -221,11 +220,10 @@ TEST(SimulatedChannel, TakesEachByteAfterSoManyLooks)
     host.computer.poke(SOME_REGISTER, 0x5A);
     const int bytes[] = {XDATA_READ_CMD, 0x12, 0x34};
     for (const int byte : bytes) {
-        if (byte == XDATA_READ_CMD) {
+        if (byte == XDATA_READ_CMD)
             host.sendCommand(XDATA_READ_CMD);
-        } else {
+        else
             host.sendData(static_cast<std::uint8_t>(byte));
-        }
         host.nowMs += 1000000; // time alone does not move it
         EXPECT_EQ(host.status(), IBF);
         static_cast<void>(host.takeData()); // nor does the other port

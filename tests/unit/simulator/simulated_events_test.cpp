@@ -72,9 +72,8 @@ TEST(SimulatedEvents, RefusedReadKeepsTheEvent)
 TEST(SimulatedEvents, QueueIsBoundedAndUsableAgain)
 {
     EcHost host;
-    for (std::size_t i = 0; i < EVENT_SLOTS; ++i) {
+    for (std::size_t i = 0; i < EVENT_SLOTS; ++i)
         ASSERT_TRUE(host.computer.armEvent({0x11, static_cast<std::uint8_t>(i)}));
-    }
     EXPECT_FALSE(host.computer.armEvent({0x12, 0}));
     EXPECT_EQ(host.read(XEC_APP_EVENT), 0x11);
     EXPECT_EQ(host.read(XEC_APP_EVENT_DATA), 0);
@@ -97,9 +96,8 @@ TEST(SimulatedEvents, ArmedByManyAndTakenByOneAreNeitherLostNorDoubled)
             tarnSimulator::EventQueue queue(shared);
             for (int i = 0; i < EVENTS; ++i) {
                 const AppEvent event {static_cast<std::uint8_t>(thread + 1), static_cast<std::uint8_t>(i)};
-                while (!queue.arm(event)) {
+                while (!queue.arm(event))
                     std::this_thread::yield();
-                }
             }
         });
     }
@@ -111,9 +109,8 @@ TEST(SimulatedEvents, ArmedByManyAndTakenByOneAreNeitherLostNorDoubled)
             ++count;
         }
     }
-    for (std::thread &thread : threads) {
+    for (std::thread &thread : threads)
         thread.join();
-    }
     for (auto &data : taken) {
         std::sort(data.begin(), data.end());
         ASSERT_EQ(data.size(), static_cast<std::size_t>(EVENTS));

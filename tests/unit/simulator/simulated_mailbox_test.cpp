@@ -208,9 +208,8 @@ TEST(SimulatedMailbox, DeliversTheKvaneSerialNumber)
     attachCode(host, ACCESSORY_KVANE);
     command(host, APP_EC_KVANE_SN_READ);
     const std::uint8_t expected[] = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x0A};
-    for (std::uint16_t i = 0; i < KVANE_SN_LENGTH; ++i) {
+    for (std::uint16_t i = 0; i < KVANE_SN_LENGTH; ++i)
         EXPECT_EQ(host.read(static_cast<std::uint16_t>(KVANE_SN_BYTES + i)), expected[i]);
-    }
 }
 
 TEST(SimulatedMailbox, WritesAndReadsTheKvaneLed)
@@ -244,9 +243,8 @@ TEST(SimulatedMailbox, WithoutAKvaneThereIsNoSerialNumberAndNoLed)
 
         ASSERT_TRUE(host.write(XEC_RGB_RED, 9));
         command(host, APP_EC_KVANE_SN_READ);
-        for (std::uint16_t i = 0; i < KVANE_SN_LENGTH; ++i) {
+        for (std::uint16_t i = 0; i < KVANE_SN_LENGTH; ++i)
             EXPECT_EQ(host.read(static_cast<std::uint16_t>(KVANE_SN_BYTES + i)), 0) << code;
-        }
     }
 }
 

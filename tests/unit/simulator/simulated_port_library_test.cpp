@@ -33,12 +33,10 @@ protected:
 
     void TearDown() override
     {
-        if (library.isLoaded()) {
+        if (library.isLoaded())
             library.unload();
-        }
-        if (!environment.isEmpty()) {
+        if (!environment.isEmpty())
             qputenv("TARN_SIMULATOR_STATE", environment);
-        }
     }
 
     void load()
@@ -154,12 +152,10 @@ TEST_F(SimulatedPortLibrary, PortAccessesOfSeveralThreadsAreSafe)
             }
         });
     }
-    for (std::thread &thread : threads) {
+    for (std::thread &thread : threads)
         thread.join();
-    }
     EXPECT_EQ(machine()->state().counters.commands.load(), 800U);
-    while ((readPort(EC_CMD_STATUS_PORT) & OBF) != 0) {
+    while ((readPort(EC_CMD_STATUS_PORT) & OBF) != 0)
         static_cast<void>(readPort(EC_DATA_PORT));
-    }
     EXPECT_EQ(read(EC_TARN_BATTERY_NUM), 80);
 }

@@ -58,9 +58,8 @@ TEST(SimulatedRegisterLog, CursorContinuesWhereItStopped)
     ASSERT_EQ(second.accesses.size(), 2U);
     EXPECT_EQ(second.accesses[0].number, 4U);
     EXPECT_EQ(second.lost, 0U);
-    for (const auto &access : second.accesses) {
+    for (const auto &access : second.accesses)
         EXPECT_TRUE(isNumbered(access));
-    }
 }
 
 TEST(SimulatedRegisterLog, KeepsTheNewestAndCountsTheLost)
@@ -76,9 +75,8 @@ TEST(SimulatedRegisterLog, KeepsTheNewestAndCountsTheLost)
     ASSERT_EQ(reading.accesses.size(), LOG_ENTRIES);
     EXPECT_EQ(reading.accesses.front().number, 16U);
     EXPECT_EQ(reading.accesses.back().number, LOG_ENTRIES + 15);
-    for (const auto &access : reading.accesses) {
+    for (const auto &access : reading.accesses)
         EXPECT_TRUE(isNumbered(access));
-    }
     const auto fromStart = log.readAfter(0);
     EXPECT_EQ(fromStart.accesses.size(), LOG_ENTRIES);
     EXPECT_EQ(fromStart.lost, 0U);
@@ -127,9 +125,8 @@ TEST(SimulatedRegisterLog, ReaderBesideAFastWriterNeverSeesHalfAnEntry)
         const std::uint64_t skipped = reading.cursor - cursor - reading.accesses.size();
         wrong += cursor != 0 && reading.lost != skipped ? 1 : 0;
         lost += skipped;
-        for (const auto &access : reading.accesses) {
+        for (const auto &access : reading.accesses)
             wrong += isNumbered(access) ? 0 : 1;
-        }
         seen += reading.accesses.size();
         cursor = reading.cursor;
     }
@@ -146,9 +143,8 @@ TEST(SimulatedRegisterLog, EntryBeingOverwrittenIsNeverTakenForTheOldOne)
     std::atomic<bool> enough = false;
     std::thread writer([&state, &enough] {
         RegisterLog log(*state);
-        while (!enough.load()) {
+        while (!enough.load())
             appendNumbered(log, 64);
-        }
     });
     const RegisterLog log(*state);
     const auto began = std::chrono::steady_clock::now();

@@ -147,19 +147,16 @@ TEST_F(SimulatedStateFile, OpenedByManyAtOnceItIsOneMachine)
     for (std::size_t i = 0; i < OPENERS; ++i) {
         threads.emplace_back([this, &opened, &errors, i] {
             opened[i] = MachineStateFile::open(file, Missing::IsCreated, errors[i]);
-            if (opened[i]) {
+            if (opened[i])
                 opened[i]->state().xdata[i].store(static_cast<std::uint8_t>(i + 1));
-            }
         });
     }
-    for (std::thread &thread : threads) {
+    for (std::thread &thread : threads)
         thread.join();
-    }
     for (std::size_t i = 0; i < OPENERS; ++i) {
         ASSERT_TRUE(opened[i].has_value()) << errors[i];
-        for (std::size_t byte = 0; byte < OPENERS; ++byte) {
+        for (std::size_t byte = 0; byte < OPENERS; ++byte)
             EXPECT_EQ(opened[i]->state().xdata[byte].load(), byte + 1);
-        }
     }
     EXPECT_EQ(filesInFolder(), 1U);
 }
@@ -174,7 +171,6 @@ TEST_F(SimulatedStateFile, EnvironmentNamesTheFileElseItLiesBesideTheCode)
     EXPECT_EQ(tarnSimulator::stateFileOfLibrary().filename(), "simulated_computer.state");
     EXPECT_EQ(tarnSimulator::stateFileOfLibrary(),
         std::filesystem::absolute(tarnSimulator::moduleFile().parent_path() / "simulated_computer.state"));
-    if (!before.isEmpty()) {
+    if (!before.isEmpty())
         qputenv(tarnSimulator::STATE_FILE_VARIABLE, before);
-    }
 }

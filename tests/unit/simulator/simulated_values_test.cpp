@@ -18,9 +18,8 @@ TEST(SimulatedValueText, Numbers)
     EXPECT_EQ(tarnSimulator::parseNumber("0x1f"), 31);
     EXPECT_EQ(tarnSimulator::parseNumber("0XFF"), 255);
     EXPECT_EQ(tarnSimulator::parseNumber("-11"), -11);
-    for (const char *wrong : {"", "-", "0x", "12a", " 1", "1 ", "+1", "--1", "0x-1", "99999999999"}) {
+    for (const char *wrong : {"", "-", "0x", "12a", " 1", "1 ", "+1", "--1", "0x-1", "99999999999"})
         EXPECT_EQ(tarnSimulator::parseNumber(wrong), std::nullopt) << wrong;
-    }
     EXPECT_EQ(tarnSimulator::parseByte("255"), 255);
     EXPECT_EQ(tarnSimulator::parseByte("256"), std::nullopt);
     EXPECT_EQ(tarnSimulator::parseByte("-1"), std::nullopt);
@@ -31,9 +30,8 @@ TEST(SimulatedValueText, Colours)
     EXPECT_EQ(tarnSimulator::parseColour("230,0,18"), (Colour {230, 0, 18}));
     EXPECT_EQ(tarnSimulator::colourText({230, 0, 18}), "230,0,18");
     EXPECT_EQ(Colour::fromWord((Colour {1, 2, 3}).toWord()), (Colour {1, 2, 3}));
-    for (const char *wrong : {"", "1", "1,2", "1,2,", "1,2,256", "1,2,3,4", "red"}) {
+    for (const char *wrong : {"", "1", "1,2", "1,2,", "1,2,256", "1,2,3,4", "red"})
         EXPECT_EQ(tarnSimulator::parseColour(wrong), std::nullopt) << wrong;
-    }
 }
 
 TEST(SimulatedValueText, SerialNumberIsPrintedLastByteFirst)
@@ -42,9 +40,8 @@ TEST(SimulatedValueText, SerialNumberIsPrintedLastByteFirst)
     EXPECT_EQ(tarnSimulator::serialNumberText(bytes), "CDAB8967452301");
     EXPECT_EQ(tarnSimulator::parseSerialNumber("CDAB8967452301"), bytes);
     EXPECT_EQ(tarnSimulator::parseSerialNumber("cdab8967452301"), bytes);
-    for (const char *wrong : {"", "CDAB896745230", "CDAB89674523011", "CDAB896745230G", "CDAB8967-45230"}) {
+    for (const char *wrong : {"", "CDAB896745230", "CDAB89674523011", "CDAB896745230G", "CDAB8967-45230"})
         EXPECT_EQ(tarnSimulator::parseSerialNumber(wrong), std::nullopt) << wrong;
-    }
 }
 
 TEST(SimulatedValues, NamesAreDistinctAndFound)
@@ -64,9 +61,8 @@ TEST(SimulatedValues, WhatIsSetIsReadBackAndNonsenseIsRefused)
     EcHost host;
     int settable = 0;
     for (const auto &value : tarnSimulator::machineValues()) {
-        if (value.write == nullptr) {
+        if (value.write == nullptr)
             continue;
-        }
         ++settable;
         const bool isColour = value.allowed.starts_with("RED");
         const bool isSerialNumber = value.allowed.starts_with("14");

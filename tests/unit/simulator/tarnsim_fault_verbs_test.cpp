@@ -79,9 +79,8 @@ TEST_F(TarnsimFaults, SaysWhatAFaultTakes)
         EXPECT_EQ(run(QString::fromLatin1(commandLine)), 2) << commandLine;
         EXPECT_TRUE(complained(objection)) << commandLine << ": " << errors.toStdString();
     }
-    for (const auto &fault : tarnSimulator::faultTable()) {
+    for (const auto &fault : tarnSimulator::faultTable())
         EXPECT_FALSE(computer->faults().isOn(fault.fault)) << fault.name;
-    }
 }
 
 TEST_F(TarnsimFaults, ListsFaultsWithTheirState)

@@ -14,9 +14,8 @@ protected:
     void logWrites(int count)
     {
         tarnSimulator::RegisterLog log(machine->state().log);
-        for (int i = 0; i < count; ++i) {
+        for (int i = 0; i < count; ++i)
             log.append(AccessKind::Write, EC_FAN_MODE, 1, 12345);
-        }
     }
 
     [[nodiscard]] qsizetype lines() const { return output.count(QLatin1Char('\n')); }
@@ -61,9 +60,8 @@ TEST_F(TarnsimRegisters, PrintsOneLineForEachAccess)
 {
     tarnSimulator::SimulatedEc ec(machine->state(), [] { return std::uint64_t {12345}; });
     for (const int byte : {EC_POWERMODE_PL1 >> 8, EC_POWERMODE_PL1 & 0xFF, 45}) {
-        if (byte == EC_POWERMODE_PL1 >> 8) {
+        if (byte == EC_POWERMODE_PL1 >> 8)
             ec.writePort(EC_CMD_STATUS_PORT, XDATA_WRITE_CMD);
-        }
         ec.writePort(EC_DATA_PORT, static_cast<std::uint8_t>(byte));
     }
     ec.writePort(EC_CMD_STATUS_PORT, XDATA_READ_CMD);
