@@ -39,21 +39,21 @@ QString otherUserText(const OtherUser &user, QLatin1StringView command, const QS
 } // namespace
 
 FirmwareUpdate::FirmwareUpdate(
-    const ToolOptions &options, ToolStreams &streams, const UpdatePlan &plan, const DownloadPlace &place)
-    : Session(options, streams)
-    , m_plan(plan)
-    , m_otherUser(place.otherUser)
-    , m_firmware(place.folder)
-    , m_progress(streams, options.json)
+    const ToolOptions &toolOptions, ToolStreams &toolStreams, const UpdatePlan &updatePlan, const DownloadPlace &place)
+    : Session(toolOptions, toolStreams)
+    , plan(updatePlan)
+    , otherUser(place.otherUser)
+    , firmware(place.folder)
+    , progress(streams, options.json)
 {
-    connect(&m_client, &PipeClient::documentReceived, this, &FirmwareUpdate::handleDocument);
-    connect(&m_client, &PipeClient::serviceGone, this, &FirmwareUpdate::handleServiceGone);
-    connect(&m_deadline, &ReplyDeadline::expired, this, &FirmwareUpdate::handleExpiry);
-    connect(&m_interrupt, &InterruptPoll::raised, this, &FirmwareUpdate::handleInterrupt);
-    connect(&m_progressTimer, &QTimer::timeout, this, &FirmwareUpdate::showProgress);
-    if (m_options.verbose) {
-        connect(&m_client, &PipeClient::garbageReceived, this, [this](const QByteArray &bytes) {
-            m_progress.clear();
+    connect(&client, &PipeClient::documentReceived, this, &FirmwareUpdate::handleDocument);
+    connect(&client, &PipeClient::serviceGone, this, &FirmwareUpdate::handleServiceGone);
+    connect(&deadline, &ReplyDeadline::expired, this, &FirmwareUpdate::handleExpiry);
+    connect(&interrupt, &InterruptPoll::raised, this, &FirmwareUpdate::handleInterrupt);
+    connect(&progressTimer, &QTimer::timeout, this, &FirmwareUpdate::showProgress);
+    if (options.verbose) {
+        connect(&client, &PipeClient::garbageReceived, this, [this](const QByteArray &bytes) {
+            progress.clear();
             remarkGarbage(bytes);
         });
     }
@@ -61,48 +61,48 @@ FirmwareUpdate::FirmwareUpdate(
 
 ExitCode FirmwareUpdate::run(const QString &file)
 {
-    if (const std::optional<QString> objection = StagedFirmware::objection(file, m_plan.kind)) {
-        m_streams.complain(*objection);
+    if (const std::optional<QString> objection = StagedFirmware::objection(file, plan.kind)) {
+        streams.complain(*objection);
         return ExitCode::Usage;
     }
     // A file of that name in the other folder would be flashed in place of this one.
-    if (m_otherUser && !m_options.force) {
-        m_streams.complain(
-            otherUserText(*m_otherUser, m_plan.steps.back().command, QFileInfo(file).fileName()));
+    if (otherUser && !options.force) {
+        streams.complain(
+            otherUserText(*otherUser, plan.steps.back().command, QFileInfo(file).fileName()));
         return ExitCode::Usage;
     }
     if (!connectService())
         return ExitCode::NoService;
     if (!placeFile(file))
         return ExitCode::Usage;
-    if (!m_options.json)
-        m_streams.remark(m_plan.notice.toString());
-    m_clock.start();
-    m_progressTimer.start(progressPeriod);
+    if (!options.json)
+        streams.remark(plan.notice.toString());
+    clock.start();
+    progressTimer.start(progressPeriod);
     beginStep();
     return waitForFinish();
 }
 
 bool FirmwareUpdate::placeFile(const QString &file)
 {
-    if (const std::optional<QString> objection = m_firmware.place(file)) {
-        m_streams.complain(*objection);
+    if (const std::optional<QString> objection = firmware.place(file)) {
+        streams.complain(*objection);
         return false;
     }
-    if (!m_firmware.isCopy()) {
-        m_streams.remark(
+    if (!firmware.isCopy()) {
+        streams.remark(
             QStringLiteral("The service takes this file out of the download folder; keep a copy of it:\n%1")
-                .arg(QDir::toNativeSeparators(m_firmware.path())));
+                .arg(QDir::toNativeSeparators(firmware.path())));
     }
     return true;
 }
 
 void FirmwareUpdate::beginStep()
 {
-    while (m_options.force && step().isPrecaution)
-        ++m_stepIndex;
-    m_stepBegan = elapsed();
-    m_progress.begin(step().phases, m_stepBegan);
+    while (options.force && step().isPrecaution)
+        ++stepIndex;
+    stepBegan = elapsed();
+    progress.begin(step().phases, stepBegan);
     sendRequest();
 }
 
@@ -110,16 +110,16 @@ void FirmwareUpdate::sendRequest()
 {
     TypedCommand command {step().command.toString()};
     if (step().takesFile)
-        command.data = m_firmware.name();
+        command.data = firmware.name();
     const Request request = buildRequest(command);
-    m_tag = request.tag;
-    if (m_interrupt.isRaised()) {
+    tag = request.tag;
+    if (interrupt.isRaised()) {
         end(ExitCode::NoAnswer,
             QStringLiteral("Interrupted before %1 was sent.\n%2").arg(command.name, untouchedText));
         return;
     }
-    m_deadline.start(timeoutFor(findCommand(command.name)));
-    if (!m_client.send(request.bytes))
+    deadline.start(timeoutFor(findCommand(command.name)));
+    if (!client.send(request.bytes))
         handleServiceGone();
 }
 
@@ -127,9 +127,9 @@ void FirmwareUpdate::handleDocument(const QByteArray &bytes)
 {
     if (isFinished())
         return;
-    if (m_options.verbose)
-        m_progress.clear();
-    if (const std::optional<Message> answer = takeAnswer(m_tag, bytes))
+    if (options.verbose)
+        progress.clear();
+    if (const std::optional<Message> answer = takeAnswer(tag, bytes))
         handleAnswer(*answer);
 }
 
@@ -137,12 +137,12 @@ void FirmwareUpdate::handleAnswer(const Message &answer)
 {
     const QString value = answer.value(dataKey);
     if (step().tellsVersion)
-        m_versionBefore = value;
+        versionBefore = value;
     const bool isAgreed = step().wanted.isEmpty() || value == step().wanted;
-    const bool isLast = m_stepIndex + 1 == m_plan.steps.size();
+    const bool isLast = stepIndex + 1 == plan.steps.size();
     if (!isAgreed && asksAgain()) {
-        m_versionBefore.reset(); // that of something else
-        m_deadline.stop();
+        versionBefore.reset(); // that of something else
+        deadline.stop();
         QTimer::singleShot(askingPause, this, [this] {
             if (!isFinished())
                 sendRequest();
@@ -152,7 +152,7 @@ void FirmwareUpdate::handleAnswer(const Message &answer)
     } else if (isLast) {
         endWell(answer);
     } else {
-        ++m_stepIndex;
+        ++stepIndex;
         beginStep();
     }
 }
@@ -161,12 +161,12 @@ bool FirmwareUpdate::asksAgain() const
 {
     const milliseconds patience =
         std::min(step().patience, timeoutFor(findCommand(step().command.toString())));
-    return elapsed() - m_stepBegan < patience;
+    return elapsed() - stepBegan < patience;
 }
 
 void FirmwareUpdate::handleExpiry()
 {
-    endUnfinished(noAnswerText(step().command.toString(), m_deadline.timeout()));
+    endUnfinished(noAnswerText(step().command.toString(), deadline.timeout()));
 }
 
 void FirmwareUpdate::handleServiceGone()
@@ -184,21 +184,21 @@ void FirmwareUpdate::handleInterrupt()
 
 void FirmwareUpdate::showProgress()
 {
-    m_progress.show(elapsed());
+    progress.show(elapsed());
 }
 
 void FirmwareUpdate::endWell(const Message &answer)
 {
-    m_progress.end();
-    if (m_options.json)
+    progress.end();
+    if (options.json)
         print(answer.json());
-    if (!m_plan.versionKey.isEmpty()) {
-        endFlashed(answer.value(m_plan.versionKey));
+    if (!plan.versionKey.isEmpty()) {
+        endFlashed(answer.value(plan.versionKey));
         return;
     }
-    if (!m_options.json) {
-        print(m_plan.doneText.toString());
-        m_streams.remark(m_plan.adviceText.toString());
+    if (!options.json) {
+        print(plan.doneText.toString());
+        streams.remark(plan.adviceText.toString());
     }
     finish(ExitCode::Done);
 }
@@ -207,33 +207,33 @@ void FirmwareUpdate::endWell(const Message &answer)
 void FirmwareUpdate::endFlashed(const QString &version)
 {
     const bool isUnknown = version.isEmpty();
-    const bool isChecked = m_options.expectedVersion.has_value();
-    if (version == m_plan.nothingRunsVersion) {
-        end(ExitCode::ServiceFailed, filledIn(m_plan.nothingRunsText, version));
+    const bool isChecked = options.expectedVersion.has_value();
+    if (version == plan.nothingRunsVersion) {
+        end(ExitCode::ServiceFailed, filledIn(plan.nothingRunsText, version));
         return;
     }
-    if (isChecked && version != *m_options.expectedVersion) {
-        const QString text = isUnknown ? m_plan.noVersionText.toString() : m_plan.otherVersionText.toString();
-        end(ExitCode::ServiceFailed, isUnknown ? text : text.arg(version, *m_options.expectedVersion));
+    if (isChecked && version != *options.expectedVersion) {
+        const QString text = isUnknown ? plan.noVersionText.toString() : plan.otherVersionText.toString();
+        end(ExitCode::ServiceFailed, isUnknown ? text : text.arg(version, *options.expectedVersion));
         return;
     }
-    if (!m_options.json)
-        print(filledIn(isUnknown ? m_plan.noVersionText : m_plan.doneText, version));
-    if (!m_options.json && !isUnknown && !isChecked) {
-        const bool isOfBefore = m_versionBefore == version;
-        m_streams.remark((isOfBefore ? m_plan.sameVersionText : m_plan.adviceText).toString());
+    if (!options.json)
+        print(filledIn(isUnknown ? plan.noVersionText : plan.doneText, version));
+    if (!options.json && !isUnknown && !isChecked) {
+        const bool isOfBefore = versionBefore == version;
+        streams.remark((isOfBefore ? plan.sameVersionText : plan.adviceText).toString());
     }
     finish(ExitCode::Done);
 }
 
 void FirmwareUpdate::endRefused(const Message &answer)
 {
-    if (m_options.json)
+    if (options.json)
         print(answer.json());
     // Not whether the file is still there: the service may have copied it and then be kept from deleting it.
-    const bool isUntouched = elapsed() - m_stepBegan < step().untouchedBefore;
+    const bool isUntouched = elapsed() - stepBegan < step().untouchedBefore;
     QString text = filledIn(isUntouched ? step().untouchedText : step().refusedText, answer.value(dataKey));
-    if (step().takesFile && !m_firmware.isThere() && !m_firmware.isCopy()) {
+    if (step().takesFile && !firmware.isThere() && !firmware.isCopy()) {
         text += QStringLiteral("\nThe file has left the download folder; the service keeps it in the folder "
                                "function beside its program.");
     }
@@ -244,11 +244,11 @@ void FirmwareUpdate::endUnfinished(const QString &reason)
 {
     QString text = reason + u'\n' + step().goesOnText;
     if (step().takesFile) {
-        if (m_firmware.isCopy() && m_firmware.isThere()) {
+        if (firmware.isCopy() && firmware.isThere()) {
             text += QStringLiteral("\nThe copy stays in the download folder until the service takes it: %1")
-                        .arg(QDir::toNativeSeparators(m_firmware.path()));
+                        .arg(QDir::toNativeSeparators(firmware.path()));
         }
-        m_firmware.leave();
+        firmware.leave();
     }
     end(ExitCode::NoAnswer, text);
 }
@@ -257,19 +257,19 @@ void FirmwareUpdate::end(ExitCode code, const QString &text)
 {
     if (isFinished())
         return;
-    m_progress.end();
-    m_streams.complain(text);
+    progress.end();
+    streams.complain(text);
     finish(code);
 }
 
 const UpdateStep &FirmwareUpdate::step() const
 {
-    return m_plan.steps[m_stepIndex];
+    return plan.steps[stepIndex];
 }
 
 milliseconds FirmwareUpdate::elapsed() const
 {
-    return milliseconds(m_clock.elapsed());
+    return milliseconds(clock.elapsed());
 }
 
 } // namespace tarnClient

@@ -52,18 +52,18 @@ private:
     [[nodiscard]] const UpdateStep &step() const;
     [[nodiscard]] std::chrono::milliseconds elapsed() const;
 
-    const UpdatePlan &m_plan;
-    const std::optional<OtherUser> m_otherUser;
-    StagedFirmware m_firmware;
-    UpdateProgress m_progress;
-    InterruptPoll m_interrupt;
-    QTimer m_progressTimer;
-    QElapsedTimer m_clock;
-    std::size_t m_stepIndex = 0;
-    std::chrono::milliseconds m_stepBegan {0};
-    QString m_tag;
+    const UpdatePlan &plan;
+    const std::optional<OtherUser> otherUser;
+    StagedFirmware firmware;
+    UpdateProgress progress;
+    InterruptPoll interrupt;
+    QTimer progressTimer;
+    QElapsedTimer clock;
+    std::size_t stepIndex = 0;
+    std::chrono::milliseconds stepBegan {0};
+    QString tag;
     // What ran before; nothing when it has not been asked for.
-    std::optional<QString> m_versionBefore;
+    std::optional<QString> versionBefore;
 };
 
 } // namespace tarnClient

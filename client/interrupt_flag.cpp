@@ -18,14 +18,14 @@ extern "C" void raiseInterruptFlag(int)
 InterruptFlag::InterruptFlag()
 {
     raised = 0;
-    m_formerInterrupt = std::signal(SIGINT, raiseInterruptFlag);
-    m_formerTerminate = std::signal(SIGTERM, raiseInterruptFlag);
+    formerInterrupt = std::signal(SIGINT, raiseInterruptFlag);
+    formerTerminate = std::signal(SIGTERM, raiseInterruptFlag);
 }
 
 InterruptFlag::~InterruptFlag()
 {
-    std::signal(SIGINT, m_formerInterrupt);
-    std::signal(SIGTERM, m_formerTerminate);
+    std::signal(SIGINT, formerInterrupt);
+    std::signal(SIGTERM, formerTerminate);
 }
 
 bool InterruptFlag::isRaised() const

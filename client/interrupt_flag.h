@@ -16,8 +16,8 @@ public:
 private:
     using Handler = void (*)(int);
 
-    Handler m_formerInterrupt;
-    Handler m_formerTerminate;
+    Handler formerInterrupt;
+    Handler formerTerminate;
 };
 
 } // namespace tarnClient

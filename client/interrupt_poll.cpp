@@ -13,19 +13,19 @@ constexpr std::chrono::milliseconds lookPeriod(50);
 InterruptPoll::InterruptPoll(QObject *parent)
     : QObject(parent)
 {
-    connect(&m_timer, &QTimer::timeout, this, &InterruptPoll::look);
-    m_timer.start(lookPeriod);
+    connect(&timer, &QTimer::timeout, this, &InterruptPoll::look);
+    timer.start(lookPeriod);
 }
 
 bool InterruptPoll::isRaised() const
 {
-    return m_flag.isRaised();
+    return flag.isRaised();
 }
 
 void InterruptPoll::look()
 {
-    if (m_flag.isRaised()) {
-        m_timer.stop();
+    if (flag.isRaised()) {
+        timer.stop();
         emit raised();
     }
 }

@@ -24,8 +24,8 @@ signals:
 private:
     void look();
 
-    InterruptFlag m_flag;
-    QTimer m_timer;
+    InterruptFlag flag;
+    QTimer timer;
 };
 
 } // namespace tarnClient

@@ -21,14 +21,14 @@ bool breaksString(char byte)
 } // namespace
 
 JsonSplitter::JsonSplitter(qsizetype documentLimit)
-    : m_limit(documentLimit)
+    : limit(documentLimit)
 { }
 
 JsonSplitter::Harvest JsonSplitter::feed(QByteArrayView bytes)
 {
     Harvest harvest;
     for (const char byte : bytes) {
-        if (m_depth == 0)
+        if (depth == 0)
             takeOutside(byte, harvest);
         else
             takeInside(byte, harvest);
@@ -38,27 +38,27 @@ JsonSplitter::Harvest JsonSplitter::feed(QByteArrayView bytes)
 
 bool JsonSplitter::isInsideDocument() const
 {
-    return m_depth > 0;
+    return depth > 0;
 }
 
 qsizetype JsonSplitter::bufferedSize() const
 {
-    return m_document.size();
+    return document.size();
 }
 
 QByteArray JsonSplitter::abandon()
 {
-    m_depth = 0;
-    m_inString = false;
-    m_escaped = false;
-    return std::exchange(m_document, {});
+    depth = 0;
+    inString = false;
+    escaped = false;
+    return std::exchange(document, {});
 }
 
 void JsonSplitter::takeOutside(char byte, Harvest &harvest)
 {
     if (byte == '{') {
-        m_document = QByteArray(1, byte);
-        m_depth = 1;
+        document = QByteArray(1, byte);
+        depth = 1;
     } else if (!isBlank(byte)) {
         harvest.garbage.append(byte);
     }
@@ -66,33 +66,33 @@ void JsonSplitter::takeOutside(char byte, Harvest &harvest)
 
 void JsonSplitter::takeInside(char byte, Harvest &harvest)
 {
-    m_document.append(byte);
-    if (m_document.size() > m_limit) {
+    document.append(byte);
+    if (document.size() > limit) {
         harvest.garbage.append(abandon());
         return;
     }
-    if (m_inString) {
+    if (inString) {
         takeInString(byte, harvest);
         return;
     }
     if (byte == '"')
-        m_inString = true;
+        inString = true;
     else if (byte == '{')
-        ++m_depth;
-    else if (byte == '}' && --m_depth == 0)
-        harvest.documents.append(std::exchange(m_document, {}));
+        ++depth;
+    else if (byte == '}' && --depth == 0)
+        harvest.documents.append(std::exchange(document, {}));
 }
 
 void JsonSplitter::takeInString(char byte, Harvest &harvest)
 {
     if (breaksString(byte))
         harvest.garbage.append(abandon());
-    else if (m_escaped)
-        m_escaped = false;
+    else if (escaped)
+        escaped = false;
     else if (byte == '\\')
-        m_escaped = true;
+        escaped = true;
     else if (byte == '"')
-        m_inString = false;
+        inString = false;
 }
 
 } // namespace tarnClient

@@ -35,11 +35,11 @@ private:
     void takeInside(char byte, Harvest &harvest);
     void takeInString(char byte, Harvest &harvest);
 
-    qsizetype m_limit;
-    QByteArray m_document;
-    int m_depth = 0;
-    bool m_inString = false;
-    bool m_escaped = false;
+    qsizetype limit;
+    QByteArray document;
+    int depth = 0;
+    bool inString = false;
+    bool escaped = false;
 };
 
 } // namespace tarnClient

@@ -16,8 +16,8 @@ constexpr QLatin1StringView doneText("done");
 
 } // namespace
 
-Message::Message(QJsonObject object)
-    : m_object(std::move(object))
+Message::Message(QJsonObject content)
+    : object(std::move(content))
 { }
 
 std::optional<Message> Message::parse(const QByteArray &bytes)
@@ -30,18 +30,18 @@ std::optional<Message> Message::parse(const QByteArray &bytes)
 
 bool Message::answers(const QString &tag) const
 {
-    return !tag.isEmpty() && m_object.value(tagKey).toString() == tag;
+    return !tag.isEmpty() && object.value(tagKey).toString() == tag;
 }
 
 bool Message::hasTag() const
 {
-    return m_object.contains(tagKey);
+    return object.contains(tagKey);
 }
 
 bool Message::echoes(const QJsonObject &request) const
 {
     for (auto field = request.constBegin(); field != request.constEnd(); ++field) {
-        if (m_object.value(field.key()) != field.value())
+        if (object.value(field.key()) != field.value())
             return false;
     }
     return !request.isEmpty();
@@ -49,18 +49,18 @@ bool Message::echoes(const QJsonObject &request) const
 
 QString Message::command() const
 {
-    return m_object.value(commandKey).toString();
+    return object.value(commandKey).toString();
 }
 
 QString Message::value(QLatin1StringView key) const
 {
-    return m_object.value(key).toVariant().toString();
+    return object.value(key).toVariant().toString();
 }
 
 QStringList Message::answerLines(const CommandEntry *entry) const
 {
     if (entry == nullptr) {
-        if (m_object.contains(resultKey))
+        if (object.contains(resultKey))
             return {value(resultKey)};
         return {QString::fromUtf8(json())};
     }
@@ -68,7 +68,7 @@ QStringList Message::answerLines(const CommandEntry *entry) const
         return {doneText.toString()};
     QStringList lines;
     for (const QLatin1StringView key : entry->answerKeys) {
-        if (!m_object.contains(key))
+        if (!object.contains(key))
             continue;
         const bool isPlain = key == dataKey || key == resultKey;
         lines << (isPlain ? value(key) : key.toString() + QLatin1StringView(": ") + value(key));
@@ -89,7 +89,7 @@ QString Message::lineText(const CommandEntry *entry) const
 
 QString Message::notificationText() const
 {
-    const bool isUsual = m_object.size() == 2 && m_object.contains(commandKey) && m_object.contains(dataKey);
+    const bool isUsual = object.size() == 2 && object.contains(commandKey) && object.contains(dataKey);
     if (!isUsual)
         return QString::fromUtf8(json());
     return (command() + u' ' + value(dataKey)).trimmed();
@@ -103,7 +103,7 @@ bool Message::tellsFailure(const CommandEntry *entry) const
 
 QByteArray Message::json() const
 {
-    QJsonObject shown = m_object;
+    QJsonObject shown = object;
     shown.remove(tagKey);
     return QJsonDocument(shown).toJson(QJsonDocument::Compact);
 }

@@ -40,7 +40,7 @@ public:
 private:
     [[nodiscard]] QStringList answerLines(const CommandEntry *entry) const;
 
-    QJsonObject m_object;
+    QJsonObject object;
 };
 
 } // namespace tarnClient

@@ -11,30 +11,30 @@ constexpr std::chrono::milliseconds patience(3000);
 
 } // namespace
 
-OneShot::OneShot(const ToolOptions &options, ToolStreams &streams, TypedCommand command)
-    : Session(options, streams)
-    , m_command(std::move(command))
-    , m_entry(findCommand(m_command.name))
+OneShot::OneShot(const ToolOptions &toolOptions, ToolStreams &toolStreams, TypedCommand typedCommand)
+    : Session(toolOptions, toolStreams)
+    , command(std::move(typedCommand))
+    , entry(findCommand(command.name))
 {
-    connect(&m_client, &PipeClient::documentReceived, this, &OneShot::handleDocument);
-    connect(&m_client, &PipeClient::serviceGone, this, &OneShot::handleServiceGone);
-    connect(&m_deadline, &ReplyDeadline::expired, this, &OneShot::handleExpiry);
-    if (m_options.verbose)
-        connect(&m_client, &PipeClient::garbageReceived, this, &OneShot::remarkGarbage);
+    connect(&client, &PipeClient::documentReceived, this, &OneShot::handleDocument);
+    connect(&client, &PipeClient::serviceGone, this, &OneShot::handleServiceGone);
+    connect(&deadline, &ReplyDeadline::expired, this, &OneShot::handleExpiry);
+    if (options.verbose)
+        connect(&client, &PipeClient::garbageReceived, this, &OneShot::remarkGarbage);
 }
 
 ExitCode OneShot::run()
 {
     if (!connectService())
         return ExitCode::NoService;
-    const Request request = buildRequest(m_command);
-    m_tag = request.tag;
-    m_deadline.start(timeoutFor(m_entry));
-    if (!m_client.send(request.bytes))
+    const Request request = buildRequest(command);
+    tag = request.tag;
+    deadline.start(timeoutFor(entry));
+    if (!client.send(request.bytes))
         handleServiceGone();
-    else if (isAnsweredBySilence(m_command))
+    else if (isAnsweredBySilence(command))
         return runSilently();
-    if (m_streams.interactive)
+    if (streams.interactive)
         QTimer::singleShot(patience, this, &OneShot::remarkWaiting);
     return waitForFinish();
 }
@@ -42,25 +42,25 @@ ExitCode OneShot::run()
 void OneShot::remarkWaiting()
 {
     if (!isFinished()) {
-        m_streams.remark(QStringLiteral("Waiting for the answer to %1, up to %2.")
-                             .arg(m_command.name, durationText(m_deadline.timeout())));
+        streams.remark(QStringLiteral("Waiting for the answer to %1, up to %2.")
+                             .arg(command.name, durationText(deadline.timeout())));
     }
 }
 
 ExitCode OneShot::runSilently()
 {
     const auto linger = [this] {
-        m_deadline.stop();
+        deadline.stop();
         QTimer::singleShot(silentLinger, this, [this] {
-            if (!isFinished() && !m_options.json)
+            if (!isFinished() && !options.json)
                 print(sentText.toString());
             finish(ExitCode::Done);
         });
     };
-    if (m_client.isDrained())
+    if (client.isDrained())
         linger();
     else
-        connect(&m_client, &PipeClient::drained, this, linger, Qt::SingleShotConnection);
+        connect(&client, &PipeClient::drained, this, linger, Qt::SingleShotConnection);
     return waitForFinish();
 }
 
@@ -68,16 +68,16 @@ void OneShot::handleDocument(const QByteArray &bytes)
 {
     if (isFinished())
         return;
-    const std::optional<Message> message = takeAnswer(m_tag, bytes);
+    const std::optional<Message> message = takeAnswer(tag, bytes);
     if (!message)
         return;
-    printAnswer(*message, m_entry);
-    finish(message->tellsFailure(m_entry) ? ExitCode::ServiceFailed : ExitCode::Done);
+    printAnswer(*message, entry);
+    finish(message->tellsFailure(entry) ? ExitCode::ServiceFailed : ExitCode::Done);
 }
 
 void OneShot::handleExpiry()
 {
-    m_streams.complain(noAnswerText(m_command.name, m_deadline.timeout()));
+    streams.complain(noAnswerText(command.name, deadline.timeout()));
     finish(ExitCode::NoAnswer);
 }
 
@@ -85,10 +85,10 @@ void OneShot::handleServiceGone()
 {
     if (isFinished())
         return;
-    m_streams.complain(
+    streams.complain(
         QStringLiteral("The service went away before it answered %1.\nStart it again (./run, or "
                        "the service \"Tarn Service\" on Windows) and repeat the command.")
-            .arg(m_command.name));
+            .arg(command.name));
     finish(ExitCode::NoService);
 }
 

@@ -22,10 +22,10 @@ private:
     void handleExpiry();
     void handleServiceGone();
 
-    TypedCommand m_command;
+    TypedCommand command;
     // Null for a command that is sent by force.
-    const CommandEntry *m_entry;
-    QString m_tag;
+    const CommandEntry *entry;
+    QString tag;
 };
 
 } // namespace tarnClient

@@ -14,15 +14,15 @@ constexpr milliseconds stallTimeout(2000);
 
 } // namespace
 
-PipeClient::PipeClient(QString pipeName, QObject *parent)
+PipeClient::PipeClient(QString name, QObject *parent)
     : QObject(parent)
-    , m_pipeName(std::move(pipeName))
+    , pipeName(std::move(name))
 {
-    m_stallTimer.setSingleShot(true);
-    connect(&m_socket, &QLocalSocket::readyRead, this, &PipeClient::readAvailable);
-    connect(&m_socket, &QLocalSocket::disconnected, this, &PipeClient::handleDisconnected);
-    connect(&m_socket, &QLocalSocket::bytesWritten, this, &PipeClient::handleWritten);
-    connect(&m_stallTimer, &QTimer::timeout, this, &PipeClient::dropStalledDocument);
+    stallTimer.setSingleShot(true);
+    connect(&socket, &QLocalSocket::readyRead, this, &PipeClient::readAvailable);
+    connect(&socket, &QLocalSocket::disconnected, this, &PipeClient::handleDisconnected);
+    connect(&socket, &QLocalSocket::bytesWritten, this, &PipeClient::handleWritten);
+    connect(&stallTimer, &QTimer::timeout, this, &PipeClient::dropStalledDocument);
 }
 
 PipeClient::~PipeClient()
@@ -32,24 +32,24 @@ PipeClient::~PipeClient()
 
 bool PipeClient::open()
 {
-    m_splitter.abandon();
-    m_socket.connectToServer(m_pipeName);
-    if (m_socket.waitForConnected(static_cast<int>(connectTimeout.count())))
+    splitter.abandon();
+    socket.connectToServer(pipeName);
+    if (socket.waitForConnected(static_cast<int>(connectTimeout.count())))
         return true;
-    m_openError = m_socket.error();
-    m_openErrorText = m_socket.errorString();
-    m_socket.abort();
+    openError = socket.error();
+    openErrorText = socket.errorString();
+    socket.abort();
     return false;
 }
 
 bool PipeClient::canEverOpen() const
 {
-    return !pipeAddress(m_pipeName).isTooLong();
+    return !pipeAddress(pipeName).isTooLong();
 }
 
 QString PipeClient::openFailureText() const
 {
-    const PipeAddress address = pipeAddress(m_pipeName);
+    const PipeAddress address = pipeAddress(pipeName);
     if (address.isTooLong()) {
         return QStringLiteral(
             "No service can have this pipe: its full name has %1 %2, and it may have at most "
@@ -57,51 +57,51 @@ QString PipeClient::openFailureText() const
             .arg(QString::number(address.length), address.unit, QString::number(address.longest),
                 address.text, address.shortening);
     }
-    if (m_openError == QLocalSocket::SocketAccessError) {
+    if (openError == QLocalSocket::SocketAccessError) {
         return QStringLiteral("The pipe \"%1\" refuses this user.\nRun tarnctl as the user who started the "
                               "service, or as administrator.")
-            .arg(m_pipeName);
+            .arg(pipeName);
     }
-    const bool isAbsent = m_openError == QLocalSocket::ServerNotFoundError
-        || m_openError == QLocalSocket::ConnectionRefusedError;
-    const QString reason = isAbsent ? QString() : QStringLiteral(": %1").arg(m_openErrorText);
+    const bool isAbsent = openError == QLocalSocket::ServerNotFoundError
+        || openError == QLocalSocket::ConnectionRefusedError;
+    const QString reason = isAbsent ? QString() : QStringLiteral(": %1").arg(openErrorText);
     return QStringLiteral("No service answers on the pipe \"%1\" (%2)%3.\nStart it first: ./run on the "
                           "simulated computer, or the service \"Tarn Service\" on Windows.")
-        .arg(m_pipeName, address.text, reason);
+        .arg(pipeName, address.text, reason);
 }
 
 bool PipeClient::isOpen() const
 {
-    return m_socket.state() == QLocalSocket::ConnectedState;
+    return socket.state() == QLocalSocket::ConnectedState;
 }
 
 bool PipeClient::send(const QByteArray &bytes)
 {
-    const bool taken = m_socket.write(bytes) == bytes.size();
-    m_socket.flush();
+    const bool taken = socket.write(bytes) == bytes.size();
+    socket.flush();
     return taken;
 }
 
 bool PipeClient::isDrained() const
 {
-    return m_socket.bytesToWrite() == 0;
+    return socket.bytesToWrite() == 0;
 }
 
 void PipeClient::close()
 {
-    const QSignalBlocker quiet(m_socket);
-    m_stallTimer.stop();
-    m_splitter.abandon();
-    m_socket.abort();
+    const QSignalBlocker quiet(socket);
+    stallTimer.stop();
+    splitter.abandon();
+    socket.abort();
 }
 
 void PipeClient::readAvailable()
 {
-    const JsonSplitter::Harvest harvest = m_splitter.feed(m_socket.readAll());
-    if (m_splitter.isInsideDocument())
-        m_stallTimer.start(stallTimeout);
+    const JsonSplitter::Harvest harvest = splitter.feed(socket.readAll());
+    if (splitter.isInsideDocument())
+        stallTimer.start(stallTimeout);
     else
-        m_stallTimer.stop();
+        stallTimer.stop();
     if (!harvest.garbage.isEmpty())
         emit garbageReceived(harvest.garbage);
     for (const QByteArray &document : harvest.documents)
@@ -110,7 +110,7 @@ void PipeClient::readAvailable()
 
 void PipeClient::dropStalledDocument()
 {
-    const QByteArray rest = m_splitter.abandon();
+    const QByteArray rest = splitter.abandon();
     if (!rest.isEmpty())
         emit garbageReceived(rest);
 }
@@ -118,7 +118,7 @@ void PipeClient::dropStalledDocument()
 void PipeClient::handleDisconnected()
 {
     readAvailable();
-    m_stallTimer.stop();
+    stallTimer.stop();
     dropStalledDocument();
     emit serviceGone();
 }

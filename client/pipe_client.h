@@ -46,12 +46,12 @@ private:
     void handleDisconnected();
     void handleWritten();
 
-    QString m_pipeName;
-    QLocalSocket m_socket;
-    JsonSplitter m_splitter;
-    QTimer m_stallTimer;
-    QLocalSocket::LocalSocketError m_openError = QLocalSocket::UnknownSocketError;
-    QString m_openErrorText;
+    QString pipeName;
+    QLocalSocket socket;
+    JsonSplitter splitter;
+    QTimer stallTimer;
+    QLocalSocket::LocalSocketError openError = QLocalSocket::UnknownSocketError;
+    QString openErrorText;
 };
 
 } // namespace tarnClient

@@ -18,15 +18,15 @@ public:
     [[nodiscard]] ExitCode run();
 
 private:
-    void handleDocument(const QByteArray &bytes);
-    [[nodiscard]] bool isLast(const QByteArray &bytes) const;
+    void handleDocument(const QByteArray &document);
+    [[nodiscard]] bool isLast(const QByteArray &document) const;
     void handleExpiry();
     void handleServiceGone();
 
-    QByteArray m_bytes;
+    QByteArray bytes;
     // Empty when the bytes are no JSON object.
-    QJsonObject m_request;
-    int m_received = 0;
+    QJsonObject request;
+    int received = 0;
 };
 
 } // namespace tarnClient

@@ -14,36 +14,36 @@ constexpr milliseconds messagePeriod(600);
 ReplyDeadline::ReplyDeadline(QObject *parent)
     : QObject(parent)
 {
-    m_timer.setSingleShot(true);
-    m_timer.setTimerType(Qt::PreciseTimer);
-    connect(&m_timer, &QTimer::timeout, this, &ReplyDeadline::expired);
+    timer.setSingleShot(true);
+    timer.setTimerType(Qt::PreciseTimer);
+    connect(&timer, &QTimer::timeout, this, &ReplyDeadline::expired);
 }
 
 void ReplyDeadline::start(milliseconds timeout)
 {
-    m_timeout = timeout;
-    m_timer.start(timeout);
+    limit = timeout;
+    timer.start(timeout);
 }
 
 void ReplyDeadline::stop()
 {
-    m_timer.stop();
+    timer.stop();
 }
 
 void ReplyDeadline::extend()
 {
-    if (m_timer.isActive())
-        m_timer.start(m_timer.remainingTimeAsDuration() + messagePeriod);
+    if (timer.isActive())
+        timer.start(timer.remainingTimeAsDuration() + messagePeriod);
 }
 
 bool ReplyDeadline::isRunning() const
 {
-    return m_timer.isActive();
+    return timer.isActive();
 }
 
 milliseconds ReplyDeadline::timeout() const
 {
-    return m_timeout;
+    return limit;
 }
 
 QString durationText(milliseconds duration)

@@ -29,8 +29,8 @@ signals:
     void expired();
 
 private:
-    QTimer m_timer;
-    std::chrono::milliseconds m_timeout {0};
+    QTimer timer;
+    std::chrono::milliseconds limit {0};
 };
 
 // "30 s", "0.2 s" or "15 min".

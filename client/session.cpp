@@ -38,60 +38,60 @@ QString noAnswerText(const QString &command, std::chrono::milliseconds timeout)
         .arg(command, durationText(timeout), reasons);
 }
 
-Session::Session(const ToolOptions &options, ToolStreams &streams)
-    : m_options(options)
-    , m_streams(streams)
-    , m_client(options.pipeName)
+Session::Session(const ToolOptions &toolOptions, ToolStreams &toolStreams)
+    : options(toolOptions)
+    , streams(toolStreams)
+    , client(toolOptions.pipeName)
 { }
 
 bool Session::connectService()
 {
-    if (m_client.open())
+    if (client.open())
         return true;
-    m_streams.complain(m_client.openFailureText());
+    streams.complain(client.openFailureText());
     return false;
 }
 
 ExitCode Session::waitForFinish()
 {
-    if (!m_exitCode)
-        m_loop.exec();
-    return m_exitCode.value_or(ExitCode::Done);
+    if (!exitCode)
+        loop.exec();
+    return exitCode.value_or(ExitCode::Done);
 }
 
 void Session::finish(ExitCode code)
 {
-    if (m_exitCode)
+    if (exitCode)
         return;
-    m_exitCode = code;
-    m_deadline.stop();
-    m_loop.quit();
+    exitCode = code;
+    deadline.stop();
+    loop.quit();
 }
 
 bool Session::isFinished() const
 {
-    return m_exitCode.has_value();
+    return exitCode.has_value();
 }
 
 std::optional<Message> Session::takeAnswer(const QString &tag, const QByteArray &bytes)
 {
     std::optional<Message> message = Message::parse(bytes);
     if (!message) {
-        if (m_options.verbose)
+        if (options.verbose)
             remarkGarbage(bytes);
         return std::nullopt;
     }
     if (message->answers(tag))
         return message;
-    m_deadline.extend();
-    if (m_options.verbose)
-        m_streams.remark(QStringLiteral("meanwhile: ") + message->notificationText());
+    deadline.extend();
+    if (options.verbose)
+        streams.remark(QStringLiteral("meanwhile: ") + message->notificationText());
     return std::nullopt;
 }
 
 void Session::print(const QByteArray &line)
 {
-    if (!m_streams.printLine(line))
+    if (!streams.printLine(line))
         finish(ExitCode::Done);
 }
 
@@ -102,7 +102,7 @@ void Session::print(const QString &line)
 
 void Session::printAnswer(const Message &message, const CommandEntry *entry)
 {
-    if (m_options.json)
+    if (options.json)
         print(message.json());
     else
         print(message.answerText(entry));
@@ -111,12 +111,12 @@ void Session::printAnswer(const Message &message, const CommandEntry *entry)
 void Session::remarkGarbage(const QByteArray &bytes)
 {
     const QString shown = QString::fromUtf8(bytes.left(mostGarbageShown).toPercentEncoding(" {}[]\":,\\"));
-    m_streams.remark(QStringLiteral("no JSON (%1 bytes): %2").arg(bytes.size()).arg(shown));
+    streams.remark(QStringLiteral("no JSON (%1 bytes): %2").arg(bytes.size()).arg(shown));
 }
 
 std::chrono::milliseconds Session::timeoutFor(const CommandEntry *entry) const
 {
-    return m_options.timeout.value_or(entry == nullptr ? unknownCommandTimeout : entry->timeout);
+    return options.timeout.value_or(entry == nullptr ? unknownCommandTimeout : entry->timeout);
 }
 
 } // namespace tarnClient

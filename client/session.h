@@ -50,14 +50,14 @@ protected:
     void remarkGarbage(const QByteArray &bytes);
     [[nodiscard]] std::chrono::milliseconds timeoutFor(const CommandEntry *entry) const;
 
-    const ToolOptions &m_options;
-    ToolStreams &m_streams;
-    PipeClient m_client;
-    ReplyDeadline m_deadline;
+    const ToolOptions &options;
+    ToolStreams &streams;
+    PipeClient client;
+    ReplyDeadline deadline;
 
 private:
-    QEventLoop m_loop;
-    std::optional<ExitCode> m_exitCode;
+    QEventLoop loop;
+    std::optional<ExitCode> exitCode;
 };
 
 } // namespace tarnClient

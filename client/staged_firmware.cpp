@@ -39,7 +39,7 @@ bool haveSameContent(const QString &one, const QString &other)
 } // namespace
 
 StagedFirmware::StagedFirmware(QString downloadFolder)
-    : m_folder(std::move(downloadFolder))
+    : folder(std::move(downloadFolder))
 { }
 
 StagedFirmware::~StagedFirmware()
@@ -70,10 +70,10 @@ std::optional<QString> StagedFirmware::objection(const QString &file, FirmwareKi
 
 std::optional<QString> StagedFirmware::place(const QString &file)
 {
-    m_name = QFileInfo(file).fileName();
-    if (m_folder.isEmpty() || !QDir().mkpath(m_folder)) {
+    fileName = QFileInfo(file).fileName();
+    if (folder.isEmpty() || !QDir().mkpath(folder)) {
         return QStringLiteral("There is no download folder (%1), from where the service takes the file.")
-            .arg(m_folder);
+            .arg(folder);
     }
     if (!isNameTaken(path()))
         return copy(file);
@@ -88,17 +88,17 @@ std::optional<QString> StagedFirmware::place(const QString &file)
 
 QString StagedFirmware::name() const
 {
-    return m_name;
+    return fileName;
 }
 
 QString StagedFirmware::path() const
 {
-    return m_folder + u'/' + m_name;
+    return folder + u'/' + fileName;
 }
 
 bool StagedFirmware::isCopy() const
 {
-    return m_isCopy;
+    return copied;
 }
 
 bool StagedFirmware::isThere() const
@@ -108,14 +108,14 @@ bool StagedFirmware::isThere() const
 
 void StagedFirmware::leave()
 {
-    m_isCopy = false;
+    copied = false;
 }
 
 // Under another name first: a copy that is not complete must not be flashed by anyone.
 std::optional<QString> StagedFirmware::copy(const QString &file)
 {
     const QString partial =
-        m_folder + QStringLiteral("/tarnctl-%1.part").arg(QCoreApplication::applicationPid());
+        folder + QStringLiteral("/tarnctl-%1.part").arg(QCoreApplication::applicationPid());
     const auto removePartial = qScopeGuard([&partial] { QFile::remove(partial); });
     QFile::remove(partial);
     QFile source(file);
@@ -131,19 +131,19 @@ std::optional<QString> StagedFirmware::copy(const QString &file)
         return QStringLiteral("The file cannot be copied to the download folder: %1.")
             .arg(target.errorString());
     }
-    const QFileInfo copied(path());
-    m_isCopy = true;
-    m_copySize = copied.size();
-    m_copyTime = copied.lastModified();
+    const QFileInfo made(path());
+    copied = true;
+    copySize = made.size();
+    copyTime = made.lastModified();
     return std::nullopt;
 }
 
 void StagedFirmware::withdraw()
 {
     const QFileInfo now(path());
-    if (m_isCopy && now.size() == m_copySize && now.lastModified() == m_copyTime)
+    if (copied && now.size() == copySize && now.lastModified() == copyTime)
         QFile::remove(path());
-    m_isCopy = false;
+    copied = false;
 }
 
 } // namespace tarnClient

@@ -38,12 +38,12 @@ private:
     [[nodiscard]] std::optional<QString> copy(const QString &file);
     void withdraw();
 
-    QString m_folder;
-    QString m_name;
-    bool m_isCopy = false;
+    QString folder;
+    QString fileName;
+    bool copied = false;
     // The copy as it was made: another file of its name, put there since, is not removed.
-    qint64 m_copySize = 0;
-    QDateTime m_copyTime;
+    qint64 copySize = 0;
+    QDateTime copyTime;
 };
 
 } // namespace tarnClient

@@ -51,12 +51,12 @@ struct StdinReader::Shared
 
 StdinReader::StdinReader(std::shared_ptr<std::istream> input, QObject *parent)
     : QObject(parent)
-    , m_shared(std::make_shared<Shared>())
+    , shared(std::make_shared<Shared>())
 {
-    connect(&m_poll, &QTimer::timeout, this, &StdinReader::reportChange);
-    m_poll.start(pollPeriod);
+    connect(&poll, &QTimer::timeout, this, &StdinReader::reportChange);
+    poll.start(pollPeriod);
     ++readingThreads;
-    m_thread = std::thread([shared = m_shared, stream = std::move(input)] {
+    thread = std::thread([shared = shared, stream = std::move(input)] {
         std::string line;
         while (std::getline(*stream, line) && shared->add(std::move(line)))
             line.clear();
@@ -69,43 +69,43 @@ StdinReader::~StdinReader()
 {
     bool ended = false;
     {
-        const std::lock_guard lock(m_shared->mutex);
-        m_shared->unwanted = true;
-        ended = m_shared->ended;
+        const std::lock_guard lock(shared->mutex);
+        shared->unwanted = true;
+        ended = shared->ended;
     }
-    m_shared->roomForLines.notify_all();
+    shared->roomForLines.notify_all();
     if (ended)
-        m_thread.join();
+        thread.join();
     else
-        m_thread.detach();
+        thread.detach();
 }
 
 std::optional<QString> StdinReader::takeLine()
 {
     std::string line;
     {
-        const std::lock_guard lock(m_shared->mutex);
-        if (m_shared->lines.empty())
+        const std::lock_guard lock(shared->mutex);
+        if (shared->lines.empty())
             return std::nullopt;
-        line = std::move(m_shared->lines.front());
-        m_shared->lines.pop_front();
+        line = std::move(shared->lines.front());
+        shared->lines.pop_front();
     }
-    m_shared->roomForLines.notify_all();
+    shared->roomForLines.notify_all();
     return QString::fromStdString(line);
 }
 
 std::optional<QString> StdinReader::nextLine() const
 {
-    const std::lock_guard lock(m_shared->mutex);
-    if (m_shared->lines.empty())
+    const std::lock_guard lock(shared->mutex);
+    if (shared->lines.empty())
         return std::nullopt;
-    return QString::fromStdString(m_shared->lines.front());
+    return QString::fromStdString(shared->lines.front());
 }
 
 bool StdinReader::isExhausted() const
 {
-    const std::lock_guard lock(m_shared->mutex);
-    return m_shared->ended && m_shared->lines.empty();
+    const std::lock_guard lock(shared->mutex);
+    return shared->ended && shared->lines.empty();
 }
 
 void StdinReader::reportChange()
@@ -113,12 +113,12 @@ void StdinReader::reportChange()
     bool ended = false;
     bool hasLines = false;
     {
-        const std::lock_guard lock(m_shared->mutex);
-        ended = m_shared->ended;
-        hasLines = !m_shared->lines.empty();
+        const std::lock_guard lock(shared->mutex);
+        ended = shared->ended;
+        hasLines = !shared->lines.empty();
     }
     if (ended)
-        m_poll.stop();
+        poll.stop();
     if (ended || hasLines)
         emit changed();
 }

@@ -39,9 +39,9 @@ private:
 
     void reportChange();
 
-    std::shared_ptr<Shared> m_shared;
-    std::thread m_thread;
-    QTimer m_poll;
+    std::shared_ptr<Shared> shared;
+    std::thread thread;
+    QTimer poll;
 };
 
 } // namespace tarnClient

@@ -18,64 +18,64 @@ QString clockText(milliseconds time)
 
 } // namespace
 
-UpdateProgress::UpdateProgress(ToolStreams &streams, bool isQuiet)
-    : m_streams(streams)
-    , m_isQuiet(isQuiet)
+UpdateProgress::UpdateProgress(ToolStreams &toolStreams, bool quiet)
+    : streams(toolStreams)
+    , isQuiet(quiet)
 { }
 
-void UpdateProgress::begin(std::span<const UpdatePhase> phases, milliseconds now)
+void UpdateProgress::begin(std::span<const UpdatePhase> phasesOfStep, milliseconds now)
 {
-    m_phases = phases;
-    m_stepBegan = now;
+    phases = phasesOfStep;
+    stepBegan = now;
     show(now);
 }
 
 void UpdateProgress::show(milliseconds now)
 {
     const UpdatePhase *phase = phaseAt(now);
-    if (m_isQuiet || phase == nullptr)
+    if (isQuiet || phase == nullptr)
         return;
     const QString line = clockText(now) + QLatin1StringView("  ") + phase->text;
-    if (m_streams.errorsAreTerminal) {
-        if (line != m_line)
+    if (streams.errorsAreTerminal) {
+        if (line != lineShown)
             write(line);
-    } else if (phase != m_shown) {
-        m_streams.remark(line);
+    } else if (phase != shown) {
+        streams.remark(line);
     }
-    m_shown = phase;
+    shown = phase;
 }
 
 void UpdateProgress::clear()
 {
-    if (!m_line.isEmpty())
+    if (!lineShown.isEmpty())
         write({});
 }
 
 void UpdateProgress::end()
 {
     clear();
-    m_phases = {};
+    phases = {};
 }
 
 const UpdatePhase *UpdateProgress::phaseAt(milliseconds now) const
 {
     const UpdatePhase *found = nullptr;
-    for (const UpdatePhase &phase : m_phases) {
-        if (phase.begins <= now - m_stepBegan)
+    for (const UpdatePhase &phase : phases) {
+        if (phase.begins <= now - stepBegan)
             found = &phase;
     }
     return found;
 }
 
 // Blanks instead of an escape sequence that erases: older Windows consoles show such a sequence as it is.
-void UpdateProgress::write(const QString &line)
+void UpdateProgress::write(const QString &text)
 {
-    const QString padded = line.leftJustified(m_line.size());
-    m_streams.errors << '\r' << padded.toStdString();
-    if (line.isEmpty())
-        m_streams.errors << '\r';
-    m_streams.errors.flush();
-    m_line = line;
+    const QString padded = text.leftJustified(lineShown.size());
+    streams.errors << '\r' << padded.toStdString();
+    if (text.isEmpty())
+        streams.errors << '\r';
+    streams.errors.flush();
+    lineShown = text;
 }
 
 } // namespace tarnClient

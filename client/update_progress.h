@@ -13,7 +13,7 @@ public:
     UpdateProgress(ToolStreams &streams, bool isQuiet);
 
     // A step begins. The phases have to outlive it.
-    void begin(std::span<const UpdatePhase> phases, std::chrono::milliseconds now);
+    void begin(std::span<const UpdatePhase> phasesOfStep, std::chrono::milliseconds now);
     // Writes only when there is something new to see, so that it may be called often.
     void show(std::chrono::milliseconds now);
     // Takes the line away, so that something else can be written; the next show() brings it back.
@@ -23,15 +23,15 @@ public:
 
 private:
     [[nodiscard]] const UpdatePhase *phaseAt(std::chrono::milliseconds now) const;
-    void write(const QString &line);
+    void write(const QString &text);
 
-    ToolStreams &m_streams;
-    bool m_isQuiet;
-    std::span<const UpdatePhase> m_phases;
-    std::chrono::milliseconds m_stepBegan {0};
-    const UpdatePhase *m_shown = nullptr;
+    ToolStreams &streams;
+    bool isQuiet;
+    std::span<const UpdatePhase> phases;
+    std::chrono::milliseconds stepBegan {0};
+    const UpdatePhase *shown = nullptr;
     // What stands on the terminal.
-    QString m_line;
+    QString lineShown;
 };
 
 } // namespace tarnClient

@@ -40,27 +40,27 @@ QString timeStamp()
 
 } // namespace
 
-Watch::Watch(const ToolOptions &options, ToolStreams &streams)
-    : Session(options, streams)
+Watch::Watch(const ToolOptions &toolOptions, ToolStreams &toolStreams)
+    : Session(toolOptions, toolStreams)
 {
-    connect(&m_client, &PipeClient::documentReceived, this, &Watch::handleDocument);
-    connect(&m_client, &PipeClient::serviceGone, this, &Watch::handleServiceGone);
-    connect(&m_deadline, &ReplyDeadline::expired, this, &Watch::handleExpiry);
-    if (m_options.verbose)
-        connect(&m_client, &PipeClient::garbageReceived, this, &Watch::remarkGarbage);
+    connect(&client, &PipeClient::documentReceived, this, &Watch::handleDocument);
+    connect(&client, &PipeClient::serviceGone, this, &Watch::handleServiceGone);
+    connect(&deadline, &ReplyDeadline::expired, this, &Watch::handleExpiry);
+    if (options.verbose)
+        connect(&client, &PipeClient::garbageReceived, this, &Watch::remarkGarbage);
 }
 
 ExitCode Watch::run()
 {
     const InterruptPoll interrupt;
     connect(&interrupt, &InterruptPoll::raised, this, [this] { finish(ExitCode::Done); });
-    if (m_options.duration)
-        QTimer::singleShot(*m_options.duration, this, &Watch::handleDurationEnd);
+    if (options.duration)
+        QTimer::singleShot(*options.duration, this, &Watch::handleDurationEnd);
     tryConnect();
     if (!isFinished()) {
         announceStart();
-        m_reader = std::make_unique<StdinReader>(m_streams.input);
-        connect(m_reader.get(), &StdinReader::changed, this, &Watch::handleNextLines);
+        reader = std::make_unique<StdinReader>(streams.input);
+        connect(reader.get(), &StdinReader::changed, this, &Watch::handleNextLines);
         handleNextLines();
     }
     return waitForFinish();
@@ -68,9 +68,9 @@ ExitCode Watch::run()
 
 void Watch::announceStart()
 {
-    if (m_streams.interactive && m_client.isOpen()) {
-        m_streams.remark(QStringLiteral("Watching the pipe \"%1\". Type a command, help or quit.")
-                             .arg(m_options.pipeName));
+    if (streams.interactive && client.isOpen()) {
+        streams.remark(QStringLiteral("Watching the pipe \"%1\". Type a command, help or quit.")
+                             .arg(options.pipeName));
     }
 }
 
@@ -78,12 +78,12 @@ void Watch::tryConnect()
 {
     if (isFinished())
         return;
-    if (m_client.open()) {
+    if (client.open()) {
         handleNextLines();
         return;
     }
-    if (!m_options.reconnect || !m_client.canEverOpen()) {
-        m_streams.complain(m_client.openFailureText());
+    if (!options.reconnect || !client.canEverOpen()) {
+        streams.complain(client.openFailureText());
         finish(ExitCode::NoService);
         return;
     }
@@ -100,16 +100,16 @@ void Watch::handleServiceGone()
     if (isFinished())
         return;
     const QString unanswered =
-        m_pendingTag.isEmpty() ? QString() : QStringLiteral(" before it answered ") + m_pending.name;
-    m_pendingTag.clear();
-    m_deadline.stop();
-    if (m_options.reconnect) {
-        m_streams.complain(
+        pendingTag.isEmpty() ? QString() : QStringLiteral(" before it answered ") + pending.name;
+    pendingTag.clear();
+    deadline.stop();
+    if (options.reconnect) {
+        streams.complain(
             QStringLiteral("The service went away%1; waiting for it to come back.").arg(unanswered));
         retryLater(leavePause);
         return;
     }
-    m_streams.complain(
+    streams.complain(
         QStringLiteral("The service went away%1.\nStart it again (./run, or the service \"Tarn "
                        "Service\" on Windows); --reconnect waits for it.")
             .arg(unanswered));
@@ -122,15 +122,15 @@ void Watch::handleDocument(const QByteArray &bytes)
         return;
     const std::optional<Message> message = Message::parse(bytes);
     if (!message) {
-        if (m_options.verbose)
+        if (options.verbose)
             remarkGarbage(bytes);
         return;
     }
-    if (message->answers(m_pendingTag)) {
+    if (message->answers(pendingTag)) {
         showAnswer(*message);
         return;
     }
-    m_deadline.extend();
+    deadline.extend();
     if (message->hasTag()) {
         show(lateAnswerKind, message->lineText(findCommand(message->command())), message->json());
         return;
@@ -141,22 +141,22 @@ void Watch::handleDocument(const QByteArray &bytes)
 void Watch::showNotification(const Message &message)
 {
     show(eventKind, message.notificationText(), message.json());
-    ++m_notifications;
-    if (m_options.count && m_notifications >= *m_options.count)
+    ++notifications;
+    if (options.count && notifications >= *options.count)
         endWatching();
 }
 
 void Watch::showAnswer(const Message &message)
 {
-    m_pendingTag.clear();
-    m_deadline.stop();
-    show(answerKind, message.lineText(findCommand(m_pending.name)), message.json());
+    pendingTag.clear();
+    deadline.stop();
+    show(answerKind, message.lineText(findCommand(pending.name)), message.json());
     handleNextLines();
 }
 
 void Watch::show(QLatin1StringView kind, const QString &text, const QByteArray &json)
 {
-    if (m_options.json)
+    if (options.json)
         print(json);
     else
         print(timeStamp() + u' ' + kind + u' ' + text);
@@ -164,16 +164,16 @@ void Watch::show(QLatin1StringView kind, const QString &text, const QByteArray &
 
 void Watch::handleNextLines()
 {
-    while (m_reader && m_client.isOpen() && !m_lingering && !isFinished()) {
-        const bool isWaiting = !m_pendingTag.isEmpty();
-        const std::optional<QString> line = isWaiting ? takeUrgentLine() : m_reader->takeLine();
+    while (reader && client.isOpen() && !lingering && !isFinished()) {
+        const bool isWaiting = !pendingTag.isEmpty();
+        const std::optional<QString> line = isWaiting ? takeUrgentLine() : reader->takeLine();
         if (line) {
             handleLine(*line);
             continue;
         }
         // A person who ends the input wants to leave; a script that has no more commands may well want to go
         // on watching.
-        if (!isWaiting && m_streams.interactive && m_reader->isExhausted())
+        if (!isWaiting && streams.interactive && reader->isExhausted())
             finish(ExitCode::Done);
         return;
     }
@@ -183,11 +183,11 @@ void Watch::handleNextLines()
 // time limit. The lines of a script keep their order.
 std::optional<QString> Watch::takeUrgentLine()
 {
-    const std::optional<QString> line = m_streams.interactive ? m_reader->nextLine() : std::nullopt;
+    const std::optional<QString> line = streams.interactive ? reader->nextLine() : std::nullopt;
     if (!line)
         return std::nullopt;
     const QString word = parseTypedLine(*line).name;
-    return word == helpWord || word == reconnectWord ? m_reader->takeLine() : std::nullopt;
+    return word == helpWord || word == reconnectWord ? reader->takeLine() : std::nullopt;
 }
 
 void Watch::handleLine(const QString &line)
@@ -208,39 +208,39 @@ void Watch::handleLine(const QString &line)
 void Watch::showHelp(const TypedCommand &command)
 {
     if (!command.data) {
-        m_streams.remark(typingHelp());
+        streams.remark(typingHelp());
         return;
     }
     const std::optional<QString> text = topicHelp(*command.data);
-    m_streams.remark(text.value_or(unknownCommandText(*command.data)));
+    streams.remark(text.value_or(unknownCommandText(*command.data)));
 }
 
 void Watch::sendCommand(const TypedCommand &command)
 {
-    std::optional<QString> objection = m_options.force ? std::nullopt : commandObjection(command);
+    std::optional<QString> objection = options.force ? std::nullopt : commandObjection(command);
     if (objection && findCommand(command.name) == nullptr && topicHelp(command.name)) {
         objection =
             QStringLiteral("\"%1\" cannot be typed here; run \"tarnctl %1\" by itself.").arg(command.name);
     }
     if (objection) {
-        m_streams.complain(*objection);
+        streams.complain(*objection);
         return;
     }
     const Request request = buildRequest(command);
-    if (!m_client.send(request.bytes)) {
+    if (!client.send(request.bytes)) {
         // The loss of the connection is reported by its own signal.
         return;
     }
     if (!isAnsweredBySilence(command)) {
-        m_pending = command;
-        m_pendingTag = request.tag;
-        m_deadline.start(timeoutFor(findCommand(command.name)));
+        pending = command;
+        pendingTag = request.tag;
+        deadline.start(timeoutFor(findCommand(command.name)));
         return;
     }
-    m_lingering = true;
+    lingering = true;
     QTimer::singleShot(silentLinger, this, [this, name = command.name] {
-        m_lingering = false;
-        if (!m_options.json)
+        lingering = false;
+        if (!options.json)
             show(answerKind, name + u' ' + sentText, {});
         handleNextLines();
     });
@@ -248,21 +248,21 @@ void Watch::sendCommand(const TypedCommand &command)
 
 void Watch::connectAnew()
 {
-    m_client.close();
-    m_streams.remark(m_pendingTag.isEmpty()
+    client.close();
+    streams.remark(pendingTag.isEmpty()
             ? QStringLiteral("Connecting again.")
             : QStringLiteral("Connecting again; if %1 is still answered, it shows as a late answer.")
-                  .arg(m_pending.name));
-    m_pendingTag.clear();
-    m_deadline.stop();
+                  .arg(pending.name));
+    pendingTag.clear();
+    deadline.stop();
     retryLater(leavePause);
 }
 
 void Watch::handleExpiry()
 {
-    m_streams.complain(noAnswerText(m_pending.name, m_deadline.timeout())
+    streams.complain(noAnswerText(pending.name, deadline.timeout())
         + QStringLiteral("\nIf another client has come and gone, type reconnect."));
-    m_pendingTag.clear();
+    pendingTag.clear();
     handleNextLines();
 }
 
@@ -270,11 +270,11 @@ void Watch::handleExpiry()
 void Watch::endWatching()
 {
     QStringList left;
-    if (!m_pendingTag.isEmpty())
-        left << QStringLiteral("No answer to %1 has come yet.").arg(m_pending.name);
+    if (!pendingTag.isEmpty())
+        left << QStringLiteral("No answer to %1 has come yet.").arg(pending.name);
     int unsent = 0;
     QString first;
-    while (const std::optional<QString> line = m_reader ? m_reader->takeLine() : std::nullopt) {
+    while (const std::optional<QString> line = reader ? reader->takeLine() : std::nullopt) {
         const TypedCommand command = parseTypedLine(*line);
         if (!isOwnWord(command.name) && unsent++ == 0)
             first = line->trimmed();
@@ -285,20 +285,20 @@ void Watch::endWatching()
                 : QStringLiteral("Not sent any more: %1, and %2 after it.").arg(first).arg(unsent - 1));
     }
     if (!left.isEmpty())
-        m_streams.complain(QStringLiteral("The watching ends.\n") + left.join(u'\n'));
+        streams.complain(QStringLiteral("The watching ends.\n") + left.join(u'\n'));
     finish(left.isEmpty() ? ExitCode::Done : ExitCode::NoAnswer);
 }
 
 void Watch::handleDurationEnd()
 {
-    if (!m_options.count) {
+    if (!options.count) {
         endWatching();
         return;
     }
-    m_streams.complain(QStringLiteral("%1 of %2 notifications came within %3.")
-                           .arg(m_notifications)
-                           .arg(*m_options.count)
-                           .arg(durationText(*m_options.duration)));
+    streams.complain(QStringLiteral("%1 of %2 notifications came within %3.")
+                           .arg(notifications)
+                           .arg(*options.count)
+                           .arg(durationText(*options.duration)));
     finish(ExitCode::NoAnswer);
 }
 

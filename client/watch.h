@@ -39,13 +39,13 @@ private:
     void handleDurationEnd();
     void endWatching();
 
-    std::unique_ptr<StdinReader> m_reader;
+    std::unique_ptr<StdinReader> reader;
     // The command that waits for its answer; an empty tag: none.
-    TypedCommand m_pending;
-    QString m_pendingTag;
+    TypedCommand pending;
+    QString pendingTag;
     // A request that gets no answer has just been sent; the next has to wait.
-    bool m_lingering = false;
-    int m_notifications = 0;
+    bool lingering = false;
+    int notifications = 0;
 };
 
 } // namespace tarnClient

@@ -78,7 +78,7 @@ LRESULT CALLBACK look(int code, WPARAM wide, LPARAM lengthy)
 } // namespace
 
 InputGuard::InputGuard()
-    : m_hook(SetWindowsHookExW(WH_GETMESSAGE, look, nullptr, GetCurrentThreadId()))
+    : hook(SetWindowsHookExW(WH_GETMESSAGE, look, nullptr, GetCurrentThreadId()))
 { }
 
 } // namespace tarnGui

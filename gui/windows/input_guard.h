@@ -21,7 +21,7 @@ private:
     {
         void operator()(HHOOK hook) const { UnhookWindowsHookEx(hook); }
     };
-    std::unique_ptr<std::remove_pointer_t<HHOOK>, HookRemover> m_hook;
+    std::unique_ptr<std::remove_pointer_t<HHOOK>, HookRemover> hook;
 };
 
 } // namespace tarnGui

@@ -47,8 +47,9 @@ void DialogueScript::follow(const QStringList &lines)
             return;
         previousWord = word;
     }
-    if (others == Others::Fail)
+    if (others == Others::Fail) {
         EXPECT_EQ(client.documents().mid(seen), QByteArrayList());
+    }
 }
 
 bool DialogueScript::followLine(const QString &word, const QString &rest)

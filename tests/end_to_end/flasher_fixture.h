@@ -58,8 +58,9 @@ protected:
 
     void TearDown() override
     {
-        if (port.state() != QProcess::NotRunning)
+        if (port.state() != QProcess::NotRunning) {
             EXPECT_EQ(stopPort(SIGTERM), 0);
+        }
     }
 
     [[nodiscard]] QString stateFile() const { return folder.filePath("function/simulated_computer.state"); }

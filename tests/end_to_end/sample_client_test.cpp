@@ -53,9 +53,10 @@ public:
                 return true;
             },
             samplePatienceMs);
-        if (!shown)
+        if (!shown) {
             ADD_FAILURE() << line.toStdString() << " does not come; all:\n"
                           << lines().join('\n').toStdString();
+        }
         return shown;
     }
 

@@ -52,12 +52,14 @@ TEST(TarnctlCatalogueTest, OutcomeKeysFollowTheKindOfCommand)
     // The firmware commands answer their outcome in "data", the other actions in "result", queries have none.
     for (const CommandEntry &entry : commandCatalogue()) {
         SCOPED_TRACE(fromRow(entry.name).toStdString());
-        if (entry.answerKeys.contains(QLatin1StringView("result")))
+        if (entry.answerKeys.contains(QLatin1StringView("result"))) {
             EXPECT_EQ(entry.outcomeKey, QLatin1StringView("result"));
+        }
         const bool isQuery = entry.name.startsWith(QLatin1StringView("get"))
             && entry.name != QLatin1StringView("getSmartChargingStatus");
-        if (isQuery)
+        if (isQuery) {
             EXPECT_TRUE(entry.outcomeKey.isEmpty());
+        }
     }
     for (const char *name : {"requestMcuUpdate", "requestEnterMcuUpdateMode", "requestStartEcUpdate",
              "requestEcUpdate", "getSmartChargingStatus"}) {

@@ -37,8 +37,9 @@ TEST_P(DataRuleCases, JudgesTheData)
     const DataRule rule = GetParam().kind == DataKind::Choice ? onOff : DataRule {GetParam().kind};
     const std::optional<QString> objection = rule.objection("someCommand", GetParam().data);
     EXPECT_EQ(!objection.has_value(), GetParam().allowed) << GetParam().data.value_or("(none)").toStdString();
-    if (objection)
+    if (objection) {
         EXPECT_TRUE(objection->startsWith("someCommand "));
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Values, DataRuleCases,

@@ -22,49 +22,49 @@ QJsonObject withField(QJsonObject object, const QString &key, const QString &val
 FakeService::FakeService()
 {
     static std::atomic<int> counter = 0;
-    m_pipeName = QStringLiteral("tarnctlTest-%1-%2").arg(QCoreApplication::applicationPid()).arg(++counter);
-    connect(&m_server, &QLocalServer::newConnection, this, &FakeService::takeConnection);
+    servedPipe = QStringLiteral("tarnctlTest-%1-%2").arg(QCoreApplication::applicationPid()).arg(++counter);
+    connect(&server, &QLocalServer::newConnection, this, &FakeService::takeConnection);
     startListening();
 }
 
 QString FakeService::pipeName() const
 {
-    return m_pipeName;
+    return servedPipe;
 }
 
 QByteArrayList FakeService::requests() const
 {
-    return m_requests;
+    return receivedRequests;
 }
 
 QStringList FakeService::commands() const
 {
     QStringList names;
-    for (const QByteArray &request : m_requests)
+    for (const QByteArray &request : receivedRequests)
         names << QJsonDocument::fromJson(request).object().value(QStringLiteral("cmd")).toString();
     return names;
 }
 
 int FakeService::connections() const
 {
-    return m_connections;
+    return connectionCount;
 }
 
 void FakeService::onRequest(std::function<void(const QJsonObject &)> handler)
 {
-    m_requestHandler = std::move(handler);
+    requestHandler = std::move(handler);
 }
 
 void FakeService::onConnection(std::function<void()> handler)
 {
-    m_connectionHandler = std::move(handler);
+    connectionHandler = std::move(handler);
 }
 
 void FakeService::write(const QByteArray &bytes)
 {
-    if (m_client) {
-        m_client->write(bytes);
-        m_client->flush();
+    if (client) {
+        client->write(bytes);
+        client->flush();
     }
 }
 
@@ -80,19 +80,19 @@ void FakeService::notify(const QString &command, const QString &data)
 
 void FakeService::dropClient()
 {
-    if (m_client)
-        m_client->abort();
+    if (client)
+        client->abort();
 }
 
 void FakeService::stopListening()
 {
-    m_server.close();
+    server.close();
 }
 
 void FakeService::startListening()
 {
-    QLocalServer::removeServer(m_pipeName);
-    if (!m_server.listen(m_pipeName))
+    QLocalServer::removeServer(servedPipe);
+    if (!server.listen(servedPipe))
         qFatal("The test's pipe cannot be opened.");
 }
 
@@ -103,22 +103,22 @@ void FakeService::later(std::chrono::milliseconds delay, std::function<void()> a
 
 void FakeService::takeConnection()
 {
-    QLocalSocket *socket = m_server.nextPendingConnection();
-    ++m_connections;
-    m_client = socket;
+    QLocalSocket *socket = server.nextPendingConnection();
+    ++connectionCount;
+    client = socket;
     connect(socket, &QLocalSocket::readyRead, this, [this, socket] { takeRequest(socket); });
     connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);
-    if (m_connectionHandler)
-        m_connectionHandler();
+    if (connectionHandler)
+        connectionHandler();
 }
 
 void FakeService::takeRequest(QLocalSocket *socket)
 {
-    m_client = socket;
+    client = socket;
     const QByteArray bytes = socket->readAll();
-    m_requests << bytes;
-    if (m_requestHandler)
-        m_requestHandler(QJsonDocument::fromJson(bytes).object());
+    receivedRequests << bytes;
+    if (requestHandler)
+        requestHandler(QJsonDocument::fromJson(bytes).object());
 }
 
 } // namespace tarnClientTest

@@ -41,13 +41,13 @@ private:
     void takeConnection();
     void takeRequest(QLocalSocket *socket);
 
-    QString m_pipeName;
-    QLocalServer m_server;
-    QPointer<QLocalSocket> m_client;
-    QByteArrayList m_requests;
-    int m_connections = 0;
-    std::function<void(const QJsonObject &)> m_requestHandler;
-    std::function<void()> m_connectionHandler;
+    QString servedPipe;
+    QLocalServer server;
+    QPointer<QLocalSocket> client;
+    QByteArrayList receivedRequests;
+    int connectionCount = 0;
+    std::function<void(const QJsonObject &)> requestHandler;
+    std::function<void()> connectionHandler;
 };
 
 // Compact JSON.

@@ -16,12 +16,12 @@ FirmwareFolders::FirmwareFolders()
 
 QString FirmwareFolders::firmware() const
 {
-    return m_folder.filePath(QStringLiteral("fw.bin"));
+    return folder.filePath(QStringLiteral("fw.bin"));
 }
 
 QString FirmwareFolders::downloads() const
 {
-    return m_folder.filePath(QStringLiteral("Downloads"));
+    return folder.filePath(QStringLiteral("Downloads"));
 }
 
 QString FirmwareFolders::downloaded(const QString &name) const

@@ -21,7 +21,7 @@ public:
     [[nodiscard]] QStringList downloadNames() const;
 
 private:
-    QTemporaryDir m_folder;
+    QTemporaryDir folder;
 };
 
 void writeFile(const QString &path, const QByteArray &content);

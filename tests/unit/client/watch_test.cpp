@@ -26,23 +26,23 @@ class SilentBuffer : public std::streambuf
 public:
     void release()
     {
-        const std::lock_guard lock(m_mutex);
-        m_released = true;
-        m_changed.notify_all();
+        const std::lock_guard lock(mutex);
+        released = true;
+        changed.notify_all();
     }
 
 protected:
     int_type underflow() override
     {
-        std::unique_lock lock(m_mutex);
-        m_changed.wait(lock, [this] { return m_released; });
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [this] { return released; });
         return traits_type::eof();
     }
 
 private:
-    std::mutex m_mutex;
-    std::condition_variable m_changed;
-    bool m_released = false;
+    std::mutex mutex;
+    std::condition_variable changed;
+    bool released = false;
 };
 
 class SilentInput : public std::istream
@@ -51,12 +51,12 @@ public:
     SilentInput()
         : std::istream(nullptr)
     {
-        rdbuf(&m_buffer);
+        rdbuf(&buffer);
     }
-    void release() { m_buffer.release(); }
+    void release() { buffer.release(); }
 
 private:
-    SilentBuffer m_buffer;
+    SilentBuffer buffer;
 };
 
 // A standard output whose reader has gone.
