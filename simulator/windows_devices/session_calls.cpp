@@ -125,13 +125,13 @@ BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
 }
 
 // Whoever has the window before him may take all the time he wants.
-DWORD WINAPI waitForObject(HANDLE object, DWORD patienceMs)
+DWORD WINAPI waitForObject(HANDLE object, DWORD timeoutMs)
 {
-    if (isOpen(object, PROCESS) && patienceMs != INFINITE) {
+    if (isOpen(object, PROCESS) && timeoutMs != INFINITE) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return WAIT_FAILED;
     }
-    return WaitForSingleObject(object, patienceMs);
+    return WaitForSingleObject(object, timeoutMs);
 }
 
 BOOL WINAPI closeHandle(HANDLE handle)

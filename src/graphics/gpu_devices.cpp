@@ -62,7 +62,7 @@ int isGpuStarted()
 }
 
 // The adapter of an id decides: true when it needs no driver patch.
-bool isAdapterSound(Device &adapter, const QString &id)
+bool isAdapterHealthy(Device &adapter, const QString &id)
 {
     const auto status = adapter.status();
     if (!status) {
@@ -77,7 +77,7 @@ bool isAdapterSound(Device &adapter, const QString &id)
     return status->problem != problemFailedPostStart && status->problem != problemFailedAdd;
 }
 
-bool isFirstNvidiaAdapterSound(DeviceList &adapters)
+bool isFirstNvidiaAdapterHealthy(DeviceList &adapters)
 {
     int index = 1;
     while (Device *adapter = adapters.next()) {
@@ -91,7 +91,7 @@ bool isFirstNvidiaAdapterSound(DeviceList &adapters)
         if (!id->contains(QStringLiteral("VEN_10DE"), Qt::CaseInsensitive))
             continue;
         qDebug() << "Found NVIDIA device:" << *id;
-        return isAdapterSound(*adapter, *id);
+        return isAdapterHealthy(*adapter, *id);
     }
     return true;
 }
@@ -195,10 +195,10 @@ bool GraphicsAccessoryManager::checkNvidiaAdapterStatus()
         qDebug() << "Failed to get device info set for display adapters.";
         return false;
     }
-    const bool sound = isFirstNvidiaAdapterSound(*adapters);
+    const bool healthy = isFirstNvidiaAdapterHealthy(*adapters);
     adapters.reset();
     qDebug() << "Device info list destroyed for display adapters.";
-    return sound;
+    return healthy;
 }
 
 int GraphicsAccessoryManager::enableGpu()

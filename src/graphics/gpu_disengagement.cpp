@@ -18,7 +18,7 @@ using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 using tarnPlatform::UnfinishedStep;
 
-constexpr auto clientFarewell = 2000ms; // for the client to let go of the GPU
+constexpr auto timeToReleaseGpu = 2000ms; // for the client to let go of the GPU
 constexpr auto updatePreparation = 3000ms;
 constexpr int confirmed = 1;
 
@@ -32,7 +32,7 @@ constexpr PegStateWords reportWords = {
 void tellClient()
 {
     tarnPipeServer::notifyClient(QStringLiteral("disengagedGraphics"), QString());
-    sleepFor(clientFarewell);
+    sleepFor(timeToReleaseGpu);
 }
 
 // Asked after each wait, under the step that then goes on to the end: what is disabled is also told.

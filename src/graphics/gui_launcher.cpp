@@ -17,7 +17,7 @@ using tarnPlatform::Launch;
 using tarnPlatform::LaunchStage;
 using tarnPlatform::UserSession;
 
-constexpr auto answerPatience = 30000ms;
+constexpr auto answerTimeout = 30000ms;
 constexpr int exitCodeNo = 0;
 constexpr int exitCodeYes = 1;
 
@@ -68,7 +68,7 @@ int launchInOwnSession(const QString &programSwitch)
     qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: cmd：" << programSwitch;
     UserSession &session = UserSession::system();
     if (programSwitch == QStringLiteral("--disengaged-graphics"))
-        return answerOf(session.run(guiProgram(), programSwitch, answerPatience));
+        return answerOf(session.run(guiProgram(), programSwitch, answerTimeout));
     if (!session.startDetached(guiProgram(), programSwitch))
         qWarning() << failures[static_cast<std::size_t>(LaunchStage::NoProcess)] << guiProgram();
     return 0;

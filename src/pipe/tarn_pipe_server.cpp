@@ -55,7 +55,7 @@ TarnPipeServer *TarnPipeServer::instance()
 }
 
 TarnPipeServer::TarnPipeServer()
-    : room(tarnPlatform::clientRoom())
+    : mostClients(tarnPlatform::clientLimit())
 {
     prepareHandlerThreads();
 
@@ -63,7 +63,7 @@ TarnPipeServer::TarnPipeServer()
     localServer = new QLocalServer(this);
     SendQueueThread::setWriter([this](const QString &message) { sendDataToClient(message); });
     connect(localServer, &QLocalServer::newConnection, this, &TarnPipeServer::handleConnection);
-    openDoor();
+    listenForClients();
     createSmartChargingTimer();
 }
 
@@ -71,7 +71,7 @@ TarnPipeServer::~TarnPipeServer()
 {
     if (localServer) {
         qDebug() << "Destory server resource!";
-        closeDoor();
+        stopListening();
         localServer->deleteLater();
     }
     if (clientOnline && clientSocket) {
@@ -83,16 +83,16 @@ TarnPipeServer::~TarnPipeServer()
     delete smartChargingTimer;
 }
 
-void TarnPipeServer::openDoor()
+void TarnPipeServer::listenForClients()
 {
     const QString pipeName = QStringLiteral("tarnPipe");
     tarnPlatform::removeLeftoverSocket(pipeName);
     localServer->listen(pipeName); // without it the service runs on, for the accessories, without clients
 }
 
-void TarnPipeServer::closeDoor()
+void TarnPipeServer::stopListening()
 {
-    doorClosed = true;
+    listeningEnded = true;
     localServer->close();
 }
 
@@ -157,29 +157,29 @@ bool TarnPipeServer::isServiceSession() const
     return tarnPlatform::UserSession::system().isServiceSession();
 }
 
-bool TarnPipeServer::isCrowded() const
+bool TarnPipeServer::hasTooManyClients() const
 {
-    return localServer->findChildren<QLocalSocket *>(Qt::FindDirectChildrenOnly).size() > room;
+    return localServer->findChildren<QLocalSocket *>(Qt::FindDirectChildrenOnly).size() > mostClients;
 }
 
 // A disconnection silences the service towards everybody, so one that was there before the newcomer must not
 // be noticed after it. Their sockets may be ready at the same time, and then the newcomer's turn comes first.
-void TarnPipeServer::noticeWhoHasLeft(const QLocalSocket *newcomer)
+void TarnPipeServer::handleEarlierDisconnections(const QLocalSocket *newClient)
 {
     constexpr int lookCount = 2; // what it still had to say, and its end
     const auto sockets = localServer->findChildren<QLocalSocket *>(Qt::FindDirectChildrenOnly);
     for (QLocalSocket *socket : sockets) {
-        for (int look = 0; look < lookCount && socket != newcomer && socket->waitForReadyRead(0); ++look) { }
+        for (int look = 0; look < lookCount && socket != newClient && socket->waitForReadyRead(0); ++look) { }
     }
 }
 
 void TarnPipeServer::handleConnection()
 {
-    QLocalSocket *newcomer = localServer->nextPendingConnection();
-    noticeWhoHasLeft(newcomer);
-    if (newcomer && isCrowded()) {
+    QLocalSocket *newClient = localServer->nextPendingConnection();
+    handleEarlierDisconnections(newClient);
+    if (newClient && hasTooManyClients()) {
         qWarning("too many clients, the newest one is turned away");
-        delete newcomer;
+        delete newClient;
         return;
     }
     qDebug() << "is connection!";
@@ -189,7 +189,7 @@ void TarnPipeServer::handleConnection()
     clientOnline = true;
     qDebug() << QThread::currentThreadId();
 
-    clientSocket = newcomer;
+    clientSocket = newClient;
     if (!clientSocket)
         return;
     connect(clientSocket, &QLocalSocket::readyRead, this, &TarnPipeServer::readDataFromClient);
@@ -211,8 +211,8 @@ void TarnPipeServer::handleDisconnection()
         sendThread->quit();
     }
     // On Unix a system without a descriptor for a newcomer makes the local server give up; now one is free.
-    if (!doorClosed && !localServer->isListening())
-        openDoor();
+    if (!listeningEnded && !localServer->isListening())
+        listenForClients();
 }
 
 void TarnPipeServer::readDataFromClient()

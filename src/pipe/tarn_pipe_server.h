@@ -34,7 +34,7 @@ public:
     ~TarnPipeServer() override;
 
     // Takes no more clients, for the end of the process.
-    void closeDoor();
+    void stopListening();
 
     // Runs the handler of one request and returns its reply, empty for what is not understood. Any thread.
     QString dispatch(const QByteArray &request);
@@ -68,9 +68,9 @@ private:
     };
 
     TarnPipeServer();
-    void openDoor();
-    [[nodiscard]] bool isCrowded() const;
-    void noticeWhoHasLeft(const QLocalSocket *newcomer);
+    void listenForClients();
+    [[nodiscard]] bool hasTooManyClients() const;
+    void handleEarlierDisconnections(const QLocalSocket *newClient);
     QFuture<QString> startHandler(const QByteArray &request);
     static Handled handle(const QByteArray &request);
     static QString replyTo(Handled handled);
@@ -84,8 +84,8 @@ private:
 
     std::atomic<bool> clientOnline {false};
     QLocalServer *localServer = nullptr;
-    const int room; // for clients at once
-    bool doorClosed = false; // for good
+    const int mostClients; // for clients at once
+    bool listeningEnded = false; // for good
     // Deliberately left as it is when its client goes away: a reply that is finished later is still queued,
     // for the next client. Never looked into while clientOnline is false.
     QLocalSocket *clientSocket = nullptr;

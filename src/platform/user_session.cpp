@@ -12,14 +12,14 @@
 
 namespace tarnPlatform {
 
-int UserSession::run(const QString &program, const QString &argument, std::chrono::milliseconds patience)
+int UserSession::run(const QString &program, const QString &argument, std::chrono::milliseconds timeout)
 {
     TiedProcess process;
     process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     if (!process.startTied(startablePath(program), {argument}))
         qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process" << program
                    << process.errorString();
-    waitForEnd(process, static_cast<int>(patience.count()));
+    process.waitForFinished(static_cast<int>(timeout.count()));
     // Whoever has not answered by now is not asked any longer: the destructor ends the program.
     return exitCodeOf(process);
 }

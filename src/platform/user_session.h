@@ -44,7 +44,7 @@ public:
     // From a user's own session: runs a program and waits for its end for at most so long; its exit code, 0
     // as long as there is none.
     [[nodiscard]] virtual int run(
-        const QString &program, const QString &argument, std::chrono::milliseconds patience);
+        const QString &program, const QString &argument, std::chrono::milliseconds timeout);
     // The same without waiting. False when the program cannot be started.
     [[nodiscard]] virtual bool startDetached(const QString &program, const QString &argument);
 

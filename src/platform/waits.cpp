@@ -49,14 +49,14 @@ void sleepFor(milliseconds duration)
     waitClock().sleep(duration);
 }
 
-void pumpEventsFor(milliseconds duration, const std::function<bool()> &cutShort)
+void pumpEventsFor(milliseconds duration, const std::function<bool()> &endsEarly)
 {
     WaitClock &clock = waitClock();
     const QTime deadline = clock.timeOfDay().addMSecs(static_cast<int>(duration.count()));
     const milliseconds guard = clock.steadyTime() + duration;
     while (clock.timeOfDay() < deadline) {
         const milliseconds left = guard - clock.steadyTime();
-        if (left <= milliseconds::zero() || (cutShort && cutShort()))
+        if (left <= milliseconds::zero() || (endsEarly && endsEarly()))
             return;
         clock.processEvents(left);
     }

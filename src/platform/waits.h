@@ -29,7 +29,7 @@ void sleepFor(milliseconds duration);
 // Handles the calling thread's events until the time of day has moved on by the duration, or until the
 // predicate (if any) says that the wait has lost its purpose. The deadline wraps at midnight, so a wait that
 // would cross it does not wait at all; a clock that is set back cannot stretch the wait.
-void pumpEventsFor(milliseconds duration, const std::function<bool()> &cutShort = {});
+void pumpEventsFor(milliseconds duration, const std::function<bool()> &endsEarly = {});
 
 // Time since some instant, which no change of the computer's clock moves.
 [[nodiscard]] milliseconds steadyNow();

@@ -41,7 +41,7 @@ int main(int argc, char *argv[])
 
     logBanner();
     if (!waitForSystem())
-        return TarnService::exitCodeOfNothingDone(argc, argv);
+        return TarnService::exitCodeBeforeExec(argc, argv);
     qDebug() << "Tarn Service is running as " << tarnPlatform::version() << "!";
     logSourcePath();
 

@@ -42,7 +42,7 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
     auto *monitor = ProcessWide<EcDirverReader>::existing();
     auto *sender = ProcessWide<SendQueueThread>::existing();
     if (auto *server = ProcessWide<TarnPipeServer>::existing())
-        server->closeDoor();
+        server->stopListening();
     if (monitor)
         monitor->requestEnd();
     if (sender)

@@ -73,7 +73,7 @@ const QtServiceBase::Option *QtServiceBase::chosenOption(int argc, char **argv)
     return nullptr;
 }
 
-int QtServiceBase::exitCodeOfNothingDone(int argc, char **argv)
+int QtServiceBase::exitCodeBeforeExec(int argc, char **argv)
 {
     const Option *option = chosenOption(argc, argv);
     return option && option->action == &QtServiceBase::executeAsApplication ? 0 : exitFailed;

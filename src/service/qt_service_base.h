@@ -36,7 +36,7 @@ public:
     [[nodiscard]] int exec();
     // The exit code of a process that was asked to end before it came to exec(): whoever asked it for an
     // action must not take that for done.
-    [[nodiscard]] static int exitCodeOfNothingDone(int argc, char **argv);
+    [[nodiscard]] static int exitCodeBeforeExec(int argc, char **argv);
 
     [[nodiscard]] QString serviceName() const { return name; }
     [[nodiscard]] QString serviceDescription() const { return description; }

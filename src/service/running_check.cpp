@@ -4,11 +4,11 @@
 
 #include <QProcess>
 
-bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds patience)
+bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds timeout)
 {
     QProcess query;
     // Deliberately one text without arguments: as it ends with a quote it goes to the system unchanged.
     query.start(QStringLiteral("sc query ") + serviceName, QStringList(), QIODevice::ReadWrite);
-    tarnPlatform::waitForEnd(query, static_cast<int>(patience.count()));
+    query.waitForFinished(static_cast<int>(timeout.count()));
     return QString::fromLocal8Bit(query.readAllStandardOutput()).contains(QStringLiteral("RUNNING"));
 }

@@ -4,8 +4,8 @@
 
 #include <chrono>
 
-inline constexpr std::chrono::milliseconds runningCheckPatience = std::chrono::seconds(30);
+inline constexpr std::chrono::milliseconds runningCheckTimeout = std::chrono::seconds(30);
 
 // Whether the system reports a service of this name as running; false as well when it cannot be asked. Waits
 // so long for the answer. The name goes on the command line as it is, quotes included.
-bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds patience = runningCheckPatience);
+bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds timeout = runningCheckTimeout);

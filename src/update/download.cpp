@@ -16,7 +16,7 @@ using tarnPlatform::UserSession;
 
 constexpr qint64 copyChunkBytes = 0x10000;
 
-const QString nobodyLoggedOn = QStringLiteral("Nobody is logged on at the console.");
+const QString noUserLoggedOn = QStringLiteral("Nobody is logged on at the console.");
 
 // A full disk takes part of it first and says what is wrong at the next attempt only.
 bool writeAll(QFile &to, const QByteArray &bytes)
@@ -65,7 +65,7 @@ QString Download::copyTo(const QString &destination) const
 {
     QFile from(file);
     if (!asOwner([&from] { static_cast<void>(from.open(QIODevice::ReadOnly)); }))
-        return nobodyLoggedOn;
+        return noUserLoggedOn;
     if (!from.isOpen())
         return from.errorString();
     QFile to(destination);
@@ -89,7 +89,7 @@ QString Download::remove() const
         if (!download.remove())
             error = download.errorString();
     };
-    return asOwner(removeFile) ? error : nobodyLoggedOn;
+    return asOwner(removeFile) ? error : noUserLoggedOn;
 }
 
 // False when the user at the console has gone: then it is not done.

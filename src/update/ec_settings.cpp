@@ -67,7 +67,7 @@ std::string_view keyMistakenFor(std::string_view binName)
     return setting && !setting->line.empty() ? setting->key : std::string_view();
 }
 
-std::string announcedBinNameLine(const std::function<std::string()> &build)
+std::string loggedBinNameLine(const std::function<std::string()> &build)
 {
     std::string line = build();
     qDebug() << "ecFileName line is: " << logText(line).constData();

@@ -17,6 +17,6 @@ namespace tarnFirmwareUpdate {
 [[nodiscard]] std::string_view keyMistakenFor(std::string_view binName);
 
 // Builds the line of the firmware file and says so in the log; built again if it does not name its key.
-[[nodiscard]] std::string announcedBinNameLine(const std::function<std::string()> &build);
+[[nodiscard]] std::string loggedBinNameLine(const std::function<std::string()> &build);
 
 } // namespace tarnFirmwareUpdate

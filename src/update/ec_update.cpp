@@ -25,7 +25,7 @@ using tarnPlatform::path::newEcSettings;
 bool rewrite(std::istream &from, std::ostream &to, const std::string &binName)
 {
     const auto binNameLine = [&binName] {
-        return announcedBinNameLine([&binName] { return "BinName=" + binName; });
+        return loggedBinNameLine([&binName] { return "BinName=" + binName; });
     };
     for (std::string line; std::getline(from, line);)
         to << settingsLine(line, binNameLine) << '\n';
@@ -70,7 +70,7 @@ bool FirmwareUpdater::modifyEcIniFile(const std::string &iniPath, const std::str
 
 bool FirmwareUpdater::updateEc(const QString &fileName)
 {
-    const QMutexLocker locker(&ecTurn);
+    const QMutexLocker locker(&ecUpdateMutex);
     const bool isToolRun = reserveAndRunEcTool(fileName);
     markEcUpdateOver(); // on every way out
     return isToolRun;

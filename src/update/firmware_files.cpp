@@ -26,7 +26,7 @@ const ToolFolder ecToolFolder {path::ecFolder, path::ecFirmwarePart};
 
 // Moves a downloaded file. It gets its place in one step, and the download is deleted only when its copy is
 // safe on the disk, so a power cut leaves one of them.
-int take(const Download &source, const ToolFolder &folder, const QString &fileName)
+int moveDownload(const Download &source, const ToolFolder &folder, const QString &fileName)
 {
     if (!source.isFolderThere()) {
         qDebug() << "Destination directory does not exist."; // log readers know it so; it is the source's
@@ -68,11 +68,11 @@ int FirmwareUpdater::copyMcuFile(const QString &fileName)
     if (refuses(fileName))
         return copyFailed;
     const auto waitBegan = tarnPlatform::steadyNow();
-    const QMutexLocker locker(&mcuTurn);
+    const QMutexLocker locker(&mcuUpdateMutex);
     const auto waited = tarnPlatform::steadyNow() - waitBegan;
     if (isToolLeftRunning())
         return copyFailed;
-    const int result = take(Download::find(fileName), mcuToolFolder, fileName);
+    const int result = moveDownload(Download::find(fileName), mcuToolFolder, fileName);
     return result == 0 ? mcuUpdate(fileName, waited) : result;
 }
 
@@ -82,7 +82,7 @@ int FirmwareUpdater::copyEcFile(const QString &fileName)
         return copyFailed;
     const Download source = Download::find(fileName);
     qDebug() << source.path() << "11111111112333333333"; // the mark by which this line is found in a long log
-    return take(source, ecToolFolder, fileName);
+    return moveDownload(source, ecToolFolder, fileName);
 }
 
 } // namespace tarnFirmwareUpdate

@@ -65,14 +65,15 @@ private:
     void startFirmware();
 
     std::atomic<quint8> control {0xFF}; // EC_MCU_UPDATE_CTRL as last read or written
-    QMutex modeHold; // guards modeHeld, and lets a leave wait for an enter that is on its way
-    bool modeHeld = false;
+    QMutex modeMutex; // guards ecHeldForMode, and lets a leave wait for an enter that is on its way
+    bool ecHeldForMode = false;
     [[nodiscard]] bool reserveAndRunEcTool(const QString &fileName);
 
-    QMutex mcuTurn; // two updates of the same file name would take it from each other
-    QMutex ecTurn; // settings, firmware file and tool are one set, which two updates at a time would mix up
+    QMutex mcuUpdateMutex; // two updates of the same file name would take it from each other
+    QMutex ecUpdateMutex; // settings, firmware file and tool are one set, which two updates at a time would
+                          // mix up
     // One for each update, the last one running or done; never deleted, because that would end a tool
-    // that still runs. Guarded by ecTurn.
+    // that still runs. Guarded by ecUpdateMutex.
     QList<QProcess *> ecTools;
 };
 

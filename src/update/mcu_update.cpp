@@ -134,14 +134,14 @@ int FirmwareUpdater::enterMcuUpdateMode()
         return -1;
     }
     const auto waitBegan = steadyNow();
-    const QMutexLocker locker(&modeHold);
+    const QMutexLocker locker(&modeMutex);
     EcDirverReader::instance()->setMcuUpdating(true);
     // A second enter works under the hold of the first.
-    if (!modeHeld && !takeEcForMode(waitBegan)) {
+    if (!ecHeldForMode && !takeEcForMode(waitBegan)) {
         EcDirverReader::instance()->setMcuUpdating(false);
         return -1;
     }
-    modeHeld = true;
+    ecHeldForMode = true;
     startBootLoader();
     return 0;
 }
@@ -160,11 +160,11 @@ bool FirmwareUpdater::takeEcForMode(milliseconds waitBegan)
 
 int FirmwareUpdater::leaveMcuUpdateMode()
 {
-    const QMutexLocker locker(&modeHold);
-    if (!modeHeld)
+    const QMutexLocker locker(&modeMutex);
+    if (!ecHeldForMode)
         return -1;
     startFirmware();
-    modeHeld = false;
+    ecHeldForMode = false;
     ecAccessMutex.unlock();
     EcDirverReader::instance()->setMcuUpdating(false);
     return 0;

@@ -31,7 +31,7 @@ QByteArray content(const QString &name)
 }
 
 // That a tool has printed nothing means something only where it could have printed.
-bool hasRoom(const QString &name, QString *error)
+bool canStillWrite(const QString &name, QString *error)
 {
     QFile file(name);
     const bool written = file.open(QIODevice::Append) && file.write(" ") == 1 && file.flush();
@@ -67,7 +67,7 @@ ToolResult runTool(QProcess &process, const FlashingTool &tool, const QStringLis
     const QString output = printedBy(tool, ".out");
     const QString errors = printedBy(tool, ".err");
     const CountedRun counted;
-    tarnPlatform::setApart(process);
+    tarnPlatform::separateFromThisProcess(process);
     process.setStandardInputFile(QProcess::nullDevice()); // a tool must not wait for a person
     process.setStandardOutputFile(QFileInfo(output).absoluteFilePath());
     process.setStandardErrorFile(QFileInfo(errors).absoluteFilePath());
@@ -80,7 +80,7 @@ ToolResult runTool(QProcess &process, const FlashingTool &tool, const QStringLis
     } else {
         waitForEnd(process);
         result.errors = content(errors);
-        if (result.errors.isEmpty() && !hasRoom(errors, &result.failure))
+        if (result.errors.isEmpty() && !canStillWrite(errors, &result.failure))
             result.failure.prepend(QStringLiteral("What it says cannot be kept: "));
         result.output = content(output);
     }

@@ -16,7 +16,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int patienceMs = 30000;
+constexpr int timeoutMs = 30000;
 constexpr std::chrono::milliseconds settleTime = 5s;
 
 // Services of Debian that watch hardware for clients, as the service does, and answer them over the system
@@ -64,7 +64,7 @@ public:
         process.start(QStringLiteral("dbus-daemon"),
             {QStringLiteral("--nofork"), QStringLiteral("--print-address"),
                 QStringLiteral("--config-file=") + settings.fileName()});
-        if (!process.waitForReadyRead(patienceMs))
+        if (!process.waitForReadyRead(timeoutMs))
             qFatal("dbus-daemon does not start: %s", process.readAllStandardError().constData());
         const QByteArray address = process.readAllStandardOutput().trimmed();
         qputenv("DBUS_SYSTEM_BUS_ADDRESS", address);
@@ -77,7 +77,7 @@ public:
     {
         QDBusConnection::disconnectFromBus(QStringLiteral("costs"));
         process.kill();
-        process.waitForFinished(patienceMs);
+        process.waitForFinished(timeoutMs);
     }
     PrivateBus(const PrivateBus &) = delete;
     PrivateBus &operator=(const PrivateBus &) = delete;
@@ -102,7 +102,7 @@ std::optional<double> start(QProcess &process, const Daemon &daemon, const Priva
     process.start(QString::fromLatin1(daemon.program), {});
     while (!bus.isOwned(daemon.busName)) {
         if (process.state() == QProcess::NotRunning || process.waitForFinished(1)
-            || timer.hasExpired(patienceMs))
+            || timer.hasExpired(timeoutMs))
             return std::nullopt;
     }
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
@@ -111,9 +111,9 @@ std::optional<double> start(QProcess &process, const Daemon &daemon, const Priva
 void end(QProcess &process, const Daemon &daemon, const PrivateBus &bus)
 {
     process.terminate();
-    if (!process.waitForFinished(patienceMs))
+    if (!process.waitForFinished(timeoutMs))
         process.kill();
-    process.waitForFinished(patienceMs);
+    process.waitForFinished(timeoutMs);
     while (bus.isOwned(daemon.busName))
         QThread::msleep(1);
 }
@@ -129,7 +129,7 @@ void measure(
             const QByteArray words = process.readAll().trimmed();
             table.add({daemon.name, "cannot run here: " + QString::fromLocal8Bit(words)});
             process.kill();
-            process.waitForFinished(patienceMs);
+            process.waitForFinished(timeoutMs);
             return;
         }
         startMs.add(*ms);

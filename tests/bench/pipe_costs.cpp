@@ -19,7 +19,7 @@ using tarnPipeServer::TarnPipeServer;
 
 namespace {
 
-constexpr int patienceMs = 10000;
+constexpr int timeoutMs = 10000;
 const QByteArray request = R"({"cmd":"getAccessoryType"})"; // the handler needs no EC
 
 QElapsedTimer sinceStart;
@@ -34,7 +34,7 @@ void watchLog(QtMsgType, const QMessageLogContext &, const QString &text)
 
 qsizetype readSome(QLocalSocket &socket)
 {
-    if (socket.bytesAvailable() == 0 && !socket.waitForReadyRead(patienceMs))
+    if (socket.bytesAvailable() == 0 && !socket.waitForReadyRead(timeoutMs))
         qFatal("nothing arrives: %s", qPrintable(socket.errorString()));
     return socket.readAll().size();
 }
@@ -100,7 +100,7 @@ int main(int argc, char **argv)
     const std::unique_ptr<QThread> client(QThread::create([&] {
         QLocalSocket socket;
         socket.connectToServer(QStringLiteral("tarnPipe"));
-        if (!socket.waitForConnected(patienceMs))
+        if (!socket.waitForConnected(timeoutMs))
             qFatal("no connection: %s", qPrintable(socket.errorString()));
         askRepeatedly(socket, 200); // until everything has been used once
         const Latency latency = askRepeatedly(socket, requests);

@@ -21,7 +21,7 @@ namespace {
 constexpr double startDelayMs = 4000; // the service waits so long before it does anything
 constexpr double messagePauseMs = 500; // before each message to the client
 constexpr double memoryBarMib = 4;
-constexpr int patienceMs = 30000;
+constexpr int timeoutMs = 30000;
 
 struct Extent
 {
@@ -44,9 +44,9 @@ void settle(const Extent &extent)
 // As a client that has been waiting for the service.
 void connectAsSoonAsPossible(QLocalSocket &socket)
 {
-    for (int attempt = 0; attempt < patienceMs; ++attempt) {
+    for (int attempt = 0; attempt < timeoutMs; ++attempt) {
         socket.connectToServer(QStringLiteral("tarnPipe"));
-        if (socket.waitForConnected(patienceMs))
+        if (socket.waitForConnected(timeoutMs))
             return;
         QThread::msleep(1);
     }
@@ -56,7 +56,7 @@ void connectAsSoonAsPossible(QLocalSocket &socket)
 void readUntil(QLocalSocket &socket, QByteArray &arrived, const char *text)
 {
     while (!arrived.contains(text)) {
-        if (!socket.waitForReadyRead(patienceMs))
+        if (!socket.waitForReadyRead(timeoutMs))
             qFatal("no message with %s", text);
         arrived += socket.readAll();
     }
@@ -135,7 +135,7 @@ void attach(ServiceProcess &service, const QString &accessory, const Extent &ext
     const auto *known = tarnSimulator::findAccessory(accessory.toStdString());
     service.computer().attach(*known);
     if (known->name.starts_with("graphics")
-        && !tarnTest::waitUntil([&] { return service.computer().gpuReports().count != reports; }, patienceMs))
+        && !tarnTest::waitUntil([&] { return service.computer().gpuReports().count != reports; }, timeoutMs))
         qFatal("the GPU is not brought up");
     settle(extent);
 }

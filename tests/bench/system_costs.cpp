@@ -21,7 +21,7 @@ using tarnTest::ServiceProcess;
 namespace {
 
 constexpr double barPercent = 2;
-constexpr int patienceMs = 60000;
+constexpr int timeoutMs = 60000;
 
 // The waits of a cycle of the monitor: three of its own of 100 ms, 20 ms for each register that it reads.
 struct Cycle
@@ -232,7 +232,7 @@ int main(int argc, char **argv)
         qFatal("the service does not start");
     measureCycles(service, windowSeconds);
     measureIdle(service, windowSeconds);
-    if (service.stop(patienceMs) != 0)
+    if (service.stop(timeoutMs) != 0)
         qFatal("the service does not end well");
     measureCommands(service, isQuick ? 0 : 3000);
     printSleepCost(isQuick ? 50 : 1000);

@@ -108,9 +108,10 @@ TEST_F(Pacing, OfABacklogLosesOneMessageALeaveAtMost)
         ++visits;
         PipePeer visitor;
         ASSERT_TRUE(visitor.connectToService());
-        const qsizetype patience = random.below(300);
-        ASSERT_TRUE(waitUntil(
-            [&] { return visitor.received().size() >= patience || tarnTest::queuedMessages().isEmpty(); }));
+        const qsizetype bytesToTake = random.below(300);
+        ASSERT_TRUE(waitUntil([&] {
+            return visitor.received().size() >= bytesToTake || tarnTest::queuedMessages().isEmpty();
+        }));
         visitor.leave();
         ASSERT_TRUE(waitUntil([] { return SendQueueThread::instance()->isFinished(); }));
         const QByteArray bytes = visitor.received();

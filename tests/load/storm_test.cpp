@@ -84,8 +84,8 @@ TEST_F(ClientStorm, OfShortVisitsLeavesTheDoorOpen)
             .arg(obeyedMs));
 
     // What the others have asked for comes first.
-    const int patienceMs = 20000 + 1000 * static_cast<int>(asked.size() + halves);
-    EXPECT_EQ(normal.ask({{"cmd", "getAccessoryType"}}, patienceMs).value("data"), "disconnected");
+    const int timeoutMs = 20000 + 1000 * static_cast<int>(asked.size() + halves);
+    EXPECT_EQ(normal.ask({{"cmd", "getAccessoryType"}}, timeoutMs).value("data"), "disconnected");
     const QList<int> received = tarnLoad::marksIn(normal.documents());
     const QList<int> sent = tarnLoad::sentMarks(service.log());
     EXPECT_EQ(received, sent.mid(sent.size() - received.size())) << "out of order";

@@ -40,9 +40,9 @@ public:
         return true;
     }
     [[nodiscard]] int run(
-        const QString &program, const QString &argument, std::chrono::milliseconds patience) override
+        const QString &program, const QString &argument, std::chrono::milliseconds timeout) override
     {
-        note(QString("wait %1").arg(patience.count()), program, argument);
+        note(QString("wait %1").arg(timeout.count()), program, argument);
         return static_cast<int>(exitCode);
     }
     [[nodiscard]] bool startDetached(const QString &program, const QString &argument) override

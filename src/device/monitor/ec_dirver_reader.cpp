@@ -127,11 +127,11 @@ void EcDirverReader::pollAccessory()
 
 void EcDirverReader::setEcUpdating(bool updating)
 {
-    const QMutexLocker locker(&updateHold);
+    const QMutexLocker locker(&updateMutex);
     // A second call must not wait for the hold of the first.
-    if (!updateHoldOwnsLock)
-        updateHoldOwnsLock = ecAccessMutex.lock();
-    if (updateHoldOwnsLock)
+    if (!updateHoldsEcLock)
+        updateHoldsEcLock = ecAccessMutex.lock();
+    if (updateHoldsEcLock)
         ecUpdating = updating;
 }
 

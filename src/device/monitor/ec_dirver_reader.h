@@ -102,8 +102,8 @@ private:
     // 215 is deliberate: like 251 it stands for nothing read yet.
     std::array<int, watchedCount> latest {0, 251, 251, 251, 215};
 
-    QMutex updateHold; // guards updateHoldOwnsLock
-    bool updateHoldOwnsLock = false;
+    QMutex updateMutex; // guards updateHoldsEcLock
+    bool updateHoldsEcLock = false;
     std::atomic<bool> endRequested {false};
 };
 

@@ -16,7 +16,7 @@ namespace {
 constexpr std::array stopSignals {SIGTERM, SIGINT, SIGHUP};
 
 // A signal handler may do little more than write a byte; the notifier turns it into an event.
-std::array<int, 2> wire {-1, -1};
+std::array<int, 2> signalSockets {-1, -1};
 std::atomic<bool> requested {false};
 
 void noteSignal(int)
@@ -24,7 +24,7 @@ void noteSignal(int)
     const int before = errno; // of whatever is interrupted
     requested = true;
     const char byte = 1;
-    [[maybe_unused]] const auto written = ::write(wire[0], &byte, sizeof byte);
+    [[maybe_unused]] const auto written = ::write(signalSockets[0], &byte, sizeof byte);
     errno = before;
 }
 
@@ -43,12 +43,12 @@ bool StopRequests::isRequested() const
 
 StopRequests::StopRequests()
 {
-    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, wire.data()) != 0)
+    if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, signalSockets.data()) != 0)
         return; // the signals then keep their default action
-    auto *notifier = new QSocketNotifier(wire[1], QSocketNotifier::Read, this);
+    auto *notifier = new QSocketNotifier(signalSockets[1], QSocketNotifier::Read, this);
     connect(notifier, &QSocketNotifier::activated, this, [this] {
         char byte = 0;
-        while (::read(wire[1], &byte, sizeof byte) > 0) { }
+        while (::read(signalSockets[1], &byte, sizeof byte) > 0) { }
         Q_EMIT stopRequested();
     });
 

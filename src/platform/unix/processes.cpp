@@ -27,9 +27,9 @@ public:
         , program(QFile::symLinkTarget(folder + QStringLiteral("/exe")))
         , ownName(QString::fromLocal8Bit(content("comm")).trimmed())
     {
-        const QString replacedMark = QStringLiteral(" (deleted)");
-        if (program.endsWith(replacedMark))
-            program.chop(replacedMark.size());
+        const QString deletedMark = QStringLiteral(" (deleted)");
+        if (program.endsWith(deletedMark))
+            program.chop(deletedMark.size());
     }
 
     // The file name of the program, and the name that the process goes by, which a script has too.
@@ -143,7 +143,7 @@ ProcessList &ProcessList::ofSystem()
     return list;
 }
 
-void setApart(QProcess &process)
+void separateFromThisProcess(QProcess &process)
 {
     process.setChildProcessModifier([] { ::setsid(); });
 }

@@ -25,7 +25,7 @@ bool isSocket(const QByteArray &path)
 
 // Asks without connecting, which a live server would take for a client: a datagram socket cannot be connected
 // to a stream server (EPROTOTYPE), and to nobody at all (ECONNREFUSED).
-bool isBoundByNobody(const QByteArray &path)
+bool hasNoServer(const QByteArray &path)
 {
     sockaddr_un address {};
     address.sun_family = AF_UNIX;
@@ -43,24 +43,24 @@ bool isBoundByNobody(const QByteArray &path)
 
 // Two pools of 64 handlers and the other threads, one descriptor each, and the files and programs of a
 // handler.
-constexpr rlim_t keptBack = 160;
+constexpr rlim_t reservedDescriptors = 160;
 
 } // namespace
 
 void removeLeftoverSocket(const QString &pipeName)
 {
     const QString path = QDir(QDir::tempPath()).absoluteFilePath(pipeName); // where QLocalServer puts it
-    if (isSocket(QFile::encodeName(path)) && isBoundByNobody(QFile::encodeName(path)))
+    if (isSocket(QFile::encodeName(path)) && hasNoServer(QFile::encodeName(path)))
         QLocalServer::removeServer(pipeName);
 }
 
-int clientRoom()
+int clientLimit()
 {
     rlimit descriptors {};
     if (::getrlimit(RLIMIT_NOFILE, &descriptors) != 0 || descriptors.rlim_cur == RLIM_INFINITY)
         return std::numeric_limits<int>::max();
-    const rlim_t room = descriptors.rlim_cur - std::min(keptBack, descriptors.rlim_cur / 2);
-    return static_cast<int>(std::min<rlim_t>(room, std::numeric_limits<int>::max()));
+    const rlim_t clients = descriptors.rlim_cur - std::min(reservedDescriptors, descriptors.rlim_cur / 2);
+    return static_cast<int>(std::min<rlim_t>(clients, std::numeric_limits<int>::max()));
 }
 
 } // namespace tarnPlatform

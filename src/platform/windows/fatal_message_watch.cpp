@@ -5,30 +5,30 @@
 namespace tarnPlatform {
 namespace {
 
-FatalMessageWatch::Tell tellOfIt;
-QtMessageHandler passOn = nullptr;
+FatalMessageWatch::Report reportFatal;
+QtMessageHandler previousHandler = nullptr;
 
-void note(QtMsgType type, const QMessageLogContext &context, const QString &message)
+void handleMessage(QtMsgType type, const QMessageLogContext &context, const QString &message)
 {
     if (type == QtFatalMsg)
-        tellOfIt(message);
-    passOn(type, context, message);
+        reportFatal(message);
+    previousHandler(type, context, message);
 }
 
 } // namespace
 
 // The default handler stands in for a moment: a message may come on another thread before it is known whom to
 // pass it on to.
-FatalMessageWatch::FatalMessageWatch(const Tell &tell)
+FatalMessageWatch::FatalMessageWatch(const Report &report)
 {
-    tellOfIt = tell;
-    passOn = qInstallMessageHandler(nullptr);
-    qInstallMessageHandler(note);
+    reportFatal = report;
+    previousHandler = qInstallMessageHandler(nullptr);
+    qInstallMessageHandler(handleMessage);
 }
 
 FatalMessageWatch::~FatalMessageWatch()
 {
-    qInstallMessageHandler(passOn);
+    qInstallMessageHandler(previousHandler);
 }
 
 } // namespace tarnPlatform

@@ -11,9 +11,9 @@ namespace tarnPlatform {
 class FatalMessageWatch
 {
 public:
-    using Tell = std::function<void(const QString &message)>;
+    using Report = std::function<void(const QString &message)>;
 
-    explicit FatalMessageWatch(const Tell &tell);
+    explicit FatalMessageWatch(const Report &report);
     ~FatalMessageWatch();
     FatalMessageWatch(const FatalMessageWatch &) = delete;
     FatalMessageWatch &operator=(const FatalMessageWatch &) = delete;

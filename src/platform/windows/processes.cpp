@@ -84,7 +84,7 @@ ProcessList &ProcessList::ofSystem()
     return list;
 }
 
-void setApart(QProcess &process)
+void separateFromThisProcess(QProcess &process)
 {
     // Without a window a console program still gets a console, but one that nobody can close or type into.
     process.setCreateProcessArgumentsModifier([](QProcess::CreateProcessArguments *arguments) {

@@ -7,7 +7,7 @@ namespace tarnPlatform {
 // A named pipe goes with its last handle; nothing can be left behind.
 void removeLeftoverSocket(const QString &) { }
 
-int clientRoom()
+int clientLimit()
 {
     return std::numeric_limits<int>::max(); // memory is the only bound of a process's handles
 }

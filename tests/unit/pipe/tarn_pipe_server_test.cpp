@@ -452,7 +452,7 @@ TEST_F(PipeServer, TakesNobodyOnceItsDoorIsClosed)
     PipePeer lastOne;
     ASSERT_TRUE(lastOne.connectToService());
     ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
-    server->closeDoor();
+    server->stopListening();
     lastOne.leave();
     ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Tarn pipe client is exit!"); }));
     client.socket.connectToServer("tarnPipe");

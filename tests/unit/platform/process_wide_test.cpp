@@ -61,10 +61,10 @@ TEST(ProcessWide, MakesOneObjectForTwoThreadsThatAskAtTheSameTime)
             second = static_cast<pid_t>(::syscall(SYS_gettid));
             ofSecond = ProcessWide<Counted>::instance();
         });
-        const QDeadlineTimer patience(10000);
-        while ((second == 0 || !isAsleep(second)) && !patience.hasExpired())
+        const QDeadlineTimer deadline(10000);
+        while ((second == 0 || !isAsleep(second)) && !deadline.hasExpired())
             std::this_thread::yield();
-        EXPECT_FALSE(patience.hasExpired());
+        EXPECT_FALSE(deadline.hasExpired());
     };
     Counted *ofFirst = ProcessWide<Counted>::instance();
     thread.join();

@@ -75,7 +75,7 @@ TEST_F(RunningCheck, DoesNotCareForTheExitCode)
 
 TEST_F(RunningCheck, WaitsThirtySecondsAtMost)
 {
-    EXPECT_EQ(runningCheckPatience, std::chrono::seconds(30));
+    EXPECT_EQ(runningCheckTimeout, std::chrono::seconds(30));
     answer("exec sleep 300\n");
     QElapsedTimer timer;
     timer.start();

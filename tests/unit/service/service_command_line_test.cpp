@@ -298,8 +298,8 @@ TEST(CommandLineCutShort, IsDoneOnlyWhereTheServiceItselfWasToRun)
         std::vector<char *> pointers;
         for (std::string &word : words)
             pointers.push_back(word.data());
-        EXPECT_EQ(QtServiceBase::exitCodeOfNothingDone(static_cast<int>(words.size()), pointers.data()),
-            row.exitCode)
+        EXPECT_EQ(
+            QtServiceBase::exitCodeBeforeExec(static_cast<int>(words.size()), pointers.data()), row.exitCode)
             << words.back();
     }
 }

@@ -2,7 +2,7 @@
 #include "update/ec_settings.h"
 #include "update_fixture.h"
 
-using tarnFirmwareUpdate::announcedBinNameLine;
+using tarnFirmwareUpdate::loggedBinNameLine;
 using tarnFirmwareUpdate::settingsLine;
 
 namespace {
@@ -44,7 +44,7 @@ INSTANTIATE_TEST_SUITE_P(Lines, EcSetting,
 TEST(EcBinName, IsAnnounced)
 {
     const tarnTest::LogCapture log;
-    EXPECT_EQ(announcedBinNameLine([] { return std::string("BinName=fw.bin"); }), "BinName=fw.bin");
+    EXPECT_EQ(loggedBinNameLine([] { return std::string("BinName=fw.bin"); }), "BinName=fw.bin");
     EXPECT_EQ(log.lines(), QStringList({"ecFileName line is:  BinName=fw.bin", "write BinName successful!"}));
 }
 
@@ -52,8 +52,8 @@ TEST(EcBinName, IsBuiltAgainWhenItDoesNotNameItsKey)
 {
     const tarnTest::LogCapture log;
     int built = 0;
-    EXPECT_EQ(announcedBinNameLine([&built] { return std::string(built++ == 0 ? "x" : "BinName=a"); }),
-        "BinName=a");
+    EXPECT_EQ(
+        loggedBinNameLine([&built] { return std::string(built++ == 0 ? "x" : "BinName=a"); }), "BinName=a");
     EXPECT_EQ(log.lines(),
         QStringList({"ecFileName line is:  x", "write BinName failed! try again!",
             "again ecFileName line is:  BinName=a", "write BinName successful!"}));

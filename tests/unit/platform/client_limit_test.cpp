@@ -4,20 +4,20 @@
 
 #include <gtest/gtest.h>
 
-using tarnPlatform::clientRoom;
+using tarnPlatform::clientLimit;
 using tarnTest::DescriptorLimit;
 
-TEST(ClientRoom, KeepsDescriptorsBackForHandlers)
+TEST(ClientLimit, KeepsDescriptorsBackForHandlers)
 {
     const DescriptorLimit limit(1000);
-    EXPECT_EQ(clientRoom(), 840);
+    EXPECT_EQ(clientLimit(), 840);
 }
 
-TEST(ClientRoom, KeepsNoMoreThanHalfBack)
+TEST(ClientLimit, KeepsNoMoreThanHalfBack)
 {
-    for (const auto &[descriptors, room] :
+    for (const auto &[descriptors, clients] :
         {std::pair {321, 161}, std::pair {320, 160}, std::pair {200, 100}}) {
         const DescriptorLimit limit(static_cast<rlim_t>(descriptors));
-        EXPECT_EQ(clientRoom(), room);
+        EXPECT_EQ(clientLimit(), clients);
     }
 }
