@@ -15,7 +15,7 @@ namespace {
 using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 
-constexpr quint8 unreadByte = 0xF0; // stands when the state cannot be read
+constexpr quint8 unreadByte = 0xF0; // neither on nor off
 
 constexpr MailboxPoll commandPoll = {
     mailboxPause,

@@ -14,9 +14,9 @@ namespace tarnAccessoryManager {
 struct PowerProfile;
 struct BalanceRestore;
 
-// The performance profiles (power_profiles.h), their memory, smart charging and the device power mode. Any
-// thread. Each public operation that touches the EC
-// holds ecAccessMutex for its whole run, except where it says that the caller does.
+// The performance profiles (power_profiles.h), the file that remembers one, smart charging and the device
+// power mode. Any thread. Each public operation that touches the EC holds ecAccessMutex for its whole run,
+// except where it says that the caller does.
 class EcPowerModeManager : public QObject
 {
     Q_OBJECT
@@ -39,8 +39,8 @@ public:
     // power_control_mode.cpp. 0 verified; -1 write or read-back failed, -2 the EC reports another mode.
     int setEcPowerCtrlMode(quint8 mode);
 
-    // power_mode_persistence.cpp. 0 applied, whatever became of the file; -1 not applied, file untouched;
-    // -2 no such profile.
+    // power_mode_persistence.cpp. 0 applied, even if the file could not be written; -1 not applied, file
+    // untouched; -2 no such profile.
     int setEcPowerMode(quint32 number);
     // 0 restored; -1 applied but not saved, -2 not applied.
     int restorePowerModeAtStart();
@@ -48,14 +48,14 @@ public:
     void powerModeFirstRun();
     // The client is closing: automatic control, five attempts.
     void powerModeLastRun();
-    // The profile that the last restore put in force, whatever a client has chosen since; -2 after a failed
+    // The profile that the last restore applied, even if a client has chosen another since; -2 after a failed
     // restore, -10 before any.
     [[nodiscard]] int currentPowerMode() const { return powerMode; }
     [[nodiscard]] int lastRestoreResult() const { return lastPowerModeResult; }
 
     // smart_charging.cpp. True when the state could be read; isSmartChargingOn() then tells it.
     bool getSmartChargingStatus();
-    // On, off, or nothing when the EC's answer makes no sense.
+    // On, off, or empty when the EC's answer is neither.
     std::optional<bool> readSmartCharging();
     // True when the EC stored it.
     bool setSmartChargingStatus(bool on);

@@ -14,7 +14,7 @@ struct GraphicsColour
     quint8 red;
     quint8 green;
     quint8 blue;
-    const char *readText; // what the log says when the EC reports it
+    const char *readText; // log text when the EC reports it
 };
 
 inline constexpr GraphicsColour graphicsColours[] = {

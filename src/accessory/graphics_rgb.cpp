@@ -32,7 +32,7 @@ constexpr MailboxPoll commandPoll = {
     "read ecRGBCmdData from xdata until it is 0.",
 };
 
-// A colour byte of the EC's answer, the time it takes to be there, and the log's words.
+// A colour byte of the EC's answer, the pause before it is read, and its log texts.
 struct ColourByte
 {
     quint16 address;
@@ -71,7 +71,7 @@ std::optional<int> numberOf(const quint8 (&colour)[3])
     return std::nullopt;
 }
 
-// Empty when there is none that the box could show.
+// Empty when no colour is saved that the box can show.
 std::optional<int> savedColour(const QSettings &settings)
 {
     bool isNumber = false;
@@ -81,16 +81,16 @@ std::optional<int> savedColour(const QSettings &settings)
     return colour;
 }
 
-// Whether the file itself holds the colour, in the words in which the settings write it. They answer from
-// their memory, where a colour stays that could not be written, and go on calling a file broken that they
-// have just put right.
+// Whether the file itself holds the colour, in the form in which QSettings writes it. QSettings cannot tell:
+// it answers from its cache, where a colour stays that could not be written, and keeps reporting an error for
+// a file that it has just repaired.
 bool isInFile(int colour)
 {
     QFile file(savedGraphicsColour);
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QByteArray wanted = colourKey.toLatin1() + '=' + QByteArray::number(colour);
-    bool inGeneralSection = true; // what stands before the first section belongs there
+    bool inGeneralSection = true; // lines before the first section belong to it
     while (!file.atEnd()) {
         const QByteArray line = file.readLine().trimmed();
         if (line.startsWith('['))
@@ -162,7 +162,7 @@ int GraphicsAccessoryManager::readGraphicsColor()
 void GraphicsAccessoryManager::saveGraphicsColor(int colour)
 {
     QSettings settings(savedGraphicsColour, QSettings::IniFormat);
-    // Saving waits for the disk, and with it everybody who waits for the EC.
+    // Saving waits for the disk while the caller holds the EC, so only a change is saved.
     if (savedColour(settings) == colour && isInFile(colour))
         return;
     settings.setValue(colourKey, colour);

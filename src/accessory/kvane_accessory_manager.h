@@ -10,8 +10,8 @@ template <typename Object> class ProcessWide;
 namespace tarnAccessoryManager {
 
 // The KVane accessory and the host's own battery as the EC knows them. The serial number and the LED write
-// hold ecAccessMutex for their mailbox exchange (any thread); the five readers take no lock and log nothing,
-// their caller is the monitor, which holds it.
+// hold ecAccessMutex for their mailbox exchange (any thread); the five readers take no lock and log nothing:
+// only the monitor calls them, and it holds the lock.
 class KvaneAccessoryManager : public QObject
 {
     Q_OBJECT
@@ -27,8 +27,8 @@ public:
 
     // The LED byte, or -1.
     int getKVaneLedLight();
-    // 0 or 1; 0 also when the read fails. The power profiles deliberately judge the same byte otherwise: as
-    // charging when any bit is set.
+    // 0 or 1; 0 also when the read fails. The power profiles read the same byte differently: any set bit
+    // counts as charging.
     int getKvaneChargingStatus();
     // The level as the EC gives it, 255 when the read fails.
     int getKvaneBatteryNum();

@@ -11,7 +11,7 @@ namespace {
 
 using tarnDeviceInfos::EcDirverControllerHal;
 
-constexpr quint8 unreadCommand = 0xF0; // stands when a look fails: the command counts as not finished
+constexpr quint8 unreadCommand = 0xF0; // the value after a failed read: the command counts as not finished
 
 void readCommandByte(const MailboxPoll &poll, quint8 *command)
 {

@@ -6,7 +6,7 @@
 
 namespace tarnAccessoryManager {
 
-// What the mailbox's firmware needs between two steps.
+// The time that the EC's firmware needs between two steps of a mailbox exchange.
 inline constexpr std::chrono::milliseconds mailboxPause {10};
 
 // One byte for the application mailbox. The log names the byte before its value and the register after it.
@@ -22,11 +22,11 @@ struct MailboxWrite
 // Writes the byte and logs how it went; ecAccessMutex is held by the caller.
 [[nodiscard]] bool writeMailbox(const MailboxWrite &write);
 
-// Writes the three bytes of a colour with a pause after each, then the command that makes the EC take them on
-// its own time, unobserved. The first failure ends it, so the command never follows a missing byte.
+// Writes the three bytes of a colour with a pause after each, then the command on which the EC takes them;
+// that it does is not checked. Stops at the first failure, so the command never follows a missing byte.
 [[nodiscard]] bool writeMailboxColour(const MailboxWrite (&colour)[3], const MailboxWrite &command);
 
-// How a getter waits for the EC to take its command, with the log's words.
+// How a getter waits for the EC to take its command, with the log texts.
 struct MailboxPoll
 {
     std::chrono::milliseconds pause;
@@ -36,7 +36,7 @@ struct MailboxPoll
     const char *again;
 };
 
-// Looks at the command byte until the EC has cleared it. Running out of polls is no error: the answer is
+// Reads the command byte until the EC has cleared it. Running out of polls is no error: the answer is
 // read in any case, and may be there. ecAccessMutex is held by the caller.
 void awaitMailbox(const MailboxPoll &poll);
 

@@ -8,11 +8,11 @@
 namespace tarnAccessoryManager {
 namespace {
 
-// With its content, which is written over: the close of a file that was emptied first waits for the disk on
-// some file systems, and an error or a power cut in between would leave no profile at all.
+// Does not truncate the file; its content is overwritten. Closing a truncated file waits for the disk on some
+// file systems, and an error or a power cut in between would leave no profile at all.
 bool openForWriting(QFile &file)
 {
-    // A file that may not be read can only be opened the other way.
+    // A file that the service must not read can only be opened for writing.
     return file.open(QIODevice::ReadWrite | QIODevice::Text)
         || file.open(QIODevice::WriteOnly | QIODevice::Text);
 }
@@ -26,7 +26,7 @@ PowerModeFile::Write PowerModeFile::write(int profile)
         return Write::NotCreated;
     QTextStream stream(&file);
     stream << profile;
-    stream.flush(); // a full disk shows here and only here; the file's own flush does not tell the stream
+    stream.flush(); // only this reports a full disk: the file's own flush does not tell the stream
     if (stream.status() != QTextStream::Ok)
         return Write::NotWritten;
     const qint64 end = file.pos();
@@ -42,7 +42,7 @@ PowerModeFile::Read PowerModeFile::read(QString *content)
         return Read::NotOpened;
     QTextStream stream(&file);
     *content = stream.readAll().trimmed();
-    // A device's read error ends the text early without a word from the stream.
+    // A read error of the device ends the text early without an error of the stream.
     if (stream.status() != QTextStream::Ok || file.error() != QFileDevice::NoError)
         return Read::NotRead;
     return Read::Done;

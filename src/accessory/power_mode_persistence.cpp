@@ -9,7 +9,7 @@
 
 namespace tarnAccessoryManager {
 
-// A reason for the default profile, with its words in the log.
+// A reason for applying the default profile, with its log texts.
 struct BalanceRestore
 {
     const char *failed;
@@ -80,7 +80,7 @@ int EcPowerModeManager::setEcPowerMode(quint32 number)
         return -1;
     }
     qDebug() << profileText("set ec powermode to %1 done.", profile->name).constData();
-    static_cast<void>(saveProfile(profile->number, profile->name)); // the log tells
+    static_cast<void>(saveProfile(profile->number, profile->name)); // a failure is logged
     return 0;
 }
 
@@ -109,7 +109,7 @@ void EcPowerModeManager::powerModeFirstRun()
 {
     qDebug() << "ec operation first to do nothing";
     if (setEcPowerCtrlMode(tarnDeviceInfos::PL_CTRL_MANUAL) != 0) {
-        // Says so, but deliberately makes no second attempt: the client asks again at its next start.
+        // Logs a second attempt but makes none, because the client asks again at its next start.
         qWarning() << "failed to set ec powermode to manual when begin.";
         qDebug() << "retry to set ec powermode to manual for " << 1 << " times.";
         sleepFor(firstRunPause);
@@ -146,12 +146,12 @@ void EcPowerModeManager::powerModeLastRun()
     }
 }
 
-// Without a usable file the profile is balance, and the file is made good.
+// Without a usable file, applies the balance profile and writes the file.
 int EcPowerModeManager::restoreBalance(const BalanceRestore &reason)
 {
     const int result = applyProfile(*profileOfNumber(defaultProfile));
     lastPowerModeResult = result;
-    if (result != 0) { // not the member, which another client's restore may change at any time
+    if (result != 0) { // not the member, which another restore may change at any time
         powerMode = restoreFailed;
         qDebug() << reason.failed;
         return -2;

@@ -61,7 +61,7 @@ template <typename Predicate>
     return found == std::end(powerProfiles) ? nullptr : found;
 }
 
-// Null when there is no such profile; so in the two below.
+// Null when there is no such profile; also in the two below.
 [[nodiscard]] constexpr const PowerProfile *profileOfNumber(qint64 number)
 {
     return findProfile([number](const PowerProfile &profile) { return profile.number == number; });
@@ -78,7 +78,8 @@ template <typename Predicate>
 static_assert(profileOfNumber(defaultProfile));
 static_assert(!profileOfNumber(noProfile));
 
-// A line of the log about a profile, which stands in it for the "%1". The text ends with the result's life.
+// A log line about a profile, whose name replaces "%1". A constData() of the result is valid only as long as
+// the result.
 [[nodiscard]] inline QByteArray profileText(const char *line, const char *profile)
 {
     return QByteArray(line).replace("%1", profile);

@@ -5,15 +5,15 @@
 
 namespace tarnDeviceInfos {
 
-// Serialises every multi-byte EC exchange of the process. A binary semaphore rather than a mutex, because the
-// update holds are taken by one handler thread and given back by another. Not recursive.
+// Serialises every multi-byte EC exchange of the process. A binary semaphore rather than a mutex, because an
+// update mode takes it on one handler thread and gives it back on another. Not recursive.
 class EcAccessLock
 {
 public:
     // Waits for the lock; false when the waiters were released because the process ends.
     [[nodiscard]] bool lock();
     void unlock();
-    // From now on lock() fails at once, for those who wait already too.
+    // From now on lock() fails at once, also for threads that already wait.
     void releaseWaiters();
     [[nodiscard]] bool isLocked() const;
 
@@ -27,7 +27,8 @@ private:
 // The one lock of the process. It is never destroyed, because threads may wait for it until the very end.
 extern EcAccessLock &ecAccessMutex;
 
-// Holds the lock for a scope. Test it: without the lock there must be no EC traffic.
+// Holds the lock for a scope. Test the object, because lock() may have failed: without the lock there must be
+// no EC traffic.
 class EcAccess
 {
 public:

@@ -39,8 +39,7 @@ EcDirverControllerHal *EcDirverControllerHal::instance()
 
 EcDirverControllerHal::EcDirverControllerHal()
     : libraryPath(tarnPlatform::path::portLibrary)
-    // As an absolute path: a relative one would make Windows look along PATH as well, with a service's
-    // rights.
+    // As an absolute path: for a relative one Windows would search PATH as well, with a service's rights.
     , library(QDir::current().absoluteFilePath(libraryPath))
 {
     qDebug() << "dirverControllerHal object is create!";
@@ -91,8 +90,8 @@ int EcDirverControllerHal::readEeprom(quint16 offset)
     awaitEeprom(&status);
 
     if (status == EEP_STATUS_DONE) {
-        quint8 data =
-            255; // stands when nothing comes, which makes 255 ambiguous; callers know only 0x00 and 0x50
+        // Returned when nothing can be read, which makes 255 ambiguous; callers know only 0x00 and 0x50.
+        quint8 data = 255;
         if (sendReadRequest(EEP_DATA) == 0)
             readData(&data);
         return data;
@@ -109,9 +108,9 @@ int EcDirverControllerHal::writeEeprom(quint16 offset, quint8 value)
     startEepromOperation(offset, EEP_CMD_WRITE);
     sleepFor(eepromPause);
 
-    // Deliberately read twice before the polling, with a word about the second time only: log readers know
-    // how long a write takes and which lines it leaves, down to the one blank in which the texts of read and
-    // write differ. The first answer stands when the second read fails.
+    // Read twice before the polling, with a log line for the second read only, because log readers know how
+    // long a write takes and which lines it leaves, down to the one blank in which the texts of read and
+    // write differ. The first answer counts when the second read fails.
     quint8 status = eepromStatusUnread;
     readEepromStatus(&status);
     if (readEepromStatus(&status) == 0)
@@ -156,7 +155,7 @@ bool EcDirverControllerHal::loadLibrary()
 
 int EcDirverControllerHal::sendCommand(quint8 command)
 {
-    // Drain what nobody fetched. This is no answer to anything, so it does not count as the EC answering.
+    // Drain bytes that were never fetched. They answer nothing, so they do not count for hasEcAnswered().
     for (int poll = 0; poll < maximumPolls && statusHas(OBF); ++poll) {
         inp32Func(EC_DATA_PORT);
         sleepFor(pollInterval);
@@ -196,7 +195,7 @@ int EcDirverControllerHal::readData(quint8 *byte)
         }
         sleepFor(pollInterval);
     }
-    // The EC is taken to be stuck. This read is lost; the next one starts afresh on a reloaded library.
+    // The EC counts as stuck. This read fails; the next one starts on a reloaded library.
     qDebug() << "ec reader not normal, begin to reload dll.";
     reloadDLL();
     return -1;
@@ -223,8 +222,8 @@ int EcDirverControllerHal::readEepromStatus(quint8 *status)
     return readXdata(EEP_STATUS, status);
 }
 
-// The results are not looked at. A failed write need not show later either: without the command the status
-// that follows is that of the operation before, and so is the byte that a read then finds.
+// The results are ignored. A failed write need not show later either: if the command was not written, the
+// status and the data byte that follow are those of the operation before.
 void EcDirverControllerHal::startEepromOperation(quint16 offset, quint8 command)
 {
     writeXdata(EEP_ADDR_LO, lowByte(offset));

@@ -24,7 +24,7 @@ public:
     static EcDirverControllerHal *instance();
     ~EcDirverControllerHal() override;
 
-    // 0 with the byte in *value, or -1 with *value untouched (callers rely on their sentinel).
+    // 0 with the byte in *value, or -1 with *value untouched (callers rely on their initial value).
     virtual int readXdata(quint16 address, quint8 *value);
     // 0 or -1.
     virtual int writeXdata(quint16 address, quint8 value);

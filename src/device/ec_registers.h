@@ -4,9 +4,9 @@
 #include <cstdint>
 
 // Every EC port, channel command, xdata address, EEPROM offset and special value, grouped by what it serves.
-// Registers are one byte wide; xdata addresses are 16-bit and go over the wire high byte first.
-// No Qt here: the simulated computer is built from the same map, so a wrong value in it would look right in
-// every test of the two together. ec_registers_test.cpp therefore holds each value by a literal.
+// Registers are one byte wide; xdata addresses are 16-bit and are sent high byte first.
+// No Qt here: the simulated computer is built from the same map. A wrong value would therefore pass every
+// test of the two together, so ec_registers_test.cpp compares each value with a literal.
 namespace tarnDeviceInfos {
 
 // Second host channel of the EC.
@@ -77,7 +77,7 @@ inline constexpr std::uint8_t APP_EVENT_NONE = 0x00;
 inline constexpr std::uint8_t APP_EVENT_GPU_KEY = 0x11;
 inline constexpr std::uint8_t APP_EVENT_GRAPHICS_CONNECTED = 0x12;
 inline constexpr std::uint8_t APP_EVENT_BAN_GPU = 0x13;
-inline constexpr std::uint8_t APP_EVENT_DATA_DISENGAGE = 0x04; // the EC asks the host to let the GPU go
+inline constexpr std::uint8_t APP_EVENT_DATA_DISENGAGE = 0x04; // the EC asks the host to release the GPU
 
 // Power management. Limits are in watts.
 inline constexpr std::uint16_t EC_FAN_MODE = 0x046E;
@@ -90,7 +90,7 @@ inline constexpr std::uint16_t EC_POWERMODE_PL2_CHECK = 0x04AC;
 inline constexpr std::uint16_t EC_POWERMODE_PL4_CHECK = 0x04AD;
 inline constexpr std::uint16_t EC_POWER_SUPPLY_MODE = 0x04FC;
 inline constexpr std::uint16_t EC_TARN_POWER_MODE = 0x04FE;
-inline constexpr std::chrono::milliseconds EC_LATCH_TIME {10}; // until the EC has acted on one of them
+inline constexpr std::chrono::milliseconds EC_LATCH_TIME {10}; // until the EC has acted on a write
 inline constexpr std::uint8_t PL_CTRL_AUTO = 0;
 inline constexpr std::uint8_t PL_CTRL_MANUAL = 1;
 inline constexpr std::uint8_t PL_CTRL_UNLIMITED = 2;

@@ -23,11 +23,12 @@ constexpr PegStateWords reportWords = {
     "GraphicsActive_log: Successed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ",
     "GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ",
 };
-// Deliberately silent about the data byte that went well.
+// Does not log that the data byte was written.
 constexpr PegStateWords patchReportWords = {
     nullptr, reportWords.dataFailed, reportWords.commandDone, reportWords.commandFailed};
 
-// What the user is shown when the GPU cannot be used, unless the client application is there to show it.
+// A window that tells the user why the GPU cannot be used, unless the client application runs and shows it
+// itself.
 struct Popup
 {
     const char *programSwitch;

@@ -61,7 +61,7 @@ int isGpuStarted()
     return -2;
 }
 
-// The adapter of an id decides: true when it needs no driver patch.
+// True when the adapter needs no driver patch.
 bool isAdapterHealthy(Device &adapter, const QString &id)
 {
     const auto status = adapter.status();
@@ -81,7 +81,7 @@ bool isFirstNvidiaAdapterHealthy(DeviceList &adapters)
 {
     int index = 1;
     while (Device *adapter = adapters.next()) {
-        ++index; // from 2 on: log readers know the first adapter by that number
+        ++index; // counts from 2: log readers know the first adapter by that number
         const auto id = adapter->instanceId(instanceIdCharacters);
         if (!id) {
             qDebug() << "Failed to get device ID for index:" << index;
@@ -98,7 +98,7 @@ bool isFirstNvidiaAdapterHealthy(DeviceList &adapters)
 
 enum class Switch { On, Off };
 
-// What the log says of switching the adapters of the series.
+// Log texts for switching the adapters of the series.
 struct SwitchWords
 {
     const char *noList;
@@ -135,7 +135,7 @@ struct SwitchResult
     bool failed = false; // the list could not be opened, or an adapter refused
 };
 
-// Every adapter of the series is handled, whatever becomes of the others.
+// Every adapter of the series is handled, even if another one fails.
 SwitchResult switchAdapters(Switch to, const SwitchWords &words)
 {
     SwitchResult result;
@@ -164,7 +164,7 @@ SwitchResult switchAdapters(Switch to, const SwitchWords &words)
 
 int GraphicsAccessoryManager::getGpuDriverData()
 {
-    // That the box is there is known from the EC.
+    // Always 1, because the EC has already reported the box.
     qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: get gpu is exist or not: " << 1 << ".";
     const int installed = isDriverInstalled();
     qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: get gpu driver is install or not: " << installed
@@ -177,8 +177,8 @@ int GraphicsAccessoryManager::getGpuDriverData()
         const int started = isGpuStarted();
         qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: get gpu is active or not: " << started
                  << ".";
-        // An adapter that cannot be found or asked is an error and not an inactive GPU: the EC would be told
-        // that the GPU is off while it may be on.
+        // An adapter that cannot be found or asked counts as an error and not as an inactive GPU: otherwise
+        // the EC would be told that the GPU is off while it may be on.
         if (started < 0)
             return -1;
         if (started == 1)

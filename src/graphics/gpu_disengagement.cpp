@@ -18,7 +18,7 @@ using namespace tarnDeviceInfos;
 using tarnPlatform::sleepFor;
 using tarnPlatform::UnfinishedStep;
 
-constexpr auto timeToReleaseGpu = 2000ms; // for the client to let go of the GPU
+constexpr auto timeToReleaseGpu = 2000ms; // for the client, before the GPU is disabled
 constexpr auto updatePreparation = 3000ms;
 constexpr int confirmed = 1;
 
@@ -35,7 +35,7 @@ void tellClient()
     sleepFor(timeToReleaseGpu);
 }
 
-// Asked after each wait, under the step that then goes on to the end: what is disabled is also told.
+// Called after each wait, with an UnfinishedStep in force, so that a GPU that is disabled is also reported.
 bool isTooLateToDisable()
 {
     if (!tarnPlatform::isProcessEnding())
@@ -101,7 +101,7 @@ int GraphicsAccessoryManager::handleGpuKeyEvent()
     }
     if (launchGuiProgram(QStringLiteral("--disengaged-graphics")) != confirmed) {
         qDebug() << "GraphicsDisengaged_log: click no when second check.";
-        return 0; // the EC goes on waiting, deliberately without a report
+        return 0; // no report to the EC, which goes on waiting
     }
     qDebug() << "GraphicsDisengaged_log: click yes when second check.";
     tellClient();
@@ -123,7 +123,7 @@ void GraphicsAccessoryManager::banGpu()
 {
     qDebug() << "GraphicsDisengaged_log: begin to ban gpu.";
     tellClient();
-    const UnfinishedStep step; // until the log tells what became of it
+    const UnfinishedStep step; // until the result is logged
     if (isTooLateToDisable())
         return;
     if (disableGpu() == 0)

@@ -70,7 +70,7 @@ void GraphicsAccessoryManager::gpuActiveProcessFirst()
     resetHdAudioDevice();
 }
 
-// The GPU key reaches the service as an event of the EC, so this signal asks for nothing.
+// The GPU key reaches the service as an event of the EC, so this slot only logs.
 void GraphicsAccessoryManager::handleGraphicsDisengagedSignal()
 {
     qDebug() << "Received graphics disengaged signal, begin disengagement process.";

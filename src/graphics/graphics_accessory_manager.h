@@ -29,17 +29,17 @@ public:
 
     // gpu_disengagement.cpp
     void graphicsDisengagementProcess();
-    // 0 done, the user's no included; -1 for a failed look at the state or report; -2 when disabling failed.
+    // 0 done, also when the user answered no; -1 the state could not be read or reported; -2 not disabled.
     int handleGpuKeyEvent();
     void banGpu();
     // Takes no lock and tells neither client nor EC.
     void banGpuForMcuUpdate();
 
-    // gpu_devices.cpp: GPU_PRESENT, GPU_DRIVER_INSTALLED and GPU_STARTED as a number, -1 when in doubt.
-    // Virtual for tests: that the box itself is there is known from the EC, so this never says that it is
-    // absent.
+    // gpu_devices.cpp: GPU_PRESENT, GPU_DRIVER_INSTALLED and GPU_STARTED as a number, -1 when the adapters
+    // cannot be listed or asked. Virtual for tests, because this never reports the box as absent: the EC has
+    // already reported it.
     [[nodiscard]] virtual int getGpuDriverData();
-    // False when the NVIDIA adapter is in a state that needs the driver patch, or cannot be looked at.
+    // False when the NVIDIA adapter is in a state that needs the driver patch, or cannot be examined.
     [[nodiscard]] bool checkNvidiaAdapterStatus();
     // 0, or -1 when the list could not be opened or any adapter refused.
     [[nodiscard]] int enableGpu();
@@ -68,7 +68,7 @@ protected:
 private:
     friend class tarnPlatform::ProcessWide<GraphicsAccessoryManager>;
 
-    std::atomic<bool> gpuActive {false}; // brought up by this service and not disabled since
+    std::atomic<bool> gpuActive {false}; // activated by this service and not disabled since
     bool gpuConnectHandled = false; // an activation has been tried
     bool disableProcessIdle = true; // no disengagement is running
 };

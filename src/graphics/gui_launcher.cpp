@@ -21,7 +21,7 @@ constexpr auto answerTimeout = 30000ms;
 constexpr int exitCodeNo = 0;
 constexpr int exitCodeYes = 1;
 
-// What the log says when the program did not come to its end. In the order of LaunchStage.
+// Log texts for a program that did not run to its end. In the order of LaunchStage.
 constexpr std::array failures = {
     "GraphicsActive_log & GraphicsDisengaged_log: No active session found",
     "GraphicsActive_log & GraphicsDisengaged_log: Failed to query user token",
@@ -36,7 +36,7 @@ QString guiProgram()
     return QCoreApplication::applicationDirPath() + tarnPlatform::path::guiProgramSuffix;
 }
 
-// An exit code is a DWORD from the system and an int from the ordinary session.
+// An exit code is a DWORD in the service session and an int in a user's session.
 int answerOf(qint64 exitCode)
 {
     qDebug() << "GraphicsActive_log & GraphicsDisengaged_log: exitCode for Gui program is " << exitCode;

@@ -4,8 +4,8 @@
 
 namespace tarnAccessoryManager {
 
-// Names the signal of a GPU key on the keyboard. Deliberately created nowhere: the key of the box reaches the
-// service only as an event of the EC.
+// Declares the signal of a GPU key on the keyboard. No object of it is created, because the key of the box
+// reaches the service only as an event of the EC.
 class KeyboardListener : public QObject
 {
     Q_OBJECT

@@ -2,7 +2,7 @@
 
 namespace tarnAccessoryManager {
 
-// The log's words around the two writes of a GPU state report.
+// Log texts for the two writes of a GPU state report.
 struct PegStateWords
 {
     const char *dataDone; // null: not logged
@@ -11,8 +11,8 @@ struct PegStateWords
     const char *commandFailed;
 };
 
-// Tells the EC the GPU's state (gpuDriverData): the data byte, then the command, which the EC takes on its
-// own time. False when a write failed; the command is not written after failed data. ecAccessMutex is held.
+// Tells the EC the GPU's state (gpuDriverData): the data byte, then the command, which the EC handles later.
+// False when a write failed; the command is not written after failed data. The caller holds ecAccessMutex.
 bool reportPegState(int gpuDriverData, const PegStateWords &words);
 
 } // namespace tarnAccessoryManager

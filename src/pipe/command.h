@@ -19,7 +19,8 @@ struct Command
     const char *name;
     Handler handler;
     Lane lane;
-    // Makes the reply in the handler's place, where the handler's lane must not wait for what it needs.
+    // If set, makes the reply after the handler, in the lane that waits for the EC: for a reply that needs
+    // the EC and a handler whose own lane must not wait for it.
     Handler answer = nullptr;
 };
 

@@ -7,7 +7,7 @@
 
 namespace tarnPipeServer {
 
-// Null for what is no command. Any thread.
+// Null for an unknown command. Any thread.
 [[nodiscard]] const Command *findCommand(const QString &name);
 
 [[nodiscard]] QStringList commandNames();

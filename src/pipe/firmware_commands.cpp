@@ -32,7 +32,7 @@ QString requestMcuUpdate(QJsonObject &request)
 
 QString requestEnterMcuUpdateMode(QJsonObject &request)
 {
-    qDebug() << "Enter Enter Mcu Update Mode"; // doubled like the command's name
+    qDebug() << "Enter Enter Mcu Update Mode"; // the verb, then the command's own "Enter"
     return replyData(request, outcome(FirmwareUpdater::instance()->enterMcuUpdateMode() == 0));
 }
 
@@ -44,8 +44,8 @@ QString requestLeaveMcuUpdateMode(QJsonObject &request)
     return messageText(request);
 }
 
-// The version tells the client what runs now, whatever came of the leaving. Reading it may wait for an EC
-// that another one has taken meanwhile, and the next leave must not wait for that.
+// Replies with the version that runs now, whether or not leaving has succeeded. Reading it may wait for the
+// EC, which another handler may have taken meanwhile, and the next leave must not wait for that.
 QString answerLeaveMcuUpdateMode(QJsonObject &request)
 {
     return replyData(request, mcuVersion());
@@ -61,7 +61,7 @@ QString requestEcUpdate(QJsonObject &request)
     return replyData(request, outcome(FirmwareUpdater::instance()->updateEc(requestData(request))));
 }
 
-// The request comes back as it was sent: there is nothing to answer.
+// Replies with the unchanged request, because there is no result to report.
 QString requestBeginGraphicsMcuUpdate(QJsonObject &request)
 {
     qDebug() << "Ban gpu before gpu mcu update.";

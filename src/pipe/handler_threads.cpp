@@ -9,15 +9,15 @@
 namespace tarnPipeServer {
 namespace {
 
-// For handlers that wait for the EC: with the pool's default size two of them could hold up all others. For
-// those that do not as well, because switching off the GPU before an update takes 3 s and more.
+// The pool's default size is the number of cores, so a few handlers that wait for the EC could hold up all
+// others. Handlers that need no EC get as many, because switching off the GPU before an update takes 3 s and
+// more.
 constexpr int minimumThreads = 64;
 
-// The global pool comes last: a leave hands the rest of its work to it.
+// WaitsForEc, the global pool, comes last, because a leave makes its reply there.
 constexpr Lane lanes[] = {Lane::LeavesMcuUpdateMode, Lane::UpdatesEc, Lane::NeverWaits, Lane::WaitsForEc};
 
-// Deliberately never destroyed: its handlers may outlive the application object, like those of the global
-// pool.
+// Never destroyed, because its handlers may outlive the application object, like those of the global pool.
 QThreadPool *newThreads(int count)
 {
     auto *threads = new QThreadPool;

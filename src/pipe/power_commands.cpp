@@ -38,7 +38,7 @@ QString powerModeControl(QJsonObject &request)
     }
     if (data == QStringLiteral("last")) {
         manager->powerModeLastRun();
-        return {}; // deliberately no reply: the client is closing
+        return {}; // no reply, because the client is closing
     }
     const auto profile = profileNumber(data);
     if (!profile) {
@@ -57,7 +57,7 @@ QString setSmartChargingStatus(QJsonObject &request)
         return replyResult(request, false);
     }
     const bool success = EcPowerModeManager::instance()->setSmartChargingStatus(on);
-    // Whatever became of it: an OFF that failed half-way may still have reached the EC.
+    // Also after a failure: an OFF that failed half-way may still have reached the EC.
     if (on)
         Q_EMIT TarnPipeServer::instance()->stopChangingTimer();
     else

@@ -13,7 +13,7 @@ inline QString requestData(const QJsonObject &request)
     return request.value(QStringLiteral("data")).toString();
 }
 
-// "successed" is the wire's own spelling.
+// "successed" is the protocol's own spelling.
 inline QString outcome(bool success)
 {
     return success ? QStringLiteral("successed") : QStringLiteral("failed");

@@ -29,19 +29,19 @@ QMutex replyMutex;
 
 const QString commandKey = QStringLiteral("cmd");
 
-// An empty object for what is none.
+// An empty object for a request that is not a JSON object.
 QJsonObject parsed(const QByteArray &request)
 {
     return QJsonDocument::fromJson(request).object();
 }
 
-// Null for what is not understood.
+// Null when the request names no known command.
 const Command *commandOf(const QByteArray &request)
 {
     return findCommand(parsed(request).value(commandKey).toString());
 }
 
-// What is not understood is logged and answered with silence, for which nobody has to wait.
+// An unknown or malformed request is only logged, so it waits for nothing.
 Lane laneOf(const Command *command)
 {
     return command ? command->lane : Lane::NeverWaits;
@@ -87,7 +87,7 @@ void TarnPipeServer::listenForClients()
 {
     const QString pipeName = QStringLiteral("tarnPipe");
     tarnPlatform::removeLeftoverSocket(pipeName);
-    localServer->listen(pipeName); // without it the service runs on, for the accessories, without clients
+    localServer->listen(pipeName); // if it fails, the service runs without clients, for the accessories
 }
 
 void TarnPipeServer::stopListening()
@@ -106,15 +106,16 @@ Lane TarnPipeServer::laneOf(const QByteArray &request)
     return tarnPipeServer::laneOf(commandOf(request));
 }
 
-// On the server's thread. Requests are parsed twice, here and by their worker, which costs microseconds: the
-// lane must be the right one, and a word that merely occurs somewhere in a request says nothing.
+// On the server's thread. Requests are parsed twice, here and on their handler's thread, which costs
+// microseconds: the lane must be the right one, and a command's name may also occur elsewhere in a request.
 QFuture<QString> TarnPipeServer::startHandler(const QByteArray &request)
 {
     const Command *command = commandOf(request);
     QThreadPool *threads = threadsOf(tarnPipeServer::laneOf(command));
     if (!command || !command->answer)
         return QtConcurrent::run(threads, [this, request] { return dispatch(request); });
-    // By hand, because a continuation of Qt's may run twice when it is added while its future finishes (6.4).
+    // With a promise, because in Qt 6.4 a continuation may run twice when it is added while its future
+    // finishes.
     const auto promise = std::make_shared<QPromise<QString>>();
     promise->start();
     threads->start([request, promise] {
@@ -162,11 +163,12 @@ bool TarnPipeServer::hasTooManyClients() const
     return localServer->findChildren<QLocalSocket *>(Qt::FindDirectChildrenOnly).size() > mostClients;
 }
 
-// A disconnection silences the service towards everybody, so one that was there before the newcomer must not
-// be noticed after it. Their sockets may be ready at the same time, and then the newcomer's turn comes first.
+// handleDisconnection() stops sending, whichever client has left. A client that left before the new one
+// connected must therefore be handled first: when both sockets are ready at once, Qt reports the new
+// connection first.
 void TarnPipeServer::handleEarlierDisconnections(const QLocalSocket *newClient)
 {
-    constexpr int lookCount = 2; // what it still had to say, and its end
+    constexpr int lookCount = 2; // one for its last data, one for its end
     const auto sockets = localServer->findChildren<QLocalSocket *>(Qt::FindDirectChildrenOnly);
     for (QLocalSocket *socket : sockets) {
         for (int look = 0; look < lookCount && socket != newClient && socket->waitForReadyRead(0); ++look) { }
@@ -210,7 +212,7 @@ void TarnPipeServer::handleDisconnection()
         sendThread->requestStop();
         sendThread->quit();
     }
-    // On Unix a system without a descriptor for a newcomer makes the local server give up; now one is free.
+    // On Unix the local server stops listening when there is no descriptor for a new client; now one is free.
     if (!listeningEnded && !localServer->isListening())
         listenForClients();
 }
@@ -222,7 +224,7 @@ void TarnPipeServer::readDataFromClient()
     if (!clientSocket)
         return;
     QByteArray request = clientSocket->readAll();
-    request.squeeze(); // it has room for 32 KiB, and a request that waits for the EC is kept, maybe for good
+    request.squeeze(); // its buffer has 32 KiB, and a request that waits for the EC may be kept for ever
     qDebug() << request;
 
     auto *watcher = new QFutureWatcher<QString>(this);
@@ -244,7 +246,7 @@ void TarnPipeServer::sendDataToClient(QString message)
         writeToClient(bytes);
         return;
     }
-    // A socket belongs to its thread. Waiting for the write keeps the sender's pace and order exact.
+    // A socket may be used only on its own thread. Waiting for the write keeps order and pauses exact.
     QMetaObject::invokeMethod(
         this, [this, bytes] { writeToClient(bytes); }, Qt::BlockingQueuedConnection);
 }

@@ -22,9 +22,10 @@ namespace tarnPipeServer {
 
 class SendQueueThread;
 
-// The service's only door for client applications: a local pipe on which each read is one JSON request. The
-// object, its sockets and its timer live on the thread that first asked for it; handlers run on the threads
-// of their command's lane. It talks to one client at a time: the socket that last connected, asked or left.
+// The only connection of client applications to the service: a local pipe on which each read is one JSON
+// request. The object, its sockets and its timer live on the thread that first called instance(); handlers
+// run on the threads of their command's lane. Messages go to one client at a time: the one that last
+// connected, sent a request or left.
 class TarnPipeServer : public QObject
 {
     Q_OBJECT
@@ -33,16 +34,17 @@ public:
     static TarnPipeServer *instance();
     ~TarnPipeServer() override;
 
-    // Takes no more clients, for the end of the process.
+    // Accepts no more clients; for the end of the process.
     void stopListening();
 
-    // Runs the handler of one request and returns its reply, empty for what is not understood. Any thread.
+    // Runs the handler of one request and returns its reply, empty for an unknown or malformed one. Any
+    // thread.
     QString dispatch(const QByteArray &request);
 
-    // Where the handler of this request is to run. Says nothing: the log tells of a request on its worker.
+    // Where the handler of this request is to run. Logs nothing: a request is logged on its handler's thread.
     [[nodiscard]] static Lane laneOf(const QByteArray &request);
 
-    // True in session 0, where services run and no user sees anything.
+    // True in session 0, where services run and no user sees a window.
     [[nodiscard]] bool isServiceSession() const;
 
 public Q_SLOTS:
@@ -84,10 +86,10 @@ private:
 
     std::atomic<bool> clientOnline {false};
     QLocalServer *localServer = nullptr;
-    const int mostClients; // for clients at once
-    bool listeningEnded = false; // for good
-    // Deliberately left as it is when its client goes away: a reply that is finished later is still queued,
-    // for the next client. Never looked into while clientOnline is false.
+    const int mostClients; // connected at once
+    bool listeningEnded = false; // never cleared
+    // Kept when its client leaves, because a reply that is finished later is still queued, for the next
+    // client. Not dereferenced while clientOnline is false.
     QLocalSocket *clientSocket = nullptr;
     SendQueueThread *sendThread = nullptr;
     QTimer *smartChargingTimer = nullptr;

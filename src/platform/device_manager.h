@@ -19,7 +19,7 @@ inline constexpr quint32 problemFailedPostStart = 43;
 struct DeviceStatus
 {
     quint32 bits = 0;
-    quint32 problem = 0; // says something only with deviceHasProblem
+    quint32 problem = 0; // valid only with deviceHasProblem
 };
 
 enum class DeviceProperty { Description, HardwareIds };
@@ -31,8 +31,8 @@ class Device
 public:
     virtual ~Device() = default;
 
-    // In the ANSI code page; empty when it cannot be read or does not fit into so many bytes. Hardware ids
-    // are a multi-string: all of them, with NULs between.
+    // In the ANSI code page; empty when it cannot be read or does not fit into a buffer of this size.
+    // Hardware ids are a multi-string: all of them, with NULs between.
     [[nodiscard]] virtual std::optional<QByteArray> ansiText(DeviceProperty property, int bufferBytes) = 0;
     [[nodiscard]] virtual std::optional<QString> wideDescription(int bufferBytes) = 0;
     [[nodiscard]] virtual std::optional<QString> instanceId(int bufferCharacters) = 0;
@@ -45,7 +45,7 @@ public:
     [[nodiscard]] virtual bool changeByInstaller(DeviceChange change) = 0;
 };
 
-// An open list of devices, which the destructor gives back.
+// An open list of devices, which the destructor closes.
 class DeviceList
 {
 public:

@@ -5,10 +5,10 @@
 namespace tarnPlatform {
 
 // Returns when the content of the file and its name are on the disk and would survive a power cut. False when
-// that cannot be had.
+// that fails.
 [[nodiscard]] bool flushToDisk(const QString &file);
 
-// Gives a file another name, in one step and whatever was there before: at no time is there neither file.
+// Renames a file in one step and replaces an existing target: at no time are both missing.
 [[nodiscard]] bool replaceFile(const QString &from, const QString &to);
 
 } // namespace tarnPlatform

@@ -27,15 +27,14 @@ static_assert(watchdog < promised);
 
 } // namespace endBudget
 
-// From then on the process ends: flashing, opening windows and switching devices are not begun any more. Any
-// thread; nothing takes it back.
+// Marks the process as ending: flashing, opening windows and switching devices are not begun any more. Any
+// thread; cannot be undone.
 void beginProcessEnd();
 [[nodiscard]] bool isProcessEnding();
 
-// Lives while something has been begun that must not be left half done, such as a device that is switched off
-// only to be switched on again, or one that is switched and of which the EC has yet to be told. The end of
-// the process waits for it longer than for anything else. Make one first and ask isProcessEnding() then: in
-// the other order the end could begin in between and not wait.
+// Lives during a step that must not be left half done, such as switching a device off and on again, or
+// switching one and telling the EC. The end of the process waits for it longer than for anything else. Make
+// one before asking isProcessEnding(): in the other order the end could begin in between and not wait.
 class UnfinishedStep
 {
 public:
@@ -50,7 +49,7 @@ private:
     static inline std::atomic<int> count {0};
 };
 
-// Tells when the system or the person at the terminal asks the process to end: SIGTERM, SIGINT and SIGHUP, or
+// Tells when the system or the user at the terminal asks the process to end: SIGTERM, SIGINT and SIGHUP, or
 // the console's Ctrl+C, Ctrl+Break and closing. The signal comes on the thread that made the object, which
 // needs an event loop. From the first use on such a request no longer ends the process by itself.
 class StopRequests : public QObject
@@ -71,7 +70,7 @@ private:
     StopRequests();
 };
 
-// Ends the process at once with this code: no destructor, no handler of the end, and no wait for any thread,
+// Ends the process at once with this code: no destructor, no exit handler, and no wait for any thread,
 // whatever it holds. What is still in the buffers of the C library is lost.
 [[noreturn]] void exitAtOnce(int code);
 

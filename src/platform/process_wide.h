@@ -6,9 +6,9 @@
 
 namespace tarnPlatform {
 
-// The one object of a class that lives from its first use to the end of the process. It is deliberately never
-// destroyed: threads may still use it while the process ends. Constructors must not ask for another
-// process-wide object, or two creations could wait for each other.
+// The one object of a class that lives from its first use to the end of the process. It is never destroyed,
+// because threads may still use it while the process ends. Constructors must not ask for another process-wide
+// object, or two creations could wait for each other.
 template <typename Object> class ProcessWide
 {
 public:
@@ -26,10 +26,10 @@ public:
         return existing;
     }
 
-    // The object if somebody has asked for it, else null.
+    // The object if it has been created, else null.
     static Object *existing() { return object.load(std::memory_order_acquire); }
 
-    // Puts a stand-in in the object's place, before anybody has asked for it.
+    // Puts a stand-in in the object's place; to be called before the object is created.
     static void adopt(Object *standIn) { object.store(standIn, std::memory_order_release); }
 
 private:

@@ -16,11 +16,11 @@ class ProcessList : public Seam<ProcessList>
 {
 public:
     virtual ~ProcessList() = default;
-    // Walks a snapshot of the file names of their programs until the visitor says that it has seen enough;
-    // true when it did. False also when there is no snapshot.
+    // Whether `matches` is true of the file name of any of their programs, in a snapshot; ends at the first
+    // match. False also when there is no snapshot.
     [[nodiscard]] virtual bool anyOf(const std::function<bool(const QString &)> &matches) = 0;
-    // The full paths of those programs that have this file name, in any spelling of upper and lower case. One
-    // that cannot be read is empty, and so is the only one where the processes cannot be listed.
+    // The full paths of those programs that have this file name, in any spelling of upper and lower case. A
+    // path that cannot be read is empty; if the processes cannot be listed, the result is one empty path.
     [[nodiscard]] virtual QStringList pathsOf(const QString &fileName) = 0;
 
 private:
@@ -46,9 +46,9 @@ private:
     std::unique_ptr<ProcessTie> tie;
 };
 
-// Makes a process that is going to be started one that lives apart from this one: it has no part in this
-// process's console or terminal and is in a session or group of its own, so that neither a Ctrl+C nor the end
-// of the console reaches it. What connects its standard streams with this process is up to the caller.
+// Separates a process that is going to be started from this one: it does not share this process's console or
+// terminal and is in a session or group of its own, so that neither a Ctrl+C nor the end of the console
+// reaches it. Its standard streams are up to the caller.
 void separateFromThisProcess(QProcess &process);
 
 // Waits for the end of a process that has been started by this thread; so long at most, -1: for ever. False

@@ -4,8 +4,8 @@
 
 namespace tarnPlatform {
 
-// Gives an interface its one implementation of this system, or the stand-in of a test. The interface derives
-// from its own seam and has a static ofSystem().
+// Gives access to an interface's one implementation: the system's own, or the stand-in of a test. The
+// interface derives from its own Seam and has a static ofSystem().
 template <typename Interface> class Seam
 {
 public:

@@ -9,7 +9,7 @@ constexpr quint32 automaticStart = 2;
 constexpr quint32 startOnDemand = 3;
 constexpr quint32 normalErrorControl = 1;
 
-// A name without a domain is one of this computer's own; none stands for the local system account.
+// An account name without a domain belongs to this computer; no name stands for the local system account.
 std::optional<QString> usableAccount(QString account)
 {
     if (account.isEmpty())

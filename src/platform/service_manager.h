@@ -7,7 +7,7 @@
 
 namespace tarnPlatform {
 
-// What the system's service manager may ask of a running service, as it numbers it.
+// The controls that the system's service manager may send to a running service, with its numbers.
 enum ServiceControl : quint32 {
     ControlStop = 1,
     ControlPause = 2,
@@ -18,7 +18,7 @@ enum ServiceControl : quint32 {
     LastUserControl = 255,
 };
 
-// Which of them a service wants to be asked; interrogation and user commands always reach it.
+// Which of them a service accepts; interrogation and user commands always reach it.
 enum AcceptedControl : quint32 {
     AcceptsNothing = 0x00,
     AcceptsStop = 0x01,
@@ -73,7 +73,7 @@ public:
     virtual void pauseService() = 0;
     virtual void resumeService() = 0;
     virtual void processServiceCommand(int code) = 0;
-    // Runs the application's event loop until the service has been stopped; the exit code.
+    // Runs the application's event loop until the service has been stopped; returns the exit code.
     virtual int runEventLoop() = 0;
 };
 
@@ -90,18 +90,18 @@ public:
 
     [[nodiscard]] virtual bool install(const ServiceRegistration &registration) = 0;
     [[nodiscard]] virtual bool uninstall(const QString &name) = 0;
-    // True when the service has taken the request; it stops in its own time.
+    // True when the service has accepted the request; it may stop later.
     [[nodiscard]] virtual bool terminate(const QString &name) = 0;
     virtual bool pause(const QString &name) = 0;
     virtual bool resume(const QString &name) = 0;
     virtual bool sendCommand(const QString &name, int code) = 0;
 
-    // Hands the process to the manager, who may ask the host for the accepted controls (AcceptedControl)
-    // until its event loop has ended. False when the manager does not run the process.
+    // Hands the process to the manager, which may send the host the accepted controls (AcceptedControl) until
+    // the host's event loop has ended. False when the manager does not run the process.
     [[nodiscard]] virtual bool runService(
         const QString &name, quint32 acceptedControls, ServiceHost &host, int *exitCode) = 0;
-    // The last thing before the process ends, when the service holds nothing any more: the manager learns
-    // that it has stopped. Does nothing in a process that the manager does not run.
+    // Tells the manager that the service has stopped. Called last, when the service has released everything.
+    // Does nothing in a process that the manager does not run.
     virtual void reportStopped(int exitCode) = 0;
 
     static ServiceManager &system();

@@ -33,7 +33,7 @@ std::chrono::milliseconds waitHint(ServiceState state)
     }
 }
 
-// Nothing can be asked of a service that starts or stops.
+// A service that starts or stops takes no controls.
 bool takesControls(ServiceState state)
 {
     return state != ServiceState::StartPending && state != ServiceState::StopPending
@@ -42,7 +42,7 @@ bool takesControls(ServiceState state)
 
 } // namespace
 
-// A stop goes on after the service's part, until reportStopped().
+// A stop stays pending after stopService(), until reportStopped().
 const ServiceRun::Action ServiceRun::actions[] = {
     {ControlStop, AcceptsStop, ServiceState::StopPending, &ServiceHost::stopService,
         ServiceState::StopPending},
@@ -120,7 +120,7 @@ bool ServiceRun::waitUntilStopped()
     return isStopped() || changed.wait_until(lock, *stopDeadline, isStopped);
 }
 
-// Null for what has no effect now. With the lock held.
+// Null for a control that has no effect now. The caller holds the lock.
 const ServiceRun::Action *ServiceRun::actionFor(quint32 code) const
 {
     if (!takesControls(status.state))
@@ -132,8 +132,8 @@ const ServiceRun::Action *ServiceRun::actionFor(quint32 code) const
     return nullptr;
 }
 
-// The service's part, on the application thread. Controls may follow each other faster than it works: only
-// the last one that was asked for leads to its final state.
+// Performs the operation on the application thread. Controls may follow each other faster than they are
+// performed: only the last one leads to its final state.
 void ServiceRun::perform(const Action &action)
 {
     QMetaObject::invokeMethod(
@@ -147,7 +147,7 @@ void ServiceRun::perform(const Action &action)
         Qt::QueuedConnection);
 }
 
-// With the lock held.
+// The caller holds the lock.
 void ServiceRun::enter(ServiceState state)
 {
     const bool again = state == status.state;

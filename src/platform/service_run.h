@@ -35,8 +35,8 @@ struct ServiceStatus
     bool operator==(const ServiceStatus &) const = default;
 };
 
-// One run of a service under its manager: brings the manager's controls to the application thread in their
-// order, and tells the manager what has become of them.
+// One run of a service under its manager: passes the manager's controls to the application thread in their
+// order, and reports the resulting states to the manager.
 class ServiceRun
 {
 public:
@@ -46,17 +46,17 @@ public:
     // time and in the order of the states.
     ServiceRun(ServiceHost &host, quint32 acceptedControls, Report report);
 
-    // On the application thread, one after the other: starts the service, and serves it until its event loop
-    // ends; the exit code.
+    // On the application thread, one after the other: start() starts the service, serve() runs its event loop
+    // and returns the exit code.
     void start();
     [[nodiscard]] int serve();
     // A control (ServiceControl) from the manager, on any thread; returns without waiting for its effect.
     void control(quint32 code);
-    // The service has let go of everything. Only the first report counts.
+    // The service has stopped and released everything. Only the first report counts.
     void reportStopped(int exitCode);
 
-    // Waits for the report that the service has stopped. False when a stop has gone on for longer than the
-    // manager's users are to wait.
+    // Waits for the report that the service has stopped. False when a stop has gone on for longer than
+    // endBudget::watchdog.
     [[nodiscard]] bool waitUntilStopped();
 
 private:
@@ -79,7 +79,7 @@ private:
     ServiceHost &host;
     const quint32 acceptedControls;
     const Report report;
-    std::mutex mutex; // for all below, and around each report
+    std::mutex mutex; // guards all members below; held during each report
     std::condition_variable changed;
     ServiceStatus status;
     std::optional<std::chrono::steady_clock::time_point> stopDeadline;

@@ -20,7 +20,7 @@ int UserSession::run(const QString &program, const QString &argument, std::chron
         qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process" << program
                    << process.errorString();
     process.waitForFinished(static_cast<int>(timeout.count()));
-    // Whoever has not answered by now is not asked any longer: the destructor ends the program.
+    // A user who has not answered by now is not asked any longer: the destructor ends the program.
     return exitCodeOf(process);
 }
 

@@ -12,7 +12,7 @@ class QProcess;
 
 namespace tarnPlatform {
 
-// How far a program got that was started for the user of the console.
+// How far the start of a program for the user at the console got.
 enum class LaunchStage { NoActiveSession, NoUserToken, NoTokenCopy, NoProcess, NoExitCode, Ended };
 
 struct Launch
@@ -27,33 +27,33 @@ class UserSession : public Seam<UserSession>
 {
 public:
     virtual ~UserSession() = default;
-    // True in session 0; false in any other, and when the session cannot be told.
+    // True in session 0; false in any other, and when the session is not known.
     [[nodiscard]] virtual bool isServiceSession() const = 0;
 
-    // From the service session: runs a program with one argument on the desktop of whoever sits at the
-    // console and waits for its end, however long that takes.
+    // From the service session: runs a program with one argument on the desktop of the user at the console
+    // and waits for its end, however long that takes.
     [[nodiscard]] virtual Launch runForConsoleUser(const QString &program, const QString &argument) = 0;
 
-    // Where the user at the console finds downloads; empty when there is none or it cannot be told.
+    // The download folder of the user at the console; empty when there is no such user or it is not known.
     [[nodiscard]] virtual QString consoleUserDownloadFolder() const = 0;
 
-    // Does something with no more rights than the user at the console has; false when there is none, and then
-    // it is not done.
+    // Performs the action with only the rights of the user at the console; false, without performing it, when
+    // there is no such user.
     [[nodiscard]] virtual bool asConsoleUser(const std::function<void()> &action) = 0;
 
-    // From a user's own session: runs a program and waits for its end for at most so long; its exit code, 0
-    // as long as there is none.
+    // From a user's own session: runs a program and waits for its end until the time-out; returns its exit
+    // code, 0 when there is none.
     [[nodiscard]] virtual int run(
         const QString &program, const QString &argument, std::chrono::milliseconds timeout);
     // The same without waiting. False when the program cannot be started.
     [[nodiscard]] virtual bool startDetached(const QString &program, const QString &argument);
 
 protected:
-    // The form in which this system finds a program by a path as Windows takes it: there, a folder name may
-    // end in a dot that does not count.
+    // The path by which this system finds a program. The given path is one of Windows, where a folder name
+    // may end in a dot that does not count.
     [[nodiscard]] virtual QString startablePath(const QString &program) const { return program; }
     // The exit code for the log. On Unix the number of a signal that has killed the program stands in its
-    // place, and that of SIGHUP, 1, must not pass for a yes.
+    // place, and that of SIGHUP, 1, must not count as a yes.
     [[nodiscard]] static int exitCodeOf(const QProcess &process);
 
 private:
@@ -61,7 +61,8 @@ private:
     static UserSession &ofSystem();
 };
 
-// Wide characters, with the final zero: there is no room for more where a program is started for the user.
+// The size, in wide characters with the final zero, of the buffer from which a program is started for the
+// user.
 inline constexpr std::size_t launchCommandLineSize = 260;
 using LaunchCommandLine = wchar_t[launchCommandLineSize];
 

@@ -36,7 +36,7 @@ milliseconds WaitClock::steadyTime()
 
 void WaitClock::processEvents(milliseconds atMost)
 {
-    // The timer ends the wait; a bare processEvents would spin a core for as long as nothing happens.
+    // The timer ends the wait; processEvents alone would keep a core busy while nothing happens.
     QTimer wakeUp;
     wakeUp.setSingleShot(true);
     wakeUp.setTimerType(Qt::PreciseTimer);

@@ -5,13 +5,13 @@
 #include <chrono>
 #include <functional>
 
-// Every sleep and every pumped wait of the service goes through this header, so that whole hardware
-// sequences can run on a clock on which waiting takes no time.
+// Every sleep of the service and every wait that handles events goes through this header, so that whole
+// hardware sequences can run on a clock on which waiting takes no time.
 namespace tarnPlatform {
 
 using std::chrono::milliseconds;
 
-// What waiting is made of. The default is the machine's own time; any thread may call it.
+// The clock that all waits use. The default is the machine's own time; any thread may call it.
 class WaitClock
 {
 public:
@@ -26,16 +26,16 @@ public:
 // Blocks the calling thread.
 void sleepFor(milliseconds duration);
 
-// Handles the calling thread's events until the time of day has moved on by the duration, or until the
-// predicate (if any) says that the wait has lost its purpose. The deadline wraps at midnight, so a wait that
-// would cross it does not wait at all; a clock that is set back cannot stretch the wait.
+// Handles the calling thread's events until the time of day has moved on by the duration, or until endsEarly
+// (if given) returns true. The deadline wraps at midnight, so a wait that would cross it does not wait at
+// all; a clock that is set back cannot stretch the wait.
 void pumpEventsFor(milliseconds duration, const std::function<bool()> &endsEarly = {});
 
 // Time since some instant, which no change of the computer's clock moves.
 [[nodiscard]] milliseconds steadyNow();
 
-// What the machine's own clock sleeps with, to within a millisecond: the EC's 5 ms waits must not become a
-// 15.6 ms scheduler tick.
+// The sleep of the machine's own clock, exact to a millisecond: the EC's 5 ms waits must not become a 15.6 ms
+// scheduler tick.
 void systemSleep(milliseconds duration);
 
 // Installs another clock (null: the machine's own again) and returns the one before, null for the machine's.

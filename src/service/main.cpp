@@ -11,8 +11,8 @@
 
 namespace {
 
-// The key carries its quotes onto the command line. It deliberately has no blank, unlike the name that the
-// service is installed under, so this reports on an installation under the older key.
+// The key goes on the command line with its quotes. It has no blank, unlike the name that the service is
+// installed under, because it asks about an installation under the older key.
 const QString serviceKey = QStringLiteral("\"TarnService\"");
 constexpr int bannerLines = 5;
 
@@ -36,7 +36,7 @@ int main(int argc, char *argv[])
 {
     QCoreApplication application(argc, argv);
     tarnPlatform::StopRequests::ofProcess();
-    // Every relative path of the service lies beside its program.
+    // All relative paths of the service start in the folder of its program.
     QDir::setCurrent(QCoreApplication::applicationDirPath());
 
     logBanner();

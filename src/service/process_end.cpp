@@ -25,8 +25,7 @@ using tarnPlatform::UnfinishedStep;
 namespace endBudget = tarnPlatform::endBudget;
 
 constexpr int pollMs = 10;
-// Threads that QThread calls finished still free the data that Qt has kept for them. Nothing tells when they
-// have.
+// A thread that QThread reports as finished still frees its Qt thread data. Qt does not tell when it has.
 constexpr unsigned long threadDataMs = 20;
 
 bool hasFinished(const QThread *thread)
@@ -49,7 +48,8 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
         sender->endQuietly();
     tarnDeviceInfos::ecAccessMutex.releaseWaiters();
 
-    // The send thread hands its last message to this thread, so events are served until all have gone.
+    // The send thread hands its last message to this thread, so it handles events until all threads have
+    // finished.
     const auto everythingFinished = [monitor, sender] {
         return hasFinished(monitor) && hasFinished(sender) && tarnPipeServer::waitForHandlers(pollMs);
     };
@@ -72,7 +72,7 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
         tarnPlatform::exitAtOnce(exitCode); // a normal end would wait for the threads that are held up
     }
     if (sender)
-        sender->wait(); // for the last steps of a thread that counts as finished already
+        sender->wait(); // a thread for which isRunning() is false may still have its last steps to do
     delete monitor;
     QThread::msleep(threadDataMs);
     manager.reportStopped(exitCode);

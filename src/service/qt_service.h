@@ -7,8 +7,8 @@
 
 #include <memory>
 
-// Adds the application object to the host. A process has one such object: where the entry function has made
-// one already, that one serves.
+// Adds the application object to the host. A process has only one such object, so one that the entry function
+// has already made is used.
 template <typename Application> class QtService : public QtServiceBase
 {
 public:

@@ -157,7 +157,7 @@ int QtServiceBase::executeAsApplication()
     QObject::connect(
         &stopRequests, &tarnPlatform::StopRequests::stopRequested, qApp, [this] { stopService(); });
     start();
-    if (stopRequests.isRequested()) // before anybody listened
+    if (stopRequests.isRequested()) // before the connection above
         QMetaObject::invokeMethod(
             qApp, [this] { stopService(); }, Qt::QueuedConnection);
     const int result = executeApplication();
@@ -210,8 +210,8 @@ int QtServiceBase::runUnderManager()
     return exitNotStarted;
 }
 
-// The process's narrow words lack what the system's code page lacks, which a name or a password may contain.
-// The application object has them all.
+// From the application object, because argv lacks the characters that are not in the system's code page; a
+// name or a password may contain some.
 QString QtServiceBase::argument(int index)
 {
     createApplication(argumentCount, arguments.data());

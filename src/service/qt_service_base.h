@@ -32,10 +32,10 @@ public:
     QtServiceBase(const QtServiceBase &) = delete;
     QtServiceBase &operator=(const QtServiceBase &) = delete;
 
-    // Does what the first argument says; the process's exit code.
+    // Does what the first argument says; returns the process's exit code.
     [[nodiscard]] int exec();
-    // The exit code of a process that was asked to end before it came to exec(): whoever asked it for an
-    // action must not take that for done.
+    // The exit code of a process that was asked to end before exec(): an action that was not performed must
+    // not look successful.
     [[nodiscard]] static int exitCodeBeforeExec(int argc, char **argv);
 
     [[nodiscard]] QString serviceName() const { return name; }
@@ -55,13 +55,13 @@ protected:
 
     virtual void createApplication(int &argc, char **argv) = 0;
     virtual int executeApplication() = 0;
-    // The words of the command line as the application object knows them, which there is by then.
+    // The command line as the application object knows it; called after createApplication().
     [[nodiscard]] virtual QStringList applicationArguments() const = 0;
 
 private:
     struct Option;
     static const Option options[];
-    // Null for what is no option.
+    // Null when the first argument is not an option.
     [[nodiscard]] static const Option *chosenOption(int argc, char **argv);
 
     int installService();
@@ -75,7 +75,7 @@ private:
     int printHelp();
     int runUnderManager();
 
-    // Empty when there is no such word.
+    // Empty when there is no such argument.
     [[nodiscard]] QString argument(int index);
     [[nodiscard]] QByteArray latinName() const { return name.toLatin1(); }
 

@@ -7,7 +7,7 @@
 bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds timeout)
 {
     QProcess query;
-    // Deliberately one text without arguments: as it ends with a quote it goes to the system unchanged.
+    // As one text without arguments, because a text that ends with a quote goes to the system unchanged.
     query.start(QStringLiteral("sc query ") + serviceName, QStringList(), QIODevice::ReadWrite);
     query.waitForFinished(static_cast<int>(timeout.count()));
     return QString::fromLocal8Bit(query.readAllStandardOutput()).contains(QStringLiteral("RUNNING"));

@@ -29,12 +29,12 @@ void TarnService::start()
 {
     qDebug() << "Main Thread: " << QThread::currentThread();
     qDebug() << "TarnService::start";
-    leftoverEcTool = std::make_unique<LeftoverEcTool>(); // before anybody can ask for the EC
+    leftoverEcTool = std::make_unique<LeftoverEcTool>(); // before any other object can take the EC
     EcDirverControllerHal::instance();
     pipeServer = TarnPipeServer::instance();
     ecReader = EcDirverReader::instance();
     GraphicsAccessoryManager *graphics = GraphicsAccessoryManager::instance();
-    // The monitor calls the manager directly; whoever emits the signal is served as well.
+    // The monitor calls the manager directly; the connection is for any other code that emits the signal.
     QObject::connect(ecReader, &EcDirverReader::graphicsConnectSignal, graphics,
         &GraphicsAccessoryManager::handleGraphicsConnectSignal);
     ecReader->start(QThread::InheritPriority);

@@ -27,7 +27,7 @@ public:
 protected:
     void start() override;
     void stop() override;
-    // Pausing deliberately leaves the monitor and the pipe server at work.
+    // Pausing and resuming only log: the monitor and the pipe server go on.
     void pause() override;
     void resume() override;
 

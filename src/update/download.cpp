@@ -18,7 +18,7 @@ constexpr qint64 copyChunkBytes = 0x10000;
 
 const QString noUserLoggedOn = QStringLiteral("Nobody is logged on at the console.");
 
-// A full disk takes part of it first and says what is wrong at the next attempt only.
+// A full disk takes part of the bytes first and reports the error only at the next write.
 bool writeAll(QFile &to, const QByteArray &bytes)
 {
     qsizetype done = 0;
@@ -92,7 +92,7 @@ QString Download::remove() const
     return asOwner(removeFile) ? error : noUserLoggedOn;
 }
 
-// False when the user at the console has gone: then it is not done.
+// False, without performing the action, when there is no user at the console any more.
 bool Download::asOwner(const std::function<void()> &action) const
 {
     if (ofConsoleUser)

@@ -6,23 +6,23 @@
 
 namespace tarnFirmwareUpdate {
 
-// A file that was downloaded for an update, with the rights of whoever has downloaded it. Where that is the
-// user at the console and not the account of the service, only what that user may see, read and delete is
-// looked at, read and deleted: a link in the folder of a user must not lead a service anywhere. Used on the
-// thread that made it.
+// A file that was downloaded for an update, used with the rights of the account that has downloaded it. If
+// that is the user at the console and not the account of the service, the file is looked for, read and
+// deleted with that user's rights only, because a link in a user's folder must not lead the service to other
+// files. Used on the thread that made it.
 class Download
 {
 public:
-    // Looks for the file in the download folder of the account that the service runs under. The account of a
-    // service has one that nobody downloads to: then it is looked for in that of the user at the console.
+    // Looks for the file in the download folder of the account that the service runs under. In the service
+    // session, where nobody downloads to that folder, looks in that of the user at the console as well.
     [[nodiscard]] static Download find(const QString &fileName);
 
     // Where the file is or would be; empty when there is no download folder.
     [[nodiscard]] const QString &path() const { return file; }
     [[nodiscard]] bool isFolderThere() const;
-    // Overwrites the destination; the service's own rights decide there. Empty, or what went wrong.
+    // Overwrites the destination, with the service's own rights. Empty, or the error.
     [[nodiscard]] QString copyTo(const QString &destination) const;
-    // Empty, or what went wrong.
+    // Empty, or the error.
     [[nodiscard]] QString remove() const;
 
 private:

@@ -16,7 +16,7 @@ bool reserveEcForUpdate()
 void markEcUpdateOver()
 {
     EcDirverReader *monitor = EcDirverReader::instance();
-    if (monitor->isEcUpdating()) // else the call would take the EC, for good
+    if (monitor->isEcUpdating()) // else the call would take the EC and keep it
         monitor->setEcUpdating(false);
 }
 

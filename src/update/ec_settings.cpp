@@ -15,9 +15,8 @@ struct Setting
     std::string_view line; // empty: the line of the firmware file
 };
 
-// The order counts: a key is looked for anywhere in a line, so "FW VERSION SHOW" has to come before "IO".
-// That any other line with these two letters becomes "IO=1", section headers too, is deliberate: the tool
-// knows no sections.
+// The order counts: a key is looked for anywhere in a line, so "FW VERSION SHOW" has to come before "IO". Any
+// other line with these two letters becomes "IO=1", section headers too, because the tool knows no sections.
 constexpr Setting settings[] = {
     {"ACPI PORT", "ACPI PORT=0x68"},
     {"FW VERSION SHOW", "FW VERSION SHOW=0"},
@@ -37,7 +36,8 @@ constexpr Setting settings[] = {
 
 constexpr std::string_view binNameStart = "BinName=";
 
-// Without quotes, as the tool reads it; the log takes its bytes for UTF-8, but they are in the code page.
+// Without quotes, as the tool reads it. Converted, because the log takes bytes for UTF-8 and the line is in
+// the system's code page.
 QByteArray logText(const std::string &line)
 {
     return QString::fromLocal8Bit(line.data(), static_cast<qsizetype>(line.size())).toUtf8();

@@ -12,11 +12,11 @@ namespace tarnFirmwareUpdate {
 [[nodiscard]] std::string settingsLine(
     std::string_view line, const std::function<std::string()> &binNameLine);
 
-// The key that a later rewrite would take the line of the firmware file for, if this is its name: that line
-// would be replaced by another setting and be lost. Empty when the line stays what it is.
+// The other key that the line of a firmware file with this name contains: a later rewrite would replace the
+// line by that key's setting, and the name would be lost. Empty when there is none.
 [[nodiscard]] std::string_view keyMistakenFor(std::string_view binName);
 
-// Builds the line of the firmware file and says so in the log; built again if it does not name its key.
+// Builds and logs the line of the firmware file; builds it once more if it does not begin with its key.
 [[nodiscard]] std::string loggedBinNameLine(const std::function<std::string()> &build);
 
 } // namespace tarnFirmwareUpdate

@@ -20,8 +20,8 @@ using tarnPlatform::path::ecSettings;
 using tarnPlatform::path::newEcSettings;
 
 // Lines end at "\n", so a "\r" before it belongs to its line and goes when the line is replaced; the tool
-// reads both. Every line that is written gets its end, the last one too. False when something could not be
-// written.
+// reads both. Every line that is written gets its end, the last one too. False when reading or writing
+// failed.
 bool rewrite(std::istream &from, std::ostream &to, const std::string &binName)
 {
     const auto binNameLine = [&binName] {
@@ -87,7 +87,7 @@ bool FirmwareUpdater::reserveAndRunEcTool(const QString &fileName)
     }
     if (copyEcFile(fileName) != 0)
         return false;
-    // A tool that is started while the process ends would flash an EC that others still talk to.
+    // A tool that is started while the process ends would flash an EC that other threads still talk to.
     if (!reserveEcForUpdate() || tarnPlatform::isProcessEnding())
         return false;
     ecUpdate();
@@ -99,7 +99,7 @@ void FirmwareUpdater::ecUpdate()
     qDebug() << "ecUpdate Enter |";
     auto *ecTool = new QProcess;
     ecTools << ecTool;
-    // What it says and how it ends tells nothing about the EC.
+    // Neither its output nor its exit code tells how the EC is.
     const ToolResult run = runTool(*ecTool, FlashingTool::ofEc());
     if (ecTool->error() == QProcess::FailedToStart)
         qWarning() << "The EC tool cannot be started:" << FlashingTool::ofEc().program << run.failure;

@@ -7,7 +7,7 @@ namespace {
 
 constexpr int longestName = 255; // of a file on the usual file systems
 
-// Separators, drives and streams, and what Windows does not take in a name.
+// Separators, the marks of drives and streams, and characters that Windows does not allow in a name.
 const QString forbiddenCharacters = QStringLiteral("/\\:*?\"<>|");
 
 // The service runs the tools in these folders with its own rights, so nothing that could take the place of a
@@ -16,7 +16,7 @@ const char *const forbiddenEndings[] = {".exe", ".dll", ".com", ".scr", ".cpl", 
     ".bat", ".cmd", ".ps1", ".vbs", ".js", ".msi", ".reg", ".inf", ".cfg", ".ini", ".config", ".manifest",
     ".local", ".lnk"};
 
-// Names that Windows takes for devices, with whatever ending.
+// Names that Windows takes for devices, with any ending.
 const char *const deviceNames[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
 const char *const numberedDeviceNames[] = {"com", "lpt"};
 

@@ -14,8 +14,8 @@ namespace {
 namespace path = tarnPlatform::path;
 
 constexpr int copyFailed = 1;
-// A tool's folder, and where a firmware lies on its way into it. The next update overwrites what a killed
-// service or a power cut leaves there.
+// A tool's folder, and the file that a firmware is copied to before it is moved into the folder. The next
+// update overwrites what a killed service or a power cut leaves there.
 struct ToolFolder
 {
     QString path;
@@ -24,12 +24,12 @@ struct ToolFolder
 const ToolFolder mcuToolFolder {path::mcuFolder, path::mcuFirmwarePart};
 const ToolFolder ecToolFolder {path::ecFolder, path::ecFirmwarePart};
 
-// Moves a downloaded file. It gets its place in one step, and the download is deleted only when its copy is
-// safe on the disk, so a power cut leaves one of them.
+// Moves a downloaded file into a tool's folder. The finished copy is put there in one step, and the download
+// is deleted only when the copy is safe on the disk, so one of them survives a power cut.
 int moveDownload(const Download &source, const ToolFolder &folder, const QString &fileName)
 {
     if (!source.isFolderThere()) {
-        qDebug() << "Destination directory does not exist."; // log readers know it so; it is the source's
+        qDebug() << "Destination directory does not exist."; // log readers know this text; it is the source's
         return copyFailed;
     }
     qDebug() << "file is exist!";

@@ -24,8 +24,8 @@ const FlashingTool &FlashingTool::ofEc()
 
 namespace {
 
-// A file object stands for a file that exists: two that have gone would pass for one. Their paths are then
-// compared, as a system does that does not tell upper from lower case.
+// QFileInfo compares files that exist: two that do not would count as the same. Their paths are then
+// compared, without regard to upper and lower case.
 bool isSameFile(const QFileInfo &ours, const QString &path)
 {
     if (ours.exists())

@@ -14,8 +14,8 @@ struct FlashingTool
     static const FlashingTool &ofMcu();
     static const FlashingTool &ofEc();
 
-    // Whether a process of it runs, whoever has started it: one of this file and not only of this name. What
-    // cannot be told apart counts.
+    // Whether a process runs this very file, not only one of the same name; it does not matter which process
+    // has started it. One whose path cannot be read counts as well.
     [[nodiscard]] bool isRunning() const;
 };
 

@@ -24,10 +24,10 @@ constexpr auto handshakePause = 2000ms;
 constexpr int maximumRuns = 3;
 
 // No cycle of the monitor holds the EC for longer. After a longer wait the monitor has been paused, or held
-// up, and what it knows of the accessory may be out of date; after a shorter one its word is taken.
+// up, and what it knows of the accessory may be out of date; after a shorter one it is believed.
 constexpr auto longestCycleWait = 1000ms;
 
-// Flasher runs in a row that complained. One update at a time counts: the EC lock sees to that.
+// Flasher runs in a row that reported errors. The EC lock lets only one update count at a time.
 std::atomic<int> failedRuns {0};
 
 // Write, verify, start at address 0, on the first serial port.
@@ -82,7 +82,7 @@ std::optional<int> FirmwareUpdater::switchAndFlash(const QString &fileName, mill
         return std::nullopt;
     int result = -1;
     startBootLoader();
-    // The flasher would outlive the service, and nobody would switch the MCU back after it.
+    // The flasher would outlive the service, and the MCU would then stay in its boot loader.
     if (tarnPlatform::isProcessEnding())
         qWarning() << "The service ends, so the flasher is not run.";
     else
@@ -100,7 +100,7 @@ int FirmwareUpdater::mcuUpdateProcess(const QString &fileName)
     QProcess process;
     const ToolResult run = runTool(process, FlashingTool::ofMcu(), arguments);
     qDebug() << "Command output:" << run.output;
-    // The flasher's exit code says nothing: it succeeds by having nothing to complain about.
+    // The flasher's exit code says nothing: a run has succeeded when it has printed no error.
     const QString complaint = run.failure.isEmpty() ? QString::fromLocal8Bit(run.errors) : run.failure;
     if (complaint.isEmpty()) {
         failedRuns = 0;
@@ -136,7 +136,7 @@ int FirmwareUpdater::enterMcuUpdateMode()
     const auto waitBegan = steadyNow();
     const QMutexLocker locker(&modeMutex);
     EcDirverReader::instance()->setMcuUpdating(true);
-    // A second enter works under the hold of the first.
+    // A second enter uses the EC lock that the first one has taken.
     if (!ecHeldForMode && !takeEcForMode(waitBegan)) {
         EcDirverReader::instance()->setMcuUpdating(false);
         return -1;
@@ -177,8 +177,8 @@ void FirmwareUpdater::readControl()
         control = value;
 }
 
-// Whether single writes arrive is deliberately not looked at: the sequence is the same in any case, and the
-// flasher sees whether the boot loader answers.
+// The results of single writes are ignored, because the sequence is the same in any case, and the flasher
+// finds out whether the boot loader answers.
 void FirmwareUpdater::changeControl(quint8 bits, bool set)
 {
     const quint8 before = control;

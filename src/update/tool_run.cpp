@@ -30,7 +30,7 @@ QByteArray content(const QString &name)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-// That a tool has printed nothing means something only where it could have printed.
+// An empty error file means success only if the tool could have written to it.
 bool canStillWrite(const QString &name, QString *error)
 {
     QFile file(name);
@@ -41,7 +41,7 @@ bool canStillWrite(const QString &name, QString *error)
 
 std::atomic<int> runningTools {0};
 
-// From before there is a process, so that it is never taken for somebody else's.
+// Counts from before the process starts, so that it is never taken for one that this service has not started.
 class CountedRun
 {
 public:
@@ -51,7 +51,7 @@ public:
     CountedRun &operator=(const CountedRun &) = delete;
 };
 
-// The process object would kill the tool if it went before it.
+// The destructor of the process object would kill a tool that still runs.
 void waitForEnd(QProcess &process)
 {
     while (process.state() != QProcess::NotRunning) {
@@ -68,7 +68,7 @@ ToolResult runTool(QProcess &process, const FlashingTool &tool, const QStringLis
     const QString errors = printedBy(tool, ".err");
     const CountedRun counted;
     tarnPlatform::separateFromThisProcess(process);
-    process.setStandardInputFile(QProcess::nullDevice()); // a tool must not wait for a person
+    process.setStandardInputFile(QProcess::nullDevice()); // a tool must not wait for input
     process.setStandardOutputFile(QFileInfo(output).absoluteFilePath());
     process.setStandardErrorFile(QFileInfo(errors).absoluteFilePath());
     process.setWorkingDirectory(QFileInfo(tool.folder).absoluteFilePath());

@@ -9,8 +9,8 @@
 
 namespace tarnDeviceInfos {
 
-// An accessory that the service knows: the EC's code, the name that clients are told, and what the log says
-// at the first detection and at a change.
+// An accessory that the service knows: the EC's code, the name that clients are told, and the log texts at
+// the first detection and at a change.
 struct AccessoryKind
 {
     quint8 code;
@@ -31,7 +31,7 @@ inline constexpr AccessoryKind accessoryTable[] = {
 // What clients are told when nothing is attached.
 inline constexpr char noAccessoryName[] = "disconnected";
 
-// Null for a code that is not known.
+// Null for an unknown code.
 [[nodiscard]] constexpr const AccessoryKind *findAccessory(quint8 code)
 {
     const auto *const found = std::find_if(std::begin(accessoryTable), std::end(accessoryTable),

@@ -28,10 +28,11 @@ using tarnPlatform::sleepFor;
 constexpr auto cyclePause = 100ms;
 constexpr auto settleTime = 300ms;
 
-constexpr quint8 unreadByte = 250; // stands when a read of the poll fails: not linked, or an unknown code
+constexpr quint8 unreadByte = 250; // the value after a failed read: not linked, or an unknown code
 constexpr quint8 unknownAccessory = 251;
 
-// What the client is told about a value, and where it comes from. In the order of EcDirverReader::Watched.
+// The command that tells the client a value, and the function that reads it. In the order of
+// EcDirverReader::Watched.
 struct WatchedValue
 {
     const char *command;
@@ -103,7 +104,7 @@ void EcDirverReader::getAccessoryTypeForFirst()
     const EcAccess access;
     if (!access)
         return;
-    // The host's own values are of interest whatever is attached.
+    // The host's own values are announced whatever is attached.
     announceValue(tarnChargingStatus);
     announceValue(tarnBatteryNum);
     detectAttachedAccessory();
@@ -128,7 +129,7 @@ void EcDirverReader::pollAccessory()
 void EcDirverReader::setEcUpdating(bool updating)
 {
     const QMutexLocker locker(&updateMutex);
-    // A second call must not wait for the hold of the first.
+    // A second call must not wait for the EC lock, which the first one keeps.
     if (!updateHoldsEcLock)
         updateHoldsEcLock = ecAccessMutex.lock();
     if (updateHoldsEcLock)
@@ -144,8 +145,8 @@ QString EcDirverReader::accessoryName() const
     return kind ? QString::fromLatin1(kind->name) : QString();
 }
 
-// A thread object must not be deleted while its thread runs, and handlers may still ask it: the loop is asked
-// to end, and the end of the process disposes of the object.
+// A thread object must not be deleted while its thread runs, and handlers may still use it. So deleteLater()
+// only asks the loop to end; endProcess() deletes the object.
 bool EcDirverReader::event(QEvent *event)
 {
     if (event->type() != QEvent::DeferredDelete)

@@ -37,12 +37,12 @@ public:
     // The link status byte, 255 when it could not be read.
     quint8 getHandShakeStatus();
 
-    // Stops or resumes the loop's EC work for a firmware update of the EC. Deliberately returns with the EC
-    // locked in both directions: once an EC update has begun, EC traffic comes back only with a restart.
+    // Stops or resumes the loop's EC work for a firmware update of the EC. Returns with the EC locked in both
+    // cases, because once an EC update has begun, EC traffic comes back only with a restart.
     void setEcUpdating(bool updating);
     [[nodiscard]] bool isEcUpdating() const { return ecUpdating; }
 
-    // Pauses the loop while the accessory's MCU is in its boot loader; whoever sets it takes and gives back
+    // Pauses the loop while the accessory's MCU is in its boot loader; the caller takes and gives back
     // ecAccessMutex.
     void setMcuUpdating(bool updating) { mcuUpdating = updating; }
 
@@ -60,8 +60,8 @@ public:
     [[nodiscard]] int sentTarnBatteryNum() const { return sent[tarnBatteryNum]; }
 
 Q_SIGNALS:
-    // None of these is emitted: the loop calls the graphics manager directly. Their names are part of the
-    // meta-object that others connect to.
+    // Never emitted, because the loop calls the graphics manager directly. Kept, because their names are part
+    // of the meta-object that other code connects to.
     void graphicsConnectSignal();
     void startKVaneBatteryTimer();
     void stopKVaneBatteryTimer();
@@ -97,9 +97,9 @@ private:
     quint8 mcuLinkStatus = 0;
     std::atomic<bool> ecUpdating {false};
     std::atomic<bool> mcuUpdating {false};
-    std::atomic<bool> readerPaused {false}; // set by nobody yet
+    std::atomic<bool> readerPaused {false}; // never set
     bool graphicsConnected = false;
-    // 215 is deliberate: like 251 it stands for nothing read yet.
+    // 251 and 215 both stand for a value not read yet.
     std::array<int, watchedCount> latest {0, 251, 251, 251, 215};
 
     QMutex updateMutex; // guards updateHoldsEcLock

@@ -6,7 +6,7 @@
 
 #include <QDebug>
 
-// What the attached accessory says of itself, read when a client asks.
+// Data of the attached accessory, read when a client asks.
 namespace tarnDeviceInfos {
 namespace {
 
@@ -53,7 +53,7 @@ QString &EcDirverReader::getMcuVersion(QString &out)
     quint8 patch = 255;
     if (ec->readXdata(MCU_VERSION_PATCH, &patch) != 0)
         return out;
-    // Minor and patch are deliberately joined without a dot: it is the format that the clients parse.
+    // Minor and patch are joined without a dot, because clients parse that format.
     out.append(QStringLiteral("%1.%2%3").arg(major).arg(minor).arg(patch));
     qDebug() << "Mcu Version is: " << out;
     return out;

@@ -60,7 +60,8 @@ void SendQueueThread::startSending()
         leaving = returning;
         returning = false;
     }
-    // A loop that is on its way out would swallow the start: let it go first. It has nothing left to send.
+    // start() does nothing while the thread runs, so wait for a loop that is returning. It sends nothing
+    // more.
     if (leaving)
         wait();
     start(QThread::InheritPriority);
@@ -79,7 +80,7 @@ void SendQueueThread::run()
     while (!decideToReturn()) {
         const QString message = takeNextMessage();
         if (ending && message.isEmpty())
-            continue; // the end of the process does not wait half a second for nothing
+            continue; // the end of the process must not wait for the pause before an empty message
         tarnPlatform::sleepFor(messagePause);
         writeToClient(message);
     }
@@ -99,11 +100,11 @@ QString SendQueueThread::takeNextMessage()
         qDebug() << "Queue is waiting!";
         queueNotEmpty.wait(&queueMutex);
     }
-    // What waits in the queue at a stop stays for the next client.
+    // Messages that are queued at a stop stay for the next client.
     return stopRequested ? QString() : messageQueue.takeFirst();
 }
 
-// Decided under the queue's lock, so that a start in the same moment either keeps this loop going or knows
+// Under the queue's lock, so that a startSending() at the same time either keeps this loop running or sees
 // that it has to wait for its end.
 bool SendQueueThread::decideToReturn()
 {

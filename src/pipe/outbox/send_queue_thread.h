@@ -15,9 +15,9 @@ template <typename Object> class ProcessWide;
 
 namespace tarnPipeServer {
 
-// The one way by which messages leave for the client: first in, first out, 500 ms before each, which is all
-// that separates two messages on the pipe. The queue has no bound and outlives clients; what is queued while
-// nobody is connected goes to the next client.
+// The only way of messages to the client: first in, first out, with a pause of 500 ms before each. Nothing
+// else separates two messages on the pipe. The queue is unbounded and outlives clients: messages that are
+// queued while no client is connected go to the next one.
 class SendQueueThread : public QThread
 {
     Q_OBJECT
@@ -25,15 +25,15 @@ class SendQueueThread : public QThread
 public:
     static SendQueueThread *instance();
 
-    // What hands a message to the client, called on the send thread; it may block. Set before the loop
-    // starts, as the queue itself is made at its first use only.
+    // Hands a message to the client. Called on the send thread; may block. Static, and to be set before the
+    // loop starts, because the queue object is created only at its first use.
     using Write = std::function<void(const QString &message)>;
     static void setWriter(const Write &write);
 
     // Any thread. Empty messages are sent like any other: a pause and a write of nothing.
     void enqueueMessage(const QString &message);
 
-    // What waits to be sent, oldest first.
+    // The messages still to be sent, oldest first.
     [[nodiscard]] QList<QString> waitingMessages();
 
     void setStopRequested(bool requested) { stopRequested = requested; }
@@ -43,8 +43,8 @@ public:
 
     // Starts the loop, or keeps the present one going. Not to be called on the send thread.
     void startSending();
-    // As clearing running and requestStop, without a word and without a last empty message: for the end of
-    // the process.
+    // Like setRunning(false) and requestStop(), but logs nothing and sends no last empty message. For the end
+    // of the process.
     void endQuietly();
 
     void run() override;
@@ -72,8 +72,8 @@ private:
     // the fifth. Nothing clears ending.
     std::atomic<bool> running {true};
     std::atomic<bool> stopRequested {false};
-    std::atomic<bool> ending {false}; // with the process
-    // The loop has seen that it is not to run and is on its way out of run().
+    std::atomic<bool> ending {false}; // the process ends
+    // The loop has found running cleared and is returning from run().
     bool returning = false;
 };
 

@@ -21,7 +21,7 @@ std::atomic<bool> requested {false};
 
 void noteSignal(int)
 {
-    const int before = errno; // of whatever is interrupted
+    const int before = errno; // of the code that is interrupted
     requested = true;
     const char byte = 1;
     [[maybe_unused]] const auto written = ::write(signalSockets[0], &byte, sizeof byte);

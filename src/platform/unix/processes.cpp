@@ -14,7 +14,7 @@
 namespace tarnPlatform {
 namespace {
 
-constexpr int longestOwnName = 15; // of the name that a process goes by
+constexpr int longestOwnName = 15; // of the name that the kernel keeps for a process ("comm")
 constexpr int kernelFlags = 6; // the field of "stat", counted from the state, which follows the name
 constexpr uint exiting = 0x4; // PF_EXITING in include/linux/sched.h
 
@@ -32,7 +32,7 @@ public:
             program.chop(deletedMark.size());
     }
 
-    // The file name of the program, and the name that the process goes by, which a script has too.
+    // The file name of the program, and the process's own name, which for a script is that of the script.
     [[nodiscard]] QStringList names() const
     {
         const QString name = program.section(QLatin1Char('/'), -1);
@@ -58,7 +58,7 @@ private:
         return path.section(QLatin1Char('/'), -1).compare(name, Qt::CaseInsensitive) == 0;
     }
 
-    // It goes by the name of a Windows program, which is on another computer as it were.
+    // Its own name is then that of a Windows program, which does not count as a program of this system.
     [[nodiscard]] bool isUnderWine() const
     {
         return program.section(QLatin1Char('/'), -1).startsWith(QStringLiteral("wine"));
@@ -72,15 +72,15 @@ private:
             if (!isCalled(path, name))
                 continue;
             const QString current = QFile::symLinkTarget(folder + QStringLiteral("/cwd"));
-            if (current.isEmpty()) // what is relative must not be taken as relative to this process's folder
+            if (current.isEmpty()) // a relative path must not be taken as relative to this process's folder
                 return std::nullopt;
             return QDir(current).absoluteFilePath(path);
         }
         return std::nullopt;
     }
 
-    // Gone meanwhile, a zombie that nobody has asked for its exit code, or about to become one: a process
-    // loses its program before it gets the state of a zombie.
+    // Gone meanwhile, a zombie whose exit code has not been fetched, or about to become one: a process loses
+    // its program before it gets the state of a zombie.
     [[nodiscard]] bool hasEnded() const
     {
         const QByteArray status = content("stat");
@@ -125,7 +125,7 @@ public:
     {
         const QStringList folders = processFolders();
         if (folders.isEmpty())
-            return {QString()}; // this process at least is one, so nothing could be read
+            return {QString()}; // there is at least this process, so nothing could be read
         QStringList paths;
         for (const QString &folder : folders) {
             if (const auto path = ListedProcess(folder).pathAs(fileName))
@@ -148,7 +148,7 @@ void separateFromThisProcess(QProcess &process)
     process.setChildProcessModifier([] { ::setsid(); });
 }
 
-// The kernel keeps the tie.
+// Empty, because the kernel ends the program (PR_SET_PDEATHSIG).
 class ProcessTie
 { };
 
@@ -157,7 +157,7 @@ TiedProcess::TiedProcess()
     // In the child, before it becomes the program.
     setChildProcessModifier([parent = ::getpid()] {
         ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-        if (::getppid() != parent) // it has ended before the kernel was told to watch it
+        if (::getppid() != parent) // the parent has ended before the kernel was told to watch it
             ::_exit(EXIT_FAILURE);
     });
 }

@@ -16,15 +16,15 @@
 namespace tarnPlatform {
 namespace {
 
-// Nobody can be connected to on a file of another kind either, and that is not ours to remove.
+// A file of another kind has no server either, but must not be removed.
 bool isSocket(const QByteArray &path)
 {
     struct stat status = {};
     return ::lstat(path.constData(), &status) == 0 && S_ISSOCK(status.st_mode);
 }
 
-// Asks without connecting, which a live server would take for a client: a datagram socket cannot be connected
-// to a stream server (EPROTOTYPE), and to nobody at all (ECONNREFUSED).
+// Tries to connect a datagram socket, because a running server would take a stream connection for a client.
+// The error is EPROTOTYPE if there is a stream server, and ECONNREFUSED if there is none.
 bool hasNoServer(const QByteArray &path)
 {
     sockaddr_un address {};

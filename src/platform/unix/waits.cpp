@@ -7,7 +7,7 @@
 namespace tarnPlatform {
 namespace {
 
-// The kernel's own 50 us of slack would be a per cent of each 5 ms wait.
+// The kernel's default slack of 50 us would be a per cent of each 5 ms wait.
 constexpr unsigned long timerSlackNs = 1000;
 
 } // namespace

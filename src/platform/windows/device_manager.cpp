@@ -31,7 +31,8 @@ public:
 
     std::optional<QByteArray> ansiText(DeviceProperty property, int bufferBytes) override
     {
-        // Room for the ends of a string and a multi-string: the registry does not promise them.
+        // With space for the final NULs of a string and a multi-string, which the registry does not
+        // guarantee.
         QByteArray buffer(bufferBytes + 2, '\0');
         DWORD used = 0;
         if (!SetupDiGetDeviceRegistryPropertyA(list, &device, codeOf(property), nullptr,

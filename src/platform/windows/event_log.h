@@ -6,7 +6,7 @@
 
 namespace tarnPlatform {
 
-// Tells the readers of the system's event log that the service could not be started, and why.
+// Writes to the system's event log that the service could not be started, and why.
 void reportStartFailure(const ServiceFunctions &functions, const QString &service, const QString &reason);
 
 } // namespace tarnPlatform

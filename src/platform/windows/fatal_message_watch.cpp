@@ -17,8 +17,8 @@ void handleMessage(QtMsgType type, const QMessageLogContext &context, const QStr
 
 } // namespace
 
-// The default handler stands in for a moment: a message may come on another thread before it is known whom to
-// pass it on to.
+// The default handler is installed for a moment, because a message may come on another thread before
+// previousHandler is set.
 FatalMessageWatch::FatalMessageWatch(const Report &report)
 {
     reportFatal = report;

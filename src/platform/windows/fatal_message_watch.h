@@ -6,8 +6,8 @@
 
 namespace tarnPlatform {
 
-// While this object lives, a fatal message is told to somebody before it ends the process. All messages go
-// where they went before. One object at a time.
+// While this object lives, a fatal message is also reported to the given function before it ends the process.
+// All messages still go to the previous handler. One object at a time.
 class FatalMessageWatch
 {
 public:

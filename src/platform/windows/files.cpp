@@ -27,7 +27,7 @@ bool replaceFile(const QString &from, const QString &to)
 {
     const std::wstring target = nativePath(to);
     const DWORD attributes = GetFileAttributesW(target.c_str());
-    // A write-protected file is replaced elsewhere, but not by MoveFileEx.
+    // Other systems replace a write-protected file, but MoveFileEx does not.
     if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY))
         SetFileAttributesW(target.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
     return MoveFileExW(

@@ -10,9 +10,9 @@ namespace {
 std::atomic<StopRequests *> listener {nullptr};
 std::atomic<bool> requested {false};
 
-// Runs on a thread of the system's own. After a close the process is ended as soon as the handler returns (at
-// the latest after the system's 5 s), so that waits for the process to end itself. Log-off and shutdown never
-// come here: the system keeps them from a process that has loaded user32, which Qt does.
+// Runs on a thread of the system. After a close the system ends the process when the handler returns (at the
+// latest after 5 s), so the handler sleeps until the process ends itself. Log-off and shutdown never come
+// here: the system does not report them to a process that has loaded user32, which Qt does.
 BOOL WINAPI noteControl(DWORD control)
 {
     StopRequests *stopRequests = listener.load();

@@ -20,14 +20,14 @@ constexpr DWORD longestPath = 0x8000; // characters, the end included
 std::optional<QString> pathOf(DWORD processId)
 {
     const UniqueHandle process(OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
-    if (!process) // no process has the id of one that has gone
+    if (!process) // the id of a process that has ended is invalid
         return GetLastError() == ERROR_INVALID_PARAMETER ? std::nullopt : std::optional(QString());
     std::vector<wchar_t> path(longestPath);
     DWORD length = longestPath;
     const bool isRead = QueryFullProcessImageNameW(process.get(), 0, path.data(), &length);
-    DWORD exitCode = STILL_ACTIVE; // asked last: one that ends meanwhile is none that cannot be read
+    DWORD exitCode = STILL_ACTIVE; // asked last: a process that ends meanwhile must not count as unreadable
     if (GetExitCodeProcess(process.get(), &exitCode) && exitCode != STILL_ACTIVE)
-        return std::nullopt; // somebody keeps a handle of it
+        return std::nullopt; // it has ended, but a handle of it is still open
     if (!isRead)
         return QString();
     return QDir::fromNativeSeparators(QString::fromWCharArray(path.data(), static_cast<int>(length)));
@@ -58,7 +58,7 @@ public:
     }
 
 private:
-    // Nothing where there is no snapshot.
+    // Empty when there is no snapshot.
     [[nodiscard]] static std::optional<bool> visit(
         const std::function<bool(const PROCESSENTRY32W &)> &hasSeenEnough)
     {
@@ -86,7 +86,7 @@ ProcessList &ProcessList::ofSystem()
 
 void separateFromThisProcess(QProcess &process)
 {
-    // Without a window a console program still gets a console, but one that nobody can close or type into.
+    // Without a window a console program still gets a console, but one that no user can close or type into.
     process.setCreateProcessArgumentsModifier([](QProcess::CreateProcessArguments *arguments) {
         arguments->flags |= CREATE_NO_WINDOW | CREATE_NEW_PROCESS_GROUP;
     });

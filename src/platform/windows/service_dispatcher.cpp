@@ -25,11 +25,12 @@ public:
         , run(host, acceptedControls, [this](const ServiceStatus &status) { report(status); })
     { }
 
-    // The handler thread: returns when the service has stopped, or at once if there is no manager.
+    // Runs on the handler thread: returns when the service has stopped, or at once if there is no manager.
     void connectToManager();
-    // The thread that the manager's connection makes for the service: registers it and watches over its end.
+    // Runs on the thread that the system makes for the service: registers the service and waits until it has
+    // stopped.
     void serve();
-    // The reason why the service does not run; 0 when it does.
+    // The error for which the service does not run; 0 when it runs.
     [[nodiscard]] DWORD waitForConnection() { return connection.get_future().get(); }
     [[nodiscard]] bool isConnected() const { return statusHandle != nullptr; }
 
@@ -46,7 +47,8 @@ private:
     std::atomic<bool> connectionNoted {false};
 };
 
-// The system's callbacks carry no context. It is never destroyed, because they may come until the very end.
+// Global, because the system's callbacks carry no context. Never destroyed, because they may come until the
+// very end.
 Dispatcher *dispatcher = nullptr;
 
 void WINAPI serviceMain(DWORD, LPWSTR *)
@@ -72,7 +74,8 @@ void Dispatcher::serve()
     noteConnection(statusHandle ? NO_ERROR : GetLastError());
     if (!statusHandle || run.waitUntilStopped())
         return;
-    // Something holds up even the end of the process; whoever stops the service is not to wait for it.
+    // Something holds up even the end of the process; the program that stops the service must not wait for
+    // it.
     run.reportStopped(EXIT_SUCCESS);
     exitAtOnce(EXIT_SUCCESS);
 }
@@ -108,7 +111,8 @@ bool runUnderServiceManager(const ServiceFunctions &functions, const QString &na
         return false;
     }
     {
-        // A start that cannot succeed ends the process with a fatal message, which nobody sees of a service.
+        // A start that cannot succeed ends the process with a fatal message, which is not visible for a
+        // service.
         const FatalMessageWatch watch([](const QString &message) {
             reportStartFailure(dispatcher->functions, dispatcher->name, message);
             dispatcher->run.reportStopped(EXIT_FAILURE);

@@ -7,7 +7,7 @@ namespace {
 
 template <typename Function> bool lookUp(HMODULE library, const char *name, Function &function)
 {
-    // By way of an object pointer: the compiler takes a direct conversion for a mistake.
+    // By way of an object pointer, because the compiler warns of a direct conversion.
     function = reinterpret_cast<Function>(reinterpret_cast<void *>(GetProcAddress(library, name)));
     return function != nullptr;
 }

@@ -6,8 +6,8 @@
 
 namespace tarnPlatform {
 
-// A handle of the service manager or of a service. Giving it back leaves the last error as it was, so that
-// whoever reports a failure still finds its reason.
+// A handle of the service manager or of a service. Closing it leaves the last error as it was, so that a
+// caller that reports a failure still finds its reason.
 class ServiceHandle
 {
 public:

@@ -71,8 +71,8 @@ bool WindowsServiceManager::install(const ServiceRegistration &registration)
     if (!manager)
         return false;
     const ServiceEntry entry = serviceEntry(registration);
-    // The registered program is deliberately the bare path, as -install and -version print it. With blanks in
-    // it the system tries each shorter path first, so whoever installs there has to add the quotes.
+    // The bare path is registered, as -install and -version print it. If it contains blanks, the system tries
+    // each shorter path first, so quotes have to be added after the installation.
     const ServiceHandle service(functions,
         functions.createService(manager.get(), wideText(registration.name), wideText(registration.name),
             SERVICE_ALL_ACCESS, entry.serviceType, entry.startType, entry.errorControl,

@@ -4,7 +4,7 @@
 
 namespace tarnPlatform {
 
-// A named pipe goes with its last handle; nothing can be left behind.
+// A named pipe disappears with its last handle, so nothing is left behind.
 void removeLeftoverSocket(const QString &) { }
 
 int clientLimit()

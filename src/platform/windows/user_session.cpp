@@ -28,7 +28,7 @@ bool queryConsoleUser(UniqueHandle &userToken)
     return session != noSession && WTSQueryUserToken(session, userToken.receive());
 }
 
-// The thread has the rights of somebody else for as long as this lives.
+// The thread has the rights of another user while this lives.
 class Impersonation
 {
 public:

@@ -4,7 +4,7 @@
 
 namespace tarnPlatform {
 
-// A text as the system takes it; it ends at the first NUL character, should it hold one.
+// A text for the functions of the system, for which it ends at the first NUL character.
 inline const wchar_t *wideText(const QString &text)
 {
     return reinterpret_cast<const wchar_t *>(text.utf16());
