@@ -72,7 +72,7 @@ bool FirmwareUpdater::updateEc(const QString &fileName)
 {
     const QMutexLocker locker(&ecUpdateMutex);
     const bool isToolRun = reserveAndRunEcTool(fileName);
-    markEcUpdateOver(); // on every way out
+    markEcUpdateOver(); // whatever the result
     return isToolRun;
 }
 
