@@ -221,8 +221,9 @@ void Campaign::endQuietTime()
     if (!expectActivation)
         return;
     const auto gpuSlot = machine.computer.devices().find("gpu");
+    constexpr int active = GPU_PRESENT | GPU_DRIVER_INSTALLED | GPU_STARTED;
     const bool isActive = gpuSlot && machine.computer.devices().device(*gpuSlot).started
-        && machine.computer.gpuReports().gpuDriverData == 7;
+        && machine.computer.gpuReports().gpuDriverData == active;
     check(isActive ? QString() : "the GPU is not brought up");
 }
 

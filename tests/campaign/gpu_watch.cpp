@@ -42,7 +42,11 @@ void GpuWatch::judgeReport(std::uint8_t gpuDriverData)
         fault = QStringLiteral("GPU state %1 was reported, but %2 is true").arg(gpuDriverData).arg(allowed);
     // Active without a driver, when its name could not be read for a second time.
     const bool isLost = isEnabling && gpuDriverData == (GPU_PRESENT | GPU_STARTED);
-    if (gpuDriverData != 1 && gpuDriverData != 3 && gpuDriverData != 7 && !isLost)
+    constexpr int notStarted = GPU_PRESENT | GPU_DRIVER_INSTALLED;
+    constexpr int active = notStarted | GPU_STARTED;
+    const bool isKnown =
+        gpuDriverData == GPU_PRESENT || gpuDriverData == notStarted || gpuDriverData == active;
+    if (!isKnown && !isLost)
         fault = QStringLiteral("GPU state %1 was reported").arg(gpuDriverData);
 }
 

@@ -13,6 +13,16 @@ using tarnTest::waitUntil;
 class GraphicsBox : public tarnTest::RunningService
 {
 protected:
+    // gpuDriverData
+    static constexpr int withoutDriver = GPU_PRESENT;
+    static constexpr int notStarted = withoutDriver | GPU_DRIVER_INSTALLED;
+    static constexpr int active = notStarted | GPU_STARTED;
+    // Problem codes of the configuration manager
+    static constexpr std::uint32_t failedStart = 10;
+    static constexpr std::uint32_t disabledDevice = 22;
+    static constexpr std::uint32_t failedAdd = 31;
+    static constexpr std::uint32_t failedPostStart = 43;
+
     void TearDown() override
     {
         desktop().setAnswer(0); // closes a window that a failed test has left open
@@ -77,12 +87,12 @@ TEST_F(GraphicsBox, BringsItsGpuUpAndLetsItGoOnAYes)
 {
     plugInAndActivate();
     EXPECT_TRUE(gpu().started);
-    EXPECT_EQ(reported(), 7);
+    EXPECT_EQ(reported(), active);
 
     ASSERT_TRUE(service.computer().pressGpuKey());
     EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
     EXPECT_TRUE(waitForReport(2));
-    EXPECT_EQ(reported(), 3);
+    EXPECT_EQ(reported(), notStarted);
     EXPECT_FALSE(gpu().started);
     EXPECT_EQ(desktop().lastSwitch(), "--disengaged-graphics");
     EXPECT_TRUE(service.waitForLog("GraphicsDisengaged_log: Graphics disengagement process finished."));
@@ -128,17 +138,17 @@ TEST_F(GraphicsBox, PopupsTellThatTheDriverIsMissing)
     changeGpu([](auto &changed) { changed.description = "Microsoft Basic Display Adapter"; });
     plugIn();
     EXPECT_TRUE(waitForReport(1));
-    EXPECT_EQ(reported(), 1);
+    EXPECT_EQ(reported(), withoutDriver);
     EXPECT_TRUE(waitForWindow("--graphics-driver-error"));
     EXPECT_TRUE(service.waitForLog("GraphicsActive_log: Failed to active graphics."));
 }
 
 TEST_F(GraphicsBox, PopupsTellThatTheDriverHasFailed)
 {
-    changeGpu([](auto &changed) { changed.problem = 43; });
+    changeGpu([](auto &changed) { changed.problem = failedPostStart; });
     plugIn();
     EXPECT_TRUE(waitForReport(1));
-    EXPECT_EQ(reported(), 3);
+    EXPECT_EQ(reported(), notStarted);
     EXPECT_TRUE(waitForWindow("--graphics-patch-error"));
 }
 
@@ -196,7 +206,7 @@ TEST_F(GraphicsBox, WhileAQuestionIsOpenOnlyTheEcWaits)
     EXPECT_TRUE(waitUntil(
         [&] { return again.documents().join('\n').contains(R"("cmd":"getHardwareVersion","data":"5")"); },
         30000));
-    EXPECT_EQ(reported(), 3);
+    EXPECT_EQ(reported(), notStarted);
 }
 
 TEST_F(GraphicsBox, AQuestionThatIsOpenDoesNotHoldUpAStop)
@@ -232,7 +242,7 @@ TEST_F(GraphicsBox, AQuestionGoesWithAServiceThatIsKilled)
 
 TEST_F(GraphicsBox, PopupsGoWithTheService)
 {
-    changeGpu([](auto &changed) { changed.problem = 43; });
+    changeGpu([](auto &changed) { changed.problem = failedPostStart; });
     desktop().setAnswer(tarnSimulator::Desktop::WAITS);
     plugIn();
     expectWindowToGoWithTheService("--graphics-patch-error");
@@ -248,7 +258,7 @@ TEST_F(GraphicsBox, AStopDuringTheResetOfTheSoundLeavesNoDeviceSwitchedOff)
         const auto slot = *service.computer().devices().find(name);
         tarnSimulator::Device changed = service.computer().devices().device(slot);
         changed.started = false;
-        changed.problem = 10;
+        changed.problem = failedStart;
         service.computer().devices().store(slot, changed);
     }
     plugIn();
@@ -259,7 +269,8 @@ TEST_F(GraphicsBox, AStopDuringTheResetOfTheSoundLeavesNoDeviceSwitchedOff)
     EXPECT_LT(time.elapsed(), tarnTest::allowedMs(3000));
     EXPECT_TRUE(service.log().contains("High Definition Audio Device has been reset."));
     for (const char *name : {"audio", "gpu-audio"})
-        EXPECT_NE(service.computer().devices().device(*service.computer().devices().find(name)).problem, 22U)
+        EXPECT_NE(service.computer().devices().device(*service.computer().devices().find(name)).problem,
+            disabledDevice)
             << name;
     ASSERT_TRUE(service.start()); // for the end of the test
 }
@@ -324,14 +335,14 @@ TEST_F(GraphicsBoxOfAService, TakesFailedLaunchesForANo)
 
 TEST_F(GraphicsBoxOfAService, PopupsHoldTheEcUntilTheyAreClosed)
 {
-    changeGpu([](auto &changed) { changed.problem = 31; });
+    changeGpu([](auto &changed) { changed.problem = failedAdd; });
     desktop().setAnswer(tarnSimulator::Desktop::WAITS);
     plugIn();
     EXPECT_TRUE(waitForWindow("--graphics-patch-error"));
     EXPECT_EQ(service.computer().gpuReports().count, 0U);
     desktop().setAnswer(0);
     EXPECT_TRUE(waitForReport(1));
-    EXPECT_EQ(reported(), 3);
+    EXPECT_EQ(reported(), notStarted);
 }
 
 TEST_F(GraphicsBoxOfAService, AQuestionGoesWithAServiceThatIsKilled)
@@ -346,7 +357,7 @@ TEST_F(GraphicsBoxOfAService, AQuestionGoesWithAServiceThatIsKilled)
 
 TEST_F(GraphicsBoxOfAService, PopupsGoWithTheService)
 {
-    changeGpu([](auto &changed) { changed.problem = 31; });
+    changeGpu([](auto &changed) { changed.problem = failedAdd; });
     desktop().setAnswer(tarnSimulator::Desktop::WAITS);
     plugIn();
     expectWindowToGoWithTheService("--graphics-patch-error");

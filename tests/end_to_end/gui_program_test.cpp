@@ -169,7 +169,7 @@ TEST_F(GuiProgram, LetsTheGpuGoOnAYes)
     press(window, IDYES);
     EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
     EXPECT_TRUE(waitForReport(2));
-    EXPECT_EQ(service.computer().gpuReports().gpuDriverData, 3);
+    EXPECT_EQ(service.computer().gpuReports().gpuDriverData, GPU_PRESENT | GPU_DRIVER_INSTALLED);
     EXPECT_FALSE(gpu().started);
     EXPECT_TRUE(service.log().contains("GraphicsActive_log & GraphicsDisengaged_log: click yes!!!"));
 }
@@ -182,7 +182,7 @@ TEST_F(GuiProgramOfAService, LetsTheGpuGoOnAYes)
     press(window, IDYES);
     EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
     EXPECT_TRUE(waitForReport(2));
-    EXPECT_EQ(service.computer().gpuReports().gpuDriverData, 3);
+    EXPECT_EQ(service.computer().gpuReports().gpuDriverData, GPU_PRESENT | GPU_DRIVER_INSTALLED);
     EXPECT_FALSE(gpu().started);
     EXPECT_TRUE(service.log().contains("GraphicsActive_log & GraphicsDisengaged_log: click yes!!!"));
 }
@@ -211,7 +211,7 @@ TEST_F(GuiProgramOfAService, HoldsTheEcUntilItsNoticeIsRead)
     pressKey(window, VK_RETURN);
     EXPECT_TRUE(closes(window));
     EXPECT_TRUE(waitForReport(1));
-    EXPECT_EQ(service.computer().gpuReports().gpuDriverData, 3);
+    EXPECT_EQ(service.computer().gpuReports().gpuDriverData, GPU_PRESENT | GPU_DRIVER_INSTALLED);
     EXPECT_TRUE(service.log().contains("GraphicsActive_log & GraphicsDisengaged_log: click no!!!"));
 }
 

@@ -25,6 +25,7 @@ Session sessionWith(const QString &typedLine)
     Session session;
     if (!file.open(QIODevice::ReadOnly))
         return session;
+    const QString prompt = QStringLiteral("    $ ");
     bool isFound = false;
     for (const QString &line : QString::fromUtf8(file.readAll()).split(u'\n')) {
         const bool isInBlock = line.startsWith(QStringLiteral("    "));
@@ -32,8 +33,8 @@ Session sessionWith(const QString &typedLine)
             break;
         if (!isInBlock) {
             session = {};
-        } else if (line.startsWith(QStringLiteral("    $ "))) {
-            session.typed += line.mid(6).toUtf8() + '\n';
+        } else if (line.startsWith(prompt)) {
+            session.typed += line.mid(prompt.size()).toUtf8() + '\n';
             isFound = isFound || line.contains(typedLine);
         } else {
             session.shown << line.trimmed();

@@ -42,6 +42,7 @@ protected:
     [[nodiscard]] int elapsed() const { return static_cast<int>(machine.clock.now().count()); }
 
     DockAccessoryManager *manager;
+    static constexpr int linesBeforeState = 3; // of the log: the start, the command and the mailbox
 };
 
 TEST(DockAccessoryManagerObject, SaysThatItWasCreatedOnce)
@@ -66,7 +67,7 @@ TEST_F(DockLed, IsOff)
 {
     setRed(0);
     EXPECT_EQ(manager->getDockLedStatus(), 0);
-    EXPECT_EQ(machine.log.lines().mid(3), ledStateLines(0, "dock led is off."));
+    EXPECT_EQ(machine.log.lines().mid(linesBeforeState), ledStateLines(0, "dock led is off."));
 }
 
 class DockLedUnknown : public DockLed, public ::testing::WithParamInterface<int>
@@ -76,7 +77,7 @@ TEST_P(DockLedUnknown, IsNeitherOnNorOff)
 {
     setRed(GetParam());
     EXPECT_EQ(manager->getDockLedStatus(), -3);
-    EXPECT_EQ(machine.log.lines().mid(3),
+    EXPECT_EQ(machine.log.lines().mid(linesBeforeState),
         ledStateLines(GetParam(), qPrintable(QString("unexpected rgbRedVerDock: %1").arg(GetParam()))));
     EXPECT_TRUE(lockHeldThroughout());
 }
@@ -102,8 +103,8 @@ TEST_F(DockLed, AMailboxThatClearsLateIsPolled)
         QStringList({"20 W 04B0 11", "50 R 04B0 11", "80 R 04B0 11", "110 R 04B0 00", "140 R 04B1 01"}));
     EXPECT_EQ(machine.log.lines(),
         ledCommandWritten
-            + QStringList({ledMailboxValue(17), ledMailboxPoll, ledMailboxValue(17), ledMailboxPoll,
-                ledMailboxValue(0)})
+            + QStringList({ledMailboxValue(APP_EC_RGB_READ), ledMailboxPoll, ledMailboxValue(APP_EC_RGB_READ),
+                ledMailboxPoll, ledMailboxValue(0)})
             + ledStateLines(1, "dock led is on."));
 }
 
@@ -113,11 +114,11 @@ TEST_F(DockLed, AMailboxThatNeverClearsIsGivenUpAndTheStateReadAllTheSame)
     EXPECT_EQ(manager->getDockLedStatus(), 1);
 
     QStringList expected {"20 W 04B0 11"};
-    QStringList lines = ledCommandWritten + QStringList({ledMailboxValue(17)});
+    QStringList lines = ledCommandWritten + QStringList({ledMailboxValue(APP_EC_RGB_READ)});
     for (int read = 0; read < 21; ++read)
         expected << QString("%1 R 04B0 11").arg(50 + 30 * read);
     for (int poll = 0; poll < 20; ++poll)
-        lines << ledMailboxPoll << ledMailboxValue(17);
+        lines << ledMailboxPoll << ledMailboxValue(APP_EC_RGB_READ);
     expected << "680 R 04B1 01";
     EXPECT_EQ(machine.timeline(), expected);
     EXPECT_EQ(machine.log.lines(), lines + ledStateLines(1, "dock led is on."));
@@ -126,9 +127,10 @@ TEST_F(DockLed, AMailboxThatNeverClearsIsGivenUpAndTheStateReadAllTheSame)
 
 TEST_F(DockLed, AMailboxThatClearsAtTheLastPollIsEnough)
 {
+    constexpr int accessesBefore = 19; // the command and 18 looks
     machine.state->timing.mailboxBusyMs = 620; // between the 20th look at 620 and the 21st at 650
     EXPECT_EQ(manager->getDockLedStatus(), 1);
-    EXPECT_EQ(machine.timeline().mid(19),
+    EXPECT_EQ(machine.timeline().mid(accessesBefore),
         QStringList({"590 R 04B0 11", "620 R 04B0 11", "650 R 04B0 00", "680 R 04B1 01"}));
 }
 

@@ -160,7 +160,8 @@ TEST_F(GraphicsRgb, AMailboxThatClearsLateIsPolled)
     EXPECT_EQ(manager->getGraphicsRgb(), 0);
     EXPECT_EQ(machine.timeline().mid(0, 4),
         QStringList({"20 W 04B0 11", "50 R 04B0 11", "120 R 04B0 00", "150 R 04B1 FF"}));
-    EXPECT_EQ(machine.log.lines().mid(2, 3), QStringList({rgbMailbox(17), rgbPoll, rgbMailbox(0)}));
+    EXPECT_EQ(
+        machine.log.lines().mid(2, 3), QStringList({rgbMailbox(APP_EC_RGB_READ), rgbPoll, rgbMailbox(0)}));
 }
 
 TEST_F(GraphicsRgb, AMailboxThatNeverClearsIsGivenUpAndTheColourReadAllTheSame)

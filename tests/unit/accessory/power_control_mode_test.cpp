@@ -69,10 +69,11 @@ INSTANTIATE_TEST_SUITE_P(Modes, PowerControlModes, ::testing::ValuesIn(controlMo
 
 TEST_F(PowerControlMode, ManualThatTurnsOutUnlimitedFails)
 {
+    constexpr int linesBefore = 5; // four up to the read-back and its success
     machine.clock.at(
         tarnTest::milliseconds(25), [this] { setRegister(EC_POWERMODE_PL_CTRL, PL_CTRL_UNLIMITED); });
     EXPECT_EQ(manager->setEcPowerCtrlMode(PL_CTRL_MANUAL), -2);
-    EXPECT_EQ(machine.log.lines().mid(5),
+    EXPECT_EQ(machine.log.lines().mid(linesBefore),
         QStringList({"ec powerctrlmode is unlimited mode:  2",
             "set ec powerctrlmode failed with unexpected number.  Expect:  1 but : 2"}));
 }
@@ -81,7 +82,7 @@ TEST_F(PowerControlMode, AFailedWriteIsNotReadBack)
 {
     machine.computer.setPowerControl(PL_CTRL_AUTO);
     machine.faults().switchOn(Fault::FailWrite, EC_POWERMODE_PL_CTRL);
-    EXPECT_EQ(manager->setEcPowerCtrlMode(1), -1);
+    EXPECT_EQ(manager->setEcPowerCtrlMode(PL_CTRL_MANUAL), -1);
     EXPECT_TRUE(machine.traffic().isEmpty());
     EXPECT_EQ(reg(EC_POWERMODE_PL_CTRL), PL_CTRL_AUTO);
     EXPECT_EQ(elapsed(), tarnTest::refusedWriteTime);
@@ -94,7 +95,7 @@ TEST_F(PowerControlMode, AFailedWriteIsNotReadBack)
 TEST_F(PowerControlMode, AFailedReadBackFails)
 {
     machine.faults().switchOn(Fault::FailRead, EC_POWERMODE_PL_CTRL);
-    EXPECT_EQ(manager->setEcPowerCtrlMode(1), -1);
+    EXPECT_EQ(manager->setEcPowerCtrlMode(PL_CTRL_MANUAL), -1);
     EXPECT_EQ(machine.timeline(), QStringList({"20 W 04A7 01"}));
     EXPECT_EQ(reg(EC_POWERMODE_PL_CTRL), PL_CTRL_MANUAL);
     EXPECT_EQ(machine.log.lines(),
@@ -106,7 +107,7 @@ TEST_F(PowerControlMode, AFailedReadBackFails)
 TEST_F(PowerControlMode, WorksAgainAfterAFailure)
 {
     machine.faults().switchOn(Fault::FailRegister, EC_POWERMODE_PL_CTRL);
-    ASSERT_EQ(manager->setEcPowerCtrlMode(1), -1);
+    ASSERT_EQ(manager->setEcPowerCtrlMode(PL_CTRL_MANUAL), -1);
     machine.faults().clear();
     EXPECT_EQ(manager->setEcPowerCtrlMode(1), 0);
 }
@@ -129,7 +130,7 @@ protected:
 TEST_F(UnexpectedControlModeResults, OfTheWrite)
 {
     ec->writeResults[EC_POWERMODE_PL_CTRL] = -3;
-    EXPECT_EQ(manager->setEcPowerCtrlMode(1), -1);
+    EXPECT_EQ(manager->setEcPowerCtrlMode(PL_CTRL_MANUAL), -1);
     EXPECT_TRUE(machine.traffic().isEmpty());
     EXPECT_EQ(machine.log.lines(),
         QStringList({"ready to set ec powerctrlmode. ", "begin to set ec powerctrlmode. ",
@@ -139,7 +140,7 @@ TEST_F(UnexpectedControlModeResults, OfTheWrite)
 TEST_F(UnexpectedControlModeResults, OfTheReadBack)
 {
     ec->readResults[EC_POWERMODE_PL_CTRL] = -2;
-    EXPECT_EQ(manager->setEcPowerCtrlMode(1), -1);
+    EXPECT_EQ(manager->setEcPowerCtrlMode(PL_CTRL_MANUAL), -1);
     EXPECT_EQ(machine.traffic(), QStringList({"W 04A7 01"}));
     EXPECT_EQ(machine.log.lines(),
         controlModeLinesUpToReadBack(1)

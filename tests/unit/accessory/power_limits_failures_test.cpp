@@ -35,6 +35,8 @@ protected:
     // Everything before the limit under test: its number of accesses and of lines.
     QStringList trafficBefore() const { return wholeProfile.mid(0, 1 + 2 * GetParam()); }
     static constexpr int linesOfALimit = 6;
+    static constexpr int linesUpToWrite = 2; // of a limit, before the result of its write
+    static constexpr int linesUpToCheck = 4; // of a limit, before the result of its check
     QStringList ownLines() const { return machine.log.lines().mid(2 + linesOfALimit * GetParam()); }
 
     void expectLimitsAfterwards(int limitsChanged)
@@ -70,7 +72,7 @@ TEST_P(PowerLimitsFailures, AFailedCheckStopsTheSequenceWithTheLimitWritten)
     EXPECT_EQ(manager->setEcPowerModeHigh(), -1);
     EXPECT_EQ(machine.traffic(), wholeProfile.mid(0, 2 + 2 * GetParam()));
     expectLimitsAfterwards(GetParam() + 1);
-    EXPECT_EQ(ownLines().mid(2),
+    EXPECT_EQ(ownLines().mid(linesUpToWrite),
         QStringList({QString("write ecPowerLimit:  %1 to EC_POWERMODE_PL.").arg(limit().watts),
             "ready to check ec powerlimit."})
             + tarnTest::unansweredRead
@@ -86,7 +88,7 @@ TEST_P(PowerLimitsFailures, AnotherValueThanWrittenStopsTheSequence)
     EXPECT_EQ(manager->setEcPowerModeHigh(), -1);
     EXPECT_EQ(machine.traffic().size(), 3 + 2 * GetParam());
     expectLimitsAfterwards(GetParam() + 1);
-    EXPECT_EQ(ownLines().mid(4),
+    EXPECT_EQ(ownLines().mid(linesUpToCheck),
         QStringList(
             {QString("set ec powerlimit to  %1 failed with  %2").arg(limit().watts).arg(limit().watts - 11),
                 text("W: set ec %1 to  %2  failed when check again.")}));
@@ -110,10 +112,11 @@ using PowerProfileFailures = tarnTest::PowerModeTest;
 
 TEST_F(PowerProfileFailures, AFailedFanModeIsOnlyLogged)
 {
+    constexpr int linesBefore = 20; // 2 up to the supply mode, 6 for each limit
     machine.faults().switchOn(Fault::FailWrite, EC_FAN_MODE);
     EXPECT_EQ(manager->setEcPowerModeHigh(), 0);
-    EXPECT_EQ(machine.traffic(), wholeProfile.mid(0, 7));
-    EXPECT_EQ(machine.log.lines().mid(20),
+    EXPECT_EQ(machine.traffic(), wholeProfile.mid(0, wholeProfile.size() - 1));
+    EXPECT_EQ(machine.log.lines().mid(linesBefore),
         QStringList({"set ec powermode to high finish, now begin to set fan mode  1",
             "set fan mode failed with  1"}));
 }
@@ -229,9 +232,10 @@ protected:
 
 TEST_F(UnexpectedPowerResults, OfAWriteAreAFailedWrite)
 {
+    constexpr int linesBefore = 10; // 2 up to the supply mode, 6 for PL1, 2 up to the write of PL2
     ec->writeResults[EC_POWERMODE_PL2] = -3;
     EXPECT_EQ(manager->setEcPowerModeLow(), -2);
-    EXPECT_EQ(machine.log.lines().mid(10),
+    EXPECT_EQ(machine.log.lines().mid(linesBefore),
         QStringList({"write ecPowerLimit failed with unexpected circumstances.",
             "W: set ec PL2 to  55  failed when write."}));
     EXPECT_EQ(machine.traffic().last(), "R 04AB 0F");
@@ -239,9 +243,11 @@ TEST_F(UnexpectedPowerResults, OfAWriteAreAFailedWrite)
 
 TEST_F(UnexpectedPowerResults, OfACheckAreAFailedCheck)
 {
+    constexpr int linesBefore =
+        17; // 2 up to the supply mode, 6 for each of PL1 and PL2, 3 for the write of PL4
     ec->readResults[EC_POWERMODE_PL4_CHECK] = -3;
     EXPECT_EQ(manager->setEcPowerModeBalance(), -1);
-    EXPECT_EQ(machine.log.lines().mid(17),
+    EXPECT_EQ(machine.log.lines().mid(linesBefore),
         QStringList(
             {"ready to check ec powerlimit.", "check ec powerlimit failed with unexpected circumstances.",
                 "W: set ec PL4 to  75  failed when check again."}));

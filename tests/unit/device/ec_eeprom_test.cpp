@@ -52,8 +52,9 @@ TEST_F(EcEeprom, WaitsForABusyPart)
     machine.state->timing.eepromBusyMs = 60;
     machine.state->eeprom[0x33] = 7;
     EXPECT_EQ(driver->readEeprom(0x33), 7);
-    // The command is taken at 80; re-reads end 25 ms apart, 5 ms of which are the pause after each.
-    EXPECT_EQ(machine.timeline().mid(3),
+    constexpr int writesBeforeCommand = 3; // the offset in two bytes and the length
+    // The EC takes the command at 80 ms; re-reads end 25 ms apart, 5 ms of which are the pause after each.
+    EXPECT_EQ(machine.timeline().mid(writesBeforeCommand),
         QStringList({"80 W 0641 01", "110 R 0640 00", "130 R 0640 00", "155 R 0640 01", "180 R 0620 07"}));
 }
 
@@ -131,7 +132,8 @@ TEST_F(EcEeprom, GoesOnAfterAStatusThatCouldNotBeReadAgain)
     machine.faults().switchOn(Fault::FailRead, EEP_STATUS, 1);
     machine.clock.at(3s, [this] { machine.faults().clear(); });
     EXPECT_EQ(driver->readEeprom(0x33), 7);
-    EXPECT_EQ(machine.traffic().mid(4), QStringList({"R 0640 00", "R 0640 01", "R 0620 07"}));
+    constexpr int writesOfRequest = 4; // the offset in two bytes, the length and the command
+    EXPECT_EQ(machine.traffic().mid(writesOfRequest), QStringList({"R 0640 00", "R 0640 01", "R 0620 07"}));
     EXPECT_EQ(machine.log.lines(),
         QStringList({"wait eep_status  ", "ec reader not normal, begin to reload dll.", "Library is kill",
             "open out32Func and inp32Func is sucessful!", "Library loaded second"}));

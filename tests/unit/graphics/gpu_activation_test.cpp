@@ -45,17 +45,17 @@ TEST_F(GpuActivation, BringsTheGpuUpAndTellsTheEc)
     EXPECT_EQ(machine.timeline(), QStringList({"3020 W 04B1 07", "3040 W 04B0 10"}));
     EXPECT_EQ(machine.clock.waits().front(), 3000);
     EXPECT_EQ(steps(),
-        beginning(3)
+        beginning(gpuNotStarted)
             + QStringList({"GraphicsActive_log: Enabled 4060 series GPU at index 1",
                 "GraphicsActive_log: active gpu successed.",
-                "GraphicsActive_log: get gpu driver data after active gpu driver:  7", reported(7),
+                "GraphicsActive_log: get gpu driver data after active gpu driver:  7", reported(gpuActive),
                 commandWritten}));
     EXPECT_TRUE(session.shown.isEmpty());
 }
 
 TEST_F(GpuActivation, LeavesARunningGpuAsItIs)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     fail(Fault::FailDeviceEnable, "gpu");
     EXPECT_EQ(manager->graphicsActiveProcess(), 0);
     EXPECT_EQ(machine.traffic(), report("07"));
@@ -65,7 +65,7 @@ TEST_F(GpuActivation, LeavesARunningGpuAsItIs)
 TEST_F(GpuActivation, ReportsTheGpuAsActiveThoughItHasNotStartedYet)
 {
     // Enabling is accepted, but the driver is not up.
-    setCondition("gpu", false, 28);
+    setCondition("gpu", false, noDriverInstalled);
     EXPECT_EQ(manager->graphicsActiveProcess(), 0);
     EXPECT_FALSE(device("gpu").started);
     EXPECT_EQ(machine.traffic(), report("07"));
@@ -78,9 +78,10 @@ TEST_F(GpuActivation, ShowsThatTheDriverIsMissing)
     EXPECT_EQ(machine.traffic(), report("01"));
     EXPECT_EQ(session.shown, QStringList({"detached --graphics-driver-error"}));
     EXPECT_EQ(steps(),
-        beginning(1)
+        beginning(gpuWithoutDriver)
             + QStringList({"W: GraphicsActive_log: Gpu driver does not exist!",
-                "Tarn.exe is not running, shou the driver error popup.", reported(1), commandWritten}));
+                "Tarn.exe is not running, shou the driver error popup.", reported(gpuWithoutDriver),
+                commandWritten}));
 }
 
 TEST_F(GpuActivation, LeavesTheMissingDriverToTheClientWhileItRuns)
@@ -133,7 +134,7 @@ TEST_P(FailedDriver, NeedsThePatchAndIsReportedAsNotStarted)
     EXPECT_EQ(machine.traffic(), report("03"));
     EXPECT_EQ(session.shown, QStringList({"detached --graphics-patch-error"}));
     EXPECT_EQ(steps(),
-        beginning(7)
+        beginning(gpuActive)
             + QStringList({"W: GraphicsActive_log: Gpu driver status error!",
                 "Tarn.exe is not running, shou the patch error popup.", commandWritten}));
 }
@@ -143,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(Problems, FailedDriver, ::testing::Values(43U, 31U));
 TEST_F(GpuActivation, LeavesTheFailedDriverToTheClientWhileItRuns)
 {
     processes.programs << "Tarn.exe";
-    setCondition("gpu", false, 43);
+    setCondition("gpu", false, failedPostStart);
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
     EXPECT_EQ(machine.traffic(), report("03"));
     EXPECT_TRUE(session.shown.isEmpty());
@@ -224,7 +225,7 @@ TEST_F(GpuActivation, AFailedReportOfAMissingDriverIsLogged)
 
 TEST_F(GpuActivation, AFailedReportOfAFailedDriverIsLogged)
 {
-    setCondition("gpu", false, 43);
+    setCondition("gpu", false, failedPostStart);
     machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
     EXPECT_TRUE(machine.traffic().isEmpty());
@@ -282,7 +283,7 @@ TEST_F(GpuActivation, SwitchesNothingOnceTheProcessEnds)
 
 TEST_F(GpuActivation, ResetsTheSoundAfterSuccess)
 {
-    setCondition("gpu-audio", false, 10);
+    setCondition("gpu-audio", false, failedStart);
     manager->handleGraphicsConnectSignal();
     EXPECT_TRUE(device("gpu-audio").started);
     const QStringList lines = machine.log.lines();
@@ -293,7 +294,7 @@ TEST_F(GpuActivation, ResetsTheSoundAfterSuccess)
 
 TEST_F(GpuActivation, LeavesTheSoundAloneAfterAFailure)
 {
-    setCondition("gpu-audio", false, 10);
+    setCondition("gpu-audio", false, failedStart);
     fail(Fault::FailDeviceEnable, "gpu");
     manager->handleGraphicsConnectSignal();
     EXPECT_FALSE(device("gpu-audio").started);
@@ -304,7 +305,7 @@ TEST_F(GpuActivation, LeavesTheSoundAloneAfterAFailure)
 
 TEST_F(GpuActivation, AtTheStartHasItsOwnWords)
 {
-    setCondition("gpu-audio", false, 10);
+    setCondition("gpu-audio", false, failedStart);
     manager->gpuActiveProcessFirst();
     EXPECT_TRUE(device("gpu-audio").started);
     EXPECT_EQ(machine.log.lines().first(), "GraphicsActive_log: Gpu has connected when app begin to run.");

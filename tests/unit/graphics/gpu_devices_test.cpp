@@ -26,9 +26,9 @@ QString activeLine(int active)
     return QString("%1get gpu is active or not:  %2 .").arg(prefix).arg(active);
 }
 
-QString wordLine(int word)
+QString driverDataLine(int gpuDriverData)
 {
-    return QString("%1gpuDriverData is  %2 .").arg(prefix).arg(word);
+    return QString("%1gpuDriverData is  %2 .").arg(prefix).arg(gpuDriverData);
 }
 
 // One stopped GPU, and a note of how much room each text was given.
@@ -106,35 +106,36 @@ private:
 class GpuState : public tarnTest::GraphicsTest
 { };
 
-TEST_F(GpuState, IsSevenWithARunningGpu)
+TEST_F(GpuState, IsActiveWithARunningGpu)
 {
-    setCondition("gpu", true, 0);
-    EXPECT_EQ(manager->getGpuDriverData(), 7);
-    EXPECT_EQ(machine.log.lines(), stateLines(1) + QStringList({activeLine(1), wordLine(7)}));
+    setCondition("gpu", true, noProblem);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuActive);
+    EXPECT_EQ(machine.log.lines(), stateLines(1) + QStringList({activeLine(1), driverDataLine(gpuActive)}));
     EXPECT_TRUE(machine.traffic().isEmpty());
     EXPECT_EQ(machine.state->devices.listsOpened, 2U);
 }
 
-TEST_F(GpuState, IsThreeWithADisabledGpu)
+TEST_F(GpuState, IsNotStartedWithADisabledGpu)
 {
-    EXPECT_EQ(manager->getGpuDriverData(), 3);
-    EXPECT_EQ(machine.log.lines(), stateLines(1) + QStringList({activeLine(0), wordLine(3)}));
+    EXPECT_EQ(manager->getGpuDriverData(), gpuNotStarted);
+    EXPECT_EQ(
+        machine.log.lines(), stateLines(1) + QStringList({activeLine(0), driverDataLine(gpuNotStarted)}));
 }
 
-TEST_F(GpuState, IsOneWithoutADriverAndHardwareIdsAreNotLookedAt)
+TEST_F(GpuState, IsWithoutDriverUnderAnotherNameWhateverTheHardwareIds)
 {
     rename("gpu", "Microsoft Basic Display Adapter");
-    EXPECT_EQ(manager->getGpuDriverData(), 1);
-    EXPECT_EQ(machine.log.lines(), stateLines(0) + QStringList({wordLine(1)}));
+    EXPECT_EQ(manager->getGpuDriverData(), gpuWithoutDriver);
+    EXPECT_EQ(machine.log.lines(), stateLines(0) + QStringList({driverDataLine(gpuWithoutDriver)}));
     EXPECT_EQ(machine.state->devices.listsOpened, 1U);
 }
 
 TEST_F(GpuState, ANameMayHoldMoreThanTheAdaptersOwn)
 {
     rename("gpu", "2nd NVIDIA GeForce RTX 4060 Ti (GA)");
-    EXPECT_EQ(manager->getGpuDriverData(), 3);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuNotStarted);
     EXPECT_EQ(manager->enableGpu(), 0);
-    EXPECT_EQ(manager->getGpuDriverData(), 7);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuActive);
     EXPECT_EQ(manager->disableGpu(), 0);
     EXPECT_FALSE(device("gpu").started);
 }
@@ -143,29 +144,29 @@ TEST_F(GpuState, TheFirstGpuThatCanBeAskedDecides)
 {
     addDevice("second", DeviceKind::Display, "NVIDIA GeForce RTX 4060", "PCI\\VEN_10DE&DEV_2882");
     ASSERT_TRUE(device("second").started);
-    EXPECT_EQ(manager->getGpuDriverData(), 3);
-    setCondition("gpu", true, 0);
-    setCondition("second", false, 22);
-    EXPECT_EQ(manager->getGpuDriverData(), 7);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuNotStarted);
+    setCondition("gpu", true, noProblem);
+    setCondition("second", false, disabledDevice);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuActive);
 }
 
 TEST_F(GpuState, NamesAreComparedCaseSensitively)
 {
     rename("gpu", "nvidia geforce rtx 4060 ti");
-    EXPECT_EQ(manager->getGpuDriverData(), 1);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuWithoutDriver);
 }
 
 TEST_F(GpuState, IsUnknownWhenTheAdaptersCannotBeListed)
 {
     machine.faults().switchOn(Fault::FailDeviceList);
-    EXPECT_EQ(manager->getGpuDriverData(), -1);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuStateUnknown);
     EXPECT_EQ(machine.log.lines(), stateLines(-1));
 }
 
 TEST_F(GpuState, IsUnknownWhenTheAdaptersCannotBeListedASecondTime)
 {
     machine.faults().switchOn(Fault::FailDeviceList, 1, 1);
-    EXPECT_EQ(manager->getGpuDriverData(), -1);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuStateUnknown);
     EXPECT_EQ(machine.log.lines(), stateLines(1) + QStringList({activeLine(-1)}));
 }
 
@@ -183,7 +184,7 @@ class HiddenGpu : public GpuState, public ::testing::WithParamInterface<Obstacle
 TEST_P(HiddenGpu, IsAnErrorAndNotAnInactiveGpu)
 {
     fail(GetParam().fault, "gpu", GetParam().skip);
-    EXPECT_EQ(manager->getGpuDriverData(), -1);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuStateUnknown);
     EXPECT_EQ(machine.log.lines(), stateLines(1) + QStringList({activeLine(-2)}));
 }
 
@@ -198,28 +199,28 @@ TEST_F(GpuState, AGpuOfAnotherMakerWithTheInstalledNameIsAnError)
     tarnSimulator::Device gpu = device("gpu");
     gpu.hardwareId = "PCI\\VEN_8086&DEV_2803";
     devices().store(slot("gpu"), gpu);
-    EXPECT_EQ(manager->getGpuDriverData(), -1);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuStateUnknown);
 }
 
 TEST_F(GpuState, AnAmdAdapterOfTheNumberIsTakenToo)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     addDevice("other", DeviceKind::Display, "Radeon 4060", "PCI\\VEN_1002&DEV_0001");
     fail(Fault::FailDeviceStatus, "gpu");
-    EXPECT_EQ(manager->getGpuDriverData(), 7);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuActive);
 }
 
 TEST_F(GpuState, ABoxThatHasGoneTakesItsGpuWithIt)
 {
     machine.computer.detach();
-    EXPECT_EQ(manager->getGpuDriverData(), 1);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuWithoutDriver);
 }
 
 TEST_F(GpuState, AnAdapterWhoseDescriptionCannotBeReadIsSkipped)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     fail(Fault::FailDeviceDescription, "graphics");
-    EXPECT_EQ(manager->getGpuDriverData(), 7);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuActive);
     EXPECT_EQ(manager->disableGpu(), 0);
     EXPECT_FALSE(device("gpu").started);
     fail(Fault::FailDeviceDescription, "gpu");
@@ -230,7 +231,7 @@ TEST_F(GpuState, AnAdapterWhoseDescriptionCannotBeReadIsSkipped)
 TEST_F(GpuState, EachTextHasTheRoomThatDriversReckonWith)
 {
     NotingDevices noted;
-    EXPECT_EQ(manager->getGpuDriverData(), 3);
+    EXPECT_EQ(manager->getGpuDriverData(), gpuNotStarted);
     EXPECT_EQ(noted.taken(),
         QStringList(
             {"ansi adapters", "description 4096", "ansi adapters", "hardware ids 4096", "description 256"}));
@@ -255,7 +256,7 @@ protected:
 
 TEST_F(NvidiaCheck, PassesAWorkingGpu)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     EXPECT_TRUE(manager->checkNvidiaAdapterStatus());
     EXPECT_EQ(
         machine.log.lines(), found + QStringList({"Device " + gpuId + " is functioning properly.", end}));
@@ -310,16 +311,16 @@ TEST_F(NvidiaCheck, FindsTheMakerInAnySpelling)
 {
     tarnSimulator::Device gpu = device("gpu");
     gpu.instanceId = "pci\\ven_10de&dev_2803\\1";
-    gpu.problem = 43;
+    gpu.problem = failedPostStart;
     devices().store(slot("gpu"), gpu);
     EXPECT_FALSE(manager->checkNvidiaAdapterStatus());
 }
 
 TEST_F(NvidiaCheck, TheFirstNvidiaAdapterDecides)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     addDevice("second", DeviceKind::Display, "NVIDIA 4060", "", "PCI\\VEN_10DE\\2");
-    setCondition("second", false, 43);
+    setCondition("second", false, failedPostStart);
     EXPECT_TRUE(manager->checkNvidiaAdapterStatus());
     EXPECT_EQ(machine.log.lines().size(), 5);
 }
@@ -343,7 +344,7 @@ TEST_F(GpuSwitching, EnablesAStoppedGpu)
 
 TEST_F(GpuSwitching, LeavesAStartedGpuAlone)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     fail(Fault::FailDeviceEnable, "gpu");
     EXPECT_EQ(manager->enableGpu(), 0);
     EXPECT_TRUE(machine.log.lines().isEmpty());
@@ -359,7 +360,7 @@ TEST_F(GpuSwitching, EnablesAGpuWhoseStatusIsUnknown)
 TEST_F(GpuSwitching, EnablesEveryAdapterOfTheSeriesWhateverBecomesOfOne)
 {
     addDevice("second", DeviceKind::Display, "NVIDIA GeForce RTX 4060");
-    setCondition("second", false, 22);
+    setCondition("second", false, disabledDevice);
     fail(Fault::FailDeviceEnable, "gpu");
     EXPECT_EQ(manager->enableGpu(), -1);
     EXPECT_FALSE(device("gpu").started);
@@ -378,7 +379,7 @@ TEST_F(GpuSwitching, CannotEnableWithoutAList)
 
 TEST_F(GpuSwitching, DisablesAStartedGpu)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     EXPECT_EQ(manager->disableGpu(), 0);
     EXPECT_FALSE(device("gpu").started);
     EXPECT_TRUE(device("graphics").started);
@@ -389,7 +390,7 @@ TEST_F(GpuSwitching, DisablesAStartedGpu)
 TEST_F(GpuSwitching, LeavesAStoppedGpuAndOneOfUnknownStatusAlone)
 {
     EXPECT_EQ(manager->disableGpu(), 0);
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     fail(Fault::FailDeviceStatus, "gpu");
     EXPECT_EQ(manager->disableGpu(), 0);
     EXPECT_TRUE(device("gpu").started);
@@ -399,7 +400,7 @@ TEST_F(GpuSwitching, LeavesAStoppedGpuAndOneOfUnknownStatusAlone)
 TEST_F(GpuSwitching, DisablesEveryAdapterOfTheSeriesWhateverBecomesOfOne)
 {
     addDevice("second", DeviceKind::Display, "NVIDIA GeForce RTX 4060");
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     fail(Fault::FailDeviceDisable, "gpu");
     EXPECT_EQ(manager->disableGpu(), -1);
     EXPECT_FALSE(device("second").started);
@@ -434,10 +435,11 @@ TEST_F(HdAudio, IsLeftAloneWhileItWorks)
 
 TEST_F(HdAudio, EachDeviceWithAProblemIsRestartedWithItsOwnPause)
 {
-    setCondition("audio", false, 10);
-    setCondition("gpu-audio", false, 10);
+    setCondition("audio", false, failedStart);
+    setCondition("gpu-audio", false, failedStart);
     bool stoppedMeanwhile = false;
-    machine.clock.at(tarnTest::milliseconds(1000), [&] { stoppedMeanwhile = device("audio").problem == 22; });
+    machine.clock.at(
+        tarnTest::milliseconds(1000), [&] { stoppedMeanwhile = device("audio").problem == disabledDevice; });
     EXPECT_TRUE(manager->resetHdAudioDevice());
     EXPECT_TRUE(stoppedMeanwhile);
     EXPECT_EQ(machine.clock.waits(), std::vector<int>({1000, 1000}));
@@ -450,8 +452,8 @@ TEST_F(HdAudio, EachDeviceWithAProblemIsRestartedWithItsOwnPause)
 
 TEST_F(HdAudio, ADeviceThatIsStoppedIsStartedAgainWhenTheProcessEndsAndNoOtherIsStopped)
 {
-    setCondition("audio", false, 10);
-    setCondition("gpu-audio", false, 10);
+    setCondition("audio", false, failedStart);
+    setCondition("gpu-audio", false, failedStart);
     bool unfinishedMeanwhile = false;
     machine.clock.at(machine.clock.now() + tarnTest::milliseconds(500), [&] {
         tarnTest::letProcessEnd();
@@ -459,7 +461,7 @@ TEST_F(HdAudio, ADeviceThatIsStoppedIsStartedAgainWhenTheProcessEndsAndNoOtherIs
     });
     EXPECT_TRUE(manager->resetHdAudioDevice());
     EXPECT_TRUE(device("audio").started);
-    EXPECT_EQ(device("gpu-audio").problem, 10U);
+    EXPECT_EQ(device("gpu-audio").problem, failedStart);
     EXPECT_EQ(machine.clock.waits(), std::vector<int>({1000}));
     EXPECT_TRUE(unfinishedMeanwhile);
     EXPECT_FALSE(tarnPlatform::UnfinishedStep::any());
@@ -469,24 +471,24 @@ TEST_F(HdAudio, ADeviceThatIsStoppedIsStartedAgainWhenTheProcessEndsAndNoOtherIs
 TEST_F(HdAudio, IsFoundInAnySpelling)
 {
     rename("audio", "realtek high definition AUDIO");
-    setCondition("audio", false, 10);
+    setCondition("audio", false, failedStart);
     EXPECT_TRUE(manager->resetHdAudioDevice());
     EXPECT_TRUE(device("audio").started);
 }
 
 TEST_F(HdAudio, ThatCannotBeStoppedIsLeftAsItIs)
 {
-    setCondition("audio", false, 10);
+    setCondition("audio", false, failedStart);
     fail(Fault::FailDeviceInstaller, "audio");
     EXPECT_TRUE(manager->resetHdAudioDevice());
-    EXPECT_EQ(device("audio").problem, 10U);
+    EXPECT_EQ(device("audio").problem, failedStart);
     EXPECT_TRUE(machine.log.contains("High Definition Audio Failed to disable device."));
     EXPECT_TRUE(machine.clock.waits().empty());
 }
 
 TEST_F(HdAudio, ThatCannotBeStartedAgainIsReported)
 {
-    setCondition("audio", false, 10);
+    setCondition("audio", false, failedStart);
     fail(Fault::FailDeviceInstaller, "audio", 1);
     EXPECT_TRUE(manager->resetHdAudioDevice());
     EXPECT_TRUE(machine.log.contains("High Definition Audio Failed to enable device."));

@@ -81,7 +81,7 @@ TEST_F(Disengagement, OnAYesTellsTheClientAndTheEc)
         beginning + stateRead + asked
             + QStringList({disabled, "GraphicsDisengaged_log: ban gpu successed.",
                 "GraphicsDisengaged_log: after ban gpu, gpuDriverData is  3 ."})
-            + written(3) + finished);
+            + written(gpuNotStarted) + finished);
 }
 
 TEST_F(Disengagement, OnANoLeavesEverythingAsItIs)
@@ -112,8 +112,8 @@ TEST_F(Disengagement, WithoutARequestOnlyReportsTheState)
     EXPECT_TRUE(session.shown.isEmpty());
     EXPECT_EQ(machine.traffic(), eventTaken + QStringList({"R 04A5 FB", "W 04B1 07", "W 04B0 10"}));
     EXPECT_EQ(steps(),
-        beginning + stateRead + QStringList({"GraphicsDisengaged_log: do nothing to gpu."}) + written(7)
-            + finished);
+        beginning + stateRead + QStringList({"GraphicsDisengaged_log: do nothing to gpu."})
+            + written(gpuActive) + finished);
 }
 
 TEST_F(Disengagement, AFailedDisableIsShownAndNotReported)
@@ -143,7 +143,7 @@ TEST_F(Disengagement, TheResultsTellWhatFailed)
     EXPECT_EQ(manager->handleGpuKeyEvent(), -1);
     for (const quint16 address : {XEC_APP_CMD_DATA0, XEC_APP_CMD}) {
         machine.faults().clear();
-        setCondition("gpu", true, 0);
+        setCondition("gpu", true, noProblem);
         machine.faults().switchOn(Fault::FailWrite, address);
         EXPECT_EQ(manager->handleGpuKeyEvent(), -1) << address;
         EXPECT_FALSE(device("gpu").started) << address;
@@ -238,7 +238,7 @@ TEST_F(Disengagement, AStopDuringTheDisablingIsHeardAfterTheReport)
     EXPECT_EQ(unfinishedAt,
         QStringList({asked.last(), disabled, "GraphicsDisengaged_log: ban gpu successed.",
             "GraphicsDisengaged_log: after ban gpu, gpuDriverData is  3 ."})
-            + written(3));
+            + written(gpuNotStarted));
     EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"}));
 }
 
@@ -263,7 +263,7 @@ TEST_F(Disengagement, ABanThatHasBegunIsAnUnfinishedStep)
     };
     manager->banGpu();
     EXPECT_EQ(unfinishedAt, QStringList({disabled, "GraphicsDisengaged_log: ban gpu successed."}));
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     unfinishedAt.clear();
     manager->banGpuForMcuUpdate();
     EXPECT_EQ(
@@ -338,7 +338,7 @@ TEST_F(Disengagement, OneAdapterThatIsDisabledEndsTheActivationWhateverBecomesOf
 
 TEST_F(Disengagement, ThatFoundNothingToDisableLeavesTheActivationInForce)
 {
-    setCondition("gpu", false, 22);
+    setCondition("gpu", false, disabledDevice);
     pressKey();
     EXPECT_EQ(steps().last(), finished.last());
     session.shown.clear();

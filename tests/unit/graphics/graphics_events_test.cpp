@@ -68,7 +68,7 @@ TEST_F(GraphicsEvents, AConnectionActivates)
 
 TEST_F(GraphicsEvents, ABanDisablesWithoutAQuestionOrAReport)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     const tarnTest::QueueMark queue;
     present(APP_EVENT_BAN_GPU);
     EXPECT_EQ(machine.traffic(), QStringList({"R 04A4 13", "W 04A4 00"}));
@@ -84,7 +84,7 @@ TEST_F(GraphicsEvents, ABanDisablesWithoutAQuestionOrAReport)
 
 TEST_F(GraphicsEvents, ABanGivesTheClientTwoSeconds)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     bool startedUntilThen = false;
     const auto begun = machine.clock.now();
     machine.clock.at(begun + tarnTest::milliseconds(1999), [&] { startedUntilThen = device("gpu").started; });
@@ -95,7 +95,7 @@ TEST_F(GraphicsEvents, ABanGivesTheClientTwoSeconds)
 
 TEST_F(GraphicsEvents, ABanMayFail)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     fail(Fault::FailDeviceDisable, "gpu");
     manager->banGpu();
     EXPECT_EQ(machine.log.lines().last(), "W: GraphicsDisengaged_log: ban gpu failed.");
@@ -113,7 +113,7 @@ TEST_F(GraphicsEvents, ABanEndsTheActivation)
 
 TEST_F(GraphicsEvents, ABanBeforeAnUpdateTellsNobody)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     const tarnTest::QueueMark queue;
     manager->banGpuForMcuUpdate();
     EXPECT_EQ(machine.clock.waits(), std::vector<int>({3000}));
@@ -127,7 +127,7 @@ TEST_F(GraphicsEvents, ABanBeforeAnUpdateTellsNobody)
 
 TEST_F(GraphicsEvents, ABanBeforeAnUpdateDoesNotWaitForTheEc)
 {
-    setCondition("gpu", true, 0);
+    setCondition("gpu", true, noProblem);
     ASSERT_TRUE(ecAccessMutex.lock());
     manager->banGpuForMcuUpdate();
     EXPECT_TRUE(ecAccessMutex.isLocked());
@@ -169,7 +169,7 @@ TEST_F(GraphicsEvents, TheMonitorActivatesABoxThatIsPluggedIn)
     machine.attach(ACCESSORY_GRAPHICS_16G);
     monitor->pollAccessory();
     EXPECT_TRUE(device("gpu").started);
-    EXPECT_EQ(machine.computer.gpuReports().gpuDriverData, 7);
+    EXPECT_EQ(machine.computer.gpuReports().gpuDriverData, gpuActive);
 }
 
 TEST_F(GraphicsEvents, TheMonitorActivatesABoxThatIsThereAtTheStart)

@@ -17,6 +17,18 @@ inline constexpr const char *gpuName = "gpu";
 class GraphicsTest : public MachineTest
 {
 protected:
+    // gpuDriverData
+    static constexpr int gpuWithoutDriver = tarnDeviceInfos::GPU_PRESENT;
+    static constexpr int gpuNotStarted = gpuWithoutDriver | tarnDeviceInfos::GPU_DRIVER_INSTALLED;
+    static constexpr int gpuActive = gpuNotStarted | tarnDeviceInfos::GPU_STARTED;
+    static constexpr int gpuStateUnknown = -1;
+    // Problem codes of the configuration manager
+    static constexpr std::uint32_t noProblem = 0;
+    static constexpr std::uint32_t failedStart = 10;
+    static constexpr std::uint32_t disabledDevice = 22;
+    static constexpr std::uint32_t noDriverInstalled = 28;
+    static constexpr std::uint32_t failedPostStart = 43;
+
     GraphicsTest()
         : manager(tarnAccessoryManager::GraphicsAccessoryManager::instance())
     {

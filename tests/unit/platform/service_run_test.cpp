@@ -91,6 +91,7 @@ protected:
         last = status;
     }
 
+    static constexpr int eventsOfStart = 3; // "Starting", "start" and "Running"
     QStringList events;
     ServiceStatus last;
     std::function<void()> onStart = [] {
@@ -122,7 +123,7 @@ TEST_F(ServiceUnderManager, PausesAndContinues)
         send({ControlStop});
     };
     EXPECT_EQ(exec(), 0);
-    EXPECT_EQ(events.mid(3, 6),
+    EXPECT_EQ(events.mid(eventsOfStart, 6),
         QStringList({"Pausing 1 7", "pause", "Paused 0 7", "Continuing 1 7", "resume", "Running 0 7"}));
 }
 
@@ -139,7 +140,7 @@ TEST_F(ServiceUnderManager, KeepsTheOrderOfWhatItIsAsked)
         QStringList({"start", "pause", "command 0", "resume", "pause", "command 5", "command 127", "stop"}));
     // A pause that comes to its end after the stop was asked for is no news.
     EXPECT_FALSE(events.contains("Paused 0 7"));
-    EXPECT_FALSE(events.mid(3).contains("Running 0 7"));
+    EXPECT_FALSE(events.mid(eventsOfStart).contains("Running 0 7"));
 }
 
 TEST_F(ServiceUnderManager, EndsInTheStateThatWasAskedForLast)
@@ -188,7 +189,7 @@ TEST_F(ServiceUnderManager, IgnoresControlsThatItDoesNotAccept)
     onLoop = [this] {
         send({ControlStop, ControlPause, ControlContinue, ControlShutdown});
         QCoreApplication::processEvents();
-        EXPECT_EQ(events.mid(3), QStringList(4, "Running 0 0"));
+        EXPECT_EQ(events.mid(eventsOfStart), QStringList(4, "Running 0 0"));
         QMetaObject::invokeMethod(
             qApp, [] { QCoreApplication::exit(9); }, Qt::QueuedConnection);
     };

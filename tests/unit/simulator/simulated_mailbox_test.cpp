@@ -250,18 +250,20 @@ TEST(SimulatedMailbox, WithoutAKvaneThereIsNoSerialNumberAndNoLed)
 
 TEST(SimulatedMailbox, KeepsAndCountsGpuStateReports)
 {
+    constexpr std::uint8_t notStarted = GPU_PRESENT | GPU_DRIVER_INSTALLED;
+    constexpr std::uint8_t active = notStarted | GPU_STARTED;
     EcHost host;
     EXPECT_EQ(host.computer.gpuReports().count, 0U);
-    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, 7));
+    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, active));
     EXPECT_EQ(host.computer.gpuReports().count, 0U);
     ASSERT_TRUE(host.write(XEC_APP_CMD, APP_CMD_PEG_STATE));
     EXPECT_EQ(host.computer.gpuReports().count, 1U);
-    EXPECT_EQ(host.computer.gpuReports().gpuDriverData, 7);
+    EXPECT_EQ(host.computer.gpuReports().gpuDriverData, active);
 
-    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, 3));
+    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, notStarted));
     ASSERT_TRUE(host.write(XEC_APP_CMD, APP_CMD_PEG_STATE));
     EXPECT_EQ(host.computer.gpuReports().count, 2U);
-    EXPECT_EQ(host.computer.gpuReports().gpuDriverData, 3);
+    EXPECT_EQ(host.computer.gpuReports().gpuDriverData, notStarted);
 }
 
 TEST(SimulatedMailbox, StuckFaultExecutesButNeverClears)

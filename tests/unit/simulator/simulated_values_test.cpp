@@ -135,8 +135,9 @@ TEST(SimulatedValues, SwitchesTakeOnAndOff)
 
 TEST(SimulatedValues, GpuReportsAreShown)
 {
+    constexpr std::uint8_t active = GPU_PRESENT | GPU_DRIVER_INSTALLED | GPU_STARTED;
     EcHost host;
-    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, 7));
+    ASSERT_TRUE(host.write(XEC_APP_CMD_DATA0, active));
     ASSERT_TRUE(host.write(XEC_APP_CMD, APP_CMD_PEG_STATE));
     EXPECT_EQ(tarnSimulator::findMachineValue("gpu-state")->read(host.computer), "7");
     EXPECT_EQ(tarnSimulator::findMachineValue("gpu-reports")->read(host.computer), "1");
