@@ -13,7 +13,7 @@
 namespace tarnTest {
 namespace {
 
-constexpr int timeoutMs = 30000;
+constexpr int dialogueTimeoutMs = 30000;
 constexpr int writePatienceMs = 5000;
 
 const QString changeWord = QStringLiteral("tarnsim");
@@ -110,7 +110,7 @@ bool DialogueScript::expectMessage(const QByteArray &message)
         }
         return client.documents().size() > seen;
     };
-    if (!client.waitConnected(hasCome, timeoutMs)) {
+    if (!client.waitConnected(hasCome, dialogueTimeoutMs)) {
         ADD_FAILURE() << "it does not come; after: " << client.documents().mid(seen).join('\n').toStdString();
         return false;
     }
@@ -124,7 +124,7 @@ bool DialogueScript::expectMessage(const QByteArray &message)
 bool DialogueScript::expectEmptyAnswer()
 {
     const bool has = client.waitConnected(
-        [this] { return service.logLines().count(emptyAnswerLine) > emptyAnswers; }, timeoutMs);
+        [this] { return service.logLines().count(emptyAnswerLine) > emptyAnswers; }, dialogueTimeoutMs);
     EXPECT_TRUE(has) << "no empty answer";
     return has;
 }
@@ -157,7 +157,7 @@ QString DialogueScript::writesSinceMark()
 bool DialogueScript::awaitLog(const QString &text)
 {
     const bool said =
-        client.waitConnected([&] { return service.log().mid(logMark).contains(text); }, timeoutMs);
+        client.waitConnected([&] { return service.log().mid(logMark).contains(text); }, dialogueTimeoutMs);
     EXPECT_TRUE(said) << "the log does not say it";
     return said;
 }

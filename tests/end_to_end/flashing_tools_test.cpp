@@ -150,7 +150,7 @@ protected:
 INSTANTIATE_TEST_SUITE_P(Tools, FlashingTool, ::testing::Values(ecTool, flasher),
     [](const auto &tool) { return std::string(tool.param.request); });
 
-TEST_P(FlashingTool, OutlivesAnInterruptOfEverybodyInTheTerminal)
+TEST_P(FlashingTool, OutlivesCtrlCInTheTerminal)
 {
     begin(GetParam());
     QElapsedTimer timer;

@@ -95,7 +95,7 @@ TEST(Tarnctl, AsksAndSetsThroughARealService)
 
 TEST(Tarnctl, SaysWhatIsWrongWithoutAService)
 {
-    const ServiceProcess nobody; // its folder has no socket
+    const ServiceProcess unstarted; // its folder has no socket
     const Outcome outcome = tarnctl({"getMcuVersion"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_TRUE(outcome.err.contains("./run"));

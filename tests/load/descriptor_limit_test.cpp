@@ -54,7 +54,7 @@ protected:
 };
 
 // A thread that found no descriptor for its event loop would end the process, so some are kept for them.
-TEST_F(DescriptorLimit, ACrowdIsTurnedAwayBeforeItTakesThemAll)
+TEST_F(DescriptorLimit, ClientsAreTurnedAwayBeforeTheyTakeAllDescriptors)
 {
     const auto before = figures();
     service.attach(tarnDeviceInfos::ACCESSORY_KVANE);
@@ -91,7 +91,7 @@ TEST_F(DescriptorLimit, ACrowdIsTurnedAwayBeforeItTakesThemAll)
     expectAsIdleAs(before, "crowd beyond the descriptors");
 }
 
-TEST_F(DescriptorLimit, ADoorThatTheSystemShutOpensOnceOneIsFree)
+TEST_F(DescriptorLimit, EndsTheListeningOnlyUntilADescriptorIsFree)
 {
     ServiceClient first;
     ASSERT_TRUE(first.connectToService());
@@ -100,7 +100,7 @@ TEST_F(DescriptorLimit, ADoorThatTheSystemShutOpensOnceOneIsFree)
     setLimit(lowestFreeDescriptor());
     PipePeer tooLate;
     tooLate.socket.connectToServer(QStringLiteral("tarnPipe"));
-    ASSERT_TRUE(waitUntil([&] { return figures().handles < taken; })) << "the door was not shut";
+    ASSERT_TRUE(waitUntil([&] { return figures().handles < taken; })) << "the service still listens";
     setLimit(descriptors);
     first.leave();
 

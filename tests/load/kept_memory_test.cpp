@@ -26,7 +26,7 @@ using tarnTest::waitUntil;
 
 namespace {
 
-constexpr int restPatienceMs = 150000; // 20,000 requests that have waited are answered in some seconds
+constexpr int restTimeoutMs = 150000; // 20,000 requests that have waited are answered in some seconds
 
 constexpr const char *requests[] = {R"({"cmd":"getAccessoryType"})", R"({"cmd":"getMcuUpdateParameters"})",
     R"({"cmd":"powerModeControl","data":"low"})", R"({"cmd":"setDockLedStatus","data":"on"})",
@@ -50,8 +50,8 @@ protected:
     // Nothing is on its way any more, and what the test's own stand-ins have noted is forgotten.
     LiveMemory atRest()
     {
-        EXPECT_TRUE(waitUntil([] { return tarnPipeServer::waitForHandlers(0); }, restPatienceMs));
-        EXPECT_TRUE(waitUntil([] { return tarnTest::queuedMessages().isEmpty(); }, restPatienceMs));
+        EXPECT_TRUE(waitUntil([] { return tarnPipeServer::waitForHandlers(0); }, restTimeoutMs));
+        EXPECT_TRUE(waitUntil([] { return tarnTest::queuedMessages().isEmpty(); }, restTimeoutMs));
         LiveMemory least = liveMemory();
         // The last message may still be in its pause and events under way.
         waitUntil(

@@ -108,9 +108,9 @@ TEST_F(Pacing, OfABacklogLosesOneMessageALeaveAtMost)
         ++visits;
         PipePeer visitor;
         ASSERT_TRUE(visitor.connectToService());
-        const qsizetype bytesToTake = random.below(300);
+        const qsizetype bytesToReceive = random.below(300);
         ASSERT_TRUE(waitUntil([&] {
-            return visitor.received().size() >= bytesToTake || tarnTest::queuedMessages().isEmpty();
+            return visitor.received().size() >= bytesToReceive || tarnTest::queuedMessages().isEmpty();
         }));
         visitor.leave();
         ASSERT_TRUE(waitUntil([] { return SendQueueThread::instance()->isFinished(); }));

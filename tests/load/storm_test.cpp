@@ -16,7 +16,7 @@ using tarnTest::waitUntil;
 
 namespace {
 
-constexpr int oneInHasAWish = 40; // each such visit costs the next client half a second
+constexpr int oneInWritesARequest = 40; // each such visit costs the next client half a second
 
 } // namespace
 
@@ -31,10 +31,10 @@ protected:
     {
         PipePeer peer;
         ASSERT_TRUE(peer.connectToService()) << "client " << number;
-        if (random.oneIn(oneInHasAWish)) {
+        if (random.oneIn(oneInWritesARequest)) {
             asked << number;
             peer.write(tarnLoad::markedRequest(number));
-        } else if (random.oneIn(oneInHasAWish)) {
+        } else if (random.oneIn(oneInWritesARequest)) {
             ++halves;
             peer.write(tarnLoad::markedRequest(number).left(10));
         }
@@ -64,7 +64,7 @@ protected:
     int halves = 0;
 };
 
-TEST_F(ClientStorm, OfShortVisitsLeavesTheDoorOpen)
+TEST_F(ClientStorm, OfShortVisitsDoesNotKeepTheNextClientOut)
 {
     const auto before = figures();
     const int visits = scaled(200, 4000);
@@ -84,8 +84,8 @@ TEST_F(ClientStorm, OfShortVisitsLeavesTheDoorOpen)
             .arg(obeyedMs));
 
     // What the others have asked for comes first.
-    const int timeoutMs = 20000 + 1000 * static_cast<int>(asked.size() + halves);
-    EXPECT_EQ(normal.ask({{"cmd", "getAccessoryType"}}, timeoutMs).value("data"), "disconnected");
+    const int replyTimeoutMs = 20000 + 1000 * static_cast<int>(asked.size() + halves);
+    EXPECT_EQ(normal.ask({{"cmd", "getAccessoryType"}}, replyTimeoutMs).value("data"), "disconnected");
     const QList<int> received = tarnLoad::marksIn(normal.documents());
     const QList<int> sent = tarnLoad::sentMarks(service.log());
     EXPECT_EQ(received, sent.mid(sent.size() - received.size())) << "out of order";
@@ -94,7 +94,7 @@ TEST_F(ClientStorm, OfShortVisitsLeavesTheDoorOpen)
     expectAsIdleAs(before, "visits");
 }
 
-TEST_F(ClientStorm, OfManyAtOnceLeavesTheDoorOpen)
+TEST_F(ClientStorm, OfManyAtOnceDoesNotKeepTheNextClientOut)
 {
     const auto before = figures();
     const int crowd = scaled(150, 800);

@@ -23,7 +23,7 @@ protected:
     int stored() const { return machine.state->eeprom[EEP_SMART_CHARGING]; }
 };
 
-TEST_F(SmartCharging, IsOffBeforeAnybodyAsked)
+TEST_F(SmartCharging, IsOffBeforeTheFirstRead)
 {
     EXPECT_FALSE(manager->isSmartChargingOn());
 }

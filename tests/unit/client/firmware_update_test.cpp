@@ -261,7 +261,7 @@ TEST_F(TarnctlUpdateTest, AnotherFileOfTheNameKeepsItFromStarting)
     EXPECT_EQ(readFile(folders.downloaded()), "own");
 }
 
-TEST_F(TarnctlUpdateTest, AFileThatCannotBeUsedIsNotEvenSpokenAbout)
+TEST_F(TarnctlUpdateTest, AFileThatCannotBeUsedMakesNoConnection)
 {
     file = folders.downloaded("none.bin");
     const ToolRun run = update(ecUpdatePlan());

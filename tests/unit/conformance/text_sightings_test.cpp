@@ -93,7 +93,7 @@ TEST_F(TextSightings, ComplainAboutAnotherLevelOfTheLog)
         QStringList());
 }
 
-TEST_F(TextSightings, KeepExcusesHonest)
+TEST_F(TextSightings, RefuseAnExcuseForATextThatWasSeen)
 {
     const QStringList catalogue {"debug \"text\" not here: only elsewhere"};
     EXPECT_EQ(complaints(catalogue, ""), QStringList());

@@ -111,7 +111,7 @@ TEST_F(GraphicsEvents, ABanEndsTheActivation)
     EXPECT_TRUE(machine.log.lines().first().contains("ignore disengaged signal"));
 }
 
-TEST_F(GraphicsEvents, ABanBeforeAnUpdateTellsNobody)
+TEST_F(GraphicsEvents, ABanBeforeAnUpdateSendsNoNotification)
 {
     setCondition("gpu", true, noProblem);
     const tarnTest::QueueMark queue;

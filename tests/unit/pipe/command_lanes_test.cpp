@@ -97,7 +97,7 @@ class LaneThatNeverWaits : public CommandLanes
 
 INSTANTIATE_TEST_SUITE_P(Of, LaneThatNeverWaits, ::testing::ValuesIn(commandsThatNeverWait()), rowName);
 
-TEST_P(LaneThatNeverWaits, KeepsItsPromise)
+TEST_P(LaneThatNeverWaits, FinishesWhileTheEcIsHeld)
 {
     ASSERT_TRUE(ecAccessMutex.lock());
     std::atomic<bool> done {false};

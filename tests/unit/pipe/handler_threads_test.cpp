@@ -128,7 +128,7 @@ TEST_F(HandlerThreads, DoNotShutTheClientOutOfAnEcUpdate)
     EXPECT_TRUE(isAnswered(R"({"cmd":"requestEcUpdate","data":"failed"})"));
 }
 
-TEST_F(HandlerThreads, LetLeavesThatWaitForAnEnterStopNobodyElse)
+TEST_F(HandlerThreads, LetLeavesThatWaitForAnEnterHoldUpNoOtherRequest)
 {
     ASSERT_TRUE(ecAccessMutex.lock());
     ASSERT_TRUE(client.connectToService());

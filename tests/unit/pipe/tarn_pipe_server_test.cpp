@@ -185,7 +185,7 @@ TEST_F(PipeServer, ASecondClientGetsTheRepliesAfterItConnects)
     EXPECT_TRUE(second.received().isEmpty());
 }
 
-TEST_F(PipeServer, WhenEitherOfTwoClientsLeavesNobodyIsTalkedToUntilTheNextConnection)
+TEST_F(PipeServer, WhenEitherOfTwoClientsLeavesNothingIsSentUntilTheNextConnection)
 {
     ASSERT_TRUE(client.connectToService());
     PipePeer second;
@@ -203,7 +203,7 @@ TEST_F(PipeServer, WhenEitherOfTwoClientsLeavesNobodyIsTalkedToUntilTheNextConne
 }
 
 // Also the one that is not talked to: whoever leaves silences the service.
-TEST_F(PipeServer, WhenTheFormerClientLeavesTheCurrentOneIsNotTalkedToEither)
+TEST_F(PipeServer, WhenTheFormerClientLeavesTheCurrentOneIsSentNothingEither)
 {
     ASSERT_TRUE(client.connectToService());
     PipePeer second;
@@ -360,7 +360,7 @@ TEST_F(PipeServer, ADisconnectionWithoutASenderStopsTheSendingAndForgetsTheClien
     EXPECT_EQ(next.take(typeReply()), typeReply());
 }
 
-TEST_F(PipeServer, AReplyForNobodyIsNotQueued)
+TEST_F(PipeServer, AReplyWithoutAClientIsNotQueued)
 {
     ASSERT_TRUE(client.connectToService());
     ASSERT_TRUE(tarnDeviceInfos::ecAccessMutex.lock());
@@ -384,7 +384,7 @@ TEST_F(PipeServer, AConnectionWithoutASocketChangesNothingForTheNext)
     EXPECT_EQ(client.take(typeReply()), typeReply());
 }
 
-TEST_F(PipeServer, DestructionClosesTheDoor)
+TEST_F(PipeServer, DestructionEndsTheListening)
 {
     ASSERT_TRUE(client.connectToService());
     ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Queue is waiting!"); }));
@@ -434,7 +434,7 @@ TEST(PipeServerStart, DoesNotDisturbTheClientOfALiveServer)
 }
 
 // As the local server does by itself when it cannot accept another one.
-TEST_F(PipeServer, OpensItsDoorAgainWhenSomebodyLeaves)
+TEST_F(PipeServer, ListensAgainWhenAClientLeaves)
 {
     ASSERT_TRUE(client.connectToService());
     ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
@@ -447,7 +447,7 @@ TEST_F(PipeServer, OpensItsDoorAgainWhenSomebodyLeaves)
     EXPECT_EQ(next.take(typeReply()), typeReply());
 }
 
-TEST_F(PipeServer, TakesNobodyOnceItsDoorIsClosed)
+TEST_F(PipeServer, AcceptsNoClientOnceItHasStoppedListening)
 {
     PipePeer lastOne;
     ASSERT_TRUE(lastOne.connectToService());

@@ -61,10 +61,10 @@ TEST(ProcessWide, MakesOneObjectForTwoThreadsThatAskAtTheSameTime)
             second = static_cast<pid_t>(::syscall(SYS_gettid));
             ofSecond = ProcessWide<Counted>::instance();
         });
-        const QDeadlineTimer deadline(10000);
-        while ((second == 0 || !isAsleep(second)) && !deadline.hasExpired())
+        const QDeadlineTimer timeout(10000);
+        while ((second == 0 || !isAsleep(second)) && !timeout.hasExpired())
             std::this_thread::yield();
-        EXPECT_FALSE(deadline.hasExpired());
+        EXPECT_FALSE(timeout.hasExpired());
     };
     Counted *ofFirst = ProcessWide<Counted>::instance();
     thread.join();

@@ -170,7 +170,7 @@ TEST_F(ProcessPaths, AreNotTakenAsRelativeToAnotherProcessesFolder)
     EXPECT_EQ(pathsOf("tarn-elsewhere"), QStringList(QString()));
 }
 
-TEST_F(ProcessPaths, OfAProcessThatOnlyAwaitsItsBurialAreNotListed)
+TEST_F(ProcessPaths, OfAZombieProcessAreNotListed)
 {
     const NamedCopy copy("tarn-zombie", [] { ::_exit(0); });
     ASSERT_TRUE(tarnTest::waitUntil([&copy] { return hasEnded(copy); }));

@@ -44,26 +44,26 @@ protected:
     [[nodiscard]] static bool isThereAfterRemoval()
     {
         errno = ECONNREFUSED; // as it may be from an earlier call
-        tarnPlatform::removeLeftoverSocket("door");
-        return QFileInfo::exists(folderOfSockets() + "/door");
+        tarnPlatform::removeLeftoverSocket("socket");
+        return QFileInfo::exists(folderOfSockets() + "/socket");
     }
     [[nodiscard]] static QString folderOfSockets() { return qEnvironmentVariable("TMPDIR"); }
 
     tarnTest::RunFolder folder;
-    const QString door = folderOfSockets() + "/door";
+    const QString socketPath = folderOfSockets() + "/socket";
 };
 
 TEST_F(LeftoverSocket, OfAServerThatHasGoneIsRemoved)
 {
     {
-        const NamedSocket server(SOCK_STREAM, door);
+        const NamedSocket server(SOCK_STREAM, socketPath);
     }
     EXPECT_FALSE(isThereAfterRemoval());
 }
 
-TEST_F(LeftoverSocket, OfOneThatListensStaysAndNobodyConnectsToIt)
+TEST_F(LeftoverSocket, OfOneThatListensStaysWithoutAConnectionToIt)
 {
-    const NamedSocket server(SOCK_STREAM | SOCK_NONBLOCK, door);
+    const NamedSocket server(SOCK_STREAM | SOCK_NONBLOCK, socketPath);
     ASSERT_EQ(::listen(server.descriptor, 1), 0);
     EXPECT_TRUE(isThereAfterRemoval());
     EXPECT_EQ(::accept(server.descriptor, nullptr, nullptr), -1);
@@ -72,20 +72,20 @@ TEST_F(LeftoverSocket, OfOneThatListensStaysAndNobodyConnectsToIt)
 
 TEST_F(LeftoverSocket, OfOneThatTakesDatagramsStays)
 {
-    const NamedSocket receiver(SOCK_DGRAM, door);
+    const NamedSocket receiver(SOCK_DGRAM, socketPath);
     EXPECT_TRUE(isThereAfterRemoval());
 }
 
 TEST_F(LeftoverSocket, IsNoFileOfAnotherKind)
 {
-    folder.write("door", "kept");
+    folder.write("socket", "kept");
     EXPECT_TRUE(isThereAfterRemoval());
 }
 
-TEST_F(LeftoverSocket, StaysWhereNobodyCanBeAsked)
+TEST_F(LeftoverSocket, StaysWhenNoSocketCanBeOpenedToProbeIt)
 {
     {
-        const NamedSocket server(SOCK_STREAM, door);
+        const NamedSocket server(SOCK_STREAM, socketPath);
     }
     const tarnTest::DescriptorLimit limit(0);
     EXPECT_TRUE(isThereAfterRemoval());

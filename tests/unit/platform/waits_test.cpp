@@ -61,7 +61,7 @@ TEST(Waits, PassOnAVirtualClock)
     EXPECT_EQ(clock.waits(), std::vector<int>({5, 4000}));
 }
 
-TEST(Waits, ThatWouldCrossMidnightAreNoWaits)
+TEST(Waits, ThatWouldCrossMidnightEndAtOnce)
 {
     VirtualClock clock;
     clock.setTimeOfDay(QTime(23, 59, 57));

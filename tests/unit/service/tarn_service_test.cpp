@@ -143,7 +143,7 @@ TEST_F(ServiceObject, AStopEndsTheMonitorAndTheProcessLetsGo)
     EXPECT_EQ(machine.log.lines().last(), "EcDirverReader object is kill!");
 }
 
-TEST_F(ServiceObject, AStopAsksTheMonitorToGoOnceAndNobodyElse)
+TEST_F(ServiceObject, AStopAsksOnlyTheMonitorToGoAndOnce)
 {
     DirectService service;
     service.start();

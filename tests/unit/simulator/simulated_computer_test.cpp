@@ -37,7 +37,7 @@ TEST_F(SimulatedComputerOfProcess, IsMadeWhereTheEnvironmentSays)
     EXPECT_TRUE(log.lines().isEmpty());
 }
 
-TEST_F(SimulatedComputerOfProcess, IsMissedAloudOnce)
+TEST_F(SimulatedComputerOfProcess, ThatIsMissingIsReportedOnce)
 {
     nameStateFile("no/such/folder/some.state");
     EXPECT_EQ(simulatedComputer(), nullptr);
