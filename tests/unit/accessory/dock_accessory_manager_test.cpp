@@ -161,7 +161,7 @@ TEST_F(DockLed, AnUnansweredLookAtTheMailboxIsFollowedByAnother)
             + ledStateLines(1, "dock led is on."));
 }
 
-// The value of the last look stays while later ones fail.
+// While later looks fail, the value of the last one that succeeded counts.
 TEST_F(DockLed, AFailedPollKeepsPolling)
 {
     machine.faults().switchOn(Fault::MailboxStuck);

@@ -11,7 +11,7 @@ namespace tarnTest {
 class EcStandIn : public tarnDeviceInfos::EcDirverControllerHal
 {
 public:
-    // To be called before anybody asks for the driver.
+    // To be called before the first use of the driver.
     static EcStandIn *install()
     {
         auto *standIn = new EcStandIn;

@@ -346,7 +346,7 @@ TEST_F(ColourFileThatCannotBeWritten, IsWrittenAsSoonAsItCanBe)
     EXPECT_EQ(complaints(), 1);
 }
 
-// What could not be written meanwhile must not come back later.
+// A colour that could not be written must not be restored later.
 TEST_F(ColourFileThatCannotBeWritten, NeedsNoWritingForTheColourThatItHolds)
 {
     set(5);

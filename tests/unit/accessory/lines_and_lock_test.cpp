@@ -9,8 +9,7 @@ using tarnAccessoryManager::EcPowerModeManager;
 using tarnAccessoryManager::GraphicsAccessoryManager;
 using tarnAccessoryManager::KvaneAccessoryManager;
 
-// An operation, and how many lines it writes before it has the EC: those tell from the log alone that it
-// waits.
+// An operation, and how many lines it logs before it has the EC: they show in the log that it waits.
 struct LoggedOperation
 {
     const char *name;

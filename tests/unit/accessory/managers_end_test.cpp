@@ -8,7 +8,7 @@
 
 using namespace tarnAccessoryManager;
 
-// The service never destroys its managers; whoever does is told in the log.
+// The service never destroys its managers; if one is destroyed, the log says so.
 TEST(ManagersEnd, IsLogged)
 {
     const tarnTest::LogCapture log;

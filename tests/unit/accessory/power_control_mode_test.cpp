@@ -112,7 +112,7 @@ TEST_F(PowerControlMode, WorksAgainAfterAFailure)
     EXPECT_EQ(manager->setEcPowerCtrlMode(1), 0);
 }
 
-// A driver that gives results nobody knows.
+// A driver that gives results outside the known ones.
 class UnexpectedControlModeResults : public tarnTest::EcLockTest
 {
 protected:

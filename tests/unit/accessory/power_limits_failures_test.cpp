@@ -82,7 +82,7 @@ TEST_P(PowerLimitsFailures, AFailedCheckStopsTheSequenceWithTheLimitWritten)
 
 TEST_P(PowerLimitsFailures, AnotherValueThanWrittenStopsTheSequence)
 {
-    // The EC changes its mind between the write and the check.
+    // The check register changes between the write and the check.
     machine.clock.at(tarnTest::milliseconds(limit().writtenAt + 10),
         [this] { setRegister(limit().checkAddress, static_cast<quint8>(limit().watts - 11)); });
     EXPECT_EQ(manager->setEcPowerModeHigh(), -1);
@@ -215,7 +215,7 @@ TEST_F(PowerProfileFailures, EveryReadBackElevenWattsOffFailsAtTheFirst)
     EXPECT_EQ(manager->setEcPowerModeHigh(), 0);
 }
 
-// A driver that gives results nobody knows.
+// A driver that gives results outside the known ones.
 class UnexpectedPowerResults : public tarnTest::EcLockTest
 {
 protected:

@@ -96,10 +96,11 @@ protected:
             machine.faults().switchOn(Fault::FailRead, EC_POWER_SUPPLY_MODE);
         else
             setRegister(EC_POWER_SUPPLY_MODE, static_cast<quint8>(row.supplyMode));
+        // A register that must not be read says charging (0xFE): reading it would change the limits.
         if (row.kvaneStatus == unread)
             machine.faults().switchOn(Fault::FailRead, EC_KVANE_CHARGING_STATUS);
         else
-            setRegister(EC_KVANE_CHARGING_STATUS, static_cast<quint8>(row.kvaneStatus)); // bait where unasked
+            setRegister(EC_KVANE_CHARGING_STATUS, static_cast<quint8>(row.kvaneStatus));
     }
 
     QStringList expectedTimeline() const

@@ -203,7 +203,7 @@ TEST_F(LastRun, AnswersOthersBetweenTheAttempts)
     EXPECT_EQ(lockedInPauses, QList<bool>(5, false));
 }
 
-// Nothing waits but the sequences themselves.
+// The only waits are those of the sequences themselves.
 class RunPauses : public tarnTest::EcLockTest
 {
 protected:

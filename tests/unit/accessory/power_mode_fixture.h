@@ -14,7 +14,7 @@ inline const QStringList unansweredRead {"ec reader not normal, begin to reload 
     "open out32Func and inp32Func is sucessful!", "Library loaded second"};
 inline constexpr int accessTime = 20;
 inline constexpr int unansweredReadTime = accessTime + 5000 + 500;
-// A refused write is given up after a thousand looks, without a word.
+// A refused write is given up after a thousand looks, without a line in the log.
 inline constexpr int refusedWriteTime = accessTime + 5000;
 
 inline constexpr const char *profileFileName = "powermodeconfig.xml";

@@ -75,7 +75,7 @@ protected:
         EXPECT_EQ(linesBeforeApplication(), GetParam().before);
     }
 
-    // What stands in the file's place, told without following links.
+    // The kind of what stands in the file's place; links are not followed.
     [[nodiscard]] QString place() const
     {
         const QFileInfo info(profilePath());
@@ -88,7 +88,7 @@ protected:
 TEST_P(WithoutSavedProfile, BalanceIsAppliedAndSaved)
 {
     if (GetParam().name != QString("Unexpected"))
-        replaceDuringApplication(InItsPlace::Nothing); // what was in the way has gone
+        replaceDuringApplication(InItsPlace::Nothing); // the obstacle has gone
     EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
     expectBalance();
     EXPECT_EQ(savedBytes(), "1");

@@ -101,7 +101,7 @@ TEST_P(ShutdownRelease, TheOperationFailsAtOnceWithoutTouchingTheEC)
     EXPECT_FALSE(QFile::exists(machine.folder.path(tarnTest::profileFileName)));
 }
 
-// Whoever holds the EC goes on holding it; the operation neither waits for it nor gives it away.
+// The present holder keeps the EC; the operation neither waits for the lock nor releases it.
 TEST_P(ShutdownRelease, TheHoldOfAnotherStays)
 {
     ASSERT_TRUE(ecAccessMutex.lock());

@@ -9,7 +9,7 @@ using tarnAccessoryManager::DockAccessoryManager;
 using tarnAccessoryManager::GraphicsAccessoryManager;
 using tarnAccessoryManager::KvaneAccessoryManager;
 
-// A driver with results that nobody knows: whatever is not 0 is a failure.
+// A driver with results outside the known ones: everything but 0 is a failure.
 class UnexpectedResults : public tarnTest::EcLockTest, public ::testing::WithParamInterface<int>
 {
 protected:

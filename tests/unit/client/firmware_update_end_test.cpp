@@ -82,7 +82,7 @@ TEST_P(TarnctlUpdateDepartures, EndWithThreeAndAdvice)
     EXPECT_EQ(service.commands().last(), leavingAt);
     EXPECT_TRUE(run.errors.contains("went away before it answered " + leavingAt.toUtf8()));
     EXPECT_TRUE(run.errors.contains(GetParam().text)) << run.errors.toStdString();
-    // Nobody is left to take it.
+    // The service has gone, so it cannot take the file.
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 }
 

@@ -207,7 +207,7 @@ TEST_F(TarnctlUpdateTest, ARefusedEcUpdateHasFlashedNothing)
         EXPECT_EQ(ec.code, 1);
         EXPECT_TRUE(ec.errors.contains("before it ran the EC tool: this update has flashed nothing."))
             << ec.errors.toStdString();
-        // It has not come so far.
+        // The update has not come so far.
         EXPECT_FALSE(ec.errors.contains("reserved"));
         EXPECT_TRUE(folders.downloadNames().isEmpty());
     }
@@ -309,7 +309,7 @@ TEST_F(TarnctlUpdateTest, OtherMessagesAreNotTheAnswer)
 
 TEST_F(TarnctlUpdateTest, TheVerbsUseTheUsersDownloadFolder)
 {
-    // The folder of FirmwareFolders is that of this home.
+    // The download folder of FirmwareFolders lies in this home folder.
     const QByteArray home = qgetenv("HOME");
     qputenv("HOME", QFile::encodeName(QFileInfo(folders.firmware()).path()));
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(QFileInfo(folders.firmware()).path()));

@@ -20,7 +20,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-// An input on which nobody types, until released.
+// An input without data until it is released.
 class SilentBuffer : public std::streambuf
 {
 public:

@@ -126,7 +126,7 @@ TEST_F(EcDriver, DrainsAThousandTimesThenSendsTheCommandAllTheSame)
     EXPECT_EQ(trace.mid(0, 6), QStringList({"status", "data 00", "sleep 5", "status", "data 00", "sleep 5"}));
     EXPECT_EQ(trace.count("command 93"), 1);
     EXPECT_EQ(trace.last(), "byte 01");
-    // What was drained answers nothing.
+    // A drained byte is not taken for the answer.
     EXPECT_FALSE(driver->hasEcAnswered());
 }
 

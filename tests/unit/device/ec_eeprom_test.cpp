@@ -121,7 +121,7 @@ TEST_F(EcEeprom, DataThatCannotBeAskedForIs255)
     machine.clock.at(112ms, [this] { machine.faults().switchOn(Fault::IbfStuck); });
     EXPECT_EQ(driver->readEeprom(0x33), 255);
     EXPECT_EQ(machine.traffic().last(), "R 0640 01");
-    EXPECT_EQ(machine.clock.now(), 125ms + 5000ms); // the command is there, but its address is given up
+    EXPECT_EQ(machine.clock.now(), 125ms + 5000ms); // the command is taken, but its address is given up
     EXPECT_EQ(machine.log.lines(), QStringList({"wait eep_status  "}));
 }
 
@@ -139,7 +139,7 @@ TEST_F(EcEeprom, GoesOnAfterAStatusThatCouldNotBeReadAgain)
             "open out32Func and inp32Func is sucessful!", "Library loaded second"}));
 }
 
-// What it then finds is what the operation before has left.
+// It then reads what the previous operation has left.
 TEST_F(EcEeprom, GoesOnAfterACommandThatCouldNotBeWritten)
 {
     machine.state->eeprom[0x33] = 0x50;

@@ -10,7 +10,7 @@ using tarnSimulator::Fault;
 class GpuActivation : public tarnTest::GraphicsTest
 {
 protected:
-    // Of the log, what the activation itself says.
+    // The lines of the log that come from the activation itself.
     [[nodiscard]] QStringList steps() const
     {
         QStringList own;
@@ -195,7 +195,7 @@ TEST_F(GpuActivation, FailsWhenTheCommandCannotBeWritten)
     EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
 }
 
-// The log tells the wait apart from what follows it.
+// The log shows the wait apart from the steps after it.
 TEST_F(GpuActivation, SaysWhatItWaitsForBeforeItWaits)
 {
     const auto begun = machine.clock.now();
@@ -207,7 +207,7 @@ TEST_F(GpuActivation, SaysWhatItWaitsForBeforeItWaits)
     EXPECT_EQ(std::vector<qint64>(times.begin(), times.begin() + 2), std::vector<qint64>({0, 3000}));
 }
 
-// A report that fails on the way to a failure, with the words of its path.
+// A failed report about a failure logs the texts of its own path.
 TEST_F(GpuActivation, AFailedReportOfAMissingDriverIsLogged)
 {
     rename("gpu", "Microsoft Basic Display Adapter");

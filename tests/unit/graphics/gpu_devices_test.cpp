@@ -63,7 +63,7 @@ private:
         {
             const bool isDescription = property == tarnPlatform::DeviceProperty::Description;
             rooms << QString(isDescription ? "description %1" : "hardware ids %1").arg(bytes);
-            // As the system gives them: several, each with its own end.
+            // As the system gives them: several texts, each ended by a zero.
             return isDescription ? QByteArray("NVIDIA GeForce RTX 4060 Ti")
                                  : QByteArray("ROOT\\DISPLAY\0PCI\\VEN_10DE&DEV_2803\0", 35);
         }

@@ -46,7 +46,7 @@ protected:
     const QStringList eventTaken {"R 04A4 11", "W 04A4 00"};
     const QString disabled = "GraphicsDisengaged_log: Disabled 4060 series GPU at index 1";
     const QString endsNow = "W: GraphicsDisengaged_log: The service ends, so the gpu is not disabled.";
-    const QString goodbye = tarnTest::notification("disengagedGraphics", "");
+    const QString clientNotice = tarnTest::notification("disengagedGraphics", "");
 
     static QStringList written(int state)
     {
@@ -69,12 +69,12 @@ TEST_F(Disengagement, OnAYesTellsTheClientAndTheEc)
             [&] { startedUntilThen = device("gpu").started; });
     };
     pressKey();
-    EXPECT_EQ(toldUntilThen, QStringList({goodbye}));
+    EXPECT_EQ(toldUntilThen, QStringList({clientNotice}));
     EXPECT_TRUE(machine.log.contains("GraphicsActive_log & GraphicsDisengaged_log: ecAppEvent is 0x11."));
     EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"}));
     EXPECT_TRUE(startedUntilThen);
     EXPECT_FALSE(device("gpu").started);
-    EXPECT_EQ(queue.added(), QStringList({goodbye}));
+    EXPECT_EQ(queue.added(), QStringList({clientNotice}));
     EXPECT_EQ(machine.timeline(),
         QStringList({"20 R 04A4 11", "40 W 04A4 00", "60 R 04A5 04", "2080 W 04B1 03", "2100 W 04B0 10"}));
     EXPECT_EQ(steps(),
@@ -222,7 +222,7 @@ TEST_F(Disengagement, SwitchesNothingOnceTheProcessEnds)
 }
 
 // The end of the process waits for an unfinished step, so the EC hears of a GPU that has been disabled, and
-// does not wait for the question or the client's farewell.
+// does not wait for the question or for the 2 s that the client gets to let the GPU go.
 TEST_F(Disengagement, AStopDuringTheDisablingIsHeardAfterTheReport)
 {
     QStringList unfinishedAt;
@@ -242,7 +242,7 @@ TEST_F(Disengagement, AStopDuringTheDisablingIsHeardAfterTheReport)
     EXPECT_EQ(session.shown, QStringList({"wait 30000 --disengaged-graphics"}));
 }
 
-// A notice waits for the user, and nothing is to wait for that.
+// A notice waits for the user, so the end of the process must not wait for it.
 TEST_F(Disengagement, TheNoticeOfAFailureIsNoUnfinishedStep)
 {
     fail(Fault::FailDeviceDisable, "gpu");

@@ -108,7 +108,7 @@ INSTANTIATE_TEST_SUITE_P(Stages, GuiLaunchFailure,
 
 TEST_F(GuiLauncher, DoesNotWaitForANoticeInAUsersSession)
 {
-    EXPECT_EQ(launchGuiProgram("--graphics-patch-error"), 0); // although the program would say 1
+    EXPECT_EQ(launchGuiProgram("--graphics-patch-error"), 0); // although the program would exit with 1
     EXPECT_EQ(session.shown, QStringList({"detached --graphics-patch-error"}));
     EXPECT_EQ(machine.log.lines().size(), 2);
 }

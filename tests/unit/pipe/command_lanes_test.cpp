@@ -16,7 +16,7 @@ using tarnPipeServer::TarnPipeServer;
 
 namespace {
 
-// A request whose handler does all it ever does.
+// A request whose handler takes its longest path.
 QByteArray fullRequest(const CommandEntry &command)
 {
     QString data;
@@ -89,7 +89,7 @@ TEST_P(CommandLanes, AreThoseOfTheEcForWhatTakesIt)
     const QByteArray request = fullRequest(GetParam());
     const bool waits = server->laneOf(request) != Lane::NeverWaits;
     EXPECT_EQ(takesEc(request), waits);
-    EXPECT_EQ(GetParam().needsEc, waits); // what clients are told
+    EXPECT_EQ(GetParam().needsEc, waits); // the catalogue tells clients the same
 }
 
 class LaneThatNeverWaits : public CommandLanes
@@ -131,7 +131,7 @@ TEST_F(CommandLanes, AreChosenByTheCommandAndNotByItsWords)
         server->laneOf(R"({"data":{"cmd":"requestEcUpdate"},"cmd":"getMcuVersion"})"), Lane::WaitsForEc);
     EXPECT_EQ(server->laneOf(R"( { "cmd" : "get\u004dcuVersion" } )"), Lane::WaitsForEc);
     EXPECT_EQ(server->laneOf(R"({"cmd":"getMcuVersion","cmd":"getAccessoryType"})"),
-        server->laneOf(R"({"cmd":"getAccessoryType"})")); // the last one counts, as for the handler
+        server->laneOf(R"({"cmd":"getAccessoryType"})")); // the last "cmd" counts, as for the handler
 }
 
 TEST_F(CommandLanes, NeverWaitForWhatIsNotUnderstood)

@@ -25,7 +25,7 @@ protected:
     {
         return QString(R"({"cmd":"%1","data":"%2"})").arg(command, data);
     }
-    // The hold of an EC update has no end of its own.
+    // Nothing but the end of the process ends the hold of an EC update.
     static void giveBackEc()
     {
         if (ecAccessMutex.isLocked())
@@ -73,7 +73,7 @@ TEST_F(FirmwareCommands, RaiseTheHoldOfAnEcUpdate)
     EXPECT_TRUE(monitor->isEcUpdating());
     EXPECT_TRUE(ecAccessMutex.isLocked());
     EXPECT_EQ(ask("requestStartEcUpdate"),
-        reply("requestStartEcUpdate", "successed")); // without waiting for itself
+        reply("requestStartEcUpdate", "successed")); // without waiting for the hold of the first
     giveBackEc();
 }
 

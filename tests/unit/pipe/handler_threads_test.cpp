@@ -26,7 +26,7 @@ protected:
         while (!tarnPipeServer::waitForHandlers(100)) { }
     }
 
-    // So many requests, each read by itself.
+    // Sends that many requests, each in a read of its own.
     void send(const QByteArray &request, int times)
     {
         const QString read = '"' + QString::fromUtf8(request).replace('"', "\\\"") + '"';
@@ -150,8 +150,8 @@ TEST_F(HandlerThreads, LetLeavesThatWaitForAnEnterHoldUpNoOtherRequest)
     EXPECT_FALSE(ecAccessMutex.isLocked());
 }
 
-// The version that a leave is answered with comes from the EC, which somebody else may have taken: an enter,
-// for one, and only the next leave ends that.
+// A leave is answered with the version, which comes from the EC. An enter, for example, may hold the EC, and
+// only the next leave ends that hold.
 TEST_F(HandlerThreads, LetNoLeaveWaitForTheVersionOfTheOneBefore)
 {
     ASSERT_TRUE(ecAccessMutex.lock());
@@ -167,7 +167,7 @@ TEST_F(HandlerThreads, LetNoLeaveWaitForTheVersionOfTheOneBefore)
     EXPECT_TRUE(waitUntil([&] { return client.received().count(reply) == 3; }));
 }
 
-// The thread of the lane may be done before the server's thread has said what is to come after it.
+// The lane's thread may be done before the server's thread has named what follows it.
 TEST_F(HandlerThreads, AnswerEachOfManyLeavesOnce)
 {
     ASSERT_TRUE(client.connectToService());
@@ -220,7 +220,7 @@ TEST(HandlerLanes, AreAllWaitedFor)
     EXPECT_TRUE(tarnPipeServer::waitForHandlers(5000));
 }
 
-// At the end of the process they are looked at again and again, and events are served in between.
+// At the end of the process the lanes are polled, and events are handled in between.
 TEST(HandlerLanes, AreLookedAtTogetherForNoLongerThanWanted)
 {
     QSemaphore goOn;

@@ -78,14 +78,14 @@ TEST_F(PowerAndLightCommands, ApplyAProfile)
     EXPECT_EQ(machine.folder.read("powermodeconfig.xml"), "2");
 }
 
-// Their order is nobody's, but the limits of each are applied as a whole.
+// Either may come first, but the limits of one profile are never mixed with those of the other.
 TEST_F(PowerAndLightCommands, ApplyTheProfilesOfTwoClientsOneAfterTheOther)
 {
     const QStringList high = limitsWrittenBy("high");
     const QStringList low = limitsWrittenBy("low");
     ASSERT_EQ(high.size(), 4);
     ASSERT_NE(high, low);
-    // In each wait the other one gets the processor.
+    // In each wait the other handler runs.
     machine.clock.onWait = [](tarnTest::milliseconds) {
         QThread::msleep(1);
     };

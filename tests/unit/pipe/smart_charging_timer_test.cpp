@@ -23,7 +23,7 @@ using tarnSimulator::Fault;
 namespace {
 
 constexpr int fiveDays = 432000000;
-constexpr int almostOver = 600000; // what a countdown that runs is set to, to see whether it is left alone
+constexpr int almostOver = 600000; // ms; a running countdown is set to this, so that a restart would show
 
 const QStringList countdownStarted {"begin smart changing timer.", "smart changing timer started?  true"};
 const QString countdownRuns = "smart changing timer is active already.";
@@ -132,7 +132,7 @@ TEST_F(SmartChargingTimer, CountsFromTheBeginningAfterAStop)
     EXPECT_EQ(machine.log.lines(), countdownStarted);
 }
 
-// Handlers run on other threads; the timer is started and stopped on its own.
+// Handlers run on other threads; the timer is started and stopped on its own thread.
 TEST_F(SmartChargingTimer, ObeysSignalsOfOtherThreads)
 {
     std::thread([this] { Q_EMIT server->startChangingTimer(); }).join();
@@ -207,7 +207,7 @@ TEST_P(SmartChargingTimerFailures, NothingIsSentAndNothingRetried)
     EXPECT_EQ(machine.log.lines().first(), countdownExpired);
     EXPECT_EQ(machine.log.lines().last(), "Set smart charging status:  true  failed.");
 
-    SendQueueThread::instance()->enqueueMessage("next"); // and the client gets nothing before this
+    SendQueueThread::instance()->enqueueMessage("next"); // the first message that the client gets
     ASSERT_TRUE(client.connectToService());
     EXPECT_EQ(client.take("next"), "next");
 }

@@ -29,7 +29,7 @@ protected:
         machine.log.clear();
     }
 
-    // The reply to a request that nothing else can be mistaken for.
+    // A reply that differs from every other message.
     static QByteArray typeReply() { return R"({"cmd":"getAccessoryType","data":"disconnected"})"; }
     static QByteArray typeRequest() { return R"({"cmd":"getAccessoryType"})"; }
 
@@ -80,7 +80,7 @@ TEST_F(PipeServer, TellsWhichThreadsReadARequestAndWorkOnIt)
     ASSERT_TRUE(client.connectToService());
     ASSERT_TRUE(waitUntil([this] { return machine.log.contains("Queue is waiting!"); }));
     const QString mainThread = QDebug::toString(QThread::currentThreadId());
-    EXPECT_EQ(machine.log.count(mainThread), 1); // took the client
+    EXPECT_EQ(machine.log.count(mainThread), 1); // accepted the client
     machine.log.clear();
     client.write(typeRequest());
     ASSERT_EQ(client.take(typeReply()), typeReply());
@@ -149,7 +149,7 @@ TEST_P(PipeServerGiven, AnswersWithAnEmptyWriteAndTheNextGoodRequestAsEver)
 
     client.write(typeRequest());
     EXPECT_EQ(client.take(typeReply()), typeReply());
-    // Whatever one read holds, it is answered once.
+    // One read gets one answer, whatever it holds.
     EXPECT_EQ(machine.log.count(GetParam().line), 1);
     EXPECT_EQ(machine.log.lines().filter(QRegularExpression("^send[^ ]*$")),
         QStringList({"send", "send" + typeReply()}));
@@ -177,7 +177,7 @@ TEST_F(PipeServer, ASecondClientGetsTheRepliesAfterItConnects)
     EXPECT_TRUE(client.received().isEmpty());
     EXPECT_EQ(client.socket.state(), QLocalSocket::ConnectedState);
 
-    // Who asked last is talked to.
+    // Messages go to the client that asked last.
     client.write(typeRequest());
     EXPECT_EQ(client.take(typeReply()), typeReply());
     SendQueueThread::instance()->enqueueMessage("more");
@@ -202,7 +202,7 @@ TEST_F(PipeServer, WhenEitherOfTwoClientsLeavesNothingIsSentUntilTheNextConnecti
     EXPECT_EQ(third.take(typeReply()), typeReply());
 }
 
-// Also the one that is not talked to: whoever leaves silences the service.
+// When any client leaves, also one that gets no messages, the service stops sending to all.
 TEST_F(PipeServer, WhenTheFormerClientLeavesTheCurrentOneIsSentNothingEither)
 {
     ASSERT_TRUE(client.connectToService());
@@ -226,7 +226,7 @@ TEST_F(PipeServer, AClientThatLeftBeforeTheNextCameDoesNotSilenceIt)
 {
     ASSERT_TRUE(client.connectToService());
     ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
-    // Before the server looks: one asks and goes, another one comes.
+    // Before the server runs: one client asks and leaves, another one connects.
     client.write(R"({"cmd":"nothing"})");
     client.socket.abort();
     PipePeer next;
@@ -278,7 +278,7 @@ TEST_F(PipeServer, ClosesTheSocketOfAClientThatLeaves)
     const auto sockets = server->findChildren<QLocalSocket *>();
     ASSERT_EQ(sockets.size(), 1);
     std::optional<bool> openAfterwards;
-    // Comes behind the server's own slot.
+    // Connected after the server's own slot, so it is called after that one.
     QObject::connect(sockets.first(), &QLocalSocket::disconnected, sockets.first(),
         [&] { openAfterwards = sockets.first()->isOpen(); });
     client.leave();
@@ -353,7 +353,7 @@ TEST_F(PipeServer, ADisconnectionWithoutASenderStopsTheSendingAndForgetsTheClien
 
     client.write(typeRequest());
     ASSERT_TRUE(waitUntil([] { return queuedMessages().size() == 1; }));
-    server->sendDataToClient("x"); // who has asked is known again
+    server->sendDataToClient("x"); // the client is known again, because it has asked
     EXPECT_EQ(client.take("x"), "x");
     PipePeer next;
     ASSERT_TRUE(next.connectToService());
@@ -401,7 +401,7 @@ TEST(PipeServerStart, TakesOverTheNameOfAKilledServer)
 {
     const tarnTest::SimulatedMachine machine;
     {
-        // What a killed process leaves behind: a socket file that nobody listens on.
+        // What a killed process leaves behind: a socket file without a listener.
         QLocalServer dead;
         ASSERT_TRUE(dead.listen("tarnPipe.dead"));
         ASSERT_TRUE(QFile::rename(dead.fullServerName(), machine.folder.path("tarnPipe")));
@@ -433,7 +433,7 @@ TEST(PipeServerStart, DoesNotDisturbTheClientOfALiveServer)
     EXPECT_FALSE(waitUntil([&live] { return live.hasPendingConnections(); }, 50));
 }
 
-// As the local server does by itself when it cannot accept another one.
+// QLocalServer closes itself in this way when it cannot accept a connection.
 TEST_F(PipeServer, ListensAgainWhenAClientLeaves)
 {
     ASSERT_TRUE(client.connectToService());

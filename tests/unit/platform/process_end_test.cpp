@@ -35,12 +35,12 @@ class StopRequestSignal : public ::testing::TestWithParam<int>
 
 TEST_P(StopRequestSignal, IsToldAndEndsNothing)
 {
-    std::signal(GetParam(), SIG_DFL); // whoever started the tests may have chosen otherwise
+    std::signal(GetParam(), SIG_DFL); // the process that started the tests may have set it to be ignored
     const StopSpy spy;
     EXPECT_FALSE(StopRequests::ofProcess().isRequested());
     errno = E2BIG;
     std::raise(GetParam());
-    EXPECT_EQ(errno, E2BIG); // of whatever is interrupted
+    EXPECT_EQ(errno, E2BIG); // the handler must not change the errno of the interrupted code
     EXPECT_TRUE(StopRequests::ofProcess().isRequested());
     EXPECT_EQ(spy.count, 0); // before the event loop gets to it
     EXPECT_TRUE(tarnTest::waitUntil([&spy] { return spy.count > 0; }));
@@ -58,7 +58,7 @@ TEST(StopRequestsOfProcess, AreToldAgainEachTime)
         EXPECT_TRUE(tarnTest::waitUntil([&] { return spy.count == time; }));
     }
     std::raise(SIGTERM);
-    std::raise(SIGINT); // two before the loop gets to them are one
+    std::raise(SIGINT); // two signals before the event loop runs count as one
     EXPECT_TRUE(tarnTest::waitUntil([&spy] { return spy.count == 4; }));
 }
 

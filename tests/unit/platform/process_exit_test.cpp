@@ -31,7 +31,7 @@ TEST(ProcessExit, LeavesWithTheCodeAndWithoutTheStepsOfAnOrderlyEnd)
         ::testing::ExitedWithCode(5), "^$");
 }
 
-// What an orderly end needs may be held by a thread that never gives it back.
+// A lock that an orderly exit needs may be held by a thread that never releases it.
 TEST(ProcessExit, WaitsForNoThread)
 {
     EXPECT_EXIT(

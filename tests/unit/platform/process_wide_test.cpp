@@ -29,7 +29,7 @@ struct Counted
     static inline std::function<void()> onCreation;
 };
 
-// The system's word for a thread that waits for something.
+// Whether the kernel shows the thread's state as S, sleeping.
 bool isAsleep(pid_t thread)
 {
     QFile stat(QStringLiteral("/proc/self/task/%1/stat").arg(thread));

@@ -24,7 +24,7 @@ QStringList pathsOf(const char *name)
     return ProcessList::system().pathsOf(QString::fromLatin1(name));
 }
 
-// A copy of this process that goes by a name, for as long as the object lives.
+// A copy of this process under another name, killed with the object.
 class NamedCopy
 {
 public:
@@ -42,7 +42,7 @@ public:
         }
         ::close(ready[1]);
         char byte = 0;
-        [[maybe_unused]] auto got = ::read(ready[0], &byte, 1); // or its end
+        [[maybe_unused]] auto got = ::read(ready[0], &byte, 1); // or end of file
         ::close(ready[0]);
     }
     ~NamedCopy()
@@ -120,7 +120,7 @@ TEST_F(ProcessPaths, AreThoseOfScriptsAndNotOfTheirInterpreters)
     process.start(folder.path("tarn-script-with-a-long-name"), QStringList());
     const QStringList expected {folder.path("tarn-script-with-a-long-name")};
     EXPECT_TRUE(tarnTest::waitUntil([&] { return pathsOf("tarn-script-with-a-long-name") == expected; }));
-    EXPECT_TRUE(pathsOf("tarn-script-wit").isEmpty()); // what is left of it in the name of the process
+    EXPECT_TRUE(pathsOf("tarn-script-wit").isEmpty()); // the name as the process carries it, cut short
 }
 
 TEST_F(ProcessPaths, OfScriptsMayBeRelative)
@@ -159,7 +159,7 @@ TEST_F(ProcessPaths, AreOneThatCannotBeReadWhereNoProcessCan)
     EXPECT_EQ(pathsOf("tarn-nobody"), QStringList(QString()));
 }
 
-// The words of its command can be read, and name a file below a folder that cannot.
+// The arguments of its command can be read; they name a file below a folder that cannot be read.
 TEST_F(ProcessPaths, AreNotTakenAsRelativeToAnotherProcessesFolder)
 {
     writeScript("tarn-elsewhere");

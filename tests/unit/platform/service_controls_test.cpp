@@ -4,7 +4,7 @@
 
 using namespace tarnPlatform;
 
-// The system's own numbers: a service that takes another one for its own would do what nobody asked for.
+// The numbers are fixed by the system: with a wrong one the service would obey another control.
 TEST(ServiceControls, HaveTheSystemsNumbers)
 {
     EXPECT_EQ(ControlStop, 1U);

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-// Without a service manager nothing is installed, and what is asked of it fails instead of passing for done.
+// Without a service manager nothing is installed, and every request fails instead of counting as done.
 TEST(ServiceManager, OfASystemWithoutOneDoesNothing)
 {
     auto &manager = tarnPlatform::ServiceManager::system();

@@ -17,7 +17,7 @@ namespace {
 
 constexpr quint32 everyControl = AcceptsStop | AcceptsPauseAndContinue | AcceptsShutdown;
 
-// A service under a manager that writes down what it is told: state, checkpoint, accepted controls.
+// A service under a manager that notes each report: state, checkpoint, accepted controls.
 class ServiceUnderManager : public ::testing::Test, public ServiceHost
 {
 public:
@@ -41,7 +41,7 @@ public:
     }
 
 protected:
-    // The controls come on a thread of the manager's own, and at once.
+    // The controls come on a thread of the manager, one right after the other.
     void send(const std::vector<quint32> &codes)
     {
         std::thread([this, &codes] {
@@ -138,7 +138,7 @@ TEST_F(ServiceUnderManager, KeepsTheOrderOfWhatItIsAsked)
     }
     EXPECT_EQ(asked,
         QStringList({"start", "pause", "command 0", "resume", "pause", "command 5", "command 127", "stop"}));
-    // A pause that comes to its end after the stop was asked for is no news.
+    // A pause that completes after the request to stop is not reported.
     EXPECT_FALSE(events.contains("Paused 0 7"));
     EXPECT_FALSE(events.mid(eventsOfStart).contains("Running 0 7"));
 }
@@ -175,7 +175,7 @@ TEST_F(ServiceUnderManager, AnswersEveryControlWithItsStatus)
         send({ControlShutdown, ControlInterrogate, ControlStop, ControlContinue, 131});
     };
     EXPECT_EQ(exec(), 0);
-    // Nothing is asked of a service that starts or stops.
+    // Controls are not passed on to a service that starts or stops.
     EXPECT_EQ(events,
         QStringList({"Starting 1 0", "start", "Starting 1 0", "Starting 1 0", "Starting 1 0", "Starting 1 0",
             "Running 0 7", "Running 0 7", "Running 0 7", "Running 0 7", "Running 0 7", "Running 0 7",

@@ -16,7 +16,7 @@
 
 namespace {
 
-// A socket with a name, for as long as it lives; the name's file outlives it.
+// A named socket that is closed with the object; its socket file stays.
 class NamedSocket
 {
 public:

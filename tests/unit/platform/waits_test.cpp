@@ -74,7 +74,7 @@ TEST(Waits, ThatWouldCrossMidnightEndAtOnce)
 
 namespace {
 
-// Handles events in small pieces, as when many of them come.
+// Handles few events at a time, as when many of them arrive.
 class BusyClock : public VirtualClock
 {
 public:

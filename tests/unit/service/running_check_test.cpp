@@ -12,7 +12,7 @@ namespace {
 
 const QString serviceKey = QStringLiteral("\"TarnService\"");
 
-// A system whose tool for services is a script. Here the whole command is the name of a program.
+// A system whose service tool is a script. Here Qt takes the whole command for the name of the program.
 class RunningCheck : public ::testing::Test
 {
 protected:

@@ -10,7 +10,8 @@ using tarnTest::ScriptedServiceManager;
 
 namespace {
 
-// An application object whose words the test says. The system's narrow words lack what their code page lacks.
+// An application object with arguments of the test's choice. In the system's narrow arguments the characters
+// are missing that the code page does not have.
 class ToldApplication : public QCoreApplication
 {
 public:
@@ -19,7 +20,7 @@ public:
     static inline QStringList words;
 };
 
-// One process started with some words on a system with a service manager.
+// One process, started with some arguments on a system with a service manager.
 class CommandLine : public ::testing::Test
 {
 protected:
@@ -78,7 +79,7 @@ protected:
     QtServiceBase::ServiceFlags flags = QtServiceBase::CanBeSuspended;
     int loopResult = 0;
     int exitCode = 99;
-    std::string out; // in Latin-1, as all that the host prints
+    std::string out; // in Latin-1, like all output of the host
     std::string err;
     QStringList hostCalls;
 };
@@ -251,7 +252,7 @@ TEST_F(CommandLine, SendsUserCommandsWithoutAWord)
         {{"-c", "128"}, nullptr},
         {{"-command", "200"}, nullptr},
         {{"-c", "-1"}, nullptr},
-        // What is no number is no command 0, unlike a number that is missing.
+        // Text that is no number is not taken for command 0; a missing number is.
         {{"-c", "5x"}, nullptr},
         {{"-c", "x"}, nullptr},
         {{"-c", ""}, nullptr},

@@ -42,14 +42,14 @@ private:
     static inline char *words[] = {word, nullptr};
 };
 
-// A handler that no end of the process lets go.
+// A handler that does not return even when the process ends.
 void holdUp()
 {
     for (;;)
         QThread::msleep(20);
 }
 
-// Counts how often an object is asked to go.
+// Counts how often deleteLater() is called for an object.
 class GoWatch : public QObject
 {
 public:
@@ -102,7 +102,7 @@ TEST_F(ServiceObject, DeliversAnEmittedGraphicsSignal)
     service.start();
     machine.log.clear();
     {
-        const tarnDeviceInfos::EcAccess access; // held by whoever calls the manager
+        const tarnDeviceInfos::EcAccess access; // the manager's callers hold it
         Q_EMIT EcDirverReader::instance()->graphicsConnectSignal();
     }
     EXPECT_TRUE(machine.log.contains(
@@ -203,7 +203,7 @@ TEST_F(ServiceObject, LetsGoOfAClientInTheMiddleOfAMessage)
     EXPECT_EQ(endProcess(0), 0);
 }
 
-// What is held up ends with the process: at once, with the exit code, without an abort.
+// Threads that are held up end with the process: at once, with the exit code, without an abort.
 TEST_F(ServiceObject, DoesNotWaitForAHandlerThatIsHeldUp)
 {
     QElapsedTimer timer;
@@ -217,7 +217,7 @@ TEST_F(ServiceObject, DoesNotWaitForAHandlerThatIsHeldUp)
     EXPECT_LT(timer.elapsed(), tarnTest::allowedMs(3000));
 }
 
-// What must not be left half done has a little longer than anything else, but not for ever.
+// A step that must not be left unfinished gets a little more time than others, but not for ever.
 TEST_F(ServiceObject, WaitsForAnUnfinishedStep)
 {
     EXPECT_EXIT(

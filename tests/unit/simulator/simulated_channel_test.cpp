@@ -182,7 +182,7 @@ TEST(SimulatedChannel, LogsEveryCompletedAccess)
     EXPECT_EQ(accesses[1].number, 2U);
 }
 
-// A host has to look at the two bits that are the channel's and at no others.
+// A host must use OBF and IBF only; the other bits of the status may have any value.
 TEST(SimulatedChannel, OtherBitsOfTheStatusAreAnything)
 {
     EcHost host;
@@ -204,7 +204,7 @@ TEST(SimulatedChannel, OtherBitsAreTheSameInEveryRun)
     EcHost second;
     const auto looks = looksAtTheStatus(first, 50);
     EXPECT_EQ(looksAtTheStatus(second, 50), looks);
-    // They go on where they were when the library is loaded again, and begin again with power-on.
+    // Their sequence continues when the library is loaded again, and starts again with power-on.
     const auto next = looksAtTheStatus(first, 50);
     EXPECT_NE(next, looks);
     second.reconnect();

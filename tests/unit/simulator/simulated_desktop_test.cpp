@@ -32,7 +32,7 @@ protected:
         QFile(machine.folder.path("TarnServiceGui/TarnServiceGui.exe"))
             .setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
-    // As the service writes it, with the dot that counts on Windows only.
+    // As the service writes it; the dot has a meaning on Windows only.
     [[nodiscard]] QString program() const
     {
         return QDir::currentPath() + "./TarnServiceGui/TarnServiceGui.exe";

@@ -135,8 +135,7 @@ TEST(SimulatedRegisterLog, ReaderBesideAFastWriterNeverSeesHalfAnEntry)
     EXPECT_EQ(seen + lost, ACCESSES);
 }
 
-// The oldest entry is the one that the writer overwrites next, so a reader that asks for nothing else meets
-// it at work.
+// The writer overwrites the oldest entry next, so a reader that reads only this entry collides with it often.
 TEST(SimulatedRegisterLog, EntryBeingOverwrittenIsNeverTakenForTheOldOne)
 {
     const auto state = std::make_unique<RegisterLogState>();

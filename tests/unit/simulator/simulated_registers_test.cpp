@@ -60,7 +60,7 @@ TEST(SimulatedPowerLimits, EachLimitAppearsInItsOwnReadBack)
     EXPECT_EQ(host.read(EC_POWERMODE_PL1_CHECK), 45);
 }
 
-// A host that forgets to take control finds its limits without effect.
+// Without manual control the host's limits have no effect.
 TEST(SimulatedPowerLimits, AreTheEcsOwnUnlessTheHostHasControl)
 {
     EcHost host;

@@ -201,7 +201,7 @@ TEST_F(GuiStandIn, IsNotCountedWhenItWasKilled)
     Desktop desktop = computer->desktop();
     desktop.windowOpened("--disengaged-graphics");
     EXPECT_EQ(openWindows(), "1");
-    machine->state().guiSeenMs.fetch_sub(1000); // as if it had last said so a second ago
+    machine->state().guiSeenMs.fetch_sub(1000); // as if its last sign of life were a second old
     EXPECT_EQ(openWindows(), "0");
     desktop.windowOpened("--disengaged-graphics");
     EXPECT_EQ(openWindows(), "1"); // the killed one has been forgotten

@@ -127,7 +127,7 @@ TEST_F(Tarnsim, ShowsTheMachine)
     EXPECT_FALSE(said("slow"));
 }
 
-// Whoever writes a host of his own looks here for what he has done wrong.
+// Authors of another host see their mistakes on the channel here.
 TEST_F(Tarnsim, ShowTellsWhatAHostDidToTheChannel)
 {
     EXPECT_EQ(run(QStringLiteral("set acceptance-polls 3")), 0);

@@ -115,7 +115,7 @@ TEST_F(McuFile, OfAnUnsafeNameIsRefusedBeforeAnythingIsTouched)
     EXPECT_EQ(flasherRuns(), 0);
 }
 
-// The folder of the user is there for the user only, so whatever is done without the user's rights misses it.
+// Only the user may read the folder, so every access without the user's rights fails.
 TEST_F(McuFile, IsTakenFromTheConsoleUserInTheServiceSession)
 {
     QDir().mkpath(machine.folder.path("hidden"));
@@ -135,7 +135,7 @@ TEST_F(McuFile, IsTakenFromTheConsoleUserInTheServiceSession)
     EXPECT_EQ(machine.folder.read("function/MCU/flashed"), "own");
 }
 
-// Half of a firmware must not lie beside the flasher, under whatever name, nor replace a whole one.
+// A partial firmware must never lie beside the flasher, under any name, nor replace a whole one.
 TEST_F(McuFile, ThatIsCutOffLeavesWhatWasThere)
 {
     download(QByteArray(1000000, 'x'));
@@ -195,7 +195,7 @@ TEST_F(McuFile, OfTheConsoleUserThatIsCutOffIsNotLeftBesideTheTool)
     EXPECT_TRUE(exists("user/fw.bin"));
 }
 
-// Two looks at the file come before its copy, and its deletion comes after.
+// The file is looked at twice before it is copied, and deleted afterwards.
 TEST_F(McuFile, OfAConsoleUserWhoLogsOffMeanwhileIsKept)
 {
     QDir().mkpath(machine.folder.path("user"));

@@ -26,7 +26,7 @@ const QString waitOver = "The EC tool has ended, so the EC is free.";
 
 } // namespace
 
-// A service that has just started: nobody has talked to the EC yet.
+// A service that has just started: nothing has accessed the EC yet.
 class LeftoverTool : public tarnTest::MachineTest
 {
 protected:
@@ -56,7 +56,7 @@ TEST_F(LeftoverTool, ThatIsNotThereChangesNothing)
     EXPECT_FALSE(tool.isAwaited());
     EXPECT_FALSE(ecAccessMutex.isLocked());
     EXPECT_TRUE(machine.log.lines().isEmpty());
-    // One that is started by hand later on is nobody's business.
+    // A tool that is started by hand later on does not matter.
     processes.paths = {""};
     tool.look();
     EXPECT_FALSE(ecAccessMutex.isLocked());
@@ -76,7 +76,7 @@ TEST_F(LeftoverTool, HasTheEcToItselfUntilItEnds)
     EXPECT_FALSE(tool.isAwaited());
     EXPECT_FALSE(ecAccessMutex.isLocked());
     EXPECT_EQ(machine.log.lines(), QStringList({waitBegun, waitOver}));
-    // What others do with the EC from then on is theirs.
+    // From then on the EC is free for other users.
     ASSERT_TRUE(ecAccessMutex.lock());
     tool.look();
     EXPECT_TRUE(ecAccessMutex.isLocked());
@@ -102,7 +102,7 @@ TEST_F(LeftoverTool, IsLookedForEverySecond)
     EXPECT_FALSE(ecAccessMutex.isLocked());
 }
 
-// The first detection waits, and is neither made without an EC nor repeated.
+// The first detection waits until the EC is free, and is made once.
 TEST_F(LeftoverTool, KeepsTheMonitorWaiting)
 {
     LeftoverEcTool tool;

@@ -12,7 +12,7 @@ using tarnSimulator::McuMode;
 
 namespace {
 
-// Each write takes its 20 ms and is followed by a second.
+// Each write takes 20 ms and is followed by a pause of 1 s.
 const QStringList enterTraffic {
     "1020 R 06C1 00", "1040 W 06C1 20", "2060 W 06C1 28", "3080 W 06C1 38", "4100 W 06C1 28"};
 constexpr int enterTime = 5100;
@@ -49,8 +49,8 @@ protected:
     }
     const QString leave = "mcuUpdateProcess Leave |";
 
-    // Somebody has the EC for so long, counted from when the operation begins to wait for it; the machine
-    // then changes.
+    // Another thread holds the EC for that long, counted from when the operation begins to wait for it; then
+    // the machine changes.
     template <typename Operation>
     void waitingFor(
         tarnTest::milliseconds time, const Operation &operation, const std::function<void()> &change = [] {})
@@ -69,7 +69,7 @@ protected:
     }
     void becomeDock() { machine.attach(ACCESSORY_DOCK); }
 
-    // What may have become of the KVane; nothing of it is written to.
+    // The ways in which the KVane may be gone; in none of them may anything be written.
     [[nodiscard]] std::vector<std::function<void()>> lossesOfTheKVane()
     {
         return {[this] { machine.attach(ACCESSORY_DOCK); }, [this] { machine.attach(ACCESSORY_GRAPHICS); },
@@ -160,7 +160,7 @@ TEST_F(McuUpdate, NeedsAKVane)
         QStringList({"mcuUpdate Enter |", "W: MCU and base handshake failed!", "mcuUpdate Leave |"}));
 }
 
-// As long as the monitor may hold the EC for a cycle, what it knows is what there is.
+// A wait that is no longer than a cycle of the monitor needs no new look for the KVane.
 TEST_F(McuUpdate, ThatWaitsForTheMonitorIsAsAnyOther)
 {
     using namespace std::chrono_literals;
@@ -201,7 +201,7 @@ TEST_F(McuUpdate, ThatHasLostTheKVaneMeanwhileEndsAsWithoutOne)
         restoreTheKVane();
     }
     EXPECT_EQ(flasherRuns(), 0);
-    EXPECT_FALSE(lockedMeanwhile); // the others need not wait for that
+    EXPECT_FALSE(lockedMeanwhile); // other users of the EC need not wait for that
 }
 
 // The accessory is pulled off while the flasher writes.
@@ -341,7 +341,7 @@ TEST_F(McuUpdateMode, CannotBeLeftUnlessItWasEntered)
 {
     EXPECT_EQ(updater->leaveMcuUpdateMode(), -1);
     EXPECT_TRUE(machine.traffic().isEmpty());
-    ASSERT_TRUE(ecAccessMutex.lock()); // somebody else's lock is not given back
+    ASSERT_TRUE(ecAccessMutex.lock()); // a lock that another operation holds is not released
     EXPECT_EQ(updater->leaveMcuUpdateMode(), -1);
     EXPECT_TRUE(ecAccessMutex.isLocked());
     ecAccessMutex.unlock();
@@ -374,7 +374,7 @@ TEST_F(McuUpdateMode, ThatHasLostTheKVaneMeanwhileIsNotEntered)
     }
 }
 
-// A KVane that is replaced while nobody polls: nothing but what the leaving has to write reaches the dock.
+// The monitor does not poll while a dock replaces the KVane: only the writes of the leave reach the dock.
 TEST_F(McuUpdateMode, KeepsAnUpdateFromTheDockThatHasReplacedTheKVane)
 {
     EXPECT_EQ(updater->enterMcuUpdateMode(), 0);
@@ -393,7 +393,7 @@ TEST_F(McuUpdateMode, KeepsAnUpdateFromTheDockThatHasReplacedTheKVane)
     EXPECT_TRUE(machine.log.contains("W: MCU and base handshake failed!"));
 }
 
-// The wait for another update counts, too: nobody has polled in the meantime.
+// The wait for another update counts, too: the monitor has not polled in the meantime.
 TEST_F(McuUpdateMode, ThatAnotherUpdateHoldsKeepsTheNextFromTheDock)
 {
     download("new");
@@ -476,7 +476,7 @@ TEST_F(McuUpdateMode, PausesTheMonitor)
     EXPECT_EQ(updater->enterMcuUpdateMode(), 0);
     machine.traffic();
     const auto entered = machine.clock.now();
-    // The loop goes on looking whether it may, each time after a pause.
+    // The loop tests again after each pause whether it may go on.
     EXPECT_TRUE(tarnTest::waitUntil([&] { return machine.clock.now() - entered > std::chrono::seconds(2); }));
     EXPECT_FALSE(polls());
     EXPECT_EQ(updater->leaveMcuUpdateMode(), 0);

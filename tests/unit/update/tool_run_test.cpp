@@ -33,7 +33,7 @@ TEST_F(ToolRun, CollectsWhatIsPrinted)
     EXPECT_EQ(QDir("function").entryList(QDir::Files), QStringList("inpoutx64.dll")); // nothing stays
 }
 
-// What stops this process, by its terminal or by its group, must not stop a tool that flashes.
+// A signal to this process's terminal or group must not stop a tool that flashes.
 TEST_F(ToolRun, IsInASessionAndAGroupOfItsOwn)
 {
     installFlasher("read -r id name state parent group session rest </proc/$$/stat; echo $$ $group $session");
@@ -70,12 +70,12 @@ TEST_F(ToolRun, OfAMissingToolSaysWhy)
     EXPECT_EQ(process.error(), QProcess::FailedToStart);
 }
 
-// A complaint that could not be kept must not pass for none.
+// An error text that could not be stored must not count as no error text.
 TEST_F(ToolRun, OnAFullDiskIsAFailure)
 {
     installTool("function/MCU/stm32flash.exe", "echo complained >&2");
     const auto result = [this] {
-        const tarnTest::FileSizeLimit limit(0); // for what the test has to say too
+        const tarnTest::FileSizeLimit limit(0); // also limits the output of the test itself
         return run();
     }();
     EXPECT_EQ(result.errors, "");

@@ -162,7 +162,7 @@ TEST_F(AccessoryPoll, AFailedLinkReadCountsAsDetached)
     EXPECT_EQ(messages, QStringList({changeTo("dock")}));
 }
 
-// What stands for a failed read differs from every status that was read, that of nothing included.
+// The value for a failed read differs from every status that can be read, also from that of no accessory.
 TEST_F(AccessoryPoll, AFailedLinkReadIsAChangeThoughNothingIsAttached)
 {
     poll(0);

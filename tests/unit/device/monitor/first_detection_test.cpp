@@ -150,7 +150,7 @@ TEST_F(FirstDetection, ForgetsTheLinkStatusOfNoAccessory)
     reader->getAccessoryTypeForFirst();
     const QueueMark mark;
     reader->pollAccessory();
-    // A status that is not that of the start is a change, though nothing was attached before.
+    // A status other than the initial one is a change, although nothing was attached before.
     EXPECT_EQ(mark.added(), QStringList({notification("changeAccessoryType", "disconnected")}));
     reader->pollAccessory();
     EXPECT_EQ(mark.added().size(), 1);

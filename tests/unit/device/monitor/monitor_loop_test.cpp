@@ -72,7 +72,7 @@ TEST_F(MonitorLoop, RepeatsTheFirstDetectionUntilTheEcAnswers)
     EXPECT_EQ(machine.log.count("getAccessoryTypeForFirst Enter |"), 3);
     EXPECT_EQ(machine.log.count("getAccessoryTypeForFirst finish normal."), 0);
     EXPECT_EQ(machine.log.count("Begin to get smart charge status."), 0);
-    // Nothing is read back, so what goes out each time are the fallbacks.
+    // No read succeeds, so each notification holds the fallback value.
     EXPECT_EQ(queuedMessages().mid(0, 2),
         QStringList({notification("getTarnChargingStatus", "0"), notification("getTarnBatteryNum", "255")}));
 }
@@ -98,7 +98,7 @@ TEST_F(MonitorLoop, LeavesTheFirstDetectionOutWhenTheEcHasAnsweredBefore)
     EXPECT_EQ(machine.traffic().first(), "W 0642 33");
 }
 
-// What is posted to its thread is not kept waiting by the two pauses before the polling.
+// Events posted to its thread are handled during the two pauses before the polling.
 TEST_F(MonitorLoop, HandlesEventsInThePausesBeforeThePolling)
 {
     QObject onThisThread;
@@ -206,7 +206,7 @@ TEST_P(MonitorLoopAfterABox, FetchesNoMoreEvents)
     EXPECT_TRUE(without.filter("04A4").isEmpty());
 }
 
-// Only a known accessory in its place ends that.
+// Only a known accessory that replaces the box ends that.
 TEST_F(MonitorLoop, GoesOnFetchingEventsWhenAnUnknownAccessoryFollowsABox)
 {
     machine.attach(ACCESSORY_GRAPHICS);

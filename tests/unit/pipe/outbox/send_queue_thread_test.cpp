@@ -52,7 +52,7 @@ TEST_F(SendLoop, WaitsHalfASecondBeforeEachMessage)
     EXPECT_TRUE(queuedMessages().isEmpty());
 }
 
-// Half a second a message, in which the monitor and the handlers would stand still.
+// Half a second for each message, in which the monitor and the handlers would be blocked.
 TEST_F(SendLoop, TakesNewMessagesDuringThePause)
 {
     queue->enqueueMessage("first");
@@ -131,7 +131,7 @@ TEST_F(SendLoop, EndsQuietly)
     EXPECT_FALSE(machine.log.contains("send Thread is quit!"));
 }
 
-// The end of the process would otherwise take half a second for a message of nothing.
+// The end of the process would otherwise wait half a second for an empty message.
 TEST_F(SendLoop, EndsQuietlyWithoutAPauseWhenThereIsNothingToSend)
 {
     queue->startSending();
@@ -143,7 +143,7 @@ TEST_F(SendLoop, EndsQuietlyWithoutAPauseWhenThereIsNothingToSend)
 
 TEST_F(SendLoop, ARestartIsNeverLost)
 {
-    // Starts that meet the old loop at every point of its return.
+    // Restarts at every point of the old loop's return.
     for (int round = 0; round < 300; ++round) {
         queue->startSending();
         queue->setRunning(false);
