@@ -12,7 +12,7 @@ from enum import Enum
 from pathlib import Path
 
 FAILED_ASSERTION = re.compile(rb"^\S+\.(?:cpp|h):\d+: Failure$", re.M)
-MEMORY_LIMIT = 6 << 30  # a change that never stops collecting is not to take the machine down
+MEMORY_LIMIT = 6 << 30  # a change that makes the program allocate without end must not exhaust the machine
 
 
 class Outcome(Enum):

@@ -130,7 +130,7 @@ double sum(const std::vector<int> &waits)
     return std::accumulate(waits.begin(), waits.end(), 0.0);
 }
 
-// As often as the time allows, so that the short commands get a median worth its name.
+// As often as the time allows, so that the median of the short commands rests on many runs.
 int roundsFor(double waitsMs, bool isQuick)
 {
     const double budgetMs = isQuick ? 150 : 4000;
@@ -153,7 +153,7 @@ void measure(Group &group, tarnCampaign::CampaignMachine &machine, bool isQuick)
             groupMs += command.waitsMs;
         }
     }
-    // And then for real, as the service itself sleeps. Waits end late, which is the system's doing.
+    // And then for real, as the service itself sleeps. The system ends waits late.
     double sleptMs = 0;
     machine.clock.onWait = [&sleptMs](std::chrono::milliseconds wait) {
         QElapsedTimer timer;

@@ -33,7 +33,7 @@ constexpr Daemon daemons[] = {
     {"boltd", "/usr/libexec/boltd", "org.freedesktop.bolt"},
 };
 
-// Whoever connects may own and send anything.
+// Every program that connects may own any name and send anything.
 constexpr char busSettings[] =
     R"(<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-Bus Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">

@@ -37,7 +37,7 @@ constexpr const char *requests[] = {"getAccessoryType", "getMcuVersion", "getMcu
     "getDockLedStatus", "getGraphicsRGB", "getSmartChargingStatus", "getTarnPowerMode", "getTarnKvaneSnCode",
     "getKVaneLedLight", "getTarnBatteryNum", "noSuchCommand"};
 
-// The desk: now and then another accessory, batteries that change. On the monitor's thread, within its waits.
+// The user's changes: another accessory, other battery levels. On the monitor's thread, in its waits.
 class Desk
 {
 public:
@@ -92,8 +92,8 @@ private:
     std::size_t attached = 0;
 };
 
-// A client that asks for one thing after the other, leaves every day and comes back a little later: whoever
-// leaves after somebody has come takes the other's messages away.
+// A client that sends one request after the other, leaves every day and comes back only a little later: a
+// client that leaves after another one has come stops the messages to that one, too.
 class Visitor
 {
 public:

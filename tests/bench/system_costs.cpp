@@ -85,7 +85,7 @@ void settle(int milliseconds)
     tarnTest::waitUntil([] { return false; }, milliseconds);
 }
 
-// Formatted as for the debug output, and nobody reads it.
+// Formatted as for the debug output, then dropped.
 void dropMessage(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
     static_cast<void>(qFormatLogMessage(type, context, text).toLocal8Bit());

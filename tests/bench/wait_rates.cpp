@@ -20,7 +20,7 @@ constexpr milliseconds settleTime = 30s; // the GPU has been brought up by then
 constexpr milliseconds countedTime = 600s;
 constexpr milliseconds cyclePause = 100ms; // the loop's own
 
-// Looks on from the loop's waits and changes the accessory between two cycles.
+// Counts in the loop's waits and changes the accessory between two cycles.
 class RateWatch
 {
 public:

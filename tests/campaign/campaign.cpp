@@ -102,8 +102,8 @@ void Campaign::checkRules()
     checkExchanges();
 }
 
-// Only from an EC that takes no bytes the host turns away in the middle of an exchange, which its next
-// command then breaks off.
+// The host leaves an exchange unfinished only when the EC takes no bytes; its next command then breaks that
+// exchange off.
 void Campaign::checkExchanges()
 {
     auto &seen = machine.state->faultsSeen;
@@ -179,8 +179,7 @@ void Campaign::sendRequest()
     // Held for a few cycles at most.
     if (inUpdateMode && random.oneIn(3))
         request = {{"cmd", "requestLeaveMcuUpdateMode"}};
-    // Between its look at the pauses and its lock the loop would wait for the end of the mode, on this
-    // thread.
+    // Between its test of the holds and its lock the loop would wait for the end of the mode, on this thread.
     if (!hasLooked && request.value("cmd") == "requestEnterMcuUpdateMode")
         return;
     const QByteArray bytes = QJsonDocument(request).toJson(QJsonDocument::Compact);

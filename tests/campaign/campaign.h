@@ -58,10 +58,10 @@ private:
     bool stepping = false;
     bool hasLooked = false; // the loop is in the wait after a cycle, not in the one before
     bool inUpdateMode = false; // the EC is held for the KVane's MCU, so the loop is paused
-    int quietUntil = 0; // the cycle by which a recovery has to have been noticed; 0: none is on its way
+    int quietUntil = 0; // the cycle by which a recovery has to have been noticed; 0: none is awaited
     std::uint8_t expectedAccessory = 0;
     bool expectActivation = false;
-    bool mayBreakOff = false; // the EC took no bytes, and the exchange of then is still unfinished
+    bool mayBreakOff = false; // the EC took no bytes, and that exchange is still unfinished
     std::uint64_t channelMistakes = 0;
     int nextNotificationCheck = 0;
     qsizetype notificationsChecked = 0;

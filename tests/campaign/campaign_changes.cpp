@@ -3,7 +3,7 @@
 
 #include <QFile>
 
-// What a step may change about the computer and whoever sits at it.
+// What a step may change about the computer and its user.
 namespace tarnCampaign {
 namespace {
 
@@ -36,7 +36,7 @@ void Campaign::switchFault()
     if (random.oneIn(2)) {
         note("no more " + QString::fromStdString(std::string(row.name)));
         machine.faults().switchOff(row.fault);
-        // What makes every access slow does not stay on.
+        // The faults that slow down every access end with any other one.
         for (const FaultDescription &other : faultTable()) {
             if (isCostly(other.fault))
                 machine.faults().switchOff(other.fault);

@@ -12,7 +12,7 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-constexpr int slowestAcceptancePolls = 2000; // more than the driver itself has patience for
+constexpr int slowestAcceptancePolls = 2000; // the driver gives up after 1000
 
 } // namespace
 
@@ -52,8 +52,8 @@ void CampaignMachine::out(std::uint16_t port, std::uint8_t value)
 void CampaignMachine::heal()
 {
     faults().clear();
-    // A stuck output buffer lets the driver take the next byte for its answer before the EC has seen the last
-    // one of the request. A slow EC answers that request later: what has been repaired has also had the time.
+    // With a stuck output buffer the driver takes the next byte for its answer before the EC has taken the
+    // request's last byte. A slow EC answers that request later, so a repair includes the time for that.
     for (int look = 0; look < slowestAcceptancePolls && isInputWaiting(); ++look)
         in(EC_CMD_STATUS_PORT);
     const std::uint32_t opened = state->devices.listsOpened;

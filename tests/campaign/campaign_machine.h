@@ -7,8 +7,8 @@
 
 namespace tarnCampaign {
 
-// The simulated computer with a desk whose user answers as told, a download folder, a flasher that is a
-// script, and a look at each GPU state report in the instant in which the EC takes it.
+// The simulated computer with a user who answers as told, a download folder, a flasher that is a script, and
+// a call for each GPU state report at the moment at which the EC takes it.
 class CampaignMachine : public tarnTest::SimulatedMachine
 {
 public:
@@ -17,9 +17,9 @@ public:
 
     void out(std::uint16_t port, std::uint8_t value) override;
 
-    // The factory's devices, everybody willing, nothing wrong, and the limits under the host's control.
+    // The factory's devices, no refusals, no faults, and the limits under the host's control.
     void heal();
-    // As the EC reports it now; the code of nothing when nothing is linked.
+    // The code as the EC reports it now; ACCESSORY_NONE when nothing is linked.
     [[nodiscard]] std::uint8_t attachedCode() const;
     // A byte lies in the EC's input buffer that the EC has not looked at yet.
     [[nodiscard]] bool isInputWaiting() const;

@@ -14,7 +14,7 @@ std::uint64_t numberFromEnvironment(const char *name, std::uint64_t otherwise)
     return isNumber ? number : otherwise;
 }
 
-// What of the cycles belongs to this run, and how many looks at its status the EC needs to take a byte.
+// The share of the cycles that this run makes, and how many looks at its status the EC needs to take a byte.
 void runCampaign(int divisor, std::uint32_t acceptancePolls)
 {
     const std::uint64_t seed = numberFromEnvironment("TARN_CAMPAIGN_SEED", 1);

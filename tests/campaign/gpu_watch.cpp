@@ -9,7 +9,7 @@ using namespace tarnDeviceInfos;
 GpuWatch::GpuWatch(CampaignMachine &watched)
     : machine(watched)
 {
-    // A report that is taken late cannot be compared with the computer of the instant in which it was made.
+    // A report that is taken late cannot be compared with the devices at the time when it was made.
     machine.onGpuReport = [this](std::uint8_t gpuDriverData) {
         if (!machine.takesBytesSlowly())
             judgeReport(gpuDriverData);
@@ -31,7 +31,7 @@ QString GpuWatch::endCycle()
 void GpuWatch::judgeReport(std::uint8_t gpuDriverData)
 {
     std::uint8_t allowed = truth();
-    // Deliberately reported as active when it has only just been enabled.
+    // A GPU that has just been enabled is reported as active, because its driver starts only later.
     const QStringList lines = machine.log.lines();
     const QString enabled = "GraphicsActive_log: get gpu driver data after active gpu driver: ";
     const qsizetype dataLine = lines.size() - 2; // the data byte's own line comes after it
@@ -52,7 +52,7 @@ void GpuWatch::judgeReport(std::uint8_t gpuDriverData)
 
 std::uint8_t GpuWatch::truth() const
 {
-    std::uint8_t bits = GPU_PRESENT; // the box; the EC itself speaks for it
+    std::uint8_t bits = GPU_PRESENT; // the box; the EC itself has announced it
     const auto &devices = machine.computer.devices();
     for (const std::int32_t slot : devices.presentSlots()) {
         const tarnSimulator::Device device = devices.device(slot);

@@ -6,7 +6,7 @@
 
 namespace tarnCampaign {
 
-// Holds what the service says about the GPU against the devices of the computer and against its own words.
+// Compares the service's reports about the GPU with the computer's devices and with the service's own log.
 class GpuWatch
 {
 public:
@@ -26,7 +26,7 @@ private:
     CampaignMachine &machine;
     QString fault;
     bool outOfDate = false;
-    bool broughtUp = false; // and not disabled since, by the service's own words
+    bool broughtUp = false; // and not disabled since, according to the log
 };
 
 } // namespace tarnCampaign

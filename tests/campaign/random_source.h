@@ -6,8 +6,8 @@
 
 namespace tarnCampaign {
 
-// The campaign's dice. The same seed throws the same everywhere, which the distributions of the standard
-// library do not promise.
+// The campaign's random numbers. One seed gives the same numbers on every system, which the distributions of
+// the standard library do not promise.
 class RandomSource
 {
 public:

@@ -7,7 +7,7 @@
 
 namespace tarnCampaign {
 
-// Makes everything good and at once carries out one operation, which has to work, whatever was before. The
+// Ends all faults and at once carries out one operation, which has to work, whatever was before. The
 // code of the accessory that is attached for it goes into *accessoryCode. Empty when it worked.
 [[nodiscard]] QString faultOfRecovery(
     CampaignMachine &machine, RandomSource &random, std::uint8_t *accessoryCode);

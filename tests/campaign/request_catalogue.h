@@ -6,8 +6,8 @@
 
 namespace tarnCampaign {
 
-// A request that clients may send, sensible or not. `withoutEc`: only such as do not wait for the EC, which
-// somebody holds. Commands that take the EC for good are not among them.
+// A request that clients may send, sensible or not. `withoutEc`: only such as do not wait for the EC, for
+// the time in which it is held. Commands that take the EC for good are not among them.
 [[nodiscard]] QJsonObject randomRequest(RandomSource &random, bool withoutEc);
 
 } // namespace tarnCampaign

@@ -129,7 +129,7 @@ bool DialogueScript::expectEmptyAnswer()
     return has;
 }
 
-// A byte that the service has written is taken by the EC a moment later.
+// The EC takes a byte a moment after the service has written it.
 bool DialogueScript::expectWrites(const QString &expected)
 {
     (void)client.waitConnected([&] { return writesSinceMark().size() >= expected.size(); }, writePatienceMs);

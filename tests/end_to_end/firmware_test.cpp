@@ -187,7 +187,7 @@ TEST_F(McuFirmware, IsFlashedByTheClientItselfInUpdateMode)
 {
     EXPECT_EQ(client.answer("requestEnterMcuUpdateMode"), "successed");
     EXPECT_EQ(service.computer().mcuMode(), McuMode::BootLoader);
-    client.leave(); // and another one ends it
+    client.leave(); // and another client ends the mode
     ASSERT_TRUE(service.waitForLog("Tarn pipe client is exit!"));
     tarnTest::ServiceClient again;
     ASSERT_TRUE(again.connectToService());
@@ -262,7 +262,7 @@ TEST_F(FirmwareUpdate, OfTheEcReplacesWriteProtectedSettings)
     EXPECT_TRUE(service.read("function/EC/uiset.ini").contains("BinName=ec.bin\n"));
 }
 
-// The service in a session that nobody sees, with a user at the console.
+// The service in a session without a display, with a user at the console.
 class FirmwareOfConsoleUser : public FirmwareUpdate
 {
 protected:

@@ -105,7 +105,7 @@ protected:
         EXPECT_EQ(service.process.exitCode(), 0);
         EXPECT_EQ(service.logCount(goesOn), 1);
     }
-    // The service has gone, and the log does not tell otherwise.
+    // The tool finishes its work after the service has ended; the service has not logged its end.
     void expectToDoItsWork(const Tool &tool)
     {
         EXPECT_FALSE(service.log().contains(tool.left));
@@ -255,7 +255,7 @@ TEST_F(FlashingTools, AreNotRunOnADockThatHasReplacedTheKVane)
     download(flasher);
     client.write(R"({"cmd":"requestMcuUpdate","data":"fw.bin","asked":"late"})");
     ASSERT_TRUE(service.waitForLog("mcuUpdate Enter |"));
-    waitUntil([] { return false; }, 1500); // longer than the monitor would have the EC
+    waitUntil([] { return false; }, 1500); // longer than a cycle of the monitor holds the EC
     EXPECT_NE(client.answer("requestLeaveMcuUpdateMode"), "(no reply)");
     EXPECT_TRUE(waitUntil([this] {
         return client.documents().contains(R"({"asked":"late","cmd":"requestMcuUpdate","data":"failed"})");

@@ -19,7 +19,7 @@ namespace {
 constexpr wchar_t titleOfWindows[] = L"Tarn external graphics";
 constexpr wchar_t question[] = L"Disconnect the external graphics card?";
 constexpr int windowBoundMs = 30000;
-// So long the window takes no answer by keyboard or mouse.
+// For this long the window takes no answer by keyboard or mouse.
 constexpr int deafMs = 1000;
 // In the parameter of a key's message: it was down before.
 constexpr LPARAM wasDown = 1 << 30;
@@ -119,7 +119,7 @@ protected:
     {
         PostMessageW(window, TDM_CLICK_BUTTON, static_cast<WPARAM>(buttonId), 0);
     }
-    // At whatever has the keyboard in the window.
+    // Sent to the control that has the keyboard focus.
     static void pressKey(HWND window, WPARAM key, LPARAM flags = 0)
     {
         GUITHREADINFO thread {};
@@ -187,7 +187,7 @@ TEST_F(GuiProgramOfAService, LetsTheGpuGoOnAYes)
     EXPECT_TRUE(service.log().contains("GraphicsActive_log & GraphicsDisengaged_log: click yes!!!"));
 }
 
-// Who closes the window from outside need not wait until it takes answers.
+// Closing the window from outside works at once, before it takes answers.
 TEST_F(GuiProgramOfAService, KeepsTheGpuWhenItsWindowIsClosed)
 {
     plugInAndPressKey();
@@ -242,7 +242,7 @@ TEST_F(GuiProgram, StandsOnTopInTheMiddleAndInTheTaskBar)
     EXPECT_TRUE(closes(window));
 }
 
-// Whoever holds the space bar or types on while the window comes up has not answered.
+// A space bar that is held, or keys typed while the window appears, are no answer.
 TEST_F(GuiProgramOfAService, TakesNoKeysThatWereMeantForAnotherProgram)
 {
     plugInAndPressKey();

@@ -21,8 +21,8 @@ struct ServiceRecord
     QString description;
 };
 
-// The service in the hands of the system's service manager, which knows one of that name only: what an
-// earlier test has left behind is removed at the start, and everything at the end.
+// The service under the system's service manager, which knows only one of that name: that of an earlier test
+// is removed at the start, and this one at the end.
 class InstalledService : public ::testing::Test
 {
 protected:
@@ -42,7 +42,7 @@ protected:
 
     // Asks the manager to start the service and waits until it runs and answers clients.
     [[nodiscard]] bool start();
-    // Only asks.
+    // Asks the manager without waiting.
     [[nodiscard]] bool requestStart() const;
     [[nodiscard]] bool control(DWORD code) const;
     // Milliseconds from the request to the report that the service has stopped; nothing if that never comes.

@@ -5,7 +5,7 @@
 
 using Log = tarnTest::RunningService;
 
-// Whoever reads the log relies on it that the service wrote each line.
+// Readers of the log rely on it that the service wrote each line.
 TEST_F(Log, HasNoLineThatAClientWrote)
 {
     const QString forged = QStringLiteral("\nforged line\r\nforged line\n");

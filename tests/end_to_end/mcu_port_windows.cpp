@@ -4,7 +4,7 @@ namespace tarnTest {
 
 McuPort::~McuPort() = default;
 
-// Whoever serves it names the machine that it belongs to.
+// The program that serves the port names the machine to which it belongs.
 bool McuPort::open(const ServiceProcess &)
 {
     return qEnvironmentVariableIsSet("TARN_SIMULATOR_STATE");

@@ -42,7 +42,7 @@ TEST_F(Power, FailsUntilTheClientHasStartedAndOnceItHasEnded)
 {
     service.computer().setPowerControl(PL_CTRL_AUTO);
     EXPECT_EQ(client.answer("powerModeControl", "high"), "failed");
-    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), 28); // the EC's own
+    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), 28); // the EC's own limit
     EXPECT_EQ(service.read("powermodeconfig.xml"), "");
     EXPECT_EQ(client.answer("powerModeControl", "first"), "1");
     EXPECT_EQ(client.answer("powerModeControl", "high"), "successed");

@@ -45,7 +45,7 @@ Session sessionWith(const QString &typedLine)
 
 } // namespace
 
-// All at once, as somebody pastes them: no step may count on a pause before it, or eat the lines after it.
+// Pasted all at once: no step may need a pause before it, or read the lines after it as its input.
 TEST(Readme, FirmwareStepsCanBePasted)
 {
     const Session session = sessionWith(QStringLiteral("./tarnctl update-mcu"));

@@ -34,9 +34,9 @@ void ServiceClient::write(const QByteArray &bytes)
     send(bytes);
 }
 
-// What reaches the service together is one request to it, which it would not understand. So everything that
-// was sent to keep the connection is to be answered first; not for ever, as another client may have got the
-// answer.
+// Requests that reach the service in one read are one request to it, which it would not understand. So the
+// requests that keep the connection alive have to be answered first; the wait is bounded, because another
+// client may have got the answer.
 void ServiceClient::send(const QByteArray &bytes)
 {
     const auto isAnswered = [this] {

@@ -10,7 +10,7 @@
 
 namespace tarnTest {
 
-// A client of a real service: takes the messages apart and tells replies from notifications.
+// A client of a real service: splits the stream into messages and tells replies from notifications.
 class ServiceClient
 {
 public:

@@ -132,7 +132,7 @@ TEST_F(ServiceUnderManager, ObeysTheCommandLine)
 
     EXPECT_EQ(command({"-p"}), 0);
     EXPECT_TRUE(waitForState(SERVICE_PAUSED));
-    EXPECT_TRUE(answers()); // a paused service deliberately goes on
+    EXPECT_TRUE(answers()); // a paused service goes on serving clients
     EXPECT_EQ(command({"-r"}), 0);
     EXPECT_TRUE(waitForState(SERVICE_RUNNING));
 

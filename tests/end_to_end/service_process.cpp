@@ -52,7 +52,8 @@ void copyProgram(const QDir &from, const QDir &to)
     copyFiles(from.filePath(QStringLiteral("function/MCU")), to.filePath(QStringLiteral("function/MCU")));
 }
 
-// What is not ours, or would open windows. On Windows the simulated ones lie apart from what is shipped.
+// Programs of other makers, and those that would open windows. On Windows the simulated ones lie apart from
+// what is shipped.
 void copyStandIns(const QDir &from, const QDir &to)
 {
     const QDir apart(standInsFolder());

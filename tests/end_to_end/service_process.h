@@ -57,7 +57,7 @@ public:
     void repair() { computer().faults().clear(); }
     // From now on the EC takes each byte only after a few looks at its status.
     void takeBytesSlowly() { computer().timing().acceptancePolls.store(2); }
-    // The service was killed by somebody else than this object.
+    // The service was killed from outside this object.
     void noteKill() { ++kills; }
 
     QProcess process;

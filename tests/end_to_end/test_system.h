@@ -6,7 +6,7 @@ class QProcess;
 
 namespace tarnTest {
 
-// Called before the start: makes the process one that can be asked to stop on its own.
+// Called before the start: lets the process be asked to stop without the test being asked, too.
 void prepareForStop(QProcess &process);
 // Asks as the system or a terminal does: SIGTERM, or Ctrl+Break on the console.
 void requestStop(QProcess &process);
@@ -15,8 +15,8 @@ void requestInterrupt(QProcess &process);
 // The terminal goes: SIGHUP, or the closing of the console.
 void closeTerminal(QProcess &process);
 
-// A terminal or console of its own for a process that is going to be started, with whatever that one starts
-// and does not put apart.
+// A terminal or console of its own for a process that is going to be started, and for the processes that this
+// one starts in its own session.
 class Terminal
 {
 public:
@@ -25,7 +25,7 @@ public:
     Terminal(const Terminal &) = delete;
     Terminal &operator=(const Terminal &) = delete;
 
-    // Ctrl+C, which everybody in it gets.
+    // Ctrl+C, for every process in the terminal.
     void interrupt();
     // Takes it away, as by closing its window.
     void close();

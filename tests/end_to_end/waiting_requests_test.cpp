@@ -12,7 +12,7 @@ constexpr int promptAnswerMs = 5000; // behind a few notifications, half a secon
 
 } // namespace
 
-// A KVane, and requests in numbers that wait for an EC which somebody else has taken.
+// A KVane, and many requests that wait for an EC which another holder has taken.
 class WaitingRequests : public tarnTest::RunningService
 {
 protected:
@@ -22,7 +22,7 @@ protected:
         RunningService::SetUp();
         ASSERT_EQ(client.answer("getMcuVersion"), "2.05");
     }
-    // So many requests, each in a read of its own, and its handler on its way.
+    // Sends that many requests, each in a read of its own and with its handler started.
     void send(const QByteArray &command, int times)
     {
         const QString read = QStringLiteral(R"("{\"cmd\":\"%1\"}")").arg(QLatin1String(command));
@@ -87,7 +87,7 @@ TEST_F(WaitingRequests, OfAllKindsStopNeitherTheOthersNorTheEnd)
     expectPromptStop();
 }
 
-// Here nobody waits for the EC, so nobody is woken by the end either.
+// Here no request waits for the EC, so the end of the process wakes none.
 TEST_F(WaitingRequests, DoNotHoldUpTheEndWhenTheyAreInTheMiddleOfTheirWork)
 {
     ASSERT_EQ(client.answer("requestEnterMcuUpdateMode"), "successed");

@@ -1,4 +1,4 @@
-// An EC that answers anything. Input: the operation, then what the ports read in turn, over and over.
+// An EC with arbitrary answers. Input: the operation, then what the ports read in turn, over and over.
 #include "accessory/dock_accessory_manager.h"
 #include "accessory/ec_power_mode_manager.h"
 #include "accessory/graphics_colours.h"

@@ -9,7 +9,7 @@ using tarnFuzz::require;
 
 namespace {
 
-// Once more and in another way than the service has it: keys in order, with what a line that has one becomes.
+// A second implementation, different from the service's: keys in order, with the line that replaces theirs.
 struct ExpectedLine
 {
     const char *key;

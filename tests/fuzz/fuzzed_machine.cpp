@@ -27,7 +27,7 @@ FuzzedMachine &FuzzedMachine::instance()
 FuzzedMachine::FuzzedMachine()
 {
     silenceLog(); // before anything is captured
-    // Downloads are looked for here, and nobody's own are touched.
+    // The download folder lies here, so that the user's own downloads are not touched.
     qputenv("HOME", QDir::currentPath().toLocal8Bit());
     qputenv("XDG_CONFIG_HOME", QDir::currentPath().toLocal8Bit());
     QDir().mkpath(QStringLiteral("Downloads"));

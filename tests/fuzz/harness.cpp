@@ -34,7 +34,7 @@ void silenceLog()
 
 extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
 {
-    // Deliberately never destroyed, like everything else here: findings end the process at any place.
+    // Never destroyed, like everything else here, because findings end the process at any place.
     new QCoreApplication(*argc, *argv);
     tarnFuzz::silenceLog();
     return 0;

@@ -1,6 +1,5 @@
-// What a client writes to the pipe. Input: the attached accessory's code as a digit, a fault of the machine
-// as
-// '@' for none or the letters and signs from 'A' on in the order of the fault table, then the request.
+// What a client writes to the pipe. Input: the attached accessory's code as a digit; a fault of the machine,
+// '@' for none or the characters from 'A' on in the order of the fault table; then the request.
 #include "device/ec_access_lock.h"
 #include "device/ec_registers.h"
 #include "device/monitor/ec_dirver_reader.h"
@@ -43,7 +42,7 @@ void checkReply(const QJsonObject &request, const QString &reply)
     require(answer.value("cmd") == request.value("cmd"), "the command comes back");
 }
 
-// Two commands take the EC for longer than themselves; nobody else may.
+// Two commands hold the EC beyond their own end; no other may.
 void giveEcBack(const QString &command)
 {
     auto *monitor = EcDirverReader::instance();

@@ -22,7 +22,7 @@ const QString turnedAway = QStringLiteral("too many clients, the newest one is t
 
 } // namespace
 
-// A system that gives a process only so many sockets, and clients that take them all.
+// A process with a limit on its descriptors, and clients that use them up.
 class DescriptorLimit : public tarnLoad::LoadedService
 {
 protected:
@@ -44,7 +44,7 @@ protected:
         return number;
     }
 
-    // From now on the running service gets no descriptor from this number on.
+    // From now on the running service gets no descriptor with this number or a higher one.
     void setLimit(rlim_t count)
     {
         const rlimit limit {count, descriptors};
@@ -53,7 +53,7 @@ protected:
     }
 };
 
-// A thread that found no descriptor for its event loop would end the process, so some are kept for them.
+// A thread without a descriptor for its event loop would end the process, so some are kept for threads.
 TEST_F(DescriptorLimit, ClientsAreTurnedAwayBeforeTheyTakeAllDescriptors)
 {
     const auto before = figures();
@@ -69,7 +69,7 @@ TEST_F(DescriptorLimit, ClientsAreTurnedAwayBeforeTheyTakeAllDescriptors)
         ASSERT_TRUE(peers.back()->connectToService()) << number;
     }
     ASSERT_TRUE(waitUntil([&] { return service.logCount(turnedAway) > 0; }));
-    // Each that was let in takes a thread that waits for the EC, as long as there are threads.
+    // Each accepted client takes a thread that waits for the EC, as long as there are threads.
     for (const auto &peer : peers)
         peer->write(R"({"cmd":"getHardwareVersion"})");
     EXPECT_TRUE(waitUntil([&] { return figures().threads > before.threads + 60; }));

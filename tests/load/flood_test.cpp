@@ -45,7 +45,7 @@ protected:
     {
         LoadedService::SetUp();
         ASSERT_TRUE(client.connectToService());
-        // The service tells each client's predecessor's news first.
+        // Each client first gets the messages that were queued for the one before it.
         ASSERT_EQ(client.answer("getAccessoryType"), "disconnected");
         sentBefore = linesThatBegin("send");
     }
@@ -73,7 +73,7 @@ TEST_F(RequestFlood, AsFastAsTheyGoInIsAnsweredReadByRead)
     expectObeyedAtOnce(client);
 
     ASSERT_EQ(client.ask({{"cmd", "getAccessoryType"}}, boundMs(count)).value("data"), "disconnected");
-    // What came alone in a read is answered with its mark, what was glued together with nothing.
+    // A request alone in a read is answered with its mark, several in one read with an empty message.
     const QList<int> replies = marksIn(client.documents());
     EXPECT_EQ(QSet<int>(replies.begin(), replies.end()).size(), replies.size()) << "a reply came twice";
     EXPECT_EQ(replies, sentMarks(service.log()));
@@ -152,7 +152,7 @@ TEST_F(RequestFlood, OfManyClientsGoesToTheOneWhoAskedLast)
     }
     EXPECT_EQ(sorted(all), upTo(count)) << "lost or doubled";
     EXPECT_EQ(sorted(sentMarks(service.log())), upTo(count));
-    // Only what was sent while others were still asking went to others.
+    // Only replies that were sent while others were still asking went to others.
     EXPECT_GE(most, count - askedMs / messagePauseMs - 1);
     report("clients that ask at once",
         QStringLiteral("%1 read in %2 ms, %3 replies went to the last, in %4 s")
@@ -172,7 +172,7 @@ TEST_F(RequestFlood, OfHandlersThatWaitForTheEcDoesNotHoldUpTheOneThatFreesIt)
     ASSERT_TRUE(client.waitForNotification("changeAccessoryType", "k_vane"));
     ASSERT_EQ(client.answer("requestEnterMcuUpdateMode"), "successed");
     const int count = scaled(70, 300);
-    constexpr int mostThreads = 64 + 16; // those that wait, those that do not, and the service's own
+    constexpr int mostThreads = 64 + 16; // waiting handlers; other handlers and the service's own
     for (int mark = 1; mark <= count; ++mark) {
         client.write(R"({"cmd":"getHardwareVersion"})");
         ASSERT_TRUE(waitUntil([&] {

@@ -18,7 +18,7 @@ namespace {
 constexpr qsizetype mib = 1024 * 1024;
 constexpr qsizetype chunkBytes = 64 * 1024;
 constexpr qint64 ahead = 4 * chunkBytes; // how much waits to be written at most
-// Somebody's turn comes between two pieces of the garbage, each of which is logged.
+// Other clients are served between two pieces of the garbage; each piece is logged.
 constexpr int obeyMs = 10000;
 constexpr double roomMib = 32;
 
@@ -27,7 +27,7 @@ constexpr double roomMib = 32;
 class Garbage : public tarnLoad::LoadedService
 {
 protected:
-    // Far too much to look at as a whole.
+    // The log is far too large to be searched as a whole.
     void TearDown() override { EXPECT_EQ(service.stop(), 0); }
 
     qsizetype linesOfTheLog(const QByteArray &text)

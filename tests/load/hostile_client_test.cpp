@@ -18,7 +18,7 @@ namespace {
 
 constexpr qsizetype ballastBytes = 12 * 1024; // goes through a local socket in one piece
 
-// A client that reads only when it is told to: its socket takes no more than a byte by itself.
+// A client that reads only when it is told to: its socket buffers one byte at most.
 class DeafClient
 {
 public:
@@ -67,7 +67,7 @@ protected:
         return read;
     }
 
-    // Whatever the others do, the next one is obeyed and, in its turn, answered.
+    // Whatever the other clients do, the next client's request is carried out and, in its turn, answered.
     void expectNextClientServed(const char *name, int behind = 0)
     {
         ServiceClient next;

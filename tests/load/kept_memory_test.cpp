@@ -38,16 +38,16 @@ constexpr const char *requests[] = {R"({"cmd":"getAccessoryType"})", R"({"cmd":"
 
 } // namespace
 
-// Server, queue and client in this process, on virtual time: whatever has been answered must be given back.
-// What is kept for each request would be a block each time; the threads of the lanes come and go with some
-// blocks, too few to be taken for that.
+// Server, queue and client in this process, on virtual time: the memory of an answered request must be freed.
+// A leak would be at least one block for each request; the threads of the lanes come and go with some blocks,
+// too few to be taken for a leak.
 class KeptMemory : public tarnTest::MachineTest
 {
 protected:
     KeptMemory() { TarnPipeServer::instance(); }
     ~KeptMemory() override { ecAccessMutex.releaseWaiters(); }
 
-    // Nothing is on its way any more, and what the test's own stand-ins have noted is forgotten.
+    // Waits until no message or event is pending, and clears the notes of the test's own stand-ins.
     LiveMemory atRest()
     {
         EXPECT_TRUE(waitUntil([] { return tarnPipeServer::waitForHandlers(0); }, restTimeoutMs));
@@ -151,7 +151,7 @@ TEST_F(KeptMemory, IsGivenBackForRequestsThatHaveWaitedForTheEc)
     expectNothingKept("kept of those that have waited", times, before);
 }
 
-// A request a minute finds that the last one's thread has ended meanwhile.
+// With one request a minute the thread of the last one has ended each time.
 TEST_F(KeptMemory, IsNotMoreForEachThreadThatEnds)
 {
     using tarnPipeServer::Lane;

@@ -9,7 +9,7 @@
 
 namespace tarnLoad {
 
-// Something that a client sets and that has to outlive the service, with the place where it is kept.
+// A setting of a client that has to outlive the service, and the place where it is stored.
 struct KeptSetting
 {
     const char *name;

@@ -105,7 +105,7 @@ void KillCampaign::begin()
     checkAnswers();
 }
 
-// Only one of the values that may be there is there, and from now on it is the one.
+// The stored value is one of the allowed ones; from now on it is the only allowed one.
 void KillCampaign::checkWhatIsKept()
 {
     for (std::size_t i = 0; i < allowed.size(); ++i) {
@@ -169,7 +169,7 @@ void KillCampaign::checkAnswers()
             QStringLiteral("the dock's light is told as it is"));
     if (accessory != QLatin1String("graphics") || allowed[5].first().isEmpty())
         return;
-    // The last colour comes back; light and file may have been apart by one request.
+    // The last colour is restored; light and file may differ by one request.
     const QString colour = allowed[5].first();
     allowed[4] << colour;
     expect(request("setGraphicsRGB", QStringLiteral("on")) == Outcome::Confirmed,

@@ -10,7 +10,7 @@
 
 namespace tarnLoad {
 
-// Lives of a service that all end by SIGKILL, at points that the seed chooses: during its start, at a
+// Runs (lives) of a service that all end by SIGKILL, at points that the seed chooses: during its start, at a
 // register access, between two calls for a file, or some time after a request. After each, what was confirmed
 // has to be kept, what was under way may be, and the next life has to work.
 class KillCampaign

@@ -36,7 +36,7 @@ template <typename Function> Function *next(const char *name)
     return reinterpret_cast<Function *>(::dlsym(RTLD_NEXT, name));
 }
 
-// The descriptor calls are those of the library, so that nothing here counts itself.
+// These are the C library's own calls, so that the calls made here are not counted.
 int readCallsLeft()
 {
     static auto *const openNext = next<int(const char *, int, ...)>("open");
@@ -83,7 +83,7 @@ mode_t modeOf(int flags, va_list arguments)
     return (flags & (O_CREAT | O_TMPFILE)) ? static_cast<mode_t>(va_arg(arguments, int)) : 0;
 }
 
-// Tools that the service starts are not the service.
+// Tools that the service starts are not killed.
 __attribute__((constructor)) void begin()
 {
     killPoint = std::getenv("TARN_KILL_POINT");

@@ -20,7 +20,7 @@ template <typename Number> [[nodiscard]] Number scaled(Number quick, Number long
     return isLong() ? longForm : quick;
 }
 
-// How much more memory than before is still the same: what an allocator keeps, and a sanitizer keeps most.
+// So much more memory than before is no leak: allocators keep freed memory, and those of sanitizers most.
 [[nodiscard]] inline double keptMib(double mib)
 {
 #ifdef TARN_SANITIZED

@@ -78,7 +78,7 @@ double LoadedService::cpuPercent(int overMs)
 
 void LoadedService::expectAsIdleAs(const ProcessFigures &before, const char *name, double moreMib)
 {
-    // Where threads are counted, each idle one of the pool accounts for a handle; elsewhere they go in time.
+    // Where threads are counted, each idle one of the pool accounts for a handle; elsewhere they end in time.
     const auto ofThreadsOnly = [&before](const ProcessFigures &now) {
         return now.handles - now.threads <= before.handles - before.threads;
     };

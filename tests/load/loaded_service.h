@@ -9,20 +9,19 @@
 
 namespace tarnLoad {
 
-// A service that is watched while others are unkind to it.
+// A service that is measured while other clients load or attack it.
 class LoadedService : public ::testing::Test
 {
 protected:
     void SetUp() override;
     void TearDown() override;
 
-    // The normal client: how long until the service does what it asks, -1 for never. Each call asks for
-    // something that was not so before, and which shows in the EC and not in a reply: replies wait their
-    // turn.
+    // The normal client: milliseconds until the service has carried out its request, -1 for never. Each call
+    // changes a value, and the change is seen in the EC, because replies wait their turn.
     [[nodiscard]] int msUntilObeyed(tarnTest::ServiceClient &client);
-    // The same, which has to be as if nobody else were there; how long it took.
+    // The same, which has to be as quick as without other clients; the milliseconds that it took.
     int expectObeyedAtOnce(tarnTest::ServiceClient &client);
-    // Lines of the log that begin so.
+    // Number of lines of the log that begin with the text.
     [[nodiscard]] qsizetype linesThatBegin(const char *text)
     {
         return service.logCount(QLatin1Char('\n') + QLatin1String(text));
@@ -30,7 +29,7 @@ protected:
     [[nodiscard]] ProcessFigures figures() const { return figuresOf(service.process.processId()); }
     // CPU time of the service over the next seconds, in percent of a core.
     [[nodiscard]] double cpuPercent(int overMs);
-    // Everybody has left: the service has to be what it was, but for memory that its allocator keeps.
+    // All clients have left: the service has to cost what it did before, but for memory of its allocator.
     void expectAsIdleAs(const ProcessFigures &before, const char *name, double moreMib = 16);
 
     tarnTest::ServiceProcess service;

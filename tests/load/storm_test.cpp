@@ -20,7 +20,7 @@ constexpr int oneInWritesARequest = 40; // each such visit costs the next client
 
 } // namespace
 
-// Clients that come and go, at an EC that takes its time.
+// Clients that come and go, with a slow EC.
 class ClientStorm : public tarnLoad::LoadedService
 {
 protected:
@@ -45,8 +45,8 @@ protected:
             peer.leave();
     }
 
-    // What was asked is answered once at most, and missing is only what had been taken out when somebody
-    // left.
+    // Each request is answered once at most. Only replies may be missing that had been taken from the queue
+    // when a client left.
     void expectNothingLostBeyondTheContract()
     {
         const QList<int> sent = tarnLoad::sentMarks(service.log());
@@ -83,7 +83,7 @@ TEST_F(ClientStorm, OfShortVisitsDoesNotKeepTheNextClientOut)
             .arg(stormMs)
             .arg(obeyedMs));
 
-    // What the others have asked for comes first.
+    // The replies to the earlier clients come first.
     const int replyTimeoutMs = 20000 + 1000 * static_cast<int>(asked.size() + halves);
     EXPECT_EQ(normal.ask({{"cmd", "getAccessoryType"}}, replyTimeoutMs).value("data"), "disconnected");
     const QList<int> received = tarnLoad::marksIn(normal.documents());

@@ -12,8 +12,8 @@ namespace tarnTest {
 
 namespace {
 
-// Between two looks at what no event tells. Qt makes timers below 20 ms of Windows multimedia timers, which
-// at this rate leave no room for the events of sockets.
+// Pause between two tests of a condition that no event announces. For timers below 20 ms Qt uses Windows
+// multimedia timers, which at this rate leave no time for the events of sockets.
 int lookIntervalMs()
 {
     static const bool onWindows = QSysInfo::kernelType() == QStringLiteral("winnt");

@@ -13,7 +13,7 @@ __attribute__((visibility("default"))) void Out32(std::uint16_t port, std::int16
 }
 
 #ifndef TARN_WITHOUT_INP32
-// Only the low byte is the port's; the rest is deliberately rubbish, as with a real driver.
+// Only the low byte is the port's; the upper bits are not 0, because a real driver leaves anything there.
 __attribute__((visibility("default"))) std::int16_t Inp32(std::uint16_t port)
 {
     return static_cast<std::int16_t>(0x5A00 | tarnTestPortIn(port));

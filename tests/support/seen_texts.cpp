@@ -24,7 +24,7 @@ struct SeenTexts
     QSet<QByteArray> lines; // "debug\tthe text"
 };
 
-// Never destroyed: the log may still speak at the end of the process.
+// Never destroyed, because lines may still be logged at the end of the process.
 SeenTexts &seenTexts()
 {
     static auto *texts = new SeenTexts;

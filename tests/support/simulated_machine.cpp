@@ -18,7 +18,7 @@ std::unique_ptr<tarnSimulator::MachineState> newState()
     return state;
 }
 
-// The thread of a test that had a client would go on logging and posting events while the process ends.
+// After a test with a client the send thread would go on logging and posting events while the process ends.
 void endSendThread()
 {
     auto *sender = tarnPlatform::ProcessWide<tarnPipeServer::SendQueueThread>::existing();

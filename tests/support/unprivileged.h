@@ -13,8 +13,8 @@
 namespace tarnTest {
 
 // Takes away this thread's rights to open whatever it wants and to look into any process, for as long as it
-// lives, so that modes of files count for root too. To lay down a right is allowed to everybody, in any
-// container; others have none anyway.
+// lives, so that modes of files count for root too. Dropping a right is allowed to root in any
+// container; other users have none of these rights anyway.
 class Unprivileged
 {
 public:

@@ -31,7 +31,7 @@ public:
     void processEvents(milliseconds atMost) override;
 
     [[nodiscard]] milliseconds now() const;
-    // How often somebody has asked for the time that no change of the clock moves.
+    // How often the steady time, which no change of the clock moves, has been read.
     std::atomic<int> steadyLooks {0};
     // Does something once the clock has come that far (counted from its start).
     void at(milliseconds instant, std::function<void()> action);

@@ -7,10 +7,10 @@
 
 namespace tarnTest {
 
-// Whatever a test does, a host that keeps to the EC's channel ends what it has begun and looks before it
-// writes. Tells what the machine has counted against that; empty when nothing. A process that is killed may
-// leave one exchange unfinished, which the next one breaks off; and from an EC that takes no bytes everybody
-// turns away in the middle.
+// A host that keeps to the rules of the EC's channel finishes every exchange and reads the status before it
+// writes. Returns the violations that the machine has counted; empty when there are none. A killed process
+// may leave one exchange unfinished, which the next one breaks off; and with an EC that takes no bytes every
+// host gives up in the middle.
 [[nodiscard]] inline QString brokenExchanges(tarnSimulator::MachineState &state, std::uint64_t kills = 0)
 {
     const std::uint64_t aborted = state.counters.abortedCommands.load();

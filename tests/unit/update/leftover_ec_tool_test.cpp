@@ -76,7 +76,7 @@ TEST_F(LeftoverTool, HasTheEcToItselfUntilItEnds)
     EXPECT_FALSE(tool.isAwaited());
     EXPECT_FALSE(ecAccessMutex.isLocked());
     EXPECT_EQ(machine.log.lines(), QStringList({waitBegun, waitOver}));
-    // From then on the EC is free for other users.
+    // A later look must not release another holder's lock.
     ASSERT_TRUE(ecAccessMutex.lock());
     tool.look();
     EXPECT_TRUE(ecAccessMutex.isLocked());
