@@ -10,7 +10,7 @@ namespace {
 
 constexpr int mostSuggestions = 3;
 
-// About every third letter may be wrong; short words get two.
+// The number of wrong letters that is tolerated: one in three, but at least two.
 qsizetype toleranceFor(qsizetype length)
 {
     return std::max<qsizetype>(2, length / 3);

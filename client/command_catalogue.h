@@ -10,7 +10,7 @@
 
 namespace tarnClient {
 
-// One command of the service as this tool knows it. Everything the tool does with a command comes from its
+// One command of the service as this tool knows it. All that the tool does with a command follows from its
 // row.
 struct CommandEntry
 {
@@ -22,9 +22,9 @@ struct CommandEntry
     // Reply keys in the order in which they are shown; none: the service sends the request back unchanged.
     QList<QLatin1StringView> answerKeys {};
     QLatin1StringView answerMeaning;
-    // The answer key whose value "failed" tells that the service could not do it; empty: no value tells.
+    // The answer key whose value "failed" means that the service could not do it; empty where no key says so.
     QLatin1StringView outcomeKey {};
-    // The data for which the service sends nothing back.
+    // The data for which the service sends no answer.
     QLatin1StringView silentData {};
     std::chrono::milliseconds timeout;
     // Not answered while the EC is reserved.

@@ -13,10 +13,10 @@ struct TypedCommand
     std::optional<QString> data {};
 };
 
-// Splits a typed line: the first word is the command, the rest without outer blanks its data.
+// Splits a typed line: the first word is the command, the rest, trimmed, is its data.
 [[nodiscard]] TypedCommand parseTypedLine(const QString &line);
 
-// What keeps the command from being sent, with what to do next; nothing when it is fine.
+// Why the command must not be sent and what the user can do; nothing when it can be sent.
 [[nodiscard]] std::optional<QString> commandObjection(const TypedCommand &command);
 
 // "There is no command ..." with the names that may have been meant.

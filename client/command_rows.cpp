@@ -11,14 +11,14 @@ using std::chrono::milliseconds;
 using std::chrono::minutes;
 using std::chrono::seconds;
 
-// Answered from what the service remembers; the rest of the time is for a service that has just started.
+// The service answers these from memory; the long limit is for a service that has just started.
 constexpr milliseconds cachedTimeout = seconds(10);
 // A healthy EC takes well under a second. One access to a stuck EC takes about 5 s before the service gives
-// up, and a command makes several of them, behind those of the accessory monitor.
+// up, and a command makes several of them, after waiting for those of the accessory monitor.
 constexpr milliseconds ecTimeout = seconds(30);
-// Switching the MCU takes up to 5 s of fixed pauses, and more behind other users of the EC.
+// Switching the MCU takes up to 5 s of fixed pauses, and longer while others use the EC.
 constexpr milliseconds modeTimeout = seconds(45);
-// Disabling a display adapter is up to the operating system.
+// The operating system disables the display adapter; how long it takes is not known.
 constexpr milliseconds deviceTimeout = seconds(60);
 // About 9 s of switching and up to three runs of a flasher over a serial line.
 constexpr milliseconds firmwareTimeout = minutes(15);

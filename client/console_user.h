@@ -6,15 +6,15 @@
 
 namespace tarnClient {
 
-// The user at the computer's screen, where that is somebody else than the user whom this process runs as: the
-// service looks for downloads in the folder of the one at the screen.
+// This process's user and the user at the computer's console, where they differ: the service looks for files
+// in the download folder of the user at the console.
 struct OtherUser
 {
     QString own;
     QString atConsole;
 };
 
-// Nothing where they are the same, where nobody sits there, or where it cannot be told.
+// Nothing when both are the same, when no user is logged on at the console, or when that cannot be found out.
 [[nodiscard]] std::optional<OtherUser> otherUserAtConsole();
 
 } // namespace tarnClient

@@ -14,7 +14,7 @@ namespace {
 
 constexpr DWORD noSession = 0xFFFFFFFF;
 
-// What WTS fills in.
+// A text about a session from Windows Terminal Services (WTS); empty when it cannot be read.
 QString takeSessionText(DWORD session, WTS_INFO_CLASS what)
 {
     wchar_t *text = nullptr;
@@ -26,7 +26,7 @@ QString takeSessionText(DWORD session, WTS_INFO_CLASS what)
     return taken;
 }
 
-// "COMPUTER\name", empty while nobody sits there.
+// "COMPUTER\name", empty while no user is logged on there.
 QString userAtConsole()
 {
     const DWORD session = WTSGetActiveConsoleSessionId();
@@ -80,7 +80,7 @@ QString accountOf(PSID sid)
 
 } // namespace
 
-// Without the token of the session, which only the system itself may have.
+// Compares account SIDs and does not ask for the session's user token, which only the system account may get.
 std::optional<OtherUser> otherUserAtConsole()
 {
     const QString atConsole = userAtConsole();

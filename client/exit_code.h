@@ -2,7 +2,7 @@
 
 namespace tarnClient {
 
-// What a script can tell from the end of the process.
+// The exit codes of tarnctl, for scripts.
 enum class ExitCode {
     Done = 0,
     ServiceFailed = 1,

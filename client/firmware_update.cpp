@@ -13,19 +13,19 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// Often enough that no second is left out.
+// Often enough for the time shown to count every second.
 constexpr milliseconds progressPeriod(200);
-// Between two questions for what is not so yet; the service's own 500 ms come on top.
+// The pause before a request is repeated; the service's 500 ms between messages come on top.
 constexpr milliseconds askingPause(500);
 constexpr QLatin1StringView untouchedText("Nothing has been touched.");
 
-// For texts that may or may not have a place for the value.
+// Not QString::arg(), because some of the texts have no "%1".
 QString filledIn(QLatin1StringView text, const QString &value)
 {
     return text.toString().replace(QLatin1StringView("%1"), value);
 }
 
-// The service takes the name alone, so a file that lies there already can be flashed by anybody.
+// Advises the plain command, because its request carries only the file's name: any user can send it.
 QString otherUserText(const OtherUser &user, QLatin1StringView command, const QString &fileName)
 {
     return QStringLiteral("tarnctl runs as %1, but the user at the console is %2, and the service \"Tarn "
@@ -65,7 +65,7 @@ ExitCode FirmwareUpdate::run(const QString &file)
         streams.complain(*objection);
         return ExitCode::Usage;
     }
-    // A file of that name in the other folder would be flashed in place of this one.
+    // The service would flash a file of that name in the other user's folder in place of this one.
     if (otherUser && !options.force) {
         streams.complain(
             otherUserText(*otherUser, plan.steps.back().command, QFileInfo(file).fileName()));
@@ -141,7 +141,7 @@ void FirmwareUpdate::handleAnswer(const Message &answer)
     const bool isAgreed = step().wanted.isEmpty() || value == step().wanted;
     const bool isLast = stepIndex + 1 == plan.steps.size();
     if (!isAgreed && asksAgain()) {
-        versionBefore.reset(); // that of something else
+        versionBefore.reset(); // the version of another accessory
         deadline.stop();
         QTimer::singleShot(askingPause, this, [this] {
             if (!isFinished())
@@ -159,9 +159,9 @@ void FirmwareUpdate::handleAnswer(const Message &answer)
 
 bool FirmwareUpdate::asksAgain() const
 {
-    const milliseconds patience =
+    const milliseconds limit =
         std::min(step().patience, timeoutFor(findCommand(step().command.toString())));
-    return elapsed() - stepBegan < patience;
+    return elapsed() - stepBegan < limit;
 }
 
 void FirmwareUpdate::handleExpiry()
@@ -203,7 +203,7 @@ void FirmwareUpdate::endWell(const Message &answer)
     finish(ExitCode::Done);
 }
 
-// The service takes an update for done when the flasher has not complained; the version tells more.
+// The service reports success when the flasher has reported no error; the version shows what runs now.
 void FirmwareUpdate::endFlashed(const QString &version)
 {
     const bool isUnknown = version.isEmpty();
@@ -230,7 +230,8 @@ void FirmwareUpdate::endRefused(const Message &answer)
 {
     if (options.json)
         print(answer.json());
-    // Not whether the file is still there: the service may have copied it and then be kept from deleting it.
+    // Judged by the time and not by whether the file is still there, because the service may have copied the
+    // file and failed to delete it.
     const bool isUntouched = elapsed() - stepBegan < step().untouchedBefore;
     QString text = filledIn(isUntouched ? step().untouchedText : step().refusedText, answer.value(dataKey));
     if (step().takesFile && !firmware.isThere() && !firmware.isCopy()) {

@@ -19,7 +19,7 @@ struct DownloadPlace
 };
 
 // A whole firmware update: puts the file where the service looks, sends the plan's requests one after the
-// other, and says what stands at the end and what to do next.
+// other, and reports the result and what to do next.
 class FirmwareUpdate : public Session
 {
     Q_OBJECT
@@ -62,7 +62,7 @@ private:
     std::size_t stepIndex = 0;
     std::chrono::milliseconds stepBegan {0};
     QString tag;
-    // What ran before; nothing when it has not been asked for.
+    // The MCU's version before the update; nothing when it has not been asked for.
     std::optional<QString> versionBefore;
 };
 

@@ -2,7 +2,7 @@
 
 namespace tarnClient {
 
-// While it lives, Ctrl+C and the request to terminate raise a flag instead of ending the process.
+// While an object exists, Ctrl+C (SIGINT) and SIGTERM set a flag instead of ending the process.
 class InterruptFlag
 {
 public:

@@ -7,7 +7,7 @@
 
 namespace tarnClient {
 
-// Brings Ctrl+C and the request to terminate into the event loop, for as long as it lives.
+// While an object exists, it reports Ctrl+C and SIGTERM by a signal in the event loop.
 class InterruptPoll : public QObject
 {
     Q_OBJECT
@@ -15,7 +15,7 @@ class InterruptPoll : public QObject
 public:
     explicit InterruptPoll(QObject *parent = nullptr);
 
-    // Also before the event loop has had a chance to tell.
+    // True at once, also before raised() has been emitted.
     [[nodiscard]] bool isRaised() const;
 
 signals:

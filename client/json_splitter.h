@@ -6,20 +6,20 @@
 
 namespace tarnClient {
 
-// Cuts a byte stream into top-level JSON objects. The service separates its messages by time only, so that
-// several of them, or a part of one, can arrive in one read.
+// Cuts a byte stream into top-level JSON objects. The service separates its messages by time only, so one
+// read can bring several of them or a part of one.
 class JsonSplitter
 {
 public:
     struct Harvest
     {
-        // Complete objects by their braces; whether they are valid JSON is for the parser to say.
+        // Complete objects, judged by their braces only: they may still be invalid JSON.
         QByteArrayList documents {};
         // Bytes that belong to no object, blanks left out.
         QByteArray garbage {};
     };
 
-    // The service's messages have a few hundred bytes; what grows to this size is no message.
+    // The service's messages have a few hundred bytes; an object of this size is no message.
     static constexpr qsizetype defaultLimit = 1 << 20;
 
     explicit JsonSplitter(qsizetype documentLimit = defaultLimit);
@@ -27,7 +27,7 @@ public:
     [[nodiscard]] Harvest feed(QByteArrayView bytes);
     [[nodiscard]] bool isInsideDocument() const;
     [[nodiscard]] qsizetype bufferedSize() const;
-    // Gives up the object that has begun, returns its bytes and starts afresh.
+    // Drops the incomplete object and returns its bytes.
     QByteArray abandon();
 
 private:

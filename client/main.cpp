@@ -17,7 +17,7 @@ int main(int argc, char *argv[])
             input, std::cout, std::cerr, tarnClient::inputIsTerminal(), tarnClient::errorsAreTerminal()});
     std::cout.flush();
     if (tarnClient::StdinReader::hasThreadLeftBehind()) {
-        // The usual way out locks and closes the standard input, which a thread may still be reading.
+        // A normal exit locks and closes the standard input, and would wait for a thread that still reads.
         std::_Exit(code);
     }
     return code;

@@ -11,7 +11,7 @@ namespace {
 constexpr QLatin1StringView commandKey("cmd");
 constexpr QLatin1StringView resultKey("result");
 constexpr QLatin1StringView failedValue("failed");
-// For commands whose answer is the bare request.
+// Shown for commands whose answer is the request without anything added.
 constexpr QLatin1StringView doneText("done");
 
 } // namespace
@@ -73,7 +73,7 @@ QStringList Message::answerLines(const CommandEntry *entry) const
         const bool isPlain = key == dataKey || key == resultKey;
         lines << (isPlain ? value(key) : key.toString() + QLatin1StringView(": ") + value(key));
     }
-    // None of the keys that are known: better show everything than nothing.
+    // An answer with none of the expected keys is shown as a whole.
     return lines.isEmpty() ? QStringList {QString::fromUtf8(json())} : lines;
 }
 

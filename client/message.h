@@ -18,7 +18,7 @@ public:
     [[nodiscard]] static std::optional<Message> parse(const QByteArray &bytes);
 
     [[nodiscard]] bool answers(const QString &tag) const;
-    // An answer to some request of this tool, of this process or another.
+    // An answer to a request of tarnctl, sent by this process or another one.
     [[nodiscard]] bool hasTag() const;
     // Every field of the request comes back in it, unchanged.
     [[nodiscard]] bool echoes(const QJsonObject &request) const;

@@ -4,7 +4,8 @@
 
 namespace tarnClient {
 
-// How many single-letter slips (a letter too many, missing, wrong, or two swapped) lie between two words.
+// The number of single-letter slips (a letter too many, missing, wrong, or two swapped) between two words
+// (optimal string alignment).
 [[nodiscard]] qsizetype nameDistance(QStringView left, QStringView right);
 
 } // namespace tarnClient

@@ -6,8 +6,8 @@ namespace tarnClient {
 
 namespace {
 
-// A person at a terminal who has waited this long wants to know how long it can take.
-constexpr std::chrono::milliseconds patience(3000);
+// At a terminal: after this time the user is told how long the answer can take.
+constexpr std::chrono::milliseconds remarkAfter(3000);
 
 } // namespace
 
@@ -35,7 +35,7 @@ ExitCode OneShot::run()
     else if (isAnsweredBySilence(command))
         return runSilently();
     if (streams.interactive)
-        QTimer::singleShot(patience, this, &OneShot::remarkWaiting);
+        QTimer::singleShot(remarkAfter, this, &OneShot::remarkWaiting);
     return waitForFinish();
 }
 

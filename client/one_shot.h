@@ -23,7 +23,7 @@ private:
     void handleServiceGone();
 
     TypedCommand command;
-    // Null for a command that is sent by force.
+    // Null for an unknown command, sent because of --force.
     const CommandEntry *entry;
     QString tag;
 };

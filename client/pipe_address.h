@@ -5,21 +5,21 @@
 
 namespace tarnClient {
 
-// Where a pipe lies, as the system names it, and whether it can lie there.
+// The full name of a pipe on this system, and whether it is too long.
 struct PipeAddress
 {
     QString text;
-    // In units of the system.
+    // Of `text`, in `unit`: bytes or characters, depending on the system.
     qsizetype length;
     qsizetype longest;
     QLatin1StringView unit;
-    // What the user can do about one that is too long.
+    // What the user can do when it is too long.
     QLatin1StringView shortening;
 
     [[nodiscard]] bool isTooLong() const { return length > longest; }
 };
 
-// Of the pipe with this name; it need not exist.
+// For the pipe with this name, which need not exist.
 [[nodiscard]] PipeAddress pipeAddress(const QString &name);
 
 } // namespace tarnClient

@@ -9,10 +9,10 @@ namespace tarnClient {
 
 PipeAddress pipeAddress(const QString &name)
 {
-    // Where QLocalServer and QLocalSocket put it.
+    // The folder in which QLocalServer and QLocalSocket put it.
     const QString folder = name.startsWith(u'/') ? QString() : QDir::cleanPath(QDir::tempPath()) + u'/';
     const QString path = folder + name;
-    // Qt leaves one byte more free than the NUL character at the end.
+    // Besides the final NUL character, Qt leaves one byte free.
     constexpr qsizetype longest = qsizetype(sizeof(sockaddr_un::sun_path)) - 2;
     const bool isFolderLonger = QFile::encodeName(folder).size() > QFile::encodeName(name).size();
     return {path, QFile::encodeName(path).size(), longest, QLatin1StringView("bytes"),

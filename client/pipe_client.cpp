@@ -9,7 +9,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds connectTimeout(3000);
-// The service writes a message in one piece; the rest of one that pauses longer than this is lost.
+// The service writes a message in one piece; if its rest does not come within this time, it is lost.
 constexpr milliseconds stallTimeout(2000);
 
 } // namespace

@@ -19,18 +19,18 @@ public:
     explicit PipeClient(QString pipeName, QObject *parent = nullptr);
     ~PipeClient() override;
 
-    // Blocks while the pipe is busy; false when nobody serves it.
+    // Blocks while the pipe is busy; false when no service has it open.
     [[nodiscard]] bool open();
-    // False for a pipe that no service can have.
+    // False when the pipe's name is too long for any service.
     [[nodiscard]] bool canEverOpen() const;
     // Why the last open() failed and what the user can do about it.
     [[nodiscard]] QString openFailureText() const;
     [[nodiscard]] bool isOpen() const;
-    // One write, because the service takes what it reads at once for one request.
+    // One write, because the service takes the bytes of one read as one request.
     [[nodiscard]] bool send(const QByteArray &bytes);
-    // All bytes are handed to the system.
+    // True when all bytes have been handed to the system.
     [[nodiscard]] bool isDrained() const;
-    // Leaves at once and without a serviceGone(); what is not drained may be lost.
+    // Disconnects at once and without a serviceGone(); bytes that are not drained may be lost.
     void close();
 
 signals:

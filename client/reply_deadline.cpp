@@ -6,7 +6,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-// The service's 500 ms between two messages and a little for a busy computer.
+// The service's 500 ms between two messages and a margin for a busy computer.
 constexpr milliseconds messagePeriod(600);
 
 } // namespace

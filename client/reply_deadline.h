@@ -7,9 +7,8 @@
 
 namespace tarnClient {
 
-// How long an answer is waited for. The service sends its messages in order, one each half second, so that
-// every notification that was queued before the answer puts it off; each of them moves the deadline by as
-// much.
+// The time limit for an answer. The service sends its messages in order, one every 500 ms, so each
+// notification queued before the answer delays it; extend() moves the deadline by as much.
 class ReplyDeadline : public QObject
 {
     Q_OBJECT
@@ -22,7 +21,7 @@ public:
     // Another message came before the answer.
     void extend();
     [[nodiscard]] bool isRunning() const;
-    // As asked for, extensions left out.
+    // As given to start(), without extensions.
     [[nodiscard]] std::chrono::milliseconds timeout() const;
 
 signals:

@@ -11,8 +11,8 @@ namespace tarnClient {
 
 namespace {
 
-// "<process>-<random>-<number>": process ids come round again while an answer to an earlier process may still
-// wait in the service's queue.
+// "<process>-<random>-<number>": process ids are reused, and an answer to an earlier process may still wait
+// in the service's queue.
 QString nextTag()
 {
     static const QString process =

@@ -6,11 +6,11 @@
 
 namespace tarnClient {
 
-// The field that this tool adds to a request. The service echoes every field, so the answer can be told from
-// notifications, which use some of the same command names, and from answers to other clients.
+// The field that this tool adds to a request. The service echoes every field, so the field tells the answer
+// from notifications, which use some of the same command names, and from answers to other clients.
 inline constexpr QLatin1StringView tagKey("tarnctl");
 
-// What a command asks to be set, and what a query is answered with.
+// The value that a command sets, and the value in the answer to a query.
 inline constexpr QLatin1StringView dataKey("data");
 
 struct Request

@@ -24,7 +24,7 @@ QString noAnswerText(const QString &command, std::chrono::milliseconds timeout)
         reasons = QLatin1StringView("This service may not know the command, or another client may have taken "
                                     "the answer");
     } else if (entry->needsEc) {
-        // First what lasts: neither patience nor a new connection helps against it.
+        // The reserved EC comes first, because neither waiting nor a new connection helps against it.
         reasons = QLatin1StringView(
             "First see whether the EC is reserved: after an EC update or requestStartEcUpdate "
             "it stays so until the service is restarted, after requestEnterMcuUpdateMode until "

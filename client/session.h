@@ -14,18 +14,18 @@
 
 namespace tarnClient {
 
-// A request without an answer: how long the connection is kept, and kept free of further requests, so that
-// the service reads the request by itself and before it sees the client leave.
+// After a request that gets no answer: how long the connection stays open and no other request is sent, so
+// that the service reads the request alone and before it sees the disconnection.
 inline constexpr std::chrono::milliseconds silentLinger(300);
 // Shown in place of an answer to such a request.
 inline constexpr QLatin1StringView sentText("sent");
 
-// True for a command to which the service sends nothing back by design.
+// True for a command to which the service never sends an answer.
 [[nodiscard]] bool isAnsweredBySilence(const TypedCommand &command);
-// What an answer that does not come may mean.
+// Says that no answer has come, with the possible reasons.
 [[nodiscard]] QString noAnswerText(const QString &command, std::chrono::milliseconds timeout);
 
-// What every use of the pipe has in common: the connection, the deadline, the event loop and the exit code.
+// The common part of all uses of the pipe: the connection, the deadline, the event loop and the exit code.
 class Session : public QObject
 {
     Q_OBJECT
@@ -40,10 +40,10 @@ protected:
     [[nodiscard]] ExitCode waitForFinish();
     void finish(ExitCode code);
     [[nodiscard]] bool isFinished() const;
-    // The message if it is the answer with this tag. Any other puts the deadline off and is shown when the
-    // user wants to see what else arrives.
+    // The message if it is the answer with this tag. Any other message extends the deadline, and is shown
+    // with --verbose.
     [[nodiscard]] std::optional<Message> takeAnswer(const QString &tag, const QByteArray &bytes);
-    // Ends the run when the reader of the output has gone away.
+    // Ends the run when the reader of the output has closed it.
     void print(const QByteArray &line);
     void print(const QString &line);
     void printAnswer(const Message &message, const CommandEntry *entry);

@@ -10,9 +10,9 @@ namespace tarnClient {
 
 namespace {
 
-constexpr qint64 comparedAtOnce = 65536;
+constexpr qint64 comparedAtOnce = 65536; // bytes
 
-// Something has this name, a link that leads nowhere included.
+// True also for a symbolic link without a target.
 bool isNameTaken(const QString &path)
 {
     const QFileInfo entry(path);
@@ -62,7 +62,7 @@ std::optional<QString> StagedFirmware::objection(const QString &file, FirmwareKi
     if (!opened.open(QIODevice::ReadOnly))
         return QStringLiteral("\"%1\" cannot be read: %2.").arg(file, opened.errorString());
     if (opened.size() == 0) {
-        // The flasher would erase the MCU, write nothing and call that a success.
+        // The flasher would erase the MCU, write nothing and report success.
         return QStringLiteral("\"%1\" is empty.").arg(file);
     }
     return std::nullopt;
@@ -77,7 +77,7 @@ std::optional<QString> StagedFirmware::place(const QString &file)
     }
     if (!isNameTaken(path()))
         return copy(file);
-    // The file itself, under whatever path, or as good as that.
+    // The same file by another path, or one with the same content.
     if (haveSameContent(file, path()))
         return std::nullopt;
     return QStringLiteral(
@@ -111,7 +111,7 @@ void StagedFirmware::leave()
     copied = false;
 }
 
-// Under another name first: a copy that is not complete must not be flashed by anyone.
+// Under another name first, because an incomplete copy must not be flashed.
 std::optional<QString> StagedFirmware::copy(const QString &file)
 {
     const QString partial =
@@ -124,9 +124,9 @@ std::optional<QString> StagedFirmware::copy(const QString &file)
             .arg(source.errorString());
     }
     QFile target(partial);
-    // The copy of a protected file could not be taken away again.
+    // The copy of a write-protected file is write-protected too, and could not be removed.
     target.setPermissions(target.permissions() | QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    // Does not write over a file that has come up meanwhile.
+    // Fails when another file has got the name meanwhile, and does not replace it.
     if (!target.rename(path())) {
         return QStringLiteral("The file cannot be copied to the download folder: %1.")
             .arg(target.errorString());

@@ -9,8 +9,8 @@
 
 namespace tarnClient {
 
-// A firmware file as it lies in the download folder, from where the service takes it away. A file that lies
-// elsewhere is copied there, and the copy goes with this object unless the service has taken it.
+// A firmware file in the download folder, out of which the service moves it. A file from elsewhere is copied
+// there; the destructor removes the copy unless the service has taken it.
 class StagedFirmware
 {
 public:
@@ -19,19 +19,19 @@ public:
     StagedFirmware(const StagedFirmware &) = delete;
     StagedFirmware &operator=(const StagedFirmware &) = delete;
 
-    // What is wrong with the file, with what to do about it; nothing when it can be flashed.
+    // What is wrong with the file and what to do about it; nothing when it can be flashed.
     [[nodiscard]] static std::optional<QString> objection(const QString &file, FirmwareKind kind);
     // Puts a file without objection in place; says why when that cannot be done.
     [[nodiscard]] std::optional<QString> place(const QString &file);
-    // What the service is told.
+    // The bare file name, as the request carries it.
     [[nodiscard]] QString name() const;
-    // Where the file lies for the service.
+    // Where the service finds the file.
     [[nodiscard]] QString path() const;
     // False when it was there already: then the service takes the user's own file.
     [[nodiscard]] bool isCopy() const;
-    // The file has not been taken.
+    // False once the service has taken the file.
     [[nodiscard]] bool isThere() const;
-    // The copy stays, because the service may still take it.
+    // Makes the destructor keep the copy, because the service may still take it.
     void leave();
 
 private:
@@ -41,7 +41,7 @@ private:
     QString folder;
     QString fileName;
     bool copied = false;
-    // The copy as it was made: another file of its name, put there since, is not removed.
+    // Size and time of the copy when it was made: another file put there since under its name is not removed.
     qint64 copySize = 0;
     QDateTime copyTime;
 };

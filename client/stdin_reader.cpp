@@ -11,27 +11,27 @@ namespace tarnClient {
 
 namespace {
 
-// A large file at the input waits in the pipe and not in memory.
+// A limit, so that a large input waits in the pipe and not in memory.
 constexpr std::size_t mostWaitingLines = 256;
 
-// Not felt by someone who types.
+// Too short to be noticed while typing.
 constexpr std::chrono::milliseconds pollPeriod(30);
 
 std::atomic<int> readingThreads = 0;
 
 } // namespace
 
-// Outlives the reader when its thread does.
+// Shared with the thread, which may outlive the reader.
 struct StdinReader::Shared
 {
     std::mutex mutex;
     std::condition_variable roomForLines;
     std::deque<std::string> lines;
     bool ended = false;
-    // The reader is gone.
+    // The StdinReader has been destroyed.
     bool unwanted = false;
 
-    // False when nobody wants lines any more.
+    // False when the StdinReader has been destroyed.
     bool add(std::string line)
     {
         std::unique_lock lock(mutex);

@@ -19,7 +19,7 @@ class StdinReader : public QObject
 
 public:
     explicit StdinReader(std::shared_ptr<std::istream> input, QObject *parent = nullptr);
-    // Does not wait for a line: a thread that still reads is left behind.
+    // Does not wait for a line: a thread that still reads is detached.
     ~StdinReader() override;
 
     [[nodiscard]] std::optional<QString> takeLine();
@@ -27,7 +27,7 @@ public:
     [[nodiscard]] std::optional<QString> nextLine() const;
     // The input has ended and every line has been taken.
     [[nodiscard]] bool isExhausted() const;
-    // A thread still waits for input that will not come; only ending the process at once gets rid of it.
+    // A thread still waits for input and cannot be stopped, so the process has to end without waiting for it.
     [[nodiscard]] static bool hasThreadLeftBehind();
 
 signals:

@@ -16,7 +16,7 @@ namespace tarnClient {
 
 namespace {
 
-// One of the tool's own words; everything else is a command of the service.
+// A command that tarnctl itself carries out; any other word is a command of the service.
 struct Verb
 {
     QLatin1StringView name;
@@ -34,7 +34,7 @@ ExitCode refuse(ToolStreams &streams, const QString &text)
 
 ExitCode show(ToolStreams &streams, const QString &text)
 {
-    // Nobody is left to be told when the reader of the output has gone.
+    // A failed write is ignored: the reader of the output has closed it.
     static_cast<void>(streams.printLine(text));
     return ExitCode::Done;
 }
@@ -69,7 +69,7 @@ ExitCode runRaw(const ToolOptions &options, const QStringList &arguments, ToolSt
     return RawExchange(options, streams, bytes).run();
 }
 
-// The file goes to where the service looks for it.
+// The service looks for the file in the download folder.
 ExitCode runUpdate(
     const UpdatePlan &plan, const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
 {

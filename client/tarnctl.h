@@ -6,8 +6,8 @@
 
 namespace tarnClient {
 
-// The whole tool: the first argument is the program's name, the result the process's exit code. Needs an
-// application object.
+// The whole tool: the first argument is the program's name, the result the process's exit code. A
+// QCoreApplication must exist.
 [[nodiscard]] int runTarnctl(const QStringList &arguments, ToolStreams streams);
 
 } // namespace tarnClient

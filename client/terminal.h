@@ -2,9 +2,9 @@
 
 namespace tarnClient {
 
-// A person types the standard input, rather than a file or another program supplying it.
+// True when the standard input is a terminal, not a file or a pipe.
 [[nodiscard]] bool inputIsTerminal();
-// A person sees the error output as it is written, so that a line may be written over.
+// True when the error output is a terminal, on which a line may be overwritten.
 [[nodiscard]] bool errorsAreTerminal();
 
 } // namespace tarnClient

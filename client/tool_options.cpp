@@ -10,7 +10,7 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr QLatin1StringView defaultPipeName("tarnPipe");
-// Timers count milliseconds in an int.
+// Timers count milliseconds in an int, which holds 24 days.
 constexpr int longestDays = 7;
 constexpr int longestSeconds = longestDays * 24 * 3600;
 

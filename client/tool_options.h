@@ -8,14 +8,14 @@
 
 namespace tarnClient {
 
-// The command line, taken apart.
+// The parsed command line.
 struct ToolOptions
 {
     QString pipeName;
     std::optional<std::chrono::milliseconds> timeout {};
     std::optional<std::chrono::milliseconds> duration {};
     std::optional<int> count {};
-    // Of the MCU's firmware, in the form that the service gives it.
+    // Version of the MCU's firmware, in the form of the service's answer, such as 1.23.
     std::optional<QString> expectedVersion {};
     bool json = false;
     bool verbose = false;

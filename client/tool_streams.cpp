@@ -4,7 +4,7 @@ namespace tarnClient {
 
 bool ToolStreams::printLine(const QByteArray &line)
 {
-    // Flushed line by line: a script behind a pipe wants each notification when it happens.
+    // Flushed line by line: a script behind a pipe needs each notification when it happens.
     output.write(line.constData(), line.size()).put('\n').flush();
     return output.good();
 }

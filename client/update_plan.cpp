@@ -11,11 +11,11 @@ using std::chrono::seconds;
 // The service's five pauses of 1 s before it runs the flasher.
 constexpr milliseconds bootLoaderSwitching = seconds(5);
 
-// The service sees an accessory within a second of its being attached, and about 4 s after its own start.
-constexpr milliseconds accessoryPatience = seconds(8);
+// The service sees an accessory within 1 s after it is attached, and about 4 s after its own start.
+constexpr milliseconds accessoryWait = seconds(8);
 
-// The service's pauses before the boot loader, between the writes to the EC and after the flasher last 10 s,
-// so an answer that comes sooner is that of an update which ended before the first of these writes.
+// The service's pauses before the boot loader, between the writes to the EC and after the flasher last 10 s
+// in all. An answer that comes sooner is from an update that ended before the first of these writes.
 constexpr milliseconds shortestSwitching = seconds(9);
 
 constexpr UpdatePhase accessoryPhases[] = {
@@ -33,9 +33,9 @@ constexpr UpdatePhase mcuPhases[] = {
 constexpr UpdatePhase ecPhases[] = {{milliseconds(0), L("running the EC tool")}};
 
 constexpr UpdateStep mcuSteps[] = {
-    // First, because a service that cannot reach the EC does not see accessories come and go. And an EC that
-    // is
-    // reserved would keep the update waiting behind the schedule that is shown, with the file gone.
+    // The version comes first, because a service that cannot reach the EC does not see accessories come and
+    // go. Also, while the EC is reserved the update would wait, with the file already taken and wrong phases
+    // shown.
     {
         .command = L("getMcuVersion"),
         .isPrecaution = true,
@@ -51,7 +51,7 @@ constexpr UpdateStep mcuSteps[] = {
         .command = L("getAccessoryType"),
         .isPrecaution = true,
         .wanted = L("k_vane"),
-        .patience = accessoryPatience,
+        .patience = accessoryWait,
         .phases = accessoryPhases,
         .refusedText = L("The update needs a KVane, and the service sees \"%1\". Nothing has been touched.\n"
                          "Attach a KVane and try again.\n--force sends the request all the same."),

@@ -9,34 +9,36 @@
 
 namespace tarnClient {
 
-// What the service is presumably doing from a moment of its schedule on. It sends nothing before its answer.
+// What the service does from this time of its schedule on, counted from the start of the step. An estimate:
+// the service sends nothing before its answer.
 struct UpdatePhase
 {
     std::chrono::milliseconds begins;
     QLatin1StringView text;
 };
 
-// One request of an update, and what stands when the update ends with it.
+// One request of an update, and the texts for an update that ends at it.
 struct UpdateStep
 {
     QLatin1StringView command;
-    // Carries the file's name; from here on the file is the service's to take.
+    // The request carries the file's name; once it is sent, the service may take the file.
     bool takesFile = false;
     // Left out with --force.
     bool isPrecaution = false;
     // Its answer is the version that runs before the update.
     bool tellsVersion = false;
-    // The value of "data" without which the update does not go on; empty: any will do.
+    // The value of "data" with which the update goes on; empty: any value.
     QLatin1StringView wanted;
-    // How long to go on asking while another value comes.
+    // How long the request is repeated while another value comes.
     std::chrono::milliseconds patience {0};
     std::span<const UpdatePhase> phases;
-    // Another value came; "%1" stands for it.
+    // Shown when another value came, for which "%1" stands.
     QLatin1StringView refusedText;
-    // The same, sooner after the request than the service can have touched the device.
+    // Shown instead when it came within `untouchedBefore` after the request: too soon for the service to have
+    // touched the device.
     QLatin1StringView untouchedText;
     std::chrono::milliseconds untouchedBefore {0};
-    // Nobody waits any more, but the service goes on.
+    // Shown when tarnctl stops waiting, but the service goes on.
     QLatin1StringView goesOnText;
     QLatin1StringView serviceGoneText;
 };
@@ -47,19 +49,19 @@ struct UpdatePlan
     QLatin1StringView verb;
     FirmwareKind kind;
     std::span<const UpdateStep> steps;
-    // Said at the start.
+    // Shown at the start.
     QLatin1StringView notice;
     // "%1" stands for the value of this key in the last answer.
     QLatin1StringView versionKey;
     QLatin1StringView doneText;
-    // The same without a version, where there should be one.
+    // Shown instead when the answer should have a version but has none.
     QLatin1StringView noVersionText;
     // The version that an MCU without a working firmware has, and what it means.
     QLatin1StringView nothingRunsVersion;
     QLatin1StringView nothingRunsText;
-    // "%1" runs, but "%2" should.
+    // Shown when version "%1" runs, but "%2" should.
     QLatin1StringView otherVersionText;
-    // What to do after it; the latter where the version is that of before.
+    // What to do after the update; sameVersionText when the version has not changed.
     QLatin1StringView adviceText;
     QLatin1StringView sameVersionText;
 };

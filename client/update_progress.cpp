@@ -67,7 +67,7 @@ const UpdatePhase *UpdateProgress::phaseAt(milliseconds now) const
     return found;
 }
 
-// Blanks instead of an escape sequence that erases: older Windows consoles show such a sequence as it is.
+// Erases with blanks and not with an escape sequence, which older Windows consoles would print.
 void UpdateProgress::write(const QString &text)
 {
     const QString padded = text.leftJustified(lineShown.size());

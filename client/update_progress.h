@@ -5,20 +5,20 @@
 
 namespace tarnClient {
 
-// Shows a person where an update stands, on the error output: on a terminal one line that is written over,
-// elsewhere a line for each phase. Times count from the start of the update.
+// Shows the progress of an update on the error output: on a terminal one line that is overwritten, elsewhere
+// a line for each phase. Times count from the start of the update.
 class UpdateProgress
 {
 public:
     UpdateProgress(ToolStreams &streams, bool isQuiet);
 
-    // A step begins. The phases have to outlive it.
+    // A step begins. The phases must exist until it ends.
     void begin(std::span<const UpdatePhase> phasesOfStep, std::chrono::milliseconds now);
-    // Writes only when there is something new to see, so that it may be called often.
+    // Writes only when the text has changed, so it may be called often.
     void show(std::chrono::milliseconds now);
-    // Takes the line away, so that something else can be written; the next show() brings it back.
+    // Erases the line, so that something else can be written; the next show() writes it again.
     void clear();
-    // Nothing is shown any more.
+    // Erases the line; nothing is shown any more.
     void end();
 
 private:
@@ -30,7 +30,7 @@ private:
     std::span<const UpdatePhase> phases;
     std::chrono::milliseconds stepBegan {0};
     const UpdatePhase *shown = nullptr;
-    // What stands on the terminal.
+    // The line on the terminal now.
     QString lineShown;
 };
 

@@ -13,8 +13,9 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds retryPeriod(1000);
-// When a connection ends, the service writes to nobody until the next one comes. So it has to notice the end
-// of the old connection first, also on a busy computer; noticed after it, that would silence the new one.
+// When the service notices a disconnection, it sends nothing to any client until the next connection. So it
+// must notice the end of the old connection before the new one comes, also on a busy computer; else it would
+// send nothing on the new one.
 constexpr milliseconds leavePause(800);
 
 constexpr QLatin1StringView eventKind("event");
@@ -26,7 +27,7 @@ constexpr QLatin1StringView reconnectWord("reconnect");
 constexpr QLatin1StringView quitWord("quit");
 constexpr QLatin1StringView exitWord("exit");
 
-// What is typed to the tool itself, an empty line included; all else is to be sent.
+// Words that the tool itself obeys, and the empty line; all others are sent as commands.
 bool isOwnWord(const QString &word)
 {
     return word.isEmpty() || word == helpWord || word == reconnectWord || word == quitWord
@@ -171,16 +172,16 @@ void Watch::handleNextLines()
             handleLine(*line);
             continue;
         }
-        // A person who ends the input wants to leave; a script that has no more commands may well want to go
-        // on watching.
+        // A user who ends the input at a terminal wants to quit; a script without further commands may want
+        // to go on watching.
         if (!isWaiting && streams.interactive && reader->isExhausted())
             finish(ExitCode::Done);
         return;
     }
 }
 
-// A person whose answer does not come, because another client came and went, need not wait for the end of the
-// time limit. The lines of a script keep their order.
+// At a terminal, help and reconnect are taken while an answer is pending, because it may never come when
+// another client came and went. The lines of a script keep their order.
 std::optional<QString> Watch::takeUrgentLine()
 {
     const std::optional<QString> line = streams.interactive ? reader->nextLine() : std::nullopt;
@@ -228,7 +229,7 @@ void Watch::sendCommand(const TypedCommand &command)
     }
     const Request request = buildRequest(command);
     if (!client.send(request.bytes)) {
-        // The loss of the connection is reported by its own signal.
+        // The lost connection is reported by serviceGone().
         return;
     }
     if (!isAnsweredBySilence(command)) {
@@ -266,7 +267,7 @@ void Watch::handleExpiry()
     handleNextLines();
 }
 
-// A script has to learn that commands of its own were left over.
+// Reports commands without an answer and commands not sent, so that a script does not take them for done.
 void Watch::endWatching()
 {
     QStringList left;

@@ -7,8 +7,8 @@
 
 namespace tarnClient {
 
-// Shows notifications as they come and sends the commands that are typed meanwhile, one at a time: the
-// service serves one client, so that watching and asking have to share a connection.
+// Shows notifications as they come and sends the commands that are typed meanwhile, one at a time. The
+// service serves one client, so notifications and commands share a connection.
 class Watch : public Session
 {
     Q_OBJECT
@@ -43,7 +43,7 @@ private:
     // The command that waits for its answer; an empty tag: none.
     TypedCommand pending;
     QString pendingTag;
-    // A request that gets no answer has just been sent; the next has to wait.
+    // A request that gets no answer has just been sent; the next must wait for `silentLinger`.
     bool lingering = false;
     int notifications = 0;
 };
