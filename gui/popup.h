@@ -6,7 +6,7 @@
 
 namespace tarnGui {
 
-// What the service reads from the end of the process. It takes everything but Yes for a no.
+// The exit codes that the service reads. It takes every code but Yes for a no.
 enum class ExitCode {
     No = 0,
     Yes = 1,
@@ -26,7 +26,7 @@ struct PopupButton
     ExitCode answer;
 };
 
-// One of the windows the program can show. Texts point at literals and end with a zero.
+// One of the windows the program can show. All texts are literals that end with a zero.
 struct Popup
 {
     std::wstring_view commandSwitch;

@@ -13,7 +13,7 @@ constexpr PopupButton yesNo[] = {
 constexpr PopupButton okOnly[] = {
     {L"OK", ExitCode::No},
 };
-// No is the safe answer: nothing is lost by pressing the key on the box again.
+// No is the safe answer: the user can press the key on the box again.
 constexpr std::size_t noButton = 1;
 
 constexpr std::wstring_view disengageParagraphs[] = {

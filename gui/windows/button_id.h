@@ -8,13 +8,13 @@
 
 namespace tarnGui {
 
-// Whatever is no yes has the number with which Escape and the window's cross answer.
+// Every button but Yes has the number that Escape and the window's close button give.
 [[nodiscard]] constexpr int buttonIdOf(const PopupButton &button)
 {
     return button.answer == ExitCode::Yes ? IDYES : IDCANCEL;
 }
 
-// Nothing for the numbers of buttons that no popup has: there was no window.
+// Nothing for any other number: no window was shown.
 [[nodiscard]] constexpr std::optional<ExitCode> answerOf(int buttonId)
 {
     switch (buttonId) {

@@ -22,7 +22,7 @@ void writeError(std::wstring_view text)
 {
     const HANDLE output = errorHandle();
     if (!output || output == INVALID_HANDLE_VALUE) {
-        return; // Nobody is listening.
+        return; // There is no console to write to.
     }
     std::string bytes;
     for (const wchar_t letter : text)

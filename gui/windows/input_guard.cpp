@@ -6,15 +6,15 @@ namespace tarnGui {
 
 namespace {
 
-constexpr LONG deafMs = 1000;
-// In the parameter of a key's message: it was down before.
+constexpr LONG ignoreInputMs = 1000;
+// Bit in the lParam of a key's message: the key was down before.
 constexpr LPARAM wasDown = 1 << 30;
 
-// When the first window appeared: a hook is given no context. In milliseconds of GetTickCount, which count
-// the time of messages too.
+// When the first window appeared, in milliseconds of GetTickCount, as the times of messages. Global, because
+// a hook gets no context.
 std::optional<DWORD> shownAt;
 
-// A window that is shown is told at once to paint itself.
+// A window gets a paint message as soon as it is shown, so the hook notices it in time.
 void noteFirstWindow(const MSG &message)
 {
     if (!shownAt && IsWindowVisible(GetAncestor(message.hwnd, GA_ROOT)))
@@ -44,7 +44,7 @@ bool isLetterKey(WPARAM key)
     return (key >= L'A' && key <= L'Z') || (key >= L'0' && key <= L'9');
 }
 
-// With Alt they would be system keys. With Ctrl they are commands, such as the one that copies the text.
+// Letters with Alt are system keys and pass. So do letters with Ctrl, which are commands such as Ctrl+C.
 bool isTyped(const MSG &message)
 {
     if (message.message == WM_CHAR)
@@ -57,11 +57,11 @@ bool isHeldKey(const MSG &message)
     return isKeyPress(message) && (message.lParam & wasDown) != 0;
 }
 
-// Signed, because the user may have pressed it before there was a window.
+// A signed difference, because the message may be older than the window.
 bool isTooEarly(const MSG &message)
 {
     return (isKeyPress(message) || isMousePress(message))
-        && (!shownAt || static_cast<LONG>(message.time - *shownAt) < deafMs);
+        && (!shownAt || static_cast<LONG>(message.time - *shownAt) < ignoreInputMs);
 }
 
 LRESULT CALLBACK look(int code, WPARAM wide, LPARAM lengthy)

@@ -7,10 +7,11 @@
 
 namespace tarnGui {
 
-// The window may come up while somebody is typing or clicking elsewhere, and then has the keyboard. While
-// this lives, the windows of its thread never see what was meant for another program: bare letters and
-// digits, which buttons take for Alt and that letter; keys that were held down already; and whatever is
-// pressed within the window's first second. Other ways to close the window, such as WM_CLOSE, are left alone.
+// The window may come up and take the keyboard while the user types or clicks in another program. While a
+// guard exists, the windows of its thread do not get input that was meant for that program: letters and
+// digits without Alt, which buttons take for Alt and that letter; keys that were held down before; and keys
+// and mouse buttons pressed within the window's first second. Other ways to close the window, such as
+// WM_CLOSE, are left alone.
 class InputGuard
 {
 public:

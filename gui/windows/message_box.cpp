@@ -9,7 +9,7 @@ namespace tarnGui {
 
 namespace {
 
-// The second of "Yes" and "No" is the default. Such a box has no cross and ignores Escape.
+// The second of "Yes" and "No" is the default. Such a box has no close button and ignores Escape.
 constexpr UINT questionStyle = MB_YESNO | MB_DEFBUTTON2 | MB_ICONQUESTION;
 constexpr UINT noticeStyle = MB_OK | MB_ICONWARNING;
 

@@ -17,14 +17,14 @@ namespace tarnGui {
 
 namespace {
 
-// In quarters of a letter, so it grows with the font. The width that Windows would choose leaves lines of one
-// word.
+// In dialog units, quarters of a letter, so it grows with the font. With the width that Windows would choose,
+// some lines have only one word.
 constexpr UINT widthDialogUnits = 280;
 
 using TaskDialogFunction = decltype(&TaskDialogIndirect);
 
-// By name: version 5 of the library has no such function, and a program that needs it at its start would be
-// ended by the loader.
+// Looked up by name, because version 5 of the library has no such function and a program that imports it
+// would not start there.
 TaskDialogFunction taskDialogFunction()
 {
     const HMODULE controls = LoadLibraryW(L"comctl32.dll");
@@ -46,7 +46,7 @@ OwnedIcon loadProgramIcon(int metric)
         MAKEINTRESOURCEW(TARN_PROGRAM_ICON), IMAGE_ICON, size, size, LR_DEFAULTCOLOR)));
 }
 
-// The window uses them until it has gone.
+// They must outlive the window.
 struct WindowIcons
 {
     OwnedIcon taskBar = loadProgramIcon(SM_CXICON);
@@ -92,7 +92,7 @@ std::optional<ExitCode> askByTaskDialog(const Popup &popup)
     dialog.pszMainInstruction = popup.title.data();
     dialog.pszContent = content.c_str();
     if (popup.kind == PopupKind::Question) {
-        // There is no question mark among the icons that a task dialog knows by itself.
+        // A task dialog has no question mark among its own icons.
         dialog.dwFlags |= TDF_USE_HICON_MAIN;
         dialog.hMainIcon = LoadIconW(nullptr, IDI_QUESTION);
     } else {

@@ -6,7 +6,7 @@ namespace {
 
 constexpr UINT flashCount = 5;
 
-// What the task bar leaves free of the screen with the mouse pointer.
+// The screen with the mouse pointer, without the task bar.
 RECT activeWorkArea()
 {
     POINT pointer {};
@@ -28,7 +28,7 @@ void placeOnTop(HWND window)
 {
     SetWindowLongPtrW(window, GWL_EXSTYLE, GetWindowLongPtrW(window, GWL_EXSTYLE) | WS_EX_APPWINDOW);
     const RECT screen = activeWorkArea();
-    // A screen of another scale changes the size of a window that comes to it.
+    // First into the corner, because a screen of another scale changes the size of a window moved to it.
     moveTo(window, screen.left, screen.top);
     RECT place {};
     GetWindowRect(window, &place);
