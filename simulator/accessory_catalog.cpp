@@ -10,7 +10,7 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-// The versions differ in every field, so that a mixed-up read shows.
+// The versions differ in every field, so that a test notices when fields are mixed up.
 constexpr Accessory CATALOG[] = {
     {"dock", ACCESSORY_DOCK, 2, 1, 2, 3, "dock with an LED"},
     {"graphics", ACCESSORY_GRAPHICS, 5, 2, 10, 0, "graphics box"},

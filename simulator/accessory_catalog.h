@@ -25,7 +25,7 @@ struct Accessory
 // Null when there is no accessory of that name, or with that code.
 [[nodiscard]] const Accessory *findAccessory(std::string_view name);
 [[nodiscard]] const Accessory *findAccessory(std::uint8_t code);
-// The code of what is attached and linked, else that of nothing.
+// The code of the accessory that is attached and linked, else ACCESSORY_NONE.
 [[nodiscard]] std::uint8_t linkedAccessory(const MachineState &state);
 // A device that no host software knows.
 [[nodiscard]] Accessory unknownAccessory(std::uint8_t code);

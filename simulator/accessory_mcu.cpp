@@ -84,7 +84,7 @@ AccessoryMcu::Start AccessoryMcu::startAfterReset() const
     return (controlByte() & BOOT_BITS) == BOOT_BITS ? Start {McuMode::BootLoader, {}} : startOfFirmware();
 }
 
-// Without a firmware there is nobody to tell a version; the link is not the MCU's affair.
+// Without a firmware the version is 0.0.0; the link status does not depend on the firmware.
 AccessoryMcu::Start AccessoryMcu::startOfFirmware() const
 {
     const auto version = findFirmware(McuMemory(state.bootLoader).flash());
@@ -107,7 +107,7 @@ void AccessoryMcu::enter(const Start &next)
     report(next);
 }
 
-// A run that a reset has ended in the meantime starts nothing and tells nothing.
+// Does nothing when a reset has ended that run in the meantime.
 void AccessoryMcu::leave(std::uint32_t ofRun, const Start &next)
 {
     std::uint32_t expected = ofRun;

@@ -12,11 +12,12 @@ enum class McuMode : std::uint8_t {
     Firmware,
     BootLoader,
     HeldInReset,
-    NoFirmware, // started, but there is nothing sensible in the flash
+    NoFirmware, // started without a valid firmware in the flash
 };
 
-// The MCU of the KVane and what the EC does to it. What runs is decided when reset ends: with both bits set
-// the boot loader, else the firmware in the flash, whose version the EC then reports.
+// The MCU of the KVane and what the EC does to it. The end of a reset decides what runs: the boot loader when
+// MCU_UPDATE_ON and MCU_BOOT_LOADER_SELECT are set, else the firmware in the flash, whose version the EC then
+// reports.
 class AccessoryMcu
 {
 public:
@@ -26,24 +27,25 @@ public:
 
     // Factory condition: a firmware of the version that the KVane has in the accessory catalog.
     void restore();
-    // The connector has given it power.
+    // To be called when the KVane gets power, because it has been attached.
     void powerUp();
-    // The control byte has been written. Without a KVane nobody is there to be reset.
+    // To be called when EC_MCU_UPDATE_CTRL has been written. Without a KVane nothing happens.
     void obeyControlByte();
 
     [[nodiscard]] McuMode mode() const;
     // Another value after each start.
     [[nodiscard]] std::uint32_t run() const { return state.bootLoader.run.load(); }
-    // Is there a boot loader at the other end of the serial line?
+    // True when a boot loader is at the other end of the serial line.
     [[nodiscard]] bool isInBootLoader() const;
 
-    // What the boot loader of that run does last. Nothing happens when it has been reset in the meantime.
+    // How the boot loader of that run ends; leaveForNothing() starts an address without a firmware. Nothing
+    // happens when the MCU has been reset in the meantime.
     void startFirmware(std::uint32_t ofRun);
     void leaveForNothing(std::uint32_t ofRun);
     void restart(std::uint32_t ofRun);
 
 private:
-    // What begins to run, and the version that it tells the EC; without one the EC keeps that of before.
+    // What starts, and the version that it reports to the EC; without one the EC keeps the one it has.
     struct Start
     {
         McuMode mode;

@@ -14,8 +14,8 @@ using namespace tarnDeviceInfos;
 struct ApplicationMailbox::Command
 {
     std::uint8_t code;
-    void (ApplicationMailbox::*begin)(); // null: nothing is handed over
-    void (ApplicationMailbox::*finish)(); // null: nothing was asked for
+    void (ApplicationMailbox::*begin)(); // null: the command has no data
+    void (ApplicationMailbox::*finish)(); // null: the command has no answer
 };
 
 const ApplicationMailbox::Command ApplicationMailbox::COMMANDS[] = {
@@ -61,7 +61,7 @@ void ApplicationMailbox::advance()
     const Command *known = find(mailbox.pending.load());
     if (known != nullptr && known->finish != nullptr)
         (this->*known->finish)();
-    mailbox.pending.store(0); // once only, also while the fault keeps the command byte
+    mailbox.pending.store(0); // finished once only, also while the fault keeps the command byte
     if (faults.isOn(Fault::MailboxStuck))
         return;
     mailbox.busy.store(0);

@@ -6,10 +6,10 @@
 
 namespace tarnSimulator {
 
-// Executes the application commands: lights, KVane serial number and GPU state. What the host hands over is
-// taken when the command byte is written; what it asks for is in the data bytes when the command byte goes
-// back to 0, after timing.mailboxBusyMs, and not before. The next command is accepted in the meantime, and
-// the one before it then leaves no answer.
+// Executes the application commands: lights, KVane serial number and GPU state. The host's data is taken when
+// the command byte is written. The answer is in the data bytes when the command byte goes back to 0, after
+// timing.mailboxBusyMs, and not before. A command written in the meantime is accepted, and the one before it
+// then leaves no answer.
 class ApplicationMailbox
 {
 public:
@@ -20,8 +20,8 @@ public:
     { }
 
     void execute(std::uint8_t command);
-    // Loads the answer and clears the command byte when its time has come. To be called before the host
-    // looks.
+    // Loads the answer and clears the command byte when that is due. To be called before each access of the
+    // host.
     void advance();
 
 private:

@@ -29,7 +29,7 @@ std::size_t pageListLength(std::span<const std::uint8_t> input)
     return input[0] == ALL_PAGES ? 2 : listLength(input);
 }
 
-// More pages than there are: refused without waiting for them.
+// A list of more pages than there are is refused without waiting for it.
 std::size_t extendedPageListLength(std::span<const std::uint8_t> input)
 {
     if (input.size() < 2)
@@ -42,10 +42,10 @@ std::size_t extendedPageListLength(std::span<const std::uint8_t> input)
 
 } // namespace
 
-// What is sent in one piece and answered as a whole; in the order of the phases, from AwaitsCommand on.
+// A piece of input that gets one answer. The rows are in the order of the phases, from AwaitsCommand on.
 struct BootLoader::Step
 {
-    Length length; // of the whole piece, as far as the input that is there tells
+    Length length; // of the whole piece, as far as the input so far tells
     void (BootLoader::*finish)(Input input);
 };
 
@@ -94,7 +94,7 @@ std::vector<std::uint8_t> BootLoader::receive(std::span<const std::uint8_t> byte
 {
     reply.clear();
     for (const std::uint8_t byte : bytes) {
-        // Each byte may be the one that makes it leave.
+        // Checked for each byte, because any byte may make the MCU leave its boot loader.
         if (!mcu.isInBootLoader())
             break;
         joinConversation();
@@ -112,7 +112,7 @@ bool BootLoader::isDead() const
     return lastBlock && state.blocksWritten.load() >= static_cast<std::uint32_t>(*lastBlock);
 }
 
-// A start of the MCU ends whatever was going on.
+// A start of the MCU ends the conversation before it.
 void BootLoader::joinConversation()
 {
     const std::uint32_t run = mcu.run();
@@ -142,7 +142,7 @@ void BootLoader::take(std::uint8_t byte)
     (this->*step.finish)(input);
 }
 
-// The host's speed is measured with this byte; others are noise to a chip that does not know the speed yet.
+// The chip measures the baud rate with INIT; before that, other bytes are noise to it.
 void BootLoader::answerInit(std::uint8_t byte)
 {
     if (byte != INIT)

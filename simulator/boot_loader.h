@@ -13,14 +13,14 @@
 namespace tarnSimulator {
 
 // The boot loader in the system memory of the KVane's MCU, as its maker describes it in application note
-// AN3155, protocol version 2.2. All it knows is in the machine state. One at a time may serve the serial
-// line; the EC may reset the MCU at any moment.
+// AN3155, protocol version 2.2. Its whole state is in the machine state. Only one object at a time may serve
+// the serial line; the EC may reset the MCU at any moment.
 class BootLoader
 {
 public:
     explicit BootLoader(MachineState &machine);
 
-    // What the host has sent, and what comes back for it: nothing when the line is dead.
+    // Takes bytes from the host and returns the answer, which is empty when the line is dead.
     [[nodiscard]] std::vector<std::uint8_t> receive(std::span<const std::uint8_t> bytes);
 
 private:

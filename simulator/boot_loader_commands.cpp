@@ -156,7 +156,7 @@ void BootLoader::protectReadout()
     mcu.restart(state.conversationRun.load());
 }
 
-// Costs the contents of the flash: that is the sense of the protection.
+// Erases the flash, so that protected contents cannot be read out.
 void BootLoader::releaseReadout()
 {
     state.writeProtected.store(0);
@@ -167,7 +167,7 @@ void BootLoader::releaseReadout()
 }
 
 // This chip has the plain erase command. The extended one, which later chips have in its place, is understood
-// as well, but not told.
+// as well, but not listed.
 void BootLoader::tellCommands()
 {
     constexpr std::uint8_t TOLD[] = {GET, GET_VERSION, GET_ID, READ_MEMORY, GO, WRITE_MEMORY, ERASE,
@@ -184,7 +184,7 @@ void BootLoader::tellVersion()
     if (isDead())
         return;
     answer(VERSION);
-    answer(0); // two bytes that were once about read protection
+    answer(0); // two bytes that once described the read protection
     answer(0);
     confirm(true);
 }
@@ -197,7 +197,8 @@ void BootLoader::tellId()
     confirm(true);
 }
 
-// From RAM nothing can be run here but what flashers put there: a few instructions that reset the MCU.
+// Code in RAM is not executed. Flashers put there only a few instructions that reset the MCU, so a start in
+// RAM resets it here.
 void BootLoader::go()
 {
     const auto offset = McuMemory::flashOffset(state.address.load());

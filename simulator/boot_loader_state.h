@@ -13,15 +13,15 @@ inline constexpr std::size_t MCU_RAM_SIZE = 0x5000;
 // The longest input of the boot loader that has to be kept: an extended erase of all 128 pages.
 inline constexpr std::size_t BOOT_LOADER_INPUT_SIZE = 288;
 
-// The MCU of the KVane: what is in its memories, and how far its boot loader is in a conversation.
+// The MCU of the KVane: its memories, and the state of the conversation with its boot loader.
 struct BootLoaderState
 {
-    SharedWord run; // number of starts << 8 | McuMode; changes in one step, whoever changes it
+    SharedWord run; // number of starts << 8 | McuMode; changed by compare-exchange only
     SharedWord conversationRun; // the value of `run` that the conversation below belongs to
     SharedWord address;
     SharedWord blocksWritten; // since the last start or erase
     SharedWord writeProtected; // a bit for each of the 32 sectors of 4 KiB
-    SharedHalf received; // bytes of the input that are there
+    SharedHalf received; // bytes of the input so far
     SharedByte phase;
     SharedByte command;
     SharedByte versionAsked;

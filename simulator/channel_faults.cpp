@@ -70,8 +70,8 @@ void ChannelFaults::dealWithInput()
 }
 
 // A refused read is never answered. A refused write leaves its address in the input buffer, so that IBF stays
-// set, until the host has given up looking: were it for a time instead, a slow host would find the channel
-// free again and take the write for done.
+// set for so many status reads that the host gives up. With a time instead of a number, a slow host would
+// find the channel free again and take the write for done.
 void ChannelFaults::refuse(AccessKind kind)
 {
     state.counters.refusedAccesses.fetch_add(1);

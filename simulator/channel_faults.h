@@ -7,22 +7,22 @@
 
 namespace tarnSimulator {
 
-// When the EC gets round to the bytes in its channel: at once, unless it is set to take its time or one of
-// the faults of the channel is on. The channel itself knows nothing of that.
+// Decides when the EC processes the bytes in its channel: at once, unless a delay is set or one of the faults
+// of the channel is on. EcChannel itself knows no delays and no faults.
 class ChannelFaults
 {
 public:
     ChannelFaults(MachineState &machine, const NowMs &clock, FaultPanel &panel, EcChannel &ecChannel);
 
-    // To be called around each access of the host: nothing runs by itself.
+    // To be called before and after each access of the host, because the EC has no thread of its own.
     void letEcWork();
     // The host is about to put a byte into the input buffer.
     void beginByte();
 
-    // What the host sees at a look at the status.
+    // What a status read of the host shows.
     [[nodiscard]] bool showsOutputFull() const;
     [[nodiscard]] bool showsInputFull() const;
-    // One look is over.
+    // To be called after each status read.
     void endLook();
 
 private:

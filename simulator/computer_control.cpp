@@ -23,8 +23,8 @@ void ComputerControl::reset()
     powerOn(machine);
 }
 
-// The link comes up last: a host that sees it finds the identity complete. A KVane comes with the firmware
-// that was flashed into it last.
+// The link status is set last, so that a host that sees it finds all identity registers set. A KVane has the
+// firmware that was flashed into it last.
 void ComputerControl::attach(const Accessory &accessory)
 {
     setHardwareVersion(accessory.hardwareVersion);

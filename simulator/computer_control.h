@@ -24,7 +24,7 @@ struct GpuReports
     std::uint8_t gpuDriverData = 0; // of the last report
 };
 
-// What a person or a test does to the machine from outside, while the EC runs or not.
+// What a user or a test does to the machine from outside, whether the EC runs or not.
 class ComputerControl
 {
 public:
@@ -46,7 +46,7 @@ public:
     void setKvaneCharging(std::uint8_t status);
     void setPowerSupplyMode(std::uint8_t mode);
     void setTarnPowerMode(std::uint8_t mode);
-    // As if a host had written it: the limits in force follow.
+    // As if the host had written it: the limits in force change with it.
     void setPowerControl(std::uint8_t mode);
     void setHardwareVersion(std::uint8_t version);
     void setMcuVersion(std::uint8_t major, std::uint8_t minor, std::uint8_t patch);

@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::uint64_t FORGOTTEN_AFTER_MS = 1000;
 
-// Steady clocks of a native program and of one under Wine drift apart, the time of day is one. Where it is
-// set, a window is miscounted until it is next seen.
+// The time of day, because the steady clocks of a native program and of one under Wine drift apart. When it
+// is set, the number of open windows is wrong until the next windowStaysOpen().
 std::uint64_t timeOfDayMs()
 {
     const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
@@ -36,7 +36,7 @@ void Desktop::windowOpened(std::string_view programSwitch)
 {
     storeText(shared.guiSwitch, programSwitch);
     if (windowsOpen() == 0) {
-        shared.guiOpen.store(0); // killed ones do not say that they have gone
+        shared.guiOpen.store(0); // a killed stand-in does not call windowClosed()
     }
     windowStaysOpen();
     shared.guiOpen.fetch_add(1);
@@ -55,7 +55,7 @@ std::uint32_t Desktop::windowsOpen() const
     return isForgotten ? 0 : shared.guiOpen.load();
 }
 
-// The machine may have been reset while the window was open.
+// Not below 0: the machine may have been reset while the window was open.
 void Desktop::windowClosed()
 {
     std::uint32_t open = shared.guiOpen.load();

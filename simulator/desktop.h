@@ -29,7 +29,8 @@ public:
     [[nodiscard]] std::int32_t answer() const { return shared.guiAnswer.load(); }
     void setAnswer(std::int32_t exitCode) { shared.guiAnswer.store(exitCode); }
 
-    // Told by the stand-in, the middle one again and again: whoever stops telling has been killed.
+    // Called by the stand-in. It calls windowStaysOpen() again and again; when the calls stop, it has been
+    // killed.
     void windowOpened(std::string_view programSwitch);
     void windowStaysOpen();
     void windowClosed();

@@ -9,7 +9,7 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-// Constant-initialised: the port library makes a machine while it is being loaded.
+// Constant-initialised, because the port library may make a machine while it is being loaded.
 struct FactoryDevice
 {
     std::string_view name;
@@ -22,7 +22,7 @@ struct FactoryDevice
     std::string_view instanceId;
 };
 
-// The GPU comes out of the box disabled, so that whoever attaches it sees it brought up.
+// The GPU is disabled at first, so that the service has to enable it when the box is attached.
 constexpr FactoryDevice FACTORY_DEVICES[] = {
     {"graphics", DeviceKind::Display, DevicePlace::Computer, true, 0, "Intel(R) Iris(R) Xe Graphics",
         "PCI\\VEN_8086&DEV_A7A0&SUBSYS_00000000&REV_04", "PCI\\VEN_8086&DEV_A7A0\\3&11583659&0&10"},

@@ -11,11 +11,11 @@
 namespace tarnSimulator {
 
 enum class DeviceKind : std::uint8_t { Display, Audio, Other };
-// A device of the box is present while a graphics box is attached; its state is kept meanwhile.
+// A device of the box is present while a graphics box is attached; while it is absent, its state is kept.
 enum class DevicePlace : std::uint8_t { Computer, Box, Nowhere };
 
-inline constexpr std::uint32_t PROBLEM_DISABLED =
-    22; // what the configuration manager calls a disabled device
+// Problem code of the configuration manager for a disabled device.
+inline constexpr std::uint32_t PROBLEM_DISABLED = 22;
 
 struct Device
 {
@@ -29,8 +29,8 @@ struct Device
     std::string instanceId;
 };
 
-// The devices that the host's device manager shows, in the order of their slots. Whoever changes them and the
-// host may do so at the same time.
+// The devices that the host's device manager shows, in the order of their slots. The host and other programs
+// may change them at the same time.
 class DeviceTree
 {
 public:
@@ -54,7 +54,7 @@ public:
     // Enabling starts a device unless it has a problem other than being disabled.
     void enable(std::int32_t slot);
     void disable(std::int32_t slot);
-    // A stop and start by the class installer cures any problem.
+    // A stop and start by the class installer clears any problem.
     void restartByInstaller(std::int32_t slot, bool start);
 
     [[nodiscard]] DeviceTreeState &counters() { return machine.devices; }

@@ -42,7 +42,7 @@ void EcChannel::writeData(std::uint8_t value)
     put(DataByte, value);
 }
 
-// Without an answer the port still holds the last one, as a real one does.
+// Without a new answer the port still holds the last one, as a real port does.
 std::uint8_t EcChannel::readData()
 {
     if (isOutputFull()) {
@@ -101,7 +101,7 @@ void EcChannel::put(std::uint8_t kind, std::uint8_t value)
     channel.inputSinceMs.store(nowMs());
 }
 
-// A command ends whatever was going on. An answer that has not been fetched stays in the buffer; the host
+// A command ends the exchange before it. An answer that has not been fetched stays in the buffer; the host
 // drains it.
 void EcChannel::takeCommand(std::uint8_t command)
 {
@@ -116,7 +116,7 @@ void EcChannel::takeCommand(std::uint8_t command)
         channel.phase.store(Idle);
 }
 
-// Idle: nobody waits for a data byte.
+// A data byte in phase Idle has no effect.
 void EcChannel::takeData(std::uint8_t value)
 {
     switch (channel.phase.load()) {

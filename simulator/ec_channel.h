@@ -9,7 +9,7 @@
 
 namespace tarnSimulator {
 
-// The register access that a host is about to have made.
+// A register access that the host has requested and the EC has not made yet.
 struct RequestedAccess
 {
     AccessKind kind;
@@ -18,13 +18,13 @@ struct RequestedAccess
 
 // The EC's end of the second host channel: an input buffer of one byte (IBF), an output buffer of one byte
 // (OBF), and between them the commands that read and write a register. The host's side fills and empties the
-// buffers; the EC works on them when it is told to, by whoever knows what keeps it from doing so at once.
+// buffers; the EC works on them when ChannelFaults tells it to.
 class EcChannel
 {
 public:
     EcChannel(MachineState &machine, const NowMs &clock, RegisterFile &file);
 
-    // The host's side. There is one input buffer: a byte written before the EC has taken the last one
+    // The host's side. The input buffer holds one byte: a byte written before the EC has taken the last one
     // replaces it.
     void writeCommand(std::uint8_t command);
     void writeData(std::uint8_t value);

@@ -17,9 +17,9 @@ public:
         , faults(panel)
     { }
 
-    // What the mailbox holds now belongs to the operation; later writes do not change it.
+    // Takes offset and data from the mailbox now; later writes do not change the operation.
     void start(std::uint8_t command);
-    // Ends an operation whose time has come. To be called before the host looks.
+    // Ends an operation that is due. To be called before each access of the host.
     void advance();
 
 private:

@@ -4,8 +4,8 @@ namespace tarnSimulator {
 
 namespace {
 
-// Counts one access down; true when there was nothing left to count. Never goes below zero, whoever else
-// writes.
+// Counts one access down; true when there was nothing left to count. Never goes below zero, also when several
+// programs count.
 bool isUsedUp(SharedWord &remaining)
 {
     std::uint32_t left = remaining.load();
@@ -28,7 +28,7 @@ void FaultPanel::switchOn(Fault fault, std::int32_t value, std::uint32_t skip)
     static_assert(FAULT_SLOTS <= 64); // bits of `seen`
     seen.fetch_or(bitOf(fault));
     FaultState &shared = slot(fault);
-    shared.on.store(0); // the EC must not meet the old value with the new count
+    shared.on.store(0); // the EC must not see the old value with the new count
     shared.value.store(value);
     shared.remaining.store(skip);
     shared.on.store(1);
@@ -70,7 +70,7 @@ std::uint32_t FaultPanel::remaining(Fault fault) const
 bool FaultPanel::refuses(AccessKind kind, std::uint16_t address)
 {
     const Fault ofKind = kind == AccessKind::Read ? Fault::FailRead : Fault::FailWrite;
-    // Every one of them counts, so none may be skipped because another has struck already.
+    // Each of them counts its own accesses, so all three must be called.
     const bool registerFails = strikesAt(Fault::FailRegister, address);
     const bool directionFails = strikesAt(ofKind, address);
     const bool turnFails = strikesOnce();

@@ -23,15 +23,15 @@ public:
     void clear();
 
     [[nodiscard]] bool isOn(Fault fault) const;
-    // Since power-on, by whomever.
+    // True when any program has switched it on since power-on.
     [[nodiscard]] bool wasOn(Fault fault) const;
     // Empty while the fault is off.
     [[nodiscard]] std::optional<std::int32_t> value(Fault fault) const;
     [[nodiscard]] std::uint32_t remaining(Fault fault) const;
 
-    // Asked by the EC once for every access; counts down where a fault waits for its turn.
+    // To be called once for every access of the EC, because it counts down the accesses that still succeed.
     [[nodiscard]] bool refuses(AccessKind kind, std::uint16_t address);
-    // Asked once for every call of the host to its device manager.
+    // To be called once for every call of the host to its device manager.
     [[nodiscard]] bool refusesDevice(Fault fault, std::int32_t deviceSlot);
     [[nodiscard]] bool refusesList();
 

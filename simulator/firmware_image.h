@@ -11,14 +11,14 @@
 //
 //   0x000  vector table: stack pointer, reset vector, the other vectors
 //   0x200  "TARNMCU", major, minor, patch, two zero bytes, size of the image (32 bits, low byte first)
-//   0x210  some bytes or other, always the same for the same version and size
+//   0x210  pseudo-random bytes, always the same for the same version and size
 //   end-4  FNV-1a checksum of everything before it (32 bits, low byte first)
 namespace tarnSimulator {
 
 inline constexpr std::size_t SMALLEST_FIRMWARE = 0x400;
 inline constexpr std::size_t USUAL_FIRMWARE = 0x4000;
-inline constexpr std::size_t LARGEST_FIRMWARE =
-    0x100000; // more than the flash holds, to see what happens then
+// More than the flash holds, so that tests can try that too.
+inline constexpr std::size_t LARGEST_FIRMWARE = 0x100000;
 
 struct FirmwareVersion
 {

@@ -14,8 +14,8 @@
 namespace tarnSimulator {
 
 inline constexpr std::uint32_t STATE_MAGIC = 0x43535254; // "TRSC" in a dump of the file
-// Raised whenever the meaning or the place of something below changes. A feature that only takes bytes out of
-// `growth`, where zero means what older programs assumed, does not need it.
+// Raised whenever the meaning or the place of something below changes. Not needed for a feature that only
+// takes bytes out of `growth`, if zero means what older programs assumed.
 inline constexpr std::uint32_t STATE_VERSION = 3;
 
 inline constexpr std::size_t XDATA_SIZE = 0x10000;
@@ -54,11 +54,11 @@ struct EcChannelState
     std::array<SharedByte, 3> reserved;
 };
 
-// The byte in the input buffer while the EC does not look at it.
+// How long the EC leaves the byte in the input buffer.
 struct InputHoldState
 {
     SharedWord looksLeft; // status reads for which it stays there
-    SharedByte refused; // and is dropped then, with the exchange that it belongs to
+    SharedByte refused; // 1: the byte is dropped then, with the exchange that it belongs to
     std::array<SharedByte, 3> reserved;
 };
 
@@ -165,7 +165,7 @@ struct DeviceTreeState
     std::array<DeviceSlotState, DEVICE_SLOTS> entries;
 };
 
-// The user's side of the host: who is logged on, and what the stand-in for the GUI program does.
+// The user's side of the host: the session of the service, and what the stand-in for the GUI program does.
 struct DesktopState
 {
     SharedWord serviceSession; // 1: the service runs in session 0
@@ -191,9 +191,9 @@ struct MachineState
     RegisterLogState log;
     DeviceTreeState devices;
     DesktopState desktop;
-    SharedLong guiSeenMs; // when a window was last known to be open, by the time of day; 0: nobody tells
+    SharedLong guiSeenMs; // time of day at which a window was last reported open; 0: never
     SharedLong faultsSeen; // bit n: the fault of slot n was switched on since power-on
-    SharedLong statusNoise; // where the other bits of the status byte have come to
+    SharedLong statusNoise; // position in the sequence of StatusNoise
     InputHoldState inputHold;
     std::array<SharedByte, GROWTH_SIZE> growth; // room for later parts of the machine, all zero until then
     BootLoaderState bootLoader;

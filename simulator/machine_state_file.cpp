@@ -15,13 +15,13 @@ namespace {
 std::string quoted(const std::filesystem::path &file)
 {
     const std::u8string name = file.u8string();
-    // Not "..." + string: GCC 12 warns of an overflow in it that there is not.
+    // Not "..." + string: GCC 12 warns of an overflow that cannot happen.
     std::string text = "\"";
     text.append(name.begin(), name.end());
     return text + '"';
 }
 
-// Removes the half-made file on every way out.
+// Removes the temporary file however its creation ends.
 class TemporaryFile
 {
 public:
@@ -46,7 +46,7 @@ private:
     std::filesystem::path name;
 };
 
-// The file gets its name only when it is complete, so nobody ever opens half a machine.
+// The file gets its name only when it is complete, so no program opens an incomplete one.
 bool createFile(const std::filesystem::path &file, std::string &error)
 {
     const TemporaryFile temporary(file);

@@ -9,8 +9,8 @@
 
 namespace tarnSimulator {
 
-// The simulated computer in its file. It stays switched on between programs; whoever maps the file sees what
-// the others do at once.
+// The simulated computer in its file. It stays switched on while no program runs; programs that map the file
+// see each other's changes at once.
 class MachineStateFile
 {
 public:

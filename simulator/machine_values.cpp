@@ -35,7 +35,7 @@ bool writePowerControl(ComputerControl &computer, std::string_view text)
     return mode.has_value();
 }
 
-// "on" and "off" beside plain numbers, for registers in which one bit says it.
+// "on" and "off" beside plain numbers, for registers in which one bit is the switch.
 template <std::uint16_t address, std::uint8_t onValue>
 bool writeSwitch(ComputerControl &computer, std::string_view text)
 {

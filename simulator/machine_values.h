@@ -8,7 +8,7 @@
 
 namespace tarnSimulator {
 
-// One thing of the machine that can be looked at, and mostly changed, by name.
+// A value of the machine that can be read, and mostly changed, by its name.
 struct MachineValue
 {
     std::string_view name;

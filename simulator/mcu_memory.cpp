@@ -21,7 +21,7 @@ constexpr bool lies(std::uint32_t address, std::size_t count, std::uint32_t star
     return address >= start && std::uint64_t {address} + count <= std::uint64_t {start} + size;
 }
 
-// From the address on; empty when not all of it is in the flash.
+// Offset of the range in the flash; empty when not all of it is there.
 std::optional<std::size_t> flashRange(std::uint32_t address, std::size_t count)
 {
     if (lies(address, count, MCU_FLASH_START, MCU_FLASH_SIZE))

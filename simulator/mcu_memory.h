@@ -10,10 +10,10 @@
 
 namespace tarnSimulator {
 
-inline constexpr std::uint32_t MCU_FLASH_START = 0x08000000; // and at 0
+inline constexpr std::uint32_t MCU_FLASH_START = 0x08000000; // also mapped at 0
 inline constexpr std::uint32_t MCU_RAM_START = 0x20000000;
-inline constexpr std::uint32_t MCU_FREE_RAM_START =
-    MCU_RAM_START + 0x200; // the boot loader uses what is below
+// The boot loader uses the RAM below.
+inline constexpr std::uint32_t MCU_FREE_RAM_START = MCU_RAM_START + 0x200;
 inline constexpr std::uint32_t MCU_OPTION_BYTES_START = 0x1FFFF800;
 inline constexpr std::size_t MCU_OPTION_BYTES_SIZE = 16;
 inline constexpr std::size_t MCU_PAGE_SIZE = 0x400; // what is erased at once
@@ -21,8 +21,8 @@ inline constexpr std::size_t MCU_PAGES = MCU_FLASH_SIZE / MCU_PAGE_SIZE;
 inline constexpr std::size_t MCU_SECTOR_SIZE = 0x1000; // what is write-protected at once
 inline constexpr std::size_t MCU_SECTORS = MCU_FLASH_SIZE / MCU_SECTOR_SIZE;
 
-// The MCU's memories at their addresses. Protection against reading out is not its affair: that keeps the
-// boot loader from asking.
+// The MCU's memories at their addresses. The boot loader checks the protection against reading out; this
+// class does not.
 class McuMemory
 {
 public:

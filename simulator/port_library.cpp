@@ -9,8 +9,8 @@
 #include <mutex>
 #include <optional>
 
-// The simulated computer in the shape of the port-I/O library: loading it connects the process to the
-// machine, unloading it leaves the machine as it is.
+// The simulated computer as a port-I/O library: loading it connects the process to the machine, unloading it
+// leaves the machine as it is.
 namespace tarnSimulator {
 
 namespace {

@@ -5,9 +5,9 @@
 
 namespace tarnSimulator {
 
-// The processor power limits and the bytes in which the EC reports what is in force. Only in manual mode are
-// that the host's limits. In automatic mode it is what the EC finds right, and the host's wait in their
-// registers until it takes control.
+// The processor power limits and the bytes in which the EC reports what is in force. In manual mode the
+// host's limits are in force. In automatic mode the EC's own limits are, and the host's stay in their
+// registers until manual mode.
 class PowerLimits
 {
 public:
@@ -15,7 +15,7 @@ public:
         : faults(panel)
     { }
 
-    // Out of the factory: automatic mode, and the registers hold what the EC finds right.
+    // Factory condition: automatic mode, and the registers hold the EC's own limits.
     static void restore(MachineState &machine);
     // To be called when the mode or a limit has been written.
     static void apply(MachineState &machine);

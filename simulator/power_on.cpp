@@ -38,7 +38,7 @@ constexpr std::array<std::uint8_t, SERIAL_NUMBER_LENGTH> SERIAL_NUMBER {
 // Both mailboxes answer within the 10 ms that the host waits before it looks.
 constexpr std::uint32_t EEPROM_BUSY_MS = 6;
 constexpr std::uint32_t MAILBOX_BUSY_MS = 5;
-// The host gives a byte up after this many looks at the status.
+// The host gives a byte up after this many status reads.
 constexpr std::uint32_t REFUSED_WRITE_POLLS = 1000;
 
 template <std::size_t size> void fill(std::array<SharedByte, size> &bytes, std::uint8_t value)

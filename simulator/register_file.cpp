@@ -107,9 +107,9 @@ void RegisterFile::advance()
     applicationMailbox.advance();
 }
 
-// The host clears the event byte in every cycle, also right after reading 0. An event that showed up between
-// its read and its write would be lost, so the EC holds it back until the host looks. One that has not been
-// cleared yet stays.
+// The host clears the event byte in every cycle, also right after reading 0. An event that came between that
+// read and that write would be lost, so the EC presents it only when the host reads. An event that has not
+// been cleared yet stays.
 void RegisterFile::presentEvent(std::uint16_t address)
 {
     if (state.xdata[address].load() != APP_EVENT_NONE)

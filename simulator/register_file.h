@@ -9,7 +9,7 @@
 
 namespace tarnSimulator {
 
-// The EC's xdata as the host sees it: 64 KiB of plain bytes, except where a read or a write does something.
+// The EC's xdata as the host sees it: 64 KiB of plain bytes, except where a read or a write has an effect.
 class RegisterFile
 {
 public:

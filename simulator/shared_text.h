@@ -7,7 +7,8 @@
 #include <string>
 #include <string_view>
 
-// Short texts in the shared state. A reader that meets a writer may see a mix of both, but never runs on.
+// Short texts in the shared state. A reader may see a mix of the old and the new text during a write, but
+// never reads beyond the array.
 namespace tarnSimulator {
 
 template <std::size_t size> void storeText(std::array<SharedByte, size> &shared, std::string_view text)

@@ -12,8 +12,8 @@
 
 namespace tarnSimulator {
 
-// The Embedded Controller behind its two ports. All it knows is in the machine state, so it may be destroyed
-// and made again in the middle of an exchange. Callers serialise their port accesses.
+// The Embedded Controller behind its two ports. Its whole state is in the machine state, so it may be
+// destroyed and made again in the middle of an exchange. Callers must serialise their port accesses.
 class SimulatedEc
 {
 public:

@@ -5,8 +5,8 @@
 
 namespace tarnSimulator {
 
-// The bits of the status byte that tell of other things than the two buffers. The EC uses them for purposes
-// of its own, so each look finds any of them set. Power-on begins the same sequence again.
+// The bits of the status byte other than OBF and IBF. The EC uses them for purposes of its own, so each
+// status read shows pseudo-random values in them. Power-on begins the same sequence again.
 class StatusNoise
 {
 public:

@@ -63,7 +63,7 @@ int runEcTool(const std::filesystem::path &folder, std::ostream &output, std::os
         log << "no firmware\n";
         return EcNotFlashed;
     }
-    log << std::flush; // others may look while it flashes
+    log << std::flush; // tests may read the log while it flashes
     const std::string untilFile = value(settings, "FlashUntil");
     if (!flash(FLASH_TIME, untilFile.empty() ? std::filesystem::path() : folder / untilFile, output)) {
         log << "cut off\n";

@@ -6,9 +6,9 @@
 
 namespace tarnSimulator {
 
-// The part of a simulated flashing tool that takes its time. It prints how far it is all the while, as the
-// real ones do, and is cut off when it cannot: false then. It takes that long at least; if a file is named it
-// goes on until that file exists, but for two minutes at most.
+// The flashing of a simulated tool. It prints its progress all the time, as the real tools do; when it cannot
+// print, it stops and returns false. It takes `time` at least; if a file is named it goes on until that file
+// exists, but for two minutes at most.
 [[nodiscard]] bool flash(
     std::chrono::milliseconds time, const std::filesystem::path &untilFile, std::ostream &output);
 

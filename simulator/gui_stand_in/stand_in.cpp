@@ -40,7 +40,7 @@ std::filesystem::path stateFile(std::string_view program)
     return self.parent_path().parent_path() / "function" / STATE_FILE_NAME;
 }
 
-// Nobody waits for an answer any longer once the machine's file has gone.
+// Ends also when the machine's file is gone, because no service waits for the answer then.
 std::int32_t awaitAnswer(Desktop &desktop, const std::filesystem::path &file)
 {
     std::error_code error;

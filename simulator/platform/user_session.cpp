@@ -55,7 +55,7 @@ public:
         return {LaunchStage::Ended, static_cast<quint32>(exitCodeOf(process))};
     }
 
-    // The user of the simulated computer is whoever runs the service.
+    // The user of the simulated computer is the one who runs the service.
     bool asConsoleUser(const std::function<void()> &action) override
     {
         if (consoleUserDownloadFolder().isEmpty())

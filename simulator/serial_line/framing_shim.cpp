@@ -1,9 +1,9 @@
 #include <dlfcn.h>
 #include <termios.h>
 
-// Preloaded into the flasher. A pseudo-terminal has no wire, so the kernel drops the parity bit and the like
-// that it is asked for; the flasher looks whether it got them, and would refuse the port. It is told what it
-// asked for last.
+// Preloaded into the flasher. The kernel drops the parity and similar settings of a pseudo-terminal. The
+// flasher reads its settings back and would refuse the port, so tcgetattr() returns the ones that it set
+// last.
 namespace {
 
 constexpr tcflag_t FRAMING = CSIZE | CSTOPB | PARENB | PARODD | CRTSCTS;

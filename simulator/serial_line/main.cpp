@@ -79,7 +79,7 @@ std::filesystem::path chooseLink(const QString &named)
 
 int main(int argc, char **argv)
 {
-    // First of all, so that whatever is made from here on is taken back.
+    // First of all, so that a signal does not end the process before it has cleaned up.
     const int stop = openStopSignals();
     const QCoreApplication application(argc, argv);
     const auto request = parse(application);

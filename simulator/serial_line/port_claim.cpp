@@ -25,15 +25,15 @@ std::string claimName(const std::filesystem::path &absoluteLink)
 
 } // namespace
 
-// Neither the terminal nor the folder is locked: the flasher locks the one, and the other may hold several
-// ports. A socket in the system's table of names, which has no file, can be bound by one process only.
+// Locks neither the terminal, because the flasher locks it, nor the folder, because it may hold several
+// ports. A socket with an abstract address has no file and can be bound by one process only.
 std::optional<PortClaim> PortClaim::take(const std::filesystem::path &absoluteLink, std::string &error)
 {
     PortClaim claim(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     const std::string name = claimName(absoluteLink);
     sockaddr_un address {};
     address.sun_family = AF_UNIX;
-    // A zero in front: the name is no file's.
+    // A zero in front makes the address abstract.
     std::copy(name.begin(), name.end(), address.sun_path + 1);
     const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + name.size());
     if (claim.socket < 0 || ::bind(claim.socket, reinterpret_cast<const sockaddr *>(&address), size) != 0) {

@@ -52,7 +52,7 @@ PortLink::PortLink(PortLink &&other) noexcept
     , claim(std::move(other.claim))
 { }
 
-// A person may have put something else there in the meantime.
+// Another file may have been put there in the meantime.
 PortLink::~PortLink()
 {
     std::error_code ignored;

@@ -13,7 +13,7 @@ class PortLink
 {
 public:
     // The link that a port without a server has left behind is replaced. Anything else of that name stays and
-    // is an error, a port that is served already too.
+    // is an error, and so is a port that is served already.
     [[nodiscard]] static std::optional<PortLink> make(
         const std::filesystem::path &link, const std::string &terminalName, std::string &error);
 

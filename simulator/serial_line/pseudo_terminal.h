@@ -8,7 +8,7 @@
 
 namespace tarnSimulator {
 
-// A serial port that is not there. Its other end is opened by programs under the name of terminalName().
+// A simulated serial port. Its other end is opened by programs under the name of terminalName().
 class PseudoTerminal
 {
 public:

@@ -5,8 +5,8 @@
 
 namespace tarnSimulator {
 
-// A descriptor that becomes readable when the process is asked to end (SIGINT, SIGTERM, SIGHUP), which then
-// no longer ends it at once. Negative when the system refuses.
+// Blocks SIGINT, SIGTERM and SIGHUP, and returns a descriptor that becomes readable when one of them comes.
+// Negative when the system refuses.
 [[nodiscard]] int openStopSignals();
 
 // Lets the boot loader answer what comes along the line until `stop` becomes readable.

@@ -68,7 +68,7 @@ struct LogRequest
 {
     std::uint64_t last = DEFAULT_LAST;
     bool follow = false;
-    std::optional<std::uint64_t> followMs; // without it until the process is stopped
+    std::optional<std::uint64_t> followMs; // empty: until the process is stopped
 };
 
 std::optional<std::uint64_t> parseCount(const QString &text, std::int64_t maximum)

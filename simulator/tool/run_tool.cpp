@@ -18,7 +18,7 @@ struct CommandLine
     QStringList words; // the verb and its arguments
 };
 
-// --state and --help may stand anywhere; everything else is the verb's. False when --state lacks its file.
+// --state and --help may stand anywhere; all other words belong to the verb. False when --state has no file.
 bool splitCommandLine(const QStringList &arguments, CommandLine &line)
 {
     for (qsizetype i = 1; i < arguments.size(); ++i) {

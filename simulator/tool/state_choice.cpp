@@ -15,8 +15,7 @@ StateChoice only(const std::filesystem::path &file)
     return {file, {QString::fromStdU16String(file.u16string())}};
 }
 
-// Not the folder of the program's file as it was called: a program found by its search path is called without
-// one.
+// Prefers the folder that Qt knows: for a program found by the search path, moduleFile() has none.
 std::filesystem::path programFolder()
 {
     return QCoreApplication::instance() == nullptr

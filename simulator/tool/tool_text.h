@@ -16,11 +16,11 @@ namespace tarnSimulator {
 
 // One sentence on the error stream.
 ExitCode complain(ToolContext &context, ExitCode code, const QString &message);
-// An argument that is not one of a set of names: says which there are.
+// Says that an argument is not one of a set of names, and which names there are.
 ExitCode complainAboutName(
     ToolContext &context, const QString &kind, const QString &given, const QStringList &allowed);
 
-// "started", or "stopped, problem 22".
+// "started", or "stopped (problem 22)".
 [[nodiscard]] QString deviceConditionText(const Device &device);
 
 [[nodiscard]] QStringList verbNames();
@@ -29,7 +29,7 @@ ExitCode complainAboutName(
 [[nodiscard]] QStringList faultNames();
 [[nodiscard]] QStringList allRegisterNames();
 
-// Room for the longest of them and what is beside it.
+// Room for the longest of them and a gap.
 [[nodiscard]] qsizetype columnWidth(const QStringList &names);
 
 // A name of the register map or an address.

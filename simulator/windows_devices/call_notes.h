@@ -5,11 +5,11 @@
 
 namespace tarnSimulator {
 
-// Writes a line into calls.txt beside the program that has loaded this library, for tests: what the system
-// is told leaves no other trace there.
+// Writes a line into calls.txt beside the program that has loaded this library, for tests, which have no
+// other way to see what the program tells the system.
 void noteCall(const std::string &line);
 
-// The same for handles that the program is given and has to give back: "opened KIND", "closed KIND".
+// The same for handles that the program gets and must close: "opened KIND", "closed KIND".
 void noteOpened(HANDLE handle, const char *kind);
 void noteClosed(HANDLE handle);
 [[nodiscard]] bool isOpen(HANDLE handle, const char *kind);

@@ -1,6 +1,7 @@
-// Closes the console of the program that has loaded this library, as the X of its window does, when somebody
-// sets the event TarnCloseConsole-PROCESS: Wine has no window for it here. As the system does, it calls the
-// handler on a thread of its own and ends the process when that returns, after 5 s at the latest.
+// Closes the console of the program that has loaded this library, as the close button of its window does,
+// when a test sets the event TarnCloseConsole-PROCESSID. (Wine has no window for it here.) As Windows does,
+// it calls the handler on a thread of its own and ends the process when that returns, after 5 s at the
+// latest.
 #include "simulator/windows_devices/detours.h"
 
 #include <windows.h>
@@ -13,7 +14,7 @@ namespace {
 
 using namespace tarnSimulator;
 
-constexpr DWORD PATIENCE_MS = 5000;
+constexpr DWORD HANDLER_TIMEOUT_MS = 5000;
 constexpr UINT ENDED_BY_CONSOLE = 0xC000013A; // STATUS_CONTROL_C_EXIT
 
 std::atomic<PHANDLER_ROUTINE> closeHandler {nullptr};
@@ -30,7 +31,7 @@ void awaitClosing()
     const HANDLE closed = CreateEventW(nullptr, TRUE, FALSE, name.c_str());
     WaitForSingleObject(closed, INFINITE);
     const HANDLE handling = CreateThread(nullptr, 0, callHandler, nullptr, 0, nullptr);
-    WaitForSingleObject(handling, PATIENCE_MS);
+    WaitForSingleObject(handling, HANDLER_TIMEOUT_MS);
     TerminateProcess(GetCurrentProcess(), ENDED_BY_CONSOLE);
 }
 

@@ -1,4 +1,4 @@
-// Leads the calls of the program that has loaded this library elsewhere, through its table of imports.
+// Redirects calls of the program that has loaded this library, by changing its table of imports.
 #include "simulator/windows_devices/detours.h"
 
 #include <windows.h>
@@ -28,7 +28,7 @@ void detour(ULONGLONG *entry, const char *function)
     }
 }
 
-// Only the program itself is led elsewhere; its libraries, and this one, keep calling the system.
+// Only calls of the program itself are redirected; its libraries, and this one, keep calling the system.
 void detourImportsOfProgram()
 {
     auto *base = reinterpret_cast<BYTE *>(GetModuleHandleW(nullptr));

@@ -4,7 +4,7 @@
 
 namespace tarnSimulator {
 
-// A function of the system that the program which has loaded this library is to call here instead.
+// A function of the system, and the one that the program is made to call instead.
 struct Detour
 {
     const char *function;

@@ -23,7 +23,7 @@ using namespace tarnSimulator;
 
 constexpr GUID DISPLAY_CLASS = {0x4D36E968, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
 
-// The only sizes with which a text is asked for: bytes of a buffer, and characters for an instance id.
+// The only buffer sizes that are accepted: bytes for a text, and characters for an instance id.
 constexpr DWORD LONG_TEXT_BYTES = 4096;
 constexpr DWORD SHORT_TEXT_BYTES = 256;
 constexpr DWORD WIDE_TEXT_BYTES = 512;
@@ -56,7 +56,7 @@ Device deviceOf(DEVINST instance)
     return DeviceTree(*machineOfHost()).device(slotOf(instance));
 }
 
-// Neither a device's bus nor a window for questions to the user is named.
+// Refuses a call with an enumerator or a window: the service passes neither.
 HDEVINFO openList(const GUID *setupClass, const void *enumerator, HWND window, DWORD flags)
 {
     MachineState *machine = machineOfHost();
@@ -187,7 +187,7 @@ BOOL WINAPI SetupDiSetClassInstallParamsW(
 BOOL WINAPI SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO list, PSP_DEVINFO_DATA data)
 {
     const SP_PROPCHANGE_PARAMS &change = listOf(list)->change;
-    // The other changes (start, stop, new properties) are not what a device is switched off and on with.
+    // The other changes (start, stop, new properties) do not enable or disable a device.
     const bool isSwitch = change.StateChange == DICS_ENABLE || change.StateChange == DICS_DISABLE;
     if (function != DIF_PROPERTYCHANGE || !isSwitch || change.Scope != DICS_FLAG_GLOBAL
         || change.HwProfile != 0 || refuses(Fault::FailDeviceInstaller, data->DevInst)) {

@@ -1,6 +1,6 @@
 // Notes what the program tells the system's service manager and the event log, of which Wine keeps nothing
-// that could be read back. The program looks these functions up by name, so that is where it gets these
-// instead; each one then calls the system's.
+// that could be read back. The program gets these functions from GetProcAddress(), which is redirected to
+// return the ones here; each one then calls the system's.
 #include "simulator/windows_devices/call_notes.h"
 #include "simulator/windows_devices/detours.h"
 

@@ -1,7 +1,7 @@
-// Lets the program that has loaded this library believe that it runs in session 0, which Wine has not, and
-// lets the calls fail with which it starts a program for the user: when the simulated computer says so, and
-// when they are not made with the values that a service needs to reach the user's desktop. What is left goes
-// to the system's own functions.
+// Tells the program that has loaded this library that it runs in session 0, which Wine does not have. Makes
+// the calls fail with which it starts a program for the user: when the simulated computer says so, and when
+// their arguments are not those that a service needs to reach the user's desktop. Other calls go to the
+// system's own functions.
 #include "simulator/computer_control.h"
 #include "simulator/windows_devices/call_notes.h"
 #include "simulator/windows_devices/detours.h"
@@ -25,7 +25,7 @@ constexpr DWORD NEW_CONSOLE = 0x10;
 constexpr DWORD STARTUP_BYTES = 104;
 constexpr std::size_t LONGEST_COMMAND_LINE = 260; // wide characters, with the final zero
 
-// What the service has to give back.
+// Kinds of handles that the service must close.
 constexpr char USER_TOKEN[] = "user token";
 constexpr char TOKEN_COPY[] = "token copy";
 constexpr char PROCESS[] = "process";
@@ -49,7 +49,7 @@ bool isServiceSession()
     return machine != nullptr && Desktop(*machine).isServiceSession();
 }
 
-// Nothing but its size and the user's desktop is said.
+// True when nothing but the size and the user's desktop is set.
 bool isForDesktopOfUser(const STARTUPINFOW &startup)
 {
     return startup.cb == STARTUP_BYTES && startup.lpDesktop != nullptr
@@ -94,9 +94,9 @@ BOOL WINAPI userToken(ULONG session, PHANDLE token)
 BOOL WINAPI tokenCopy(HANDLE existing, DWORD access, LPSECURITY_ATTRIBUTES attributes,
     SECURITY_IMPERSONATION_LEVEL level, TOKEN_TYPE type, PHANDLE token)
 {
-    const bool isAsLaidDown = access == ALL_TOKEN_ACCESS && attributes == nullptr
+    const bool isAsRequired = access == ALL_TOKEN_ACCESS && attributes == nullptr
         && level == SecurityIdentification && type == TokenPrimary;
-    if (isOn(Fault::NoTokenCopy) || !isAsLaidDown || !isOpen(existing, USER_TOKEN)
+    if (isOn(Fault::NoTokenCopy) || !isAsRequired || !isOpen(existing, USER_TOKEN)
         || !DuplicateTokenEx(existing, access, attributes, level, type, token)) {
         return refuse();
     }
@@ -110,11 +110,11 @@ BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
     LPPROCESS_INFORMATION information)
 {
     noteCall("CreateProcessAsUser " + utf8(commandLine));
-    const bool isAsLaidDown = isOpen(token, TOKEN_COPY) && application == nullptr
+    const bool isAsRequired = isOpen(token, TOKEN_COPY) && application == nullptr
         && isCommandOfGui(commandLine) && processAttributes == nullptr && threadAttributes == nullptr
         && inherit == FALSE && flags == NEW_CONSOLE && environment == nullptr && directory == nullptr
         && startup != nullptr && isForDesktopOfUser(*startup);
-    if (isOn(Fault::NoGuiProcess) || !isAsLaidDown
+    if (isOn(Fault::NoGuiProcess) || !isAsRequired
         || !CreateProcessAsUserW(token, application, commandLine, processAttributes, threadAttributes,
             inherit, flags, environment, directory, startup, information)) {
         return refuse();
@@ -124,7 +124,7 @@ BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
     return TRUE;
 }
 
-// Whoever has the window before him may take all the time he wants.
+// Refuses a time limit, because the user may take any time to answer.
 DWORD WINAPI waitForObject(HANDLE object, DWORD timeoutMs)
 {
     if (isOpen(object, PROCESS) && timeoutMs != INFINITE) {
@@ -145,8 +145,8 @@ BOOL WINAPI exitCode(HANDLE process, LPDWORD code)
     return isOn(Fault::NoGuiExitCode) ? refuse() : GetExitCodeProcess(process, code);
 }
 
-// The user of the simulated computer has a download folder beside the service. Only the user's own token
-// tells where it is: without one it would be that of the system account.
+// The user of the simulated computer has a download folder beside the service. A call without the user's
+// token is refused, because it would ask for the system account's folder.
 HRESULT WINAPI knownFolder(REFKNOWNFOLDERID folder, DWORD flags, HANDLE token, PWSTR *path)
 {
     if (!isServiceSession())
