@@ -38,8 +38,8 @@ QString otherUserText(const OtherUser &user, QLatin1StringView command, const QS
 
 } // namespace
 
-FirmwareUpdate::FirmwareUpdate(
-    const ToolOptions &toolOptions, ToolStreams &toolStreams, const UpdatePlan &updatePlan, const DownloadPlace &place)
+FirmwareUpdate::FirmwareUpdate(const ToolOptions &toolOptions, ToolStreams &toolStreams,
+    const UpdatePlan &updatePlan, const DownloadPlace &place)
     : Session(toolOptions, toolStreams)
     , plan(updatePlan)
     , otherUser(place.otherUser)
@@ -67,8 +67,7 @@ ExitCode FirmwareUpdate::run(const QString &file)
     }
     // The service would flash a file of that name in the other user's folder in place of this one.
     if (otherUser && !options.force) {
-        streams.complain(
-            otherUserText(*otherUser, plan.steps.back().command, QFileInfo(file).fileName()));
+        streams.complain(otherUserText(*otherUser, plan.steps.back().command, QFileInfo(file).fileName()));
         return ExitCode::Usage;
     }
     if (!connectService())
@@ -159,8 +158,7 @@ void FirmwareUpdate::handleAnswer(const Message &answer)
 
 bool FirmwareUpdate::asksAgain() const
 {
-    const milliseconds limit =
-        std::min(step().patience, timeoutFor(findCommand(step().command.toString())));
+    const milliseconds limit = std::min(step().patience, timeoutFor(findCommand(step().command.toString())));
     return elapsed() - stepBegan < limit;
 }
 

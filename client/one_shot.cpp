@@ -43,7 +43,7 @@ void OneShot::remarkWaiting()
 {
     if (!isFinished()) {
         streams.remark(QStringLiteral("Waiting for the answer to %1, up to %2.")
-                             .arg(command.name, durationText(deadline.timeout())));
+                           .arg(command.name, durationText(deadline.timeout())));
     }
 }
 
@@ -85,10 +85,9 @@ void OneShot::handleServiceGone()
 {
     if (isFinished())
         return;
-    streams.complain(
-        QStringLiteral("The service went away before it answered %1.\nStart it again (./run, or "
-                       "the service \"Tarn Service\" on Windows) and repeat the command.")
-            .arg(command.name));
+    streams.complain(QStringLiteral("The service went away before it answered %1.\nStart it again (./run, or "
+                                    "the service \"Tarn Service\" on Windows) and repeat the command.")
+                         .arg(command.name));
     finish(ExitCode::NoService);
 }
 

@@ -62,8 +62,8 @@ QString PipeClient::openFailureText() const
                               "service, or as administrator.")
             .arg(pipeName);
     }
-    const bool isAbsent = openError == QLocalSocket::ServerNotFoundError
-        || openError == QLocalSocket::ConnectionRefusedError;
+    const bool isAbsent =
+        openError == QLocalSocket::ServerNotFoundError || openError == QLocalSocket::ConnectionRefusedError;
     const QString reason = isAbsent ? QString() : QStringLiteral(": %1").arg(openErrorText);
     return QStringLiteral("No service answers on the pipe \"%1\" (%2)%3.\nStart it first: ./run on the "
                           "simulated computer, or the service \"Tarn Service\" on Windows.")

@@ -59,8 +59,8 @@ void RawExchange::handleExpiry()
         ? QStringLiteral("Nothing came back")
         : QStringLiteral("%1 message(s) came back, but not all that were waited for,").arg(received);
     streams.complain(QStringLiteral("%1 within %2.\nThe service answers malformed requests and unknown "
-                                      "commands with silence; its log tells which it was.")
-                           .arg(got, durationText(deadline.timeout())));
+                                    "commands with silence; its log tells which it was.")
+                         .arg(got, durationText(deadline.timeout())));
     finish(ExitCode::NoAnswer);
 }
 

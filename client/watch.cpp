@@ -70,8 +70,8 @@ ExitCode Watch::run()
 void Watch::announceStart()
 {
     if (streams.interactive && client.isOpen()) {
-        streams.remark(QStringLiteral("Watching the pipe \"%1\". Type a command, help or quit.")
-                             .arg(options.pipeName));
+        streams.remark(
+            QStringLiteral("Watching the pipe \"%1\". Type a command, help or quit.").arg(options.pipeName));
     }
 }
 
@@ -110,10 +110,9 @@ void Watch::handleServiceGone()
         retryLater(leavePause);
         return;
     }
-    streams.complain(
-        QStringLiteral("The service went away%1.\nStart it again (./run, or the service \"Tarn "
-                       "Service\" on Windows); --reconnect waits for it.")
-            .arg(unanswered));
+    streams.complain(QStringLiteral("The service went away%1.\nStart it again (./run, or the service \"Tarn "
+                                    "Service\" on Windows); --reconnect waits for it.")
+                         .arg(unanswered));
     finish(ExitCode::NoService);
 }
 
@@ -297,9 +296,9 @@ void Watch::handleDurationEnd()
         return;
     }
     streams.complain(QStringLiteral("%1 of %2 notifications came within %3.")
-                           .arg(notifications)
-                           .arg(*options.count)
-                           .arg(durationText(*options.duration)));
+                         .arg(notifications)
+                         .arg(*options.count)
+                         .arg(durationText(*options.duration)));
     finish(ExitCode::NoAnswer);
 }
 

@@ -19,7 +19,7 @@ endif()
 if(MSVC)
     add_compile_options(/W4 /WX /utf-8 /permissive-)
 else()
-    # Not for the resource compiler.
+    # For C++ only: the resource compiler does not know these options.
     add_compile_options(
         "$<$<COMPILE_LANGUAGE:CXX>:-Wall;-Wextra;-Wpedantic;-Wshadow;-Wconversion;-Wnon-virtual-dtor;-Werror>")
 endif()
@@ -32,7 +32,7 @@ endif()
 if(MINGW)
     # GCC 12 sees an overlap in std::string's own append that cannot happen (GCC bug 105651).
     add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
-    # The same sources make the same bytes.
+    # Reproducible builds: the same sources give the same bytes.
     add_link_options(-Wl,--no-insert-timestamp)
 endif()
 
@@ -40,15 +40,15 @@ if(WIN32)
     add_compile_definitions(UNICODE _UNICODE WIN32_LEAN_AND_MEAN NOMINMAX _WIN32_WINNT=0x0A00)
 endif()
 
-# Texts are written as literals beside narrow log output; only the explicit forms are allowed for conversions
-# from bytes whose encoding is not known.
+# Literals are text, and may be converted implicitly where a target allows it. A QByteArray must be converted
+# explicitly, because the encoding of its bytes is not known.
 add_compile_definitions(QT_NO_CAST_FROM_BYTEARRAY QT_NO_FOREACH)
 
 if(TARN_SANITIZE STREQUAL "address")
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_link_options(-fsanitize=address,undefined)
 elseif(TARN_SANITIZE STREQUAL "fuzzer")
-    # Also with the address sanitizer; the fuzzer's own main function comes with its programs only.
+    # With the address sanitizer as well. The fuzzer's main function is linked into the fuzz programs only.
     add_compile_options(-fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     add_compile_definitions(_GLIBCXX_ASSERTIONS)
     add_link_options(-fsanitize=address,undefined)

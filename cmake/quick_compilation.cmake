@@ -1,12 +1,12 @@
-# Headers that nearly every source of a target includes are compiled once. Each source still includes what it
-# uses: clang-tidy and the cross build see the sources without these. (GCC's cross compiler would also warn about
-# std::string's insides from a precompiled header.)
+# Headers that nearly every source of a target includes are precompiled. Each source still includes what it
+# uses, because clang-tidy and the cross build do without precompiled headers. (GCC's cross compiler would
+# warn about code inside std::string from a precompiled header.)
 if(MINGW)
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 
-# The precompiled form of a header depends on options only, so ccache may take its text for its content. What one
-# checkout has compiled serves another in another folder: paths count from the folder of the sources.
+# These precompiled headers depend on compiler options only, so ccache may ignore macros when it compares
+# them. Paths are relative to the source folder, so that checkouts in different folders share the cache.
 if(CCACHE_PROGRAM AND NOT MSVC)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env
         CCACHE_SLOPPINESS=pch_defines,time_macros CCACHE_BASEDIR=${PROJECT_SOURCE_DIR} CCACHE_NOHASHDIR=1
@@ -34,11 +34,11 @@ function(tarn_precompile_tests target)
     target_precompile_headers(${target} PRIVATE <gtest/gtest.h> ${TARN_STANDARD_HEADERS} ${TARN_QT_HEADERS})
 endfunction()
 
-# Small sources with much the same headers are compiled together, BATCH of them at a time. clang-tidy wants to see
+# Small sources with much the same headers are compiled together, BATCH of them at a time. clang-tidy needs
 # each by itself.
 option(TARN_UNITE_SOURCES "Compile small sources together" ON)
 function(tarn_unite_sources target batch)
     set_target_properties(${target} PROPERTIES UNITY_BUILD ${TARN_UNITE_SOURCES} UNITY_BUILD_BATCH_SIZE ${batch})
-    # To GCC an anonymous namespace in such a file looks as if it came from a header.
+    # GCC takes an anonymous namespace in such a file for one in a header, and would warn.
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endfunction()

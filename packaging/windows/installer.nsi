@@ -21,7 +21,7 @@ OutFile "${OUTPUT}"
 InstallDir "$PROGRAMFILES64\Tarn Service"
 RequestExecutionLevel admin
 SetCompressor /SOLID lzma
-SetDateSave off ; the same sources make the same bytes
+SetDateSave off ; reproducible: the same sources give the same bytes
 ShowInstDetails show
 ShowUninstDetails show
 !ifdef ICON
@@ -49,8 +49,8 @@ Page instfiles
 UninstPage uninstConfirm
 UninstPage instfiles
 
-; $0 becomes 1 when the port library in place is the simulated computer that an installer has put there. One
-; that was replaced since then has another time.
+; Sets $0 to 1 when the port library in place is the simulated computer that an installer has put there, else
+; to 0. A library that has replaced it since then has another file time.
 Function IsLibrarySimulated
     StrCpy $0 0
     ${IfNot} ${FileExists} "${PORT_LIBRARY}"
@@ -83,7 +83,7 @@ FunctionEnd
 Section "Tarn Service" SectionService
     SectionIn RO
     !insertmacro RefuseDuringFlash
-    StrCpy $SimulatedComputerIsNew 1 ; they may have been when it was cut off
+    StrCpy $SimulatedComputerIsNew 1 ; an installer that was cut off may have moved these files too
     Call TakeAllBack
     StrCpy $SimulatedComputerIsNew 0
     ${If} $NotTakenBack != ""
@@ -114,10 +114,10 @@ Section /o "Simulated computer" SectionSimulated
 SectionEnd
 
 Section # the new files take the place of the old ones when all have been unpacked
-    SetOutPath "$INSTDIR" ; a folder that is the current one could not be removed
+    SetOutPath "$INSTDIR" ; the current folder could not be removed
     ${IsTarnServiceActive} $9
     ${StopTarnService}
-    ${CountFlashingTools} $0 ; a client may have asked the service for an update until now
+    ${CountFlashingTools} $0 ; a client may have started an update before the service stopped
     ${If} $0 = 0
         ${CloseWindows}
         DetailPrint "Replacing the files"
@@ -188,7 +188,7 @@ Function .onInit
     SetShellVarContext all
     ReadRegStr $0 HKLM "${PRODUCT_KEY}" Folder
     ${If} $0 != ""
-    ${AndIf} $INSTDIR == "$PROGRAMFILES64\Tarn Service" ; no other one was asked for
+    ${AndIf} $INSTDIR == "$PROGRAMFILES64\Tarn Service" ; /D asked for no other folder
         StrCpy $INSTDIR $0
     ${EndIf}
     Call IsLibrarySimulated
@@ -219,7 +219,7 @@ Section Uninstall
     ${IsTarnServiceActive} $9
     ${StopTarnService}
     ${If} $3 = 0
-        ${CountFlashingTools} $0 ; a client may have asked the service for an update until now
+        ${CountFlashingTools} $0 ; a client may have started an update before the service stopped
         ${If} $0 <> 0
             ${If} $9 = 1
                 ${StartTarnService} $1
@@ -237,13 +237,13 @@ Section Uninstall
     ${EndIf}
 
     ${DeleteTarnService}
-    ; What the service itself keeps beside its program.
+    ; Files that the service itself keeps beside its program.
     Delete "$INSTDIR\powermodeconfig.xml"
     Delete "$INSTDIR\graphicsRGB_config.ini"
     Delete "$INSTDIR\graphicsRGB_config.ini.lock"
     Delete "$INSTDIR\temp.ini"
     RMDir /r "$INSTDIR\function" ; the port library, the flashing tools and what they left
-    RMDir /r "$INSTDIR\update.new" ; of an installer that was cut off
+    RMDir /r "$INSTDIR\update.new" ; left by an installer that was cut off
     RMDir /r "$INSTDIR\update.old"
     RMDir "$INSTDIR"
     DeleteRegKey HKLM "${UNINSTALL_KEY}"

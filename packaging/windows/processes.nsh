@@ -1,12 +1,13 @@
-; Programs of this installation that run, for the installer and the uninstaller. All use $R1 to $R7.
+; Counts and ends running programs of this installation, for the installer and the uninstaller. All macros use
+; $R1 to $R7.
 
 !define TH32CS_SNAPPROCESS 2
-!define PROCESS_ENTRY_BYTES 568 ; PROCESSENTRY32W of a 64-bit program; the process's number is its third word
-!define RIGHT_TO_LOOK 0x1000 ; PROCESS_QUERY_LIMITED_INFORMATION
+!define PROCESS_ENTRY_BYTES 568 ; PROCESSENTRY32W of a 64-bit program; the process id is its third 32-bit word
+!define RIGHT_TO_QUERY 0x1000 ; PROCESS_QUERY_LIMITED_INFORMATION
 !define RIGHT_TO_END 0x101001 ; the same with PROCESS_TERMINATE and SYNCHRONIZE
-!define END_PATIENCE_MS 5000
+!define END_TIMEOUT_MS 5000
 
-; For each process that runs this program: the macro DO, with the process's handle in $R5.
+; Inserts the macro DO for each process that runs this program, with the process's handle in $R5.
 !macro ForEachProcess program rights do
     System::Call 'kernel32::CreateToolhelp32Snapshot(i ${TH32CS_SNAPPROCESS}, i 0) p .R1'
     System::Alloc ${PROCESS_ENTRY_BYTES}
@@ -32,25 +33,25 @@
 
 !macro EndProcess
     System::Call 'kernel32::TerminateProcess(p R5, i 0)'
-    System::Call 'kernel32::WaitForSingleObject(p R5, i ${END_PATIENCE_MS})'
+    System::Call 'kernel32::WaitForSingleObject(p R5, i ${END_TIMEOUT_MS})'
 !macroend
 
 !macro CountProcess
     IntOp $R7 $R7 + 1
 !macroend
 
-; The windows end with the service, but for those of a version that did not see to it. Only when the service has
-; stopped: it would take the end of a window for an answer.
+; The service closes its windows when it stops, but older versions did not. To be used only when the service
+; has stopped, because it would take the end of a window for an answer.
 !macro CloseWindows
     !insertmacro ForEachProcess "$INSTDIR\TarnServiceGui\TarnServiceGui.exe" ${RIGHT_TO_END} EndProcess
 !macroend
 !define CloseWindows '!insertmacro CloseWindows'
 
-; Result: how many tools write firmware just now.
+; Result: the number of flashing tools that run.
 !macro CountFlashingTools result
     StrCpy $R7 0
-    !insertmacro ForEachProcess "$INSTDIR\function\MCU\stm32flash.exe" ${RIGHT_TO_LOOK} CountProcess
-    !insertmacro ForEachProcess "$INSTDIR\function\EC\IFU_XE.exe" ${RIGHT_TO_LOOK} CountProcess
+    !insertmacro ForEachProcess "$INSTDIR\function\MCU\stm32flash.exe" ${RIGHT_TO_QUERY} CountProcess
+    !insertmacro ForEachProcess "$INSTDIR\function\EC\IFU_XE.exe" ${RIGHT_TO_QUERY} CountProcess
     StrCpy ${result} $R7
 !macroend
 !define CountFlashingTools '!insertmacro CountFlashingTools'

@@ -1,11 +1,11 @@
-; What Windows does when the service ends without having been told to: it starts it again, after 5 s, 5 s and then
-; a minute, also when the service has said that it stopped, as it does when it cannot start. Said once for an
-; installation, so that what an administrator makes of it stays. Uses $R1 and $R2.
+; Makes Windows restart the service when it ends without a stop request: after 5 s, 5 s and then 60 s, also
+; when the service has reported that it stopped, as it does when it cannot start. Set once for an
+; installation, so that an administrator's changes stay. Uses $R1 and $R2.
 !macro SetRecovery
     ReadRegDWORD $R1 HKLM "${PRODUCT_KEY}" RecoverySet
     ${If} $R1 <> 1
         StrCpy $R1 0
-        ${Do} ; until the end of the values, or one that somebody has set by hand
+        ${Do} ; until the end of the values, or until settings made by hand are found
             EnumRegValue $R2 HKLM "System\CurrentControlSet\Services\Tarn Service" $R1
             IntOp $R1 $R1 + 1
             ${If} $R2 == ""

@@ -1,7 +1,8 @@
-; Puts a new version in the place of the installed one, or changes nothing. The new files come beside the old ones
-; first; then the old ones go aside, where every one that is in use tells; then the new ones take their place.
-; As long as ${NEW_FILES} stands, ${OLD_FILES} holds what is still to be put back; without it, rubbish.
-; Files are listed by ${ForEachProgramFile}, of program_files.nsh. All functions use $0 to $2.
+; Puts a new version in the place of the installed one, or changes nothing. First the new files are unpacked
+; into ${NEW_FILES}; then the old ones are moved into ${OLD_FILES}, which fails for a file in use; then the
+; new ones take their place. While ${NEW_FILES} exists, ${OLD_FILES} holds files that must still be put back;
+; without it, files that can be deleted. Files are listed by ${ForEachProgramFile}, of program_files.nsh. All
+; functions use $0 to $2.
 
 !define NEW_FILES "$INSTDIR\update.new"
 !define OLD_FILES "$INSTDIR\update.old"
@@ -10,8 +11,8 @@ Var InTheWay ; the first file that could not be moved; empty: none so far
 Var NotTakenBack ; the first old file that could not be put back; empty: none
 Var SimulatedComputerIsNew ; 1: its files are among the new ones
 
-; With a path below $INSTDIR on the stack, as the two below. A program that runs could be moved aside but not be
-; deleted, so it counts as in the way.
+; Takes a path below $INSTDIR from the stack, as PutInPlace and TakeBack do. A running program could be moved
+; aside but not be deleted, so it counts as in the way.
 Function MoveAside
     Exch $0
     ${If} $InTheWay == ""
@@ -77,8 +78,8 @@ FunctionEnd
     ${EndIf}
 !macroend
 
-; The old files stand as they did. Also for what an installer left that was cut off in the middle. What cannot be put
-; back, because somebody looks into it, stays aside for the next installer.
+; Puts all old files back, also those that an installer left aside when it was cut off. A file that cannot be
+; put back, because it is in use, stays aside for the next installer.
 Function TakeAllBack
     StrCpy $NotTakenBack ""
     ${If} ${FileExists} "${NEW_FILES}\*.*"
@@ -90,14 +91,15 @@ Function TakeAllBack
     ${EndIf}
 FunctionEnd
 
-; The service does not run. $InTheWay names the file when nothing could be replaced.
+; To be called when the service has stopped. $InTheWay is empty when all files have been replaced; else it
+; names the file that prevented it, and the old files are put back.
 Function ReplaceFiles
     StrCpy $InTheWay ""
     !insertmacro ForEachNewFile MoveAside
     ${If} $InTheWay == ""
     ${AndIf} ${FileExists} "${OLD_FILES}\uninstall.exe"
-        ; Only the older version knows what it had besides; nothing that the service or an administrator has put
-        ; beside its files is among that.
+        ; Only the old uninstaller knows files that the new version does not have. It leaves alone what the
+        ; service or an administrator has put beside them.
         ExecWait '"${OLD_FILES}\uninstall.exe" /S /UPGRADE _?=$INSTDIR'
     ${EndIf}
     !insertmacro ForEachNewFile PutInPlace

@@ -4,7 +4,7 @@
 !define SERVICE_STOP_PENDING 3
 !define SERVICE_RUNNING 4
 !define POLL_MS 200
-!define STOP_POLLS 150 ; a starting service takes no stop for its first seconds
+!define STOP_POLLS 150 ; a starting service accepts no stop in its first seconds
 !define START_POLLS 150
 !define EXIT_POLLS 50
 
@@ -29,7 +29,7 @@
     System::Call '*$R3(i, i .R4)'
 !macroend
 
-; Result: 1 unless the service has stopped or is none.
+; Result: 0 when the service has stopped or does not exist, else 1.
 !macro IsTarnServiceActive result
     StrCpy ${result} 0
     !insertmacro OpenTarnService 0x4
@@ -95,7 +95,7 @@
 !macroend
 !define StartTarnService '!insertmacro StartTarnService'
 
-; Which program the service is; nothing else of an existing registration changes. Result: 0 on failure.
+; Sets the service's program; nothing else of an existing registration changes. Result: 0 on failure.
 !macro SetTarnServiceProgram program result
     !insertmacro OpenTarnService 0x2
     StrCpy $R4 '${program}'
