@@ -19,7 +19,7 @@ int UserSession::run(const QString &program, const QString &argument, std::chron
     if (!process.startTied(startablePath(program), {argument}))
         qWarning() << "GraphicsActive_log & GraphicsDisengaged_log: Failed to create process" << program
                    << process.errorString();
-    process.waitForFinished(static_cast<int>(timeout.count()));
+    waitForEnd(process, static_cast<int>(timeout.count()));
     // A user who has not answered by now is not asked any longer: the destructor ends the program.
     return exitCodeOf(process);
 }

@@ -1,6 +1,6 @@
 #include "service/running_check.h"
 
-#include "platform/process_wait.h"
+#include "platform/processes.h"
 
 #include <QProcess>
 
@@ -9,6 +9,6 @@ bool isServiceRunning(const QString &serviceName, std::chrono::milliseconds time
     QProcess query;
     // As one text without arguments, because a text that ends with a quote goes to the system unchanged.
     query.start(QStringLiteral("sc query ") + serviceName, QStringList(), QIODevice::ReadWrite);
-    query.waitForFinished(static_cast<int>(timeout.count()));
+    tarnPlatform::waitForEnd(query, static_cast<int>(timeout.count()));
     return QString::fromLocal8Bit(query.readAllStandardOutput()).contains(QStringLiteral("RUNNING"));
 }

@@ -4,12 +4,15 @@
 #include "platform/windows/unique_handle.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QProcess>
+#include <QTimer>
 
 #include <optional>
-#include <tlhelp32.h>
 #include <vector>
 #include <windows.h>
+
+#include <tlhelp32.h>
 
 namespace tarnPlatform {
 namespace {

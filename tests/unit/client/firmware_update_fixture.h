@@ -42,6 +42,10 @@ protected:
             request = withField(request, "mcuVer", version);
         if (command == interruptedAt)
             std::raise(SIGINT);
+        if (command == "getAccessoryType" && !firstAccessory.isEmpty()) {
+            service.answer(request, "data", std::exchange(firstAccessory, {}));
+            return;
+        }
         service.answer(request, "data", answers.value(command));
     }
 
