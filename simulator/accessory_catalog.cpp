@@ -11,7 +11,7 @@ using namespace tarnDeviceInfos;
 namespace {
 
 // The versions differ in every field, so that a test notices when fields are mixed up.
-constexpr Accessory CATALOG[] = {
+constexpr Accessory catalog[] = {
     {"dock", ACCESSORY_DOCK, 2, 1, 2, 3, "dock with an LED"},
     {"graphics", ACCESSORY_GRAPHICS, 5, 2, 10, 0, "graphics box"},
     {"graphics16g", ACCESSORY_GRAPHICS_16G, 6, 3, 4, 7, "graphics box, 16 GB variant"},
@@ -20,15 +20,15 @@ constexpr Accessory CATALOG[] = {
 
 template <typename Predicate> const Accessory *findIf(Predicate matches)
 {
-    const auto found = std::find_if(std::begin(CATALOG), std::end(CATALOG), matches);
-    return found == std::end(CATALOG) ? nullptr : found;
+    const auto found = std::find_if(std::begin(catalog), std::end(catalog), matches);
+    return found == std::end(catalog) ? nullptr : found;
 }
 
 } // namespace
 
 std::span<const Accessory> accessoryCatalog()
 {
-    return CATALOG;
+    return catalog;
 }
 
 const Accessory *findAccessory(std::string_view name)

@@ -10,12 +10,12 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-constexpr std::uint32_t MODE_MASK = 0xFF;
-constexpr std::uint32_t ONE_START = 0x100;
+constexpr std::uint32_t modeMask = 0xFF;
+constexpr std::uint32_t oneStart = 0x100;
 
 constexpr std::uint32_t nextRun(std::uint32_t run, McuMode mode)
 {
-    return ((run & ~MODE_MASK) + ONE_START) | static_cast<std::uint32_t>(mode);
+    return ((run & ~modeMask) + oneStart) | static_cast<std::uint32_t>(mode);
 }
 
 } // namespace
@@ -45,7 +45,7 @@ void AccessoryMcu::obeyControlByte()
 
 McuMode AccessoryMcu::mode() const
 {
-    return static_cast<McuMode>(run() & MODE_MASK);
+    return static_cast<McuMode>(run() & modeMask);
 }
 
 bool AccessoryMcu::isInBootLoader() const
@@ -80,8 +80,8 @@ std::uint8_t AccessoryMcu::controlByte() const
 
 AccessoryMcu::Start AccessoryMcu::startAfterReset() const
 {
-    constexpr std::uint8_t BOOT_BITS = MCU_UPDATE_ON | MCU_BOOT_LOADER_SELECT;
-    return (controlByte() & BOOT_BITS) == BOOT_BITS ? Start {McuMode::BootLoader, {}} : startOfFirmware();
+    constexpr std::uint8_t bootBits = MCU_UPDATE_ON | MCU_BOOT_LOADER_SELECT;
+    return (controlByte() & bootBits) == bootBits ? Start {McuMode::BootLoader, {}} : startOfFirmware();
 }
 
 // Without a firmware the version is 0.0.0; the link status does not depend on the firmware.

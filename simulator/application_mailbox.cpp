@@ -18,7 +18,7 @@ struct ApplicationMailbox::Command
     void (ApplicationMailbox::*finish)(); // null: the command has no answer
 };
 
-const ApplicationMailbox::Command ApplicationMailbox::COMMANDS[] = {
+const ApplicationMailbox::Command ApplicationMailbox::commands[] = {
     {APP_CMD_PEG_STATE, &ApplicationMailbox::storeGpuState, nullptr},
     {APP_EC_RGB_READ, nullptr, &ApplicationMailbox::loadColour},
     {APP_EC_RGB_WRITE, &ApplicationMailbox::applyColour, nullptr},
@@ -30,8 +30,8 @@ const ApplicationMailbox::Command ApplicationMailbox::COMMANDS[] = {
 const ApplicationMailbox::Command *ApplicationMailbox::find(std::uint8_t code)
 {
     const auto found = std::find_if(
-        std::begin(COMMANDS), std::end(COMMANDS), [code](const Command &row) { return row.code == code; });
-    return found == std::end(COMMANDS) ? nullptr : found;
+        std::begin(commands), std::end(commands), [code](const Command &row) { return row.code == code; });
+    return found == std::end(commands) ? nullptr : found;
 }
 
 // A code that the EC does not know is taken and cleared like the others, without effect.
@@ -97,7 +97,7 @@ void ApplicationMailbox::applyColour()
 void ApplicationMailbox::loadSerialNumber()
 {
     const bool attached = linkedAccessory(state) == ACCESSORY_KVANE;
-    for (std::size_t i = 0; i < SERIAL_NUMBER_LENGTH; ++i) {
+    for (std::size_t i = 0; i < serialNumberLength; ++i) {
         const std::uint8_t byte = state.accessory.kvaneSerialNumber[i].load();
         state.xdata[KVANE_SN_BYTES + i].store(attached ? byte : 0);
     }

@@ -26,7 +26,7 @@ public:
 
 private:
     struct Command;
-    static const Command COMMANDS[];
+    static const Command commands[];
     [[nodiscard]] static const Command *find(std::uint8_t code);
 
     void storeGpuState();

@@ -37,7 +37,7 @@ std::size_t extendedPageListLength(std::span<const std::uint8_t> input)
     const std::uint16_t last = halfAt(input, 0);
     if (last >= FIRST_SPECIAL_ERASE)
         return 3;
-    return last < MCU_PAGES ? 2 + (std::size_t {last} + 1) * 2 + 1 : 2;
+    return last < mcuPages ? 2 + (std::size_t {last} + 1) * 2 + 1 : 2;
 }
 
 } // namespace
@@ -49,7 +49,7 @@ struct BootLoader::Step
     void (BootLoader::*finish)(Input input);
 };
 
-const BootLoader::Step BootLoader::STEPS[] = {
+const BootLoader::Step BootLoader::steps[] = {
     {fixedLength<2>, &BootLoader::takeCommand},
     {fixedLength<5>, &BootLoader::takeAddress},
     {fixedLength<2>, &BootLoader::takeReadCount},
@@ -68,7 +68,7 @@ struct BootLoader::Command
     void (BootLoader::*action)();
 };
 
-const BootLoader::Command BootLoader::COMMANDS[] = {
+const BootLoader::Command BootLoader::commands[] = {
     {GET, true, AwaitsCommand, &BootLoader::tellCommands},
     {GET_VERSION, true, AwaitsCommand, &BootLoader::tellVersion},
     {GET_ID, true, AwaitsCommand, &BootLoader::tellId},
@@ -135,7 +135,7 @@ void BootLoader::take(std::uint8_t byte)
     state.input[received].store(byte);
     state.received.store(static_cast<std::uint16_t>(received + 1));
     const std::vector<std::uint8_t> input(state.input.begin(), state.input.begin() + received + 1);
-    const Step &step = STEPS[phase - AwaitsCommand];
+    const Step &step = steps[phase - AwaitsCommand];
     if (input.size() < step.length(input))
         return;
     await(AwaitsCommand); // unless the step asks for more
@@ -164,10 +164,10 @@ void BootLoader::confirm(bool isGood)
 
 void BootLoader::takeCommand(Input input)
 {
-    const auto *known = std::find_if(std::begin(COMMANDS), std::end(COMMANDS),
+    const auto *known = std::find_if(std::begin(commands), std::end(commands),
         [&input](const Command &row) { return row.code == input[0]; });
     const bool isAllowed =
-        known != std::end(COMMANDS) && (known->isAlwaysAllowed || state.readoutProtected.load() == 0);
+        known != std::end(commands) && (known->isAlwaysAllowed || state.readoutProtected.load() == 0);
     if (!isComplement(input) || !isAllowed) {
         confirm(false);
         return;

@@ -37,8 +37,8 @@ private:
     };
     struct Command;
     struct Step;
-    static const Command COMMANDS[];
-    static const Step STEPS[];
+    static const Command commands[];
+    static const Step steps[];
 
     [[nodiscard]] bool isDead() const;
     void joinConversation();

@@ -11,10 +11,10 @@ using namespace bootProtocol;
 
 namespace {
 
-constexpr std::uint8_t VERSION = 0x22;
-constexpr std::uint16_t DEVICE_ID = 0x410; // STM32F10x, medium density
+constexpr std::uint8_t version = 0x22;
+constexpr std::uint16_t deviceId = 0x410; // STM32F10x, medium density
 
-constexpr std::size_t CORRUPT_OFFSET = 0x300; // of the byte in flash that the fault reads back wrong
+constexpr std::size_t corruptOffset = 0x300; // of the byte in flash that the fault reads back wrong
 
 } // namespace
 
@@ -61,8 +61,8 @@ void BootLoader::takeReadCount(Input input)
         return;
     }
     if (const auto offset = McuMemory::flashOffset(address); offset && faults.isOn(Fault::FlashCorrupt)
-        && CORRUPT_OFFSET >= *offset && CORRUPT_OFFSET - *offset < bytes->size()) {
-        bytes->at(CORRUPT_OFFSET - *offset) ^= 1;
+        && corruptOffset >= *offset && corruptOffset - *offset < bytes->size()) {
+        bytes->at(corruptOffset - *offset) ^= 1;
     }
     confirm(true);
     reply.insert(reply.end(), bytes->begin(), bytes->end());
@@ -129,7 +129,7 @@ void BootLoader::takeSectors(Input input)
 {
     const Input sectors = input.subspan(1, input.size() - 2);
     const bool allThere =
-        std::all_of(sectors.begin(), sectors.end(), [](std::uint8_t sector) { return sector < MCU_SECTORS; });
+        std::all_of(sectors.begin(), sectors.end(), [](std::uint8_t sector) { return sector < mcuSectors; });
     if (xorOf(input) != 0 || !allThere) {
         confirm(false);
         return;
@@ -170,11 +170,11 @@ void BootLoader::releaseReadout()
 // as well, but not listed.
 void BootLoader::tellCommands()
 {
-    constexpr std::uint8_t TOLD[] = {GET, GET_VERSION, GET_ID, READ_MEMORY, GO, WRITE_MEMORY, ERASE,
+    constexpr std::uint8_t told[] = {GET, GET_VERSION, GET_ID, READ_MEMORY, GO, WRITE_MEMORY, ERASE,
         WRITE_PROTECT, WRITE_UNPROTECT, READOUT_PROTECT, READOUT_UNPROTECT};
-    answer(std::size(TOLD)); // the number of bytes less one: the version comes first
-    answer(VERSION);
-    reply.insert(reply.end(), std::begin(TOLD), std::end(TOLD));
+    answer(std::size(told)); // the number of bytes less one: the version comes first
+    answer(version);
+    reply.insert(reply.end(), std::begin(told), std::end(told));
     confirm(true);
 }
 
@@ -183,7 +183,7 @@ void BootLoader::tellVersion()
     state.versionAsked.store(1);
     if (isDead())
         return;
-    answer(VERSION);
+    answer(version);
     answer(0); // two bytes that once described the read protection
     answer(0);
     confirm(true);
@@ -192,8 +192,8 @@ void BootLoader::tellVersion()
 void BootLoader::tellId()
 {
     answer(1); // the number of bytes less one
-    answer(DEVICE_ID >> 8);
-    answer(DEVICE_ID & 0xFF);
+    answer(deviceId >> 8);
+    answer(deviceId & 0xFF);
     confirm(true);
 }
 

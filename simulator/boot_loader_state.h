@@ -8,10 +8,10 @@
 namespace tarnSimulator {
 
 // The accessory's MCU is an STM32F10x of medium density.
-inline constexpr std::size_t MCU_FLASH_SIZE = 0x20000;
-inline constexpr std::size_t MCU_RAM_SIZE = 0x5000;
+inline constexpr std::size_t mcuFlashSize = 0x20000;
+inline constexpr std::size_t mcuRamSize = 0x5000;
 // The longest input of the boot loader that has to be kept: an extended erase of all 128 pages.
-inline constexpr std::size_t BOOT_LOADER_INPUT_SIZE = 288;
+inline constexpr std::size_t bootLoaderInputSize = 288;
 
 // The MCU of the KVane: its memories, and the state of the conversation with its boot loader.
 struct BootLoaderState
@@ -27,9 +27,9 @@ struct BootLoaderState
     SharedByte versionAsked;
     SharedByte readoutProtected;
     std::array<SharedByte, 6> reserved;
-    std::array<SharedByte, BOOT_LOADER_INPUT_SIZE> input;
-    std::array<SharedByte, MCU_RAM_SIZE> ram;
-    std::array<SharedByte, MCU_FLASH_SIZE> flash;
+    std::array<SharedByte, bootLoaderInputSize> input;
+    std::array<SharedByte, mcuRamSize> ram;
+    std::array<SharedByte, mcuFlashSize> flash;
 };
 
 static_assert(offsetof(BootLoaderState, received) == 20);

@@ -162,7 +162,7 @@ std::vector<std::uint8_t> ComputerControl::mcuFlash() const
 
 bool ComputerControl::pressGpuKey()
 {
-    return armEvent(GPU_KEY_EVENT);
+    return armEvent(gpuKeyEvent);
 }
 
 bool ComputerControl::armEvent(AppEvent event)

@@ -16,7 +16,7 @@
 
 namespace tarnSimulator {
 
-using SerialNumber = std::array<std::uint8_t, SERIAL_NUMBER_LENGTH>;
+using SerialNumber = std::array<std::uint8_t, serialNumberLength>;
 
 struct GpuReports
 {
@@ -28,7 +28,7 @@ struct GpuReports
 class ComputerControl
 {
 public:
-    static constexpr AppEvent GPU_KEY_EVENT {
+    static constexpr AppEvent gpuKeyEvent {
         tarnDeviceInfos::APP_EVENT_GPU_KEY, tarnDeviceInfos::APP_EVENT_DATA_DISENGAGE};
 
     explicit ComputerControl(MachineState &state);

@@ -9,7 +9,7 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::uint64_t FORGOTTEN_AFTER_MS = 1000;
+constexpr std::uint64_t forgottenAfterMs = 1000;
 
 // The time of day, because the steady clocks of a native program and of one under Wine drift apart. When it
 // is set, the number of open windows is wrong until the next windowStaysOpen().
@@ -51,7 +51,7 @@ void Desktop::windowStaysOpen()
 std::uint32_t Desktop::windowsOpen() const
 {
     const std::uint64_t seen = seenMs.load();
-    const bool isForgotten = seen != 0 && hasElapsed(timeOfDayMs(), seen, FORGOTTEN_AFTER_MS);
+    const bool isForgotten = seen != 0 && hasElapsed(timeOfDayMs(), seen, forgottenAfterMs);
     return isForgotten ? 0 : shared.guiOpen.load();
 }
 

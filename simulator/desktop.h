@@ -14,7 +14,7 @@ namespace tarnSimulator {
 class Desktop
 {
 public:
-    static constexpr std::int32_t WAITS = -1; // the window stays open until there is an answer
+    static constexpr std::int32_t waits = -1; // the window stays open until there is an answer
 
     explicit Desktop(MachineState &state)
         : shared(state.desktop)

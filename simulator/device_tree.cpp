@@ -23,10 +23,10 @@ struct FactoryDevice
 };
 
 // The GPU is disabled at first, so that the service has to enable it when the box is attached.
-constexpr FactoryDevice FACTORY_DEVICES[] = {
+constexpr FactoryDevice factoryDevices[] = {
     {"graphics", DeviceKind::Display, DevicePlace::Computer, true, 0, "Intel(R) Iris(R) Xe Graphics",
         "PCI\\VEN_8086&DEV_A7A0&SUBSYS_00000000&REV_04", "PCI\\VEN_8086&DEV_A7A0\\3&11583659&0&10"},
-    {"gpu", DeviceKind::Display, DevicePlace::Box, false, PROBLEM_DISABLED, "NVIDIA GeForce RTX 4060 Ti",
+    {"gpu", DeviceKind::Display, DevicePlace::Box, false, problemDisabled, "NVIDIA GeForce RTX 4060 Ti",
         "PCI\\VEN_10DE&DEV_2803&SUBSYS_00000000&REV_A1", "PCI\\VEN_10DE&DEV_2803\\4&2B1F0D8C&0&0008"},
     {"audio", DeviceKind::Audio, DevicePlace::Computer, true, 0, "High Definition Audio Device",
         "HDAUDIO\\FUNC_01&VEN_10EC&DEV_0256", "HDAUDIO\\FUNC_01&VEN_10EC&DEV_0256\\4&36A1B9C2&0&0001"},
@@ -38,10 +38,10 @@ constexpr FactoryDevice FACTORY_DEVICES[] = {
 
 void DeviceTree::reset()
 {
-    for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(DEVICE_SLOTS); ++slot)
+    for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(deviceSlots); ++slot)
         remove(slot);
     std::int32_t slot = 0;
-    for (const FactoryDevice &device : FACTORY_DEVICES) {
+    for (const FactoryDevice &device : factoryDevices) {
         store(slot++,
             {std::string(device.name), device.kind, device.place, device.started, device.problem,
                 std::string(device.description), std::string(device.hardwareId),
@@ -52,7 +52,7 @@ void DeviceTree::reset()
 std::vector<std::int32_t> DeviceTree::allSlots() const
 {
     std::vector<std::int32_t> found;
-    for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(DEVICE_SLOTS); ++slot) {
+    for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(deviceSlots); ++slot) {
         if (at(slot).used.load() != 0)
             found.push_back(slot);
     }
@@ -102,7 +102,7 @@ void DeviceTree::store(std::int32_t slot, const Device &device)
 
 std::optional<std::int32_t> DeviceTree::add(const Device &device)
 {
-    for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(DEVICE_SLOTS); ++slot) {
+    for (std::int32_t slot = 0; slot < static_cast<std::int32_t>(deviceSlots); ++slot) {
         if (at(slot).used.load() == 0) {
             store(slot, device);
             return slot;
@@ -119,20 +119,20 @@ void DeviceTree::remove(std::int32_t slot)
 void DeviceTree::enable(std::int32_t slot)
 {
     DeviceSlotState &shared = at(slot);
-    std::uint32_t disabled = PROBLEM_DISABLED;
+    std::uint32_t disabled = problemDisabled;
     shared.problem.compare_exchange_strong(disabled, 0);
     shared.started.store(shared.problem.load() == 0 ? 1 : 0);
 }
 
 void DeviceTree::disable(std::int32_t slot)
 {
-    at(slot).problem.store(PROBLEM_DISABLED);
+    at(slot).problem.store(problemDisabled);
     at(slot).started.store(0);
 }
 
 void DeviceTree::restartByInstaller(std::int32_t slot, bool start)
 {
-    at(slot).problem.store(start ? 0 : PROBLEM_DISABLED);
+    at(slot).problem.store(start ? 0 : problemDisabled);
     at(slot).started.store(start ? 1 : 0);
 }
 

@@ -15,7 +15,7 @@ enum class DeviceKind : std::uint8_t { Display, Audio, Other };
 enum class DevicePlace : std::uint8_t { Computer, Box, Nowhere };
 
 // Problem code of the configuration manager for a disabled device.
-inline constexpr std::uint32_t PROBLEM_DISABLED = 22;
+inline constexpr std::uint32_t problemDisabled = 22;
 
 struct Device
 {

@@ -10,8 +10,8 @@ namespace {
 
 enum Operation : std::uint8_t { Idle, Reading, Writing, Failing, NeverEnding };
 
-constexpr std::uint8_t NO_ERROR_STATUS = 0;
-constexpr std::uint8_t REFUSED_STATUS = 2;
+constexpr std::uint8_t noErrorStatus = 0;
+constexpr std::uint8_t refusedStatus = 2;
 
 } // namespace
 
@@ -30,7 +30,7 @@ void EepromMailbox::start(std::uint8_t command)
         mailbox.operation.store(NeverEnding);
         return;
     }
-    mailbox.operation.store(error == NO_ERROR_STATUS ? wanted : Failing);
+    mailbox.operation.store(error == noErrorStatus ? wanted : Failing);
     advance();
 }
 
@@ -57,7 +57,7 @@ std::uint8_t EepromMailbox::errorOf(std::uint8_t command) const
     const bool commandKnown = command == EEP_CMD_READ || command == EEP_CMD_WRITE;
     const bool offsetExists = state.xdata[EEP_ADDR_HI].load() == 0;
     const bool lengthSupported = state.xdata[EEP_LEN].load() == 1;
-    return commandKnown && offsetExists && lengthSupported ? NO_ERROR_STATUS : REFUSED_STATUS;
+    return commandKnown && offsetExists && lengthSupported ? noErrorStatus : refusedStatus;
 }
 
 void EepromMailbox::finish(std::uint8_t status)

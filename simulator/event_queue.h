@@ -22,7 +22,7 @@ public:
         : shared(queue)
     { }
 
-    // False when EVENT_SLOTS events wait already.
+    // False when eventSlots events wait already.
     [[nodiscard]] bool arm(AppEvent event);
     [[nodiscard]] std::optional<AppEvent> take();
     [[nodiscard]] std::vector<AppEvent> waiting() const;

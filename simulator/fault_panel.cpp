@@ -25,7 +25,7 @@ constexpr std::uint64_t bitOf(Fault fault)
 
 void FaultPanel::switchOn(Fault fault, std::int32_t value, std::uint32_t skip)
 {
-    static_assert(FAULT_SLOTS <= 64); // bits of `seen`
+    static_assert(faultSlots <= 64); // bits of `seen`
     seen.fetch_or(bitOf(fault));
     FaultState &shared = slot(fault);
     shared.on.store(0); // the EC must not see the old value with the new count
@@ -80,7 +80,7 @@ bool FaultPanel::refuses(AccessKind kind, std::uint16_t address)
 bool FaultPanel::refusesDevice(Fault fault, std::int32_t deviceSlot)
 {
     const auto chosen = value(fault);
-    return chosen && (*chosen == EVERY_DEVICE || *chosen == deviceSlot) && isUsedUp(slot(fault).remaining);
+    return chosen && (*chosen == everyDevice || *chosen == deviceSlot) && isUsedUp(slot(fault).remaining);
 }
 
 bool FaultPanel::refusesList()

@@ -44,7 +44,7 @@ private:
     [[nodiscard]] bool strikesAt(Fault fault, std::uint16_t address);
     [[nodiscard]] bool strikesOnce();
 
-    std::array<FaultState, FAULT_SLOTS> &switches;
+    std::array<FaultState, faultSlots> &switches;
     SharedLong &seen;
 };
 

@@ -8,9 +8,9 @@ namespace tarnSimulator {
 
 namespace {
 
-static_assert(FAULT_COUNT <= FAULT_SLOTS);
+static_assert(faultCount <= faultSlots);
 
-constexpr FaultTable FAULTS {{
+constexpr FaultTable faults {{
     {Fault::IbfStuck, "ibf-stuck", FaultValue::None, "", 0, 0, 0,
         "IBF stays set: the EC takes no byte, so no register can be read or written"},
     {Fault::ObfStuck, "obf-stuck", FaultValue::None, "", 0, 0, 0,
@@ -37,19 +37,19 @@ constexpr FaultTable FAULTS {{
         "after so many more accesses of any register, one access fails; then the fault is off again"},
     {Fault::FailDeviceList, "fail-device-list", FaultValue::Count, "lists", 0, 1000000, 0,
         "the host's device lists cannot be opened, after so many that still can"},
-    {Fault::FailDeviceDescription, "fail-device-description", FaultValue::Device, "device", 0, 0,
-        EVERY_DEVICE, "the description cannot be read"},
-    {Fault::FailDeviceHardwareId, "fail-device-hardware-id", FaultValue::Device, "device", 0, 0, EVERY_DEVICE,
+    {Fault::FailDeviceDescription, "fail-device-description", FaultValue::Device, "device", 0, 0, everyDevice,
+        "the description cannot be read"},
+    {Fault::FailDeviceHardwareId, "fail-device-hardware-id", FaultValue::Device, "device", 0, 0, everyDevice,
         "the hardware id cannot be read"},
-    {Fault::FailDeviceId, "fail-device-id", FaultValue::Device, "device", 0, 0, EVERY_DEVICE,
+    {Fault::FailDeviceId, "fail-device-id", FaultValue::Device, "device", 0, 0, everyDevice,
         "the instance id cannot be read"},
-    {Fault::FailDeviceStatus, "fail-device-status", FaultValue::Device, "device", 0, 0, EVERY_DEVICE,
+    {Fault::FailDeviceStatus, "fail-device-status", FaultValue::Device, "device", 0, 0, everyDevice,
         "the status cannot be queried"},
-    {Fault::FailDeviceEnable, "fail-device-enable", FaultValue::Device, "device", 0, 0, EVERY_DEVICE,
+    {Fault::FailDeviceEnable, "fail-device-enable", FaultValue::Device, "device", 0, 0, everyDevice,
         "enabling has no effect and fails"},
-    {Fault::FailDeviceDisable, "fail-device-disable", FaultValue::Device, "device", 0, 0, EVERY_DEVICE,
+    {Fault::FailDeviceDisable, "fail-device-disable", FaultValue::Device, "device", 0, 0, everyDevice,
         "disabling has no effect and fails"},
-    {Fault::FailDeviceInstaller, "fail-device-installer", FaultValue::Device, "device", 0, 0, EVERY_DEVICE,
+    {Fault::FailDeviceInstaller, "fail-device-installer", FaultValue::Device, "device", 0, 0, everyDevice,
         "the class installer refuses a change of state"},
     {Fault::NoConsoleSession, "no-console-session", FaultValue::None, "", 0, 0, 0,
         "nobody is logged on at the console, so the service session can ask nobody"},
@@ -77,8 +77,8 @@ constexpr FaultTable FAULTS {{
 
 constexpr bool isInOrder()
 {
-    for (std::size_t i = 0; i < FAULTS.size(); ++i) {
-        if (static_cast<std::size_t>(FAULTS[i].fault) != i)
+    for (std::size_t i = 0; i < faults.size(); ++i) {
+        if (static_cast<std::size_t>(faults[i].fault) != i)
             return false;
     }
     return true;
@@ -90,19 +90,19 @@ static_assert(isInOrder());
 
 const FaultTable &faultTable()
 {
-    return FAULTS;
+    return faults;
 }
 
 const FaultDescription &describe(Fault fault)
 {
-    return FAULTS[static_cast<std::size_t>(fault)];
+    return faults[static_cast<std::size_t>(fault)];
 }
 
 const FaultDescription *findFault(std::string_view name)
 {
     const auto found = std::find_if(
-        FAULTS.begin(), FAULTS.end(), [name](const FaultDescription &row) { return row.name == name; });
-    return found == FAULTS.end() ? nullptr : &*found;
+        faults.begin(), faults.end(), [name](const FaultDescription &row) { return row.name == name; });
+    return found == faults.end() ? nullptr : &*found;
 }
 
 } // namespace tarnSimulator

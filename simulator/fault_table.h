@@ -42,7 +42,7 @@ enum class Fault : std::uint8_t {
     FlashInitNoise,
 };
 
-inline constexpr std::size_t FAULT_COUNT = 31;
+inline constexpr std::size_t faultCount = 31;
 
 enum class FaultValue : std::uint8_t {
     None, // on or off
@@ -52,7 +52,7 @@ enum class FaultValue : std::uint8_t {
     Device, // every device or the slot of one, and how many calls succeed before
 };
 
-inline constexpr std::int32_t EVERY_DEVICE = -1;
+inline constexpr std::int32_t everyDevice = -1;
 
 struct FaultDescription
 {
@@ -66,7 +66,7 @@ struct FaultDescription
     std::string_view help;
 };
 
-using FaultTable = std::array<FaultDescription, FAULT_COUNT>;
+using FaultTable = std::array<FaultDescription, faultCount>;
 
 [[nodiscard]] const FaultTable &faultTable();
 [[nodiscard]] const FaultDescription &describe(Fault fault);

@@ -7,16 +7,16 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::string_view MARK = "TARNMCU";
-constexpr std::size_t MARK_OFFSET = 0x200;
-constexpr std::size_t VERSION_OFFSET = MARK_OFFSET + MARK.size();
-constexpr std::size_t SIZE_OFFSET = 0x20C;
-constexpr std::size_t CODE_OFFSET = 0x210;
-constexpr std::size_t CHECKSUM_SIZE = 4;
+constexpr std::string_view mark = "TARNMCU";
+constexpr std::size_t markOffset = 0x200;
+constexpr std::size_t versionOffset = markOffset + mark.size();
+constexpr std::size_t sizeOffset = 0x20C;
+constexpr std::size_t codeOffset = 0x210;
+constexpr std::size_t checksumSize = 4;
 
-constexpr std::size_t VECTOR_COUNT = 67; // of this MCU
-constexpr std::uint32_t STACK_TOP = 0x20005000;
-constexpr std::uint32_t FIRST_HANDLER = 0x08000211; // Thumb code: odd
+constexpr std::size_t vectorCount = 67; // of this MCU
+constexpr std::uint32_t stackTop = 0x20005000;
+constexpr std::uint32_t firstHandler = 0x08000211; // Thumb code: odd
 
 void putWord(std::vector<std::uint8_t> &image, std::size_t offset, std::uint32_t word)
 {
@@ -44,7 +44,7 @@ void putCode(std::vector<std::uint8_t> &image, FirmwareVersion version)
 {
     std::uint32_t noise =
         0x9E3779B9U ^ (static_cast<std::uint32_t>(version.major) << 16 | version.minor << 8 | version.patch);
-    for (std::size_t i = CODE_OFFSET; i < image.size(); ++i) {
+    for (std::size_t i = codeOffset; i < image.size(); ++i) {
         noise ^= noise << 13;
         noise ^= noise >> 17;
         noise ^= noise << 5;
@@ -57,33 +57,33 @@ void putCode(std::vector<std::uint8_t> &image, FirmwareVersion version)
 std::vector<std::uint8_t> makeFirmwareImage(FirmwareVersion version, std::size_t size)
 {
     std::vector<std::uint8_t> image(size, 0);
-    putWord(image, 0, STACK_TOP);
-    for (std::uint32_t vector = 1; vector < VECTOR_COUNT; ++vector)
-        putWord(image, std::size_t {4} * vector, FIRST_HANDLER + 4 * (vector - 1));
-    std::copy(MARK.begin(), MARK.end(), image.begin() + MARK_OFFSET);
-    image[VERSION_OFFSET] = version.major;
-    image[VERSION_OFFSET + 1] = version.minor;
-    image[VERSION_OFFSET + 2] = version.patch;
-    putWord(image, SIZE_OFFSET, static_cast<std::uint32_t>(size));
+    putWord(image, 0, stackTop);
+    for (std::uint32_t vector = 1; vector < vectorCount; ++vector)
+        putWord(image, std::size_t {4} * vector, firstHandler + 4 * (vector - 1));
+    std::copy(mark.begin(), mark.end(), image.begin() + markOffset);
+    image[versionOffset] = version.major;
+    image[versionOffset + 1] = version.minor;
+    image[versionOffset + 2] = version.patch;
+    putWord(image, sizeOffset, static_cast<std::uint32_t>(size));
     putCode(image, version);
-    const std::size_t end = size - CHECKSUM_SIZE;
+    const std::size_t end = size - checksumSize;
     putWord(image, end, checksum(std::span(image).first(end)));
     return image;
 }
 
 std::optional<FirmwareVersion> findFirmware(std::span<const std::uint8_t> flash)
 {
-    if (flash.size() < SMALLEST_FIRMWARE
-        || !std::equal(MARK.begin(), MARK.end(), flash.begin() + MARK_OFFSET)) {
+    if (flash.size() < smallestFirmware
+        || !std::equal(mark.begin(), mark.end(), flash.begin() + markOffset)) {
         return std::nullopt;
     }
-    const std::size_t size = wordAt(flash, SIZE_OFFSET);
-    if (size < SMALLEST_FIRMWARE || size > flash.size())
+    const std::size_t size = wordAt(flash, sizeOffset);
+    if (size < smallestFirmware || size > flash.size())
         return std::nullopt;
-    const std::size_t end = size - CHECKSUM_SIZE;
+    const std::size_t end = size - checksumSize;
     if (wordAt(flash, end) != checksum(flash.first(end)))
         return std::nullopt;
-    return FirmwareVersion {flash[VERSION_OFFSET], flash[VERSION_OFFSET + 1], flash[VERSION_OFFSET + 2]};
+    return FirmwareVersion {flash[versionOffset], flash[versionOffset + 1], flash[versionOffset + 2]};
 }
 
 } // namespace tarnSimulator

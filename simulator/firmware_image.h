@@ -15,10 +15,10 @@
 //   end-4  FNV-1a checksum of everything before it (32 bits, low byte first)
 namespace tarnSimulator {
 
-inline constexpr std::size_t SMALLEST_FIRMWARE = 0x400;
-inline constexpr std::size_t USUAL_FIRMWARE = 0x4000;
+inline constexpr std::size_t smallestFirmware = 0x400;
+inline constexpr std::size_t usualFirmware = 0x4000;
 // More than the flash holds, so that tests can try that too.
-inline constexpr std::size_t LARGEST_FIRMWARE = 0x100000;
+inline constexpr std::size_t largestFirmware = 0x100000;
 
 struct FirmwareVersion
 {
@@ -29,9 +29,9 @@ struct FirmwareVersion
     friend bool operator==(const FirmwareVersion &, const FirmwareVersion &) = default;
 };
 
-// `size` is from SMALLEST_FIRMWARE to LARGEST_FIRMWARE and a multiple of 4.
+// `size` is from smallestFirmware to largestFirmware and a multiple of 4.
 [[nodiscard]] std::vector<std::uint8_t> makeFirmwareImage(
-    FirmwareVersion version, std::size_t size = USUAL_FIRMWARE);
+    FirmwareVersion version, std::size_t size = usualFirmware);
 
 // Empty when the flash does not begin with a complete image.
 [[nodiscard]] std::optional<FirmwareVersion> findFirmware(std::span<const std::uint8_t> flash);

@@ -13,22 +13,22 @@
 // process could leave held.
 namespace tarnSimulator {
 
-inline constexpr std::uint32_t STATE_MAGIC = 0x43535254; // "TRSC" in a dump of the file
+inline constexpr std::uint32_t stateMagic = 0x43535254; // "TRSC" in a dump of the file
 // Raised whenever the meaning or the place of something below changes. Not needed for a feature that only
 // takes bytes out of `growth`, if zero means what older programs assumed.
-inline constexpr std::uint32_t STATE_VERSION = 3;
+inline constexpr std::uint32_t stateVersion = 3;
 
-inline constexpr std::size_t XDATA_SIZE = 0x10000;
-inline constexpr std::size_t EEPROM_SIZE = 0x100;
-inline constexpr std::size_t EVENT_SLOTS = 16;
-inline constexpr std::size_t FAULT_SLOTS = 64;
-inline constexpr std::size_t LOG_ENTRIES = 4096;
-inline constexpr std::size_t SERIAL_NUMBER_LENGTH = 7;
-inline constexpr std::size_t DEVICE_SLOTS = 16;
-inline constexpr std::size_t DEVICE_NAME_SIZE = 32; // sizes of texts count their final zero
-inline constexpr std::size_t DEVICE_TEXT_SIZE = 128;
-inline constexpr std::size_t GUI_SWITCH_SIZE = 64;
-inline constexpr std::size_t GROWTH_SIZE = 0x6000 - 32;
+inline constexpr std::size_t xdataSize = 0x10000;
+inline constexpr std::size_t eepromSize = 0x100;
+inline constexpr std::size_t eventSlots = 16;
+inline constexpr std::size_t faultSlots = 64;
+inline constexpr std::size_t logEntries = 4096;
+inline constexpr std::size_t serialNumberLength = 7;
+inline constexpr std::size_t deviceSlots = 16;
+inline constexpr std::size_t deviceNameSize = 32; // sizes of texts count their final zero
+inline constexpr std::size_t deviceTextSize = 128;
+inline constexpr std::size_t guiSwitchSize = 64;
+inline constexpr std::size_t growthSize = 0x6000 - 32;
 
 struct StateHeader
 {
@@ -88,7 +88,7 @@ struct AccessoryState
     SharedByte gpuDriverData; // the last of them
     SharedByte kvaneLed;
     std::array<SharedByte, 2> reserved;
-    std::array<SharedByte, SERIAL_NUMBER_LENGTH> kvaneSerialNumber; // in the order of the mailbox bytes
+    std::array<SharedByte, serialNumberLength> kvaneSerialNumber; // in the order of the mailbox bytes
     SharedByte reservedEnd;
 };
 
@@ -97,7 +97,7 @@ struct AccessoryState
 struct EventQueueState
 {
     SharedLong lastTicket;
-    std::array<SharedLong, EVENT_SLOTS> waiting;
+    std::array<SharedLong, eventSlots> waiting;
 };
 
 struct FaultState
@@ -140,7 +140,7 @@ struct LogEntryState
 struct RegisterLogState
 {
     SharedLong lastStamp;
-    std::array<LogEntryState, LOG_ENTRIES> entries;
+    std::array<LogEntryState, logEntries> entries;
 };
 
 // A device as the device manager of the host shows it. The enumerations of the byte fields belong to
@@ -152,27 +152,27 @@ struct DeviceSlotState
     SharedByte place;
     SharedByte started;
     SharedWord problem; // problem code of the configuration manager, 0: none
-    std::array<SharedByte, DEVICE_NAME_SIZE> name; // for the control tool
-    std::array<SharedByte, DEVICE_TEXT_SIZE> description;
-    std::array<SharedByte, DEVICE_TEXT_SIZE> hardwareId;
-    std::array<SharedByte, DEVICE_TEXT_SIZE> instanceId;
+    std::array<SharedByte, deviceNameSize> name; // for the control tool
+    std::array<SharedByte, deviceTextSize> description;
+    std::array<SharedByte, deviceTextSize> hardwareId;
+    std::array<SharedByte, deviceTextSize> instanceId;
 };
 
 struct DeviceTreeState
 {
     SharedWord listsOpened; // by the host; equal to listsClosed whenever it is not at work on devices
     SharedWord listsClosed;
-    std::array<DeviceSlotState, DEVICE_SLOTS> entries;
+    std::array<DeviceSlotState, deviceSlots> entries;
 };
 
 // The user's side of the host: the session of the service, and what the stand-in for the GUI program does.
 struct DesktopState
 {
     SharedWord serviceSession; // 1: the service runs in session 0
-    SharedInt guiAnswer; // exit code, or Desktop::WAITS while it is left open
+    SharedInt guiAnswer; // exit code, or Desktop::waits while it is left open
     SharedWord guiShown; // programs started so far
     SharedWord guiOpen; // of them still open
-    std::array<SharedByte, GUI_SWITCH_SIZE> guiSwitch; // of the last one
+    std::array<SharedByte, guiSwitchSize> guiSwitch; // of the last one
 };
 
 struct MachineState
@@ -185,9 +185,9 @@ struct MachineState
     TimingState timing;
     CounterState counters;
     EventQueueState events;
-    std::array<FaultState, FAULT_SLOTS> faults;
-    std::array<SharedByte, EEPROM_SIZE> eeprom;
-    std::array<SharedByte, XDATA_SIZE> xdata;
+    std::array<FaultState, faultSlots> faults;
+    std::array<SharedByte, eepromSize> eeprom;
+    std::array<SharedByte, xdataSize> xdata;
     RegisterLogState log;
     DeviceTreeState devices;
     DesktopState desktop;
@@ -195,7 +195,7 @@ struct MachineState
     SharedLong faultsSeen; // bit n: the fault of slot n was switched on since power-on
     SharedLong statusNoise; // position in the sequence of StatusNoise
     InputHoldState inputHold;
-    std::array<SharedByte, GROWTH_SIZE> growth; // room for later parts of the machine, all zero until then
+    std::array<SharedByte, growthSize> growth; // room for later parts of the machine, all zero until then
     BootLoaderState bootLoader;
 };
 

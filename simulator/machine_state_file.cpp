@@ -69,11 +69,11 @@ std::string objectionTo(const SharedMapping &mapping)
     if (mapping.size() < sizeof(StateHeader))
         return "is too short to be the state of a simulated computer";
     const auto *header = static_cast<const StateHeader *>(mapping.data());
-    if (header->magic.load() != STATE_MAGIC)
+    if (header->magic.load() != stateMagic)
         return "is not the state of a simulated computer";
-    if (const std::uint32_t version = header->version.load(); version != STATE_VERSION) {
+    if (const std::uint32_t version = header->version.load(); version != stateVersion) {
         return "is a simulated computer of version " + std::to_string(version)
-            + ", this program needs version " + std::to_string(STATE_VERSION)
+            + ", this program needs version " + std::to_string(stateVersion)
             + "; delete the file to begin with a new computer";
     }
     if (header->size.load() != sizeof(MachineState) || mapping.size() < sizeof(MachineState))

@@ -11,8 +11,8 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-constexpr std::int64_t LONGEST_TIME_MS = 60000;
-constexpr std::int64_t MOST_POLLS = 1000000;
+constexpr std::int64_t longestTimeMs = 60000;
+constexpr std::int64_t mostPolls = 1000000;
 
 template <std::uint16_t address> std::string readRegister(const ComputerControl &computer)
 {
@@ -135,12 +135,12 @@ struct NamedAnswer
     std::string_view name;
     std::int32_t exitCode;
 };
-constexpr NamedAnswer ANSWERS[] = {{"no", 0}, {"yes", 1}, {"wait", Desktop::WAITS}};
+constexpr NamedAnswer answers[] = {{"no", 0}, {"yes", 1}, {"wait", Desktop::waits}};
 
 std::string readAnswer(const ComputerControl &computer)
 {
     const std::int32_t answer = computer.desktop().answer();
-    for (const NamedAnswer &named : ANSWERS) {
+    for (const NamedAnswer &named : answers) {
         if (named.exitCode == answer)
             return std::string(named.name);
     }
@@ -149,7 +149,7 @@ std::string readAnswer(const ComputerControl &computer)
 
 bool writeAnswer(ComputerControl &computer, std::string_view text)
 {
-    for (const NamedAnswer &named : ANSWERS) {
+    for (const NamedAnswer &named : answers) {
         if (named.name == text) {
             computer.desktop().setAnswer(named.exitCode);
             return true;
@@ -207,87 +207,86 @@ bool writeTiming(ComputerControl &computer, std::string_view text)
     return true;
 }
 
-constexpr std::string_view A_BYTE = "0 to 255";
-constexpr std::string_view A_SWITCH = "on, off or 0 to 255";
-constexpr std::string_view A_COLOUR = "RED,GREEN,BLUE, each 0 to 255";
-constexpr std::string_view A_TIME = "0 to 60000";
-constexpr std::string_view READ_ONLY;
+constexpr std::string_view aByte = "0 to 255";
+constexpr std::string_view aSwitch = "on, off or 0 to 255";
+constexpr std::string_view aColour = "RED,GREEN,BLUE, each 0 to 255";
+constexpr std::string_view aTime = "0 to 60000";
+constexpr std::string_view readOnly;
 
-constexpr MachineValue VALUES[] = {
-    {"battery", A_BYTE, "host battery level", readRegister<EC_TARN_BATTERY_NUM>,
+constexpr MachineValue values[] = {
+    {"battery", aByte, "host battery level", readRegister<EC_TARN_BATTERY_NUM>,
         writeRegister<EC_TARN_BATTERY_NUM>},
-    {"charging", A_SWITCH, "host charging status; bit 0: charging", readRegister<EC_TARN_CHARGING_STATUS>,
+    {"charging", aSwitch, "host charging status; bit 0: charging", readRegister<EC_TARN_CHARGING_STATUS>,
         writeSwitch<EC_TARN_CHARGING_STATUS, TARN_CHARGING_BIT>},
-    {"kvane-battery", A_BYTE, "KVane battery level", readRegister<EC_KVANE_BATTERY_NUM>,
+    {"kvane-battery", aByte, "KVane battery level", readRegister<EC_KVANE_BATTERY_NUM>,
         writeRegister<EC_KVANE_BATTERY_NUM>},
-    {"kvane-charging", A_SWITCH, "KVane charging status; bit 1: charging",
+    {"kvane-charging", aSwitch, "KVane charging status; bit 1: charging",
         readRegister<EC_KVANE_CHARGING_STATUS>, writeSwitch<EC_KVANE_CHARGING_STATUS, KVANE_CHARGING_BIT>},
     {"kvane-serial", "14 hexadecimal digits", "KVane serial number as printed", readSerialNumber,
         writeSerialNumber},
-    {"kvane-led", A_BYTE, "KVane LED value", readKvaneLed, writeKvaneLed},
-    {"dock-light", A_COLOUR, "dock LED; red 1 is on, red 0 off", readColour<&ComputerControl::dockLight>,
+    {"kvane-led", aByte, "KVane LED value", readKvaneLed, writeKvaneLed},
+    {"dock-light", aColour, "dock LED; red 1 is on, red 0 off", readColour<&ComputerControl::dockLight>,
         writeColour<&ComputerControl::setDockLight>},
-    {"graphics-light", A_COLOUR, "light of the graphics box", readColour<&ComputerControl::graphicsLight>,
+    {"graphics-light", aColour, "light of the graphics box", readColour<&ComputerControl::graphicsLight>,
         writeColour<&ComputerControl::setGraphicsLight>},
-    {"link-status", A_BYTE, "link status; 4: linked", readRegister<MCU_LINK_STATUS>,
+    {"link-status", aByte, "link status; 4: linked", readRegister<MCU_LINK_STATUS>,
         writeRegister<MCU_LINK_STATUS>},
-    {"accessory-code", A_BYTE, "code of the attached accessory", readRegister<ACCESSORY_CODE>,
+    {"accessory-code", aByte, "code of the attached accessory", readRegister<ACCESSORY_CODE>,
         writeRegister<ACCESSORY_CODE>},
-    {"hardware-version", A_BYTE, "hardware version of the accessory", readRegister<HARDWARE_VERSION>,
+    {"hardware-version", aByte, "hardware version of the accessory", readRegister<HARDWARE_VERSION>,
         writeRegister<HARDWARE_VERSION>},
-    {"mcu-major", A_BYTE, "MCU version of the accessory, first field", readRegister<MCU_VERSION_MAJOR>,
+    {"mcu-major", aByte, "MCU version of the accessory, first field", readRegister<MCU_VERSION_MAJOR>,
         writeRegister<MCU_VERSION_MAJOR>},
-    {"mcu-minor", A_BYTE, "MCU version of the accessory, second field", readRegister<MCU_VERSION_MINOR>,
+    {"mcu-minor", aByte, "MCU version of the accessory, second field", readRegister<MCU_VERSION_MINOR>,
         writeRegister<MCU_VERSION_MINOR>},
-    {"mcu-patch", A_BYTE, "MCU version of the accessory, third field", readRegister<MCU_VERSION_PATCH>,
+    {"mcu-patch", aByte, "MCU version of the accessory, third field", readRegister<MCU_VERSION_PATCH>,
         writeRegister<MCU_VERSION_PATCH>},
-    {"supply-mode", A_BYTE, "power supply mode; 0 to 3 select the limit sets",
+    {"supply-mode", aByte, "power supply mode; 0 to 3 select the limit sets",
         readRegister<EC_POWER_SUPPLY_MODE>, writeRegister<EC_POWER_SUPPLY_MODE>},
-    {"power-mode", A_BYTE, "device power mode; 1 balance, 2 low, 4 high", readRegister<EC_TARN_POWER_MODE>,
+    {"power-mode", aByte, "device power mode; 1 balance, 2 low, 4 high", readRegister<EC_TARN_POWER_MODE>,
         writeRegister<EC_TARN_POWER_MODE>},
-    {"smart-charging", A_SWITCH, "smart charging, kept in the EEPROM", readSmartCharging, writeSmartCharging},
-    {"pl-control", A_BYTE, "power control; 0 auto, 1 manual, 2 unlimited", readRegister<EC_POWERMODE_PL_CTRL>,
+    {"smart-charging", aSwitch, "smart charging, kept in the EEPROM", readSmartCharging, writeSmartCharging},
+    {"pl-control", aByte, "power control; 0 auto, 1 manual, 2 unlimited", readRegister<EC_POWERMODE_PL_CTRL>,
         writePowerControl},
-    {"pl1", READ_ONLY, "power limit PL1 in force, W", readRegister<EC_POWERMODE_PL1_CHECK>, nullptr},
-    {"pl2", READ_ONLY, "power limit PL2 in force, W", readRegister<EC_POWERMODE_PL2_CHECK>, nullptr},
-    {"pl4", READ_ONLY, "power limit PL4 in force, W", readRegister<EC_POWERMODE_PL4_CHECK>, nullptr},
-    {"fan-mode", READ_ONLY, "fan mode; 1 with the high profile", readRegister<EC_FAN_MODE>, nullptr},
-    {"gpu-state", READ_ONLY, "GPU state last reported; 1 no driver, 3 not started, 7 active", readGpuState,
+    {"pl1", readOnly, "power limit PL1 in force, W", readRegister<EC_POWERMODE_PL1_CHECK>, nullptr},
+    {"pl2", readOnly, "power limit PL2 in force, W", readRegister<EC_POWERMODE_PL2_CHECK>, nullptr},
+    {"pl4", readOnly, "power limit PL4 in force, W", readRegister<EC_POWERMODE_PL4_CHECK>, nullptr},
+    {"fan-mode", readOnly, "fan mode; 1 with the high profile", readRegister<EC_FAN_MODE>, nullptr},
+    {"gpu-state", readOnly, "GPU state last reported; 1 no driver, 3 not started, 7 active", readGpuState,
         nullptr},
-    {"gpu-reports", READ_ONLY, "GPU state reports received", readGpuReports, nullptr},
-    {"mcu-update", READ_ONLY, "MCU update control; 0x20 update, 0x08 boot loader, 0x10 reset",
+    {"gpu-reports", readOnly, "GPU state reports received", readGpuReports, nullptr},
+    {"mcu-update", readOnly, "MCU update control; 0x20 update, 0x08 boot loader, 0x10 reset",
         readRegister<EC_MCU_UPDATE_CTRL>, nullptr},
     {"session", "user or service", "session that the host's service runs in", readSession, writeSession},
     {"gui-answer", "yes, no, wait or an exit code from 0 to 255",
         "what the user does with a window of the GUI program; wait leaves it open", readAnswer, writeAnswer},
-    {"gui-window", READ_ONLY, "the switch that the GUI program was last started with", readWindow, nullptr},
-    {"gui-shown", READ_ONLY, "windows shown so far", readWindowsShown, nullptr},
-    {"gui-open", READ_ONLY, "windows open now", readWindowsOpen, nullptr},
-    {"mcu-mode", READ_ONLY, "what runs in the MCU of the KVane: firmware, boot-loader, reset or nothing",
+    {"gui-window", readOnly, "the switch that the GUI program was last started with", readWindow, nullptr},
+    {"gui-shown", readOnly, "windows shown so far", readWindowsShown, nullptr},
+    {"gui-open", readOnly, "windows open now", readWindowsOpen, nullptr},
+    {"mcu-mode", readOnly, "what runs in the MCU of the KVane: firmware, boot-loader, reset or nothing",
         readMcuMode, nullptr},
-    {"eeprom-ms", A_TIME, "time an EEPROM operation takes, ms", readTiming<&TimingState::eepromBusyMs>,
-        writeTiming<&TimingState::eepromBusyMs, LONGEST_TIME_MS>},
-    {"mailbox-ms", A_TIME, "time until an application command byte clears, ms",
-        readTiming<&TimingState::mailboxBusyMs>, writeTiming<&TimingState::mailboxBusyMs, LONGEST_TIME_MS>},
+    {"eeprom-ms", aTime, "time an EEPROM operation takes, ms", readTiming<&TimingState::eepromBusyMs>,
+        writeTiming<&TimingState::eepromBusyMs, longestTimeMs>},
+    {"mailbox-ms", aTime, "time until an application command byte clears, ms",
+        readTiming<&TimingState::mailboxBusyMs>, writeTiming<&TimingState::mailboxBusyMs, longestTimeMs>},
     {"acceptance-polls", "0 to 1000000", "status reads for which IBF stays set after each byte",
-        readTiming<&TimingState::acceptancePolls>, writeTiming<&TimingState::acceptancePolls, MOST_POLLS>},
+        readTiming<&TimingState::acceptancePolls>, writeTiming<&TimingState::acceptancePolls, mostPolls>},
     {"refused-write-polls", "0 to 1000000", "status reads for which IBF stays set after a refused write",
-        readTiming<&TimingState::refusedWritePolls>,
-        writeTiming<&TimingState::refusedWritePolls, MOST_POLLS>},
+        readTiming<&TimingState::refusedWritePolls>, writeTiming<&TimingState::refusedWritePolls, mostPolls>},
 };
 
 } // namespace
 
 std::span<const MachineValue> machineValues()
 {
-    return VALUES;
+    return values;
 }
 
 const MachineValue *findMachineValue(std::string_view name)
 {
     const auto found = std::find_if(
-        std::begin(VALUES), std::end(VALUES), [name](const MachineValue &row) { return row.name == name; });
-    return found == std::end(VALUES) ? nullptr : found;
+        std::begin(values), std::end(values), [name](const MachineValue &row) { return row.name == name; });
+    return found == std::end(values) ? nullptr : found;
 }
 
 } // namespace tarnSimulator

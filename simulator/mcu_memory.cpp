@@ -6,8 +6,8 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::uint8_t ERASED = 0xFF;
-constexpr std::uint8_t READOUT_ALLOWED = 0xA5; // anything else: protected
+constexpr std::uint8_t erased = 0xFF;
+constexpr std::uint8_t readoutAllowed = 0xA5; // anything else: protected
 
 template <std::size_t size>
 void fill(std::array<SharedByte, size> &bytes, std::size_t offset, std::size_t count, std::uint8_t value)
@@ -24,16 +24,16 @@ constexpr bool lies(std::uint32_t address, std::size_t count, std::uint32_t star
 // Offset of the range in the flash; empty when not all of it is there.
 std::optional<std::size_t> flashRange(std::uint32_t address, std::size_t count)
 {
-    if (lies(address, count, MCU_FLASH_START, MCU_FLASH_SIZE))
-        return address - MCU_FLASH_START;
-    if (lies(address, count, 0, MCU_FLASH_SIZE))
+    if (lies(address, count, mcuFlashStart, mcuFlashSize))
+        return address - mcuFlashStart;
+    if (lies(address, count, 0, mcuFlashSize))
         return address;
     return std::nullopt;
 }
 
 bool isFreeRamRange(std::uint32_t address, std::size_t count)
 {
-    return lies(address, count, MCU_FREE_RAM_START, MCU_RAM_START + MCU_RAM_SIZE - MCU_FREE_RAM_START);
+    return lies(address, count, mcuFreeRamStart, mcuRamStart + mcuRamSize - mcuFreeRamStart);
 }
 
 } // namespace
@@ -42,8 +42,8 @@ void McuMemory::restore(std::span<const std::uint8_t> firmware)
 {
     mcu.writeProtected.store(0);
     mcu.readoutProtected.store(0);
-    fill(mcu.ram, 0, MCU_RAM_SIZE, 0);
-    eraseBytes(0, MCU_FLASH_SIZE);
+    fill(mcu.ram, 0, mcuRamSize, 0);
+    eraseBytes(0, mcuFlashSize);
     for (std::size_t i = 0; i < firmware.size(); ++i)
         mcu.flash[i].store(firmware[i], std::memory_order_relaxed);
 }
@@ -61,7 +61,7 @@ bool McuMemory::isFreeRam(std::uint32_t address)
 bool McuMemory::isReadable(std::uint32_t address)
 {
     return flashOffset(address).has_value() || isFreeRam(address)
-        || lies(address, 1, MCU_OPTION_BYTES_START, MCU_OPTION_BYTES_SIZE);
+        || lies(address, 1, mcuOptionBytesStart, mcuOptionBytesSize);
 }
 
 std::optional<std::vector<std::uint8_t>> McuMemory::read(std::uint32_t address, std::size_t count) const
@@ -75,9 +75,9 @@ std::optional<std::vector<std::uint8_t>> McuMemory::read(std::uint32_t address, 
     if (const auto offset = flashRange(address, count))
         return copy(mcu.flash, *offset);
     if (isFreeRamRange(address, count))
-        return copy(mcu.ram, address - MCU_RAM_START);
-    if (lies(address, count, MCU_OPTION_BYTES_START, MCU_OPTION_BYTES_SIZE))
-        return copy(optionBytes(), address - MCU_OPTION_BYTES_START);
+        return copy(mcu.ram, address - mcuRamStart);
+    if (lies(address, count, mcuOptionBytesStart, mcuOptionBytesSize))
+        return copy(optionBytes(), address - mcuOptionBytesStart);
     return std::nullopt;
 }
 
@@ -85,7 +85,7 @@ bool McuMemory::write(std::uint32_t address, std::span<const std::uint8_t> bytes
 {
     if (isFreeRamRange(address, bytes.size())) {
         for (std::size_t i = 0; i < bytes.size(); ++i)
-            mcu.ram[address - MCU_RAM_START + i].store(bytes[i]);
+            mcu.ram[address - mcuRamStart + i].store(bytes[i]);
         return true;
     }
     const auto offset = flashRange(address, bytes.size());
@@ -98,9 +98,9 @@ bool McuMemory::write(std::uint32_t address, std::span<const std::uint8_t> bytes
 
 bool McuMemory::erasePage(std::size_t page)
 {
-    if (page >= MCU_PAGES || isProtected(page * MCU_PAGE_SIZE))
+    if (page >= mcuPages || isProtected(page * mcuPageSize))
         return false;
-    eraseBytes(page * MCU_PAGE_SIZE, MCU_PAGE_SIZE);
+    eraseBytes(page * mcuPageSize, mcuPageSize);
     return true;
 }
 
@@ -108,7 +108,7 @@ bool McuMemory::eraseAll()
 {
     if (mcu.writeProtected.load() != 0)
         return false;
-    eraseBytes(0, MCU_FLASH_SIZE);
+    eraseBytes(0, mcuFlashSize);
     return true;
 }
 
@@ -119,12 +119,12 @@ std::vector<std::uint8_t> McuMemory::flash() const
 
 void McuMemory::eraseBytes(std::size_t offset, std::size_t count)
 {
-    fill(mcu.flash, offset, count, ERASED);
+    fill(mcu.flash, offset, count, erased);
 }
 
 bool McuMemory::isProtected(std::size_t flashOffset) const
 {
-    return (mcu.writeProtected.load() >> (flashOffset / MCU_SECTOR_SIZE) & 1U) != 0;
+    return (mcu.writeProtected.load() >> (flashOffset / mcuSectorSize) & 1U) != 0;
 }
 
 // Each byte is followed by its complement: read-out protection, user byte, two data bytes, and a bit for each
@@ -136,10 +136,10 @@ std::vector<std::uint8_t> McuMemory::optionBytes() const
         bytes.push_back(static_cast<std::uint8_t>(value));
         bytes.push_back(static_cast<std::uint8_t>(~value));
     };
-    add(mcu.readoutProtected.load() == 0 ? READOUT_ALLOWED : 0);
+    add(mcu.readoutProtected.load() == 0 ? readoutAllowed : 0);
     for (int i = 0; i < 3; ++i)
-        add(ERASED);
-    for (unsigned shift = 0; shift < MCU_SECTORS; shift += 8)
+        add(erased);
+    for (unsigned shift = 0; shift < mcuSectors; shift += 8)
         add(~mcu.writeProtected.load() >> shift);
     return bytes;
 }

@@ -10,16 +10,16 @@
 
 namespace tarnSimulator {
 
-inline constexpr std::uint32_t MCU_FLASH_START = 0x08000000; // also mapped at 0
-inline constexpr std::uint32_t MCU_RAM_START = 0x20000000;
+inline constexpr std::uint32_t mcuFlashStart = 0x08000000; // also mapped at 0
+inline constexpr std::uint32_t mcuRamStart = 0x20000000;
 // The boot loader uses the RAM below.
-inline constexpr std::uint32_t MCU_FREE_RAM_START = MCU_RAM_START + 0x200;
-inline constexpr std::uint32_t MCU_OPTION_BYTES_START = 0x1FFFF800;
-inline constexpr std::size_t MCU_OPTION_BYTES_SIZE = 16;
-inline constexpr std::size_t MCU_PAGE_SIZE = 0x400; // what is erased at once
-inline constexpr std::size_t MCU_PAGES = MCU_FLASH_SIZE / MCU_PAGE_SIZE;
-inline constexpr std::size_t MCU_SECTOR_SIZE = 0x1000; // what is write-protected at once
-inline constexpr std::size_t MCU_SECTORS = MCU_FLASH_SIZE / MCU_SECTOR_SIZE;
+inline constexpr std::uint32_t mcuFreeRamStart = mcuRamStart + 0x200;
+inline constexpr std::uint32_t mcuOptionBytesStart = 0x1FFFF800;
+inline constexpr std::size_t mcuOptionBytesSize = 16;
+inline constexpr std::size_t mcuPageSize = 0x400; // what is erased at once
+inline constexpr std::size_t mcuPages = mcuFlashSize / mcuPageSize;
+inline constexpr std::size_t mcuSectorSize = 0x1000; // what is write-protected at once
+inline constexpr std::size_t mcuSectors = mcuFlashSize / mcuSectorSize;
 
 // The MCU's memories at their addresses. The boot loader checks the protection against reading out; this
 // class does not.

@@ -15,7 +15,7 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::uint8_t NO_MACHINE = 0xFF; // what an empty bus reads as
+constexpr std::uint8_t noMachine = 0xFF; // what an empty bus reads as
 
 class PortLibrary
 {
@@ -42,7 +42,7 @@ public:
     [[nodiscard]] std::uint8_t read(std::uint16_t port)
     {
         const std::lock_guard guard(portMutex);
-        return ec == nullptr ? NO_MACHINE : ec->readPort(port);
+        return ec == nullptr ? noMachine : ec->readPort(port);
     }
 
 private:

@@ -17,13 +17,13 @@ struct Limit
     std::uint8_t automatic; // watts
 };
 
-constexpr Limit LIMITS[] = {
+constexpr Limit limits[] = {
     {EC_POWERMODE_PL1, EC_POWERMODE_PL1_CHECK, 28},
     {EC_POWERMODE_PL2, EC_POWERMODE_PL2_CHECK, 30},
     {EC_POWERMODE_PL4, EC_POWERMODE_PL4_CHECK, 55},
 };
 
-constexpr std::uint8_t NO_LIMIT = 255; // watts
+constexpr std::uint8_t noLimit = 255; // watts
 
 std::uint8_t limitInForce(const MachineState &machine, const Limit &limit)
 {
@@ -31,7 +31,7 @@ std::uint8_t limitInForce(const MachineState &machine, const Limit &limit)
     case PL_CTRL_MANUAL:
         return machine.xdata[limit.address].load();
     case PL_CTRL_UNLIMITED:
-        return NO_LIMIT;
+        return noLimit;
     default:
         return limit.automatic;
     }
@@ -42,14 +42,14 @@ std::uint8_t limitInForce(const MachineState &machine, const Limit &limit)
 void PowerLimits::restore(MachineState &machine)
 {
     machine.xdata[EC_POWERMODE_PL_CTRL].store(PL_CTRL_AUTO);
-    for (const Limit &limit : LIMITS)
+    for (const Limit &limit : limits)
         machine.xdata[limit.address].store(limit.automatic);
     apply(machine);
 }
 
 void PowerLimits::apply(MachineState &machine)
 {
-    for (const Limit &limit : LIMITS)
+    for (const Limit &limit : limits)
         machine.xdata[limit.checkAddress].store(limitInForce(machine, limit));
 }
 

@@ -12,9 +12,9 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-constexpr std::uint8_t ERASED_EEPROM_BYTE = 0xFF;
-constexpr std::uint32_t WHITE = 0xFFFFFF;
-constexpr std::uint32_t DOCK_LIGHT_ON = 0x010000; // only red 1 or 0 carries the dock's LED state
+constexpr std::uint8_t erasedEepromByte = 0xFF;
+constexpr std::uint32_t white = 0xFFFFFF;
+constexpr std::uint32_t dockLightOn = 0x010000; // only red 1 or 0 carries the dock's LED state
 
 struct RegisterDefault
 {
@@ -22,7 +22,7 @@ struct RegisterDefault
     std::uint8_t value;
 };
 
-constexpr RegisterDefault REGISTER_DEFAULTS[] = {
+constexpr RegisterDefault registerDefaults[] = {
     {EEP_STATUS, EEP_STATUS_DONE},
     {EC_TARN_BATTERY_NUM, 80},
     {EC_TARN_CHARGING_STATUS, TARN_CHARGING_BIT},
@@ -32,14 +32,14 @@ constexpr RegisterDefault REGISTER_DEFAULTS[] = {
     {EC_TARN_POWER_MODE, TARN_POWER_MODE_BALANCE},
 };
 
-constexpr std::array<std::uint8_t, SERIAL_NUMBER_LENGTH> SERIAL_NUMBER {
+constexpr std::array<std::uint8_t, serialNumberLength> serialNumber {
     0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD};
 
 // Both mailboxes answer within the 10 ms that the host waits before it looks.
-constexpr std::uint32_t EEPROM_BUSY_MS = 6;
-constexpr std::uint32_t MAILBOX_BUSY_MS = 5;
+constexpr std::uint32_t eepromBusyMs = 6;
+constexpr std::uint32_t mailboxBusyMs = 5;
 // The host gives a byte up after this many status reads.
-constexpr std::uint32_t REFUSED_WRITE_POLLS = 1000;
+constexpr std::uint32_t refusedWritePolls = 1000;
 
 template <std::size_t size> void fill(std::array<SharedByte, size> &bytes, std::uint8_t value)
 {
@@ -50,22 +50,22 @@ template <std::size_t size> void fill(std::array<SharedByte, size> &bytes, std::
 void resetMemories(MachineState &state)
 {
     fill(state.xdata, 0);
-    for (const RegisterDefault &preset : REGISTER_DEFAULTS)
+    for (const RegisterDefault &preset : registerDefaults)
         state.xdata[preset.address].store(preset.value);
     PowerLimits::restore(state);
-    fill(state.eeprom, ERASED_EEPROM_BYTE);
+    fill(state.eeprom, erasedEepromByte);
     state.eeprom[EEP_SMART_CHARGING].store(SMART_CHARGING_ON);
 }
 
 void resetAccessory(AccessoryState &accessory)
 {
-    accessory.dockLight.store(DOCK_LIGHT_ON);
-    accessory.graphicsLight.store(WHITE);
+    accessory.dockLight.store(dockLightOn);
+    accessory.graphicsLight.store(white);
     accessory.gpuReports.store(0);
     accessory.gpuDriverData.store(0);
     accessory.kvaneLed.store(0);
-    for (std::size_t i = 0; i < SERIAL_NUMBER_LENGTH; ++i)
-        accessory.kvaneSerialNumber[i].store(SERIAL_NUMBER[i]);
+    for (std::size_t i = 0; i < serialNumberLength; ++i)
+        accessory.kvaneSerialNumber[i].store(serialNumber[i]);
 }
 
 void resetCounters(CounterState &counters)
@@ -83,8 +83,8 @@ void initialiseState(MachineState &state)
 {
     powerOn(state);
     state.header.size.store(sizeof(MachineState));
-    state.header.version.store(STATE_VERSION);
-    state.header.magic.store(STATE_MAGIC);
+    state.header.version.store(stateVersion);
+    state.header.magic.store(stateMagic);
 }
 
 void powerOn(MachineState &state)
@@ -101,9 +101,9 @@ void powerOn(MachineState &state)
     state.eepromMailbox.operation.store(0);
     state.applicationMailbox.busy.store(0);
     state.applicationMailbox.pending.store(0);
-    state.timing.eepromBusyMs.store(EEPROM_BUSY_MS);
-    state.timing.mailboxBusyMs.store(MAILBOX_BUSY_MS);
-    state.timing.refusedWritePolls.store(REFUSED_WRITE_POLLS);
+    state.timing.eepromBusyMs.store(eepromBusyMs);
+    state.timing.mailboxBusyMs.store(mailboxBusyMs);
+    state.timing.refusedWritePolls.store(refusedWritePolls);
     state.timing.acceptancePolls.store(0);
     resetAccessory(state.accessory);
     resetCounters(state.counters);

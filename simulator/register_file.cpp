@@ -21,11 +21,11 @@ struct RegisterFile::WriteEffect
     void (RegisterFile::*after)(std::uint16_t address);
 };
 
-const RegisterFile::ReadEffect RegisterFile::READ_EFFECTS[] = {
+const RegisterFile::ReadEffect RegisterFile::readEffects[] = {
     {XEC_APP_EVENT, &RegisterFile::presentEvent},
 };
 
-const RegisterFile::WriteEffect RegisterFile::WRITE_EFFECTS[] = {
+const RegisterFile::WriteEffect RegisterFile::writeEffects[] = {
     {EEP_CMD, &RegisterFile::startEeprom},
     {XEC_APP_CMD, &RegisterFile::executeCommand},
     {EC_POWERMODE_PL_CTRL, &RegisterFile::applyLimits},
@@ -38,7 +38,7 @@ const RegisterFile::WriteEffect RegisterFile::WRITE_EFFECTS[] = {
 namespace {
 
 // What the EC measures or reports; the host's writes are taken and have no effect.
-constexpr std::uint16_t READ_ONLY[] = {
+constexpr std::uint16_t readOnly[] = {
     EEP_STATUS,
     MCU_LINK_STATUS,
     MCU_VERSION_MAJOR,
@@ -56,7 +56,7 @@ constexpr std::uint16_t READ_ONLY[] = {
     EC_KVANE_CHARGING_STATUS,
 };
 
-constexpr std::uint16_t LIMIT_READ_BACKS[] = {
+constexpr std::uint16_t limitReadBacks[] = {
     EC_POWERMODE_PL1_CHECK,
     EC_POWERMODE_PL2_CHECK,
     EC_POWERMODE_PL4_CHECK,
@@ -81,21 +81,21 @@ RegisterFile::RegisterFile(MachineState &machine, const NowMs &clock, const Faul
 std::uint8_t RegisterFile::read(std::uint16_t address)
 {
     advance();
-    for (const ReadEffect &effect : READ_EFFECTS) {
+    for (const ReadEffect &effect : readEffects) {
         if (effect.address == address)
             (this->*effect.before)(address);
     }
     const std::uint8_t value = state.xdata[address].load();
-    return contains(LIMIT_READ_BACKS, address) ? powerLimits.readBack(value) : value;
+    return contains(limitReadBacks, address) ? powerLimits.readBack(value) : value;
 }
 
 void RegisterFile::write(std::uint16_t address, std::uint8_t value)
 {
     advance();
-    if (contains(READ_ONLY, address))
+    if (contains(readOnly, address))
         return;
     state.xdata[address].store(value);
-    for (const WriteEffect &effect : WRITE_EFFECTS) {
+    for (const WriteEffect &effect : writeEffects) {
         if (effect.address == address)
             (this->*effect.after)(address);
     }

@@ -24,8 +24,8 @@ public:
 private:
     struct ReadEffect;
     struct WriteEffect;
-    static const ReadEffect READ_EFFECTS[];
-    static const WriteEffect WRITE_EFFECTS[];
+    static const ReadEffect readEffects[];
+    static const WriteEffect writeEffects[];
 
     void presentEvent(std::uint16_t address);
     void startEeprom(std::uint16_t address);

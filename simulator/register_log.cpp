@@ -13,7 +13,7 @@ constexpr std::uint32_t pack(AccessKind kind, std::uint16_t address, std::uint8_
 
 constexpr std::size_t slotOf(std::uint64_t number)
 {
-    return static_cast<std::size_t>(number % LOG_ENTRIES);
+    return static_cast<std::size_t>(number % logEntries);
 }
 
 } // namespace
@@ -38,7 +38,7 @@ std::uint64_t RegisterLog::end() const
 LogReading RegisterLog::readAfter(std::uint64_t cursor) const
 {
     const std::uint64_t newest = end();
-    const std::uint64_t kept = newest > LOG_ENTRIES ? newest - LOG_ENTRIES : 0;
+    const std::uint64_t kept = newest > logEntries ? newest - logEntries : 0;
 
     LogReading reading;
     // A cursor beyond the end belongs to another state file: begin again.

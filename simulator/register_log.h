@@ -16,7 +16,7 @@ struct LogReading
     std::uint64_t lost = 0; // accesses that were overwritten before they were read
 };
 
-// Ring of the last LOG_ENTRIES accesses. Any number of processes may read while the EC appends.
+// Ring of the last logEntries accesses. Any number of processes may read while the EC appends.
 class RegisterLog
 {
 public:

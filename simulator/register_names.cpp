@@ -11,7 +11,7 @@ using namespace tarnDeviceInfos;
 namespace {
 
 // The first name of an address is the one that is shown.
-constexpr RegisterName NAMES[] = {
+constexpr RegisterName names[] = {
     {"EC_FAN_MODE", EC_FAN_MODE},
     {"XEC_APP_EVENT", XEC_APP_EVENT},
     {"XEC_APP_EVENT_DATA", XEC_APP_EVENT_DATA},
@@ -54,14 +54,14 @@ constexpr RegisterName NAMES[] = {
 
 std::span<const RegisterName> registerNames()
 {
-    return NAMES;
+    return names;
 }
 
 std::string registerName(std::uint16_t address)
 {
-    const auto found = std::find_if(std::begin(NAMES), std::end(NAMES),
+    const auto found = std::find_if(std::begin(names), std::end(names),
         [address](const RegisterName &row) { return row.address == address; });
-    if (found != std::end(NAMES))
+    if (found != std::end(names))
         return std::string(found->name);
     if (address > KVANE_SN_BYTES && address < KVANE_SN_BYTES + KVANE_SN_LENGTH)
         return "KVANE_SN_BYTES+" + std::to_string(address - KVANE_SN_BYTES);
@@ -71,8 +71,8 @@ std::string registerName(std::uint16_t address)
 std::optional<std::uint16_t> registerAddress(std::string_view name)
 {
     const auto found = std::find_if(
-        std::begin(NAMES), std::end(NAMES), [name](const RegisterName &row) { return row.name == name; });
-    if (found == std::end(NAMES))
+        std::begin(names), std::end(names), [name](const RegisterName &row) { return row.name == name; });
+    if (found == std::end(names))
         return std::nullopt;
     return found->address;
 }

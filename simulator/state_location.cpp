@@ -5,7 +5,7 @@ namespace tarnSimulator {
 std::filesystem::path stateFileOfLibrary()
 {
     const auto named = stateFileFromEnvironment();
-    const std::filesystem::path file = named ? *named : moduleFile().parent_path() / STATE_FILE_NAME;
+    const std::filesystem::path file = named ? *named : moduleFile().parent_path() / stateFileName;
     std::error_code error;
     const std::filesystem::path absoluteFile = std::filesystem::absolute(file, error);
     return error ? file : absoluteFile;

@@ -6,8 +6,8 @@
 // Where the state file of the simulated computer lies.
 namespace tarnSimulator {
 
-inline constexpr char STATE_FILE_NAME[] = "simulated_computer.state";
-inline constexpr char STATE_FILE_VARIABLE[] = "TARN_SIMULATOR_STATE";
+inline constexpr char stateFileName[] = "simulated_computer.state";
+inline constexpr char stateFileVariable[] = "TARN_SIMULATOR_STATE";
 
 // The file that the environment names; empty when it names none.
 [[nodiscard]] std::optional<std::filesystem::path> stateFileFromEnvironment();

@@ -7,7 +7,7 @@ namespace tarnSimulator {
 
 std::optional<std::filesystem::path> stateFileFromEnvironment()
 {
-    const char *value = std::getenv(STATE_FILE_VARIABLE);
+    const char *value = std::getenv(stateFileVariable);
     if (value == nullptr || *value == '\0')
         return std::nullopt;
     return std::filesystem::path(value);

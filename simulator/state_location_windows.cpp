@@ -7,17 +7,17 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr DWORD LONGEST_PATH = 32768; // characters, with the final zero
+constexpr DWORD longestPath = 32768; // characters, with the final zero
 
 } // namespace
 
 std::optional<std::filesystem::path> stateFileFromEnvironment()
 {
-    std::wstring value(LONGEST_PATH, L'\0');
-    const std::string name(STATE_FILE_VARIABLE);
+    std::wstring value(longestPath, L'\0');
+    const std::string name(stateFileVariable);
     const std::wstring wideName(name.begin(), name.end());
-    const DWORD length = ::GetEnvironmentVariableW(wideName.c_str(), value.data(), LONGEST_PATH);
-    if (length == 0 || length >= LONGEST_PATH)
+    const DWORD length = ::GetEnvironmentVariableW(wideName.c_str(), value.data(), longestPath);
+    if (length == 0 || length >= longestPath)
         return std::nullopt;
     value.resize(length);
     return std::filesystem::path(value);
@@ -29,8 +29,8 @@ std::filesystem::path moduleFile()
     const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
     if (::GetModuleHandleExW(flags, reinterpret_cast<LPCWSTR>(&moduleFile), &module) == 0)
         return {};
-    std::wstring file(LONGEST_PATH, L'\0');
-    const DWORD length = ::GetModuleFileNameW(module, file.data(), LONGEST_PATH);
+    std::wstring file(longestPath, L'\0');
+    const DWORD length = ::GetModuleFileNameW(module, file.data(), longestPath);
     file.resize(length);
     return std::filesystem::path(file);
 }

@@ -17,11 +17,11 @@ public:
     [[nodiscard]] std::uint8_t next()
     {
         constexpr std::uint8_t others = 0xFF & ~(tarnDeviceInfos::OBF | tarnDeviceInfos::IBF);
-        return static_cast<std::uint8_t>(mixed(position.fetch_add(STEP) + STEP) & others);
+        return static_cast<std::uint8_t>(mixed(position.fetch_add(step) + step) & others);
     }
 
 private:
-    static constexpr std::uint64_t STEP = 0x9E3779B97F4A7C15; // splitmix64
+    static constexpr std::uint64_t step = 0x9E3779B97F4A7C15; // splitmix64
     [[nodiscard]] static constexpr std::uint64_t mixed(std::uint64_t value)
     {
         value = (value ^ (value >> 30)) * 0xBF58476D1CE4E5B9;

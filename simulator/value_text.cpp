@@ -6,13 +6,13 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::string_view HEX_DIGITS = "0123456789ABCDEF";
+constexpr std::string_view hexDigits = "0123456789ABCDEF";
 
 std::string bareHex(std::uint32_t value, int digits)
 {
     std::string text;
     for (int shift = (digits - 1) * 4; shift >= 0; shift -= 4)
-        text += HEX_DIGITS[value >> shift & 0xF];
+        text += hexDigits[value >> shift & 0xF];
     return text;
 }
 

@@ -13,7 +13,7 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr auto FLASH_TIME = std::chrono::milliseconds(300);
+constexpr auto flashTime = std::chrono::milliseconds(300);
 
 using Settings = std::map<std::string, std::string>;
 
@@ -65,7 +65,7 @@ int runEcTool(const std::filesystem::path &folder, std::ostream &output, std::os
     }
     log << std::flush; // tests may read the log while it flashes
     const std::string untilFile = value(settings, "FlashUntil");
-    if (!flash(FLASH_TIME, untilFile.empty() ? std::filesystem::path() : folder / untilFile, output)) {
+    if (!flash(flashTime, untilFile.empty() ? std::filesystem::path() : folder / untilFile, output)) {
         log << "cut off\n";
         return EcNotFlashed;
     }

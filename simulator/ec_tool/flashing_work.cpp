@@ -7,8 +7,8 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr auto LONGEST = std::chrono::minutes(2);
-constexpr auto BLOCK_TIME = std::chrono::milliseconds(50);
+constexpr auto longest = std::chrono::minutes(2);
+constexpr auto blockTime = std::chrono::milliseconds(50);
 
 } // namespace
 
@@ -18,14 +18,14 @@ bool flash(std::chrono::milliseconds time, const std::filesystem::path &untilFil
     const auto begun = Clock::now();
     const auto isDone = [&] {
         const auto elapsed = Clock::now() - begun;
-        return elapsed >= LONGEST
+        return elapsed >= longest
             || (elapsed >= time && (untilFile.empty() || std::filesystem::exists(untilFile)));
     };
     for (int block = 0; !isDone(); ++block) {
         output << "block " << block << " is written\n" << std::flush;
         if (!output)
             return false;
-        std::this_thread::sleep_for(BLOCK_TIME);
+        std::this_thread::sleep_for(blockTime);
     }
     return true;
 }

@@ -15,7 +15,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto LOOK_PERIOD = 50ms;
+constexpr auto lookPeriod = 50ms;
 
 struct Window
 {
@@ -23,7 +23,7 @@ struct Window
     std::string_view text;
 };
 
-constexpr Window WINDOWS[] = {
+constexpr Window windows[] = {
     {"--disengaged-graphics", "asks whether the graphics box may be removed"},
     {"--graphics-disengaged-failed", "says that the graphics box could not be released"},
     {"--graphics-device-error", "says that no graphics device was found in the box"},
@@ -37,7 +37,7 @@ std::filesystem::path stateFile(std::string_view program)
         return *named;
     std::error_code error;
     const std::filesystem::path self = std::filesystem::absolute(program, error);
-    return self.parent_path().parent_path() / "function" / STATE_FILE_NAME;
+    return self.parent_path().parent_path() / "function" / stateFileName;
 }
 
 // Ends also when the machine's file is gone, because no service waits for the answer then.
@@ -45,9 +45,9 @@ std::int32_t awaitAnswer(Desktop &desktop, const std::filesystem::path &file)
 {
     std::error_code error;
     std::int32_t answer = desktop.answer();
-    while (answer == Desktop::WAITS && std::filesystem::exists(file, error)) {
+    while (answer == Desktop::waits && std::filesystem::exists(file, error)) {
         desktop.windowStaysOpen();
-        std::this_thread::sleep_for(LOOK_PERIOD);
+        std::this_thread::sleep_for(lookPeriod);
         answer = desktop.answer();
     }
     return std::max(answer, 0);
@@ -57,24 +57,24 @@ std::int32_t awaitAnswer(Desktop &desktop, const std::filesystem::path &file)
 
 int runStandIn(std::string_view programSwitch, std::string_view program, std::ostream &terminal)
 {
-    const auto window = std::find_if(std::begin(WINDOWS), std::end(WINDOWS),
+    const auto window = std::find_if(std::begin(windows), std::end(windows),
         [programSwitch](const Window &row) { return row.programSwitch == programSwitch; });
-    if (window == std::end(WINDOWS)) {
+    if (window == std::end(windows)) {
         terminal << "TarnServiceGui (simulated): there is no window for \"" << programSwitch << "\"\n";
-        return WRONG_SWITCH;
+        return wrongSwitch;
     }
     std::string error;
     const std::filesystem::path file = stateFile(program);
     const auto machine = MachineStateFile::open(file, MachineStateFile::Missing::IsAnError, error);
     if (!machine) {
         terminal << "TarnServiceGui (simulated): " << error << '\n';
-        return WRONG_SWITCH;
+        return wrongSwitch;
     }
 
     Desktop desktop(machine->state());
     desktop.windowOpened(programSwitch);
     terminal << "TarnServiceGui (simulated) " << window->text;
-    if (desktop.answer() == Desktop::WAITS)
+    if (desktop.answer() == Desktop::waits)
         terminal << "; answer with: tarnsim set gui-answer yes|no";
     terminal << std::endl;
     const std::int32_t answer = awaitAnswer(desktop, file);

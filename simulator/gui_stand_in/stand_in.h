@@ -5,7 +5,7 @@
 
 namespace tarnSimulator {
 
-inline constexpr int WRONG_SWITCH = 2;
+inline constexpr int wrongSwitch = 2;
 
 // Stands in for the GUI program: says on the terminal what a user would be asked, and answers with the exit
 // code that the control tool has set, or waits until it is set. `program` is the path that it was started by;

@@ -22,7 +22,7 @@ std::filesystem::path stateFile()
     if (const auto named = tarnSimulator::stateFileFromEnvironment())
         return *named;
     const std::filesystem::path folder = QCoreApplication::applicationDirPath().toStdString();
-    return folder / "function" / tarnSimulator::STATE_FILE_NAME;
+    return folder / "function" / tarnSimulator::stateFileName;
 }
 
 std::optional<MachineStateFile> openMachine()

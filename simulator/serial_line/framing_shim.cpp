@@ -6,7 +6,7 @@
 // last.
 namespace {
 
-constexpr tcflag_t FRAMING = CSIZE | CSTOPB | PARENB | PARODD | CRTSCTS;
+constexpr tcflag_t framing = CSIZE | CSTOPB | PARENB | PARODD | CRTSCTS;
 
 tcflag_t askedFor = 0;
 bool isKnown = false;
@@ -22,7 +22,7 @@ extern "C" __attribute__((visibility("default"))) int tcsetattr(
     int terminal, int when, const termios *settings) noexcept
 {
     static const auto original = systemFunction<int (*)(int, int, const termios *)>("tcsetattr");
-    askedFor = settings->c_cflag & FRAMING;
+    askedFor = settings->c_cflag & framing;
     isKnown = true;
     return original(terminal, when, settings);
 }
@@ -32,6 +32,6 @@ extern "C" __attribute__((visibility("default"))) int tcgetattr(int terminal, te
     static const auto original = systemFunction<int (*)(int, termios *)>("tcgetattr");
     const int result = original(terminal, settings);
     if (result == 0 && isKnown)
-        settings->c_cflag = (settings->c_cflag & ~FRAMING) | askedFor;
+        settings->c_cflag = (settings->c_cflag & ~framing) | askedFor;
     return result;
 }

@@ -17,7 +17,7 @@ namespace {
 enum ExitCode { Served = 0, Failed = 1, WrongUsage = 2 };
 
 // The name of the port on Windows; elsewhere a file called that, beside the flasher that asks for it.
-constexpr const char *USUAL_LINK = R"(function/MCU/\\.\COM1)";
+constexpr const char *usualLink = R"(function/MCU/\\.\COM1)";
 
 struct Request
 {
@@ -46,7 +46,7 @@ std::optional<Request> parse(const QCoreApplication &application)
         QStringLiteral(
             "Name for the port; without one it is \"%1\" in the current folder or, failing that, in "
             "the one of this program.")
-            .arg(QString::fromLatin1(USUAL_LINK)),
+            .arg(QString::fromLatin1(usualLink)),
         QStringLiteral("[LINK]"));
     const bool understood = parser.parse(application.arguments());
     if (parser.isSet(help))
@@ -68,7 +68,7 @@ std::filesystem::path chooseLink(const QString &named)
 {
     if (!named.isEmpty())
         return named.toStdString();
-    const std::filesystem::path here = USUAL_LINK;
+    const std::filesystem::path here = usualLink;
     std::error_code ignored;
     return std::filesystem::is_directory(here.parent_path(), ignored)
         ? here

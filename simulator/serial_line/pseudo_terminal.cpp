@@ -13,8 +13,8 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::size_t CHUNK_SIZE = 4096; // bytes
-constexpr std::size_t LONGEST_NAME = 256;
+constexpr std::size_t chunkSize = 4096; // bytes
+constexpr std::size_t longestName = 256;
 
 // Bytes pass as they are, without echo, line editing or signals.
 bool makeRaw(int terminal)
@@ -31,7 +31,7 @@ bool makeRaw(int terminal)
 std::optional<PseudoTerminal> PseudoTerminal::open(std::string &error)
 {
     PseudoTerminal made;
-    std::array<char, LONGEST_NAME> name {};
+    std::array<char, longestName> name {};
     made.master = ::posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
     if (made.master >= 0 && ::grantpt(made.master) == 0 && ::unlockpt(made.master) == 0
         && ::ptsname_r(made.master, name.data(), name.size()) == 0) {
@@ -61,7 +61,7 @@ PseudoTerminal::PseudoTerminal(PseudoTerminal &&other) noexcept
 
 std::vector<std::uint8_t> PseudoTerminal::read() const
 {
-    std::vector<std::uint8_t> bytes(CHUNK_SIZE);
+    std::vector<std::uint8_t> bytes(chunkSize);
     const ssize_t count = ::read(master, bytes.data(), bytes.size());
     bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
     return bytes;

@@ -8,10 +8,10 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::int64_t LARGEST_PROBLEM = 0xFFFF;
+constexpr std::int64_t largestProblem = 0xFFFF;
 
-constexpr std::string_view KINDS[] = {"display", "audio", "other"};
-constexpr std::string_view PLACES[] = {"computer", "box", "nowhere"};
+constexpr std::string_view kinds[] = {"display", "audio", "other"};
+constexpr std::string_view places[] = {"computer", "box", "nowhere"};
 
 template <std::size_t count> QStringList namesIn(const std::string_view (&names)[count])
 {
@@ -34,7 +34,7 @@ bool parseName(const std::string_view (&names)[count], std::string_view text, En
 
 bool storeText(std::string &target, std::string_view text)
 {
-    if (text.size() >= DEVICE_TEXT_SIZE)
+    if (text.size() >= deviceTextSize)
         return false;
     target = text;
     return true;
@@ -42,12 +42,12 @@ bool storeText(std::string &target, std::string_view text)
 
 bool setKind(Device &device, std::string_view text)
 {
-    return parseName(KINDS, text, device.kind);
+    return parseName(kinds, text, device.kind);
 }
 
 bool setPlace(Device &device, std::string_view text)
 {
-    return parseName(PLACES, text, device.place);
+    return parseName(places, text, device.place);
 }
 
 bool setDescription(Device &device, std::string_view text)
@@ -74,7 +74,7 @@ bool setStarted(Device &device, std::string_view text)
 bool setProblem(Device &device, std::string_view text)
 {
     const auto number = parseNumber(text);
-    if (!number || *number < 0 || *number > LARGEST_PROBLEM)
+    if (!number || *number < 0 || *number > largestProblem)
         return false;
     device.problem = static_cast<std::uint32_t>(*number);
     return true;
@@ -87,12 +87,12 @@ struct Key
     bool (*set)(Device &device, std::string_view text);
 };
 
-constexpr std::string_view SOME_TEXT = "a text of at most 127 characters";
+constexpr std::string_view someText = "a text of at most 127 characters";
 
-constexpr Key KEYS[] = {
-    {"description", SOME_TEXT, setDescription},
-    {"hardware-id", SOME_TEXT, setHardwareId},
-    {"instance-id", SOME_TEXT, setInstanceId},
+constexpr Key knownKeys[] = {
+    {"description", someText, setDescription},
+    {"hardware-id", someText, setHardwareId},
+    {"instance-id", someText, setInstanceId},
     {"kind", "display, audio or other", setKind},
     {"place", "computer, box or nowhere", setPlace},
     {"started", "on or off", setStarted},
@@ -131,11 +131,11 @@ ExitCode showDevices(ToolContext &context, const QStringList &)
         const Device device = devices.device(slot);
         const bool isPresent = std::find(present.begin(), present.end(), slot) != present.end();
         context.out << toQString(device.name).leftJustified(12)
-                    << toQString(KINDS[static_cast<std::size_t>(device.kind)]).leftJustified(9)
+                    << toQString(kinds[static_cast<std::size_t>(device.kind)]).leftJustified(9)
                     << (isPresent ? QStringLiteral("present") : QStringLiteral("absent")).leftJustified(9)
                     << deviceConditionText(device).leftJustified(22) << toQString(device.description) << '\n'
                     << QString(12, QLatin1Char(' ')) << "in "
-                    << toQString(PLACES[static_cast<std::size_t>(device.place)]) << ", hardware id "
+                    << toQString(places[static_cast<std::size_t>(device.place)]) << ", hardware id "
                     << toQString(device.hardwareId) << '\n';
     }
     return Done;
@@ -147,11 +147,11 @@ ExitCode changeDevice(ToolContext &context, const QStringList &arguments)
     if (!slot)
         return WrongUsage;
     const std::string name = arguments.at(1).toStdString();
-    const auto key =
-        std::find_if(std::begin(KEYS), std::end(KEYS), [&name](const Key &row) { return row.name == name; });
-    if (key == std::end(KEYS)) {
+    const auto key = std::find_if(
+        std::begin(knownKeys), std::end(knownKeys), [&name](const Key &row) { return row.name == name; });
+    if (key == std::end(knownKeys)) {
         QStringList keys;
-        for (const Key &row : KEYS)
+        for (const Key &row : knownKeys)
             keys << toQString(row.name);
         return complainAboutName(context, QStringLiteral("key"), arguments.at(1), keys);
     }
@@ -170,10 +170,10 @@ ExitCode addDevice(ToolContext &context, const QStringList &arguments)
     DeviceTree &devices = context.computer->devices();
     Device device;
     device.name = arguments.at(0).toStdString();
-    if (device.name.empty() || device.name.size() >= DEVICE_NAME_SIZE) {
+    if (device.name.empty() || device.name.size() >= deviceNameSize) {
         return complain(context, WrongUsage,
             QStringLiteral("a name has 1 to %1 characters, \"%2\" has %3")
-                .arg(DEVICE_NAME_SIZE - 1)
+                .arg(deviceNameSize - 1)
                 .arg(arguments.at(0))
                 .arg(device.name.size()));
     }
@@ -183,12 +183,12 @@ ExitCode addDevice(ToolContext &context, const QStringList &arguments)
                 .arg(arguments.at(0), deviceNames(devices).join(QLatin1String(", "))));
     }
     if (!setKind(device, arguments.at(1).toStdString()))
-        return complainAboutName(context, QStringLiteral("kind of device"), arguments.at(1), namesIn(KINDS));
+        return complainAboutName(context, QStringLiteral("kind of device"), arguments.at(1), namesIn(kinds));
     if (!setDescription(device, arguments.at(2).toStdString()))
         return complain(context, WrongUsage, QStringLiteral("the description is too long"));
     if (!devices.add(device)) {
         return complain(context, Failed,
-            QStringLiteral("there are %1 devices already; remove-device makes room").arg(DEVICE_SLOTS));
+            QStringLiteral("there are %1 devices already; remove-device makes room").arg(deviceSlots));
     }
     return Done;
 }

@@ -7,7 +7,7 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::int64_t MOST_SKIPPED = 1000000;
+constexpr std::int64_t mostSkipped = 1000000;
 
 QString rangeText(const FaultDescription &fault)
 {
@@ -58,7 +58,7 @@ ExitCode switchOnAtTarget(
     if (!target)
         return complainAboutValue(context, fault, text);
     const auto skip = parseNumber(skipText.toStdString());
-    if (!skip || *skip < 0 || *skip > MOST_SKIPPED)
+    if (!skip || *skip < 0 || *skip > mostSkipped)
         return complainAboutValue(context, fault, text + QLatin1Char(' ') + skipText);
     context.computer->faults().switchOn(fault.fault, *target, static_cast<std::uint32_t>(*skip));
     return Done;

@@ -21,8 +21,7 @@ std::optional<FirmwareVersion> parseVersion(const QStringList &fields)
 
 bool isImageSize(std::int64_t size)
 {
-    return size >= std::int64_t {SMALLEST_FIRMWARE} && size <= std::int64_t {LARGEST_FIRMWARE}
-    && size % 4 == 0;
+    return size >= std::int64_t {smallestFirmware} && size <= std::int64_t {largestFirmware} && size % 4 == 0;
 }
 
 } // namespace
@@ -36,13 +35,13 @@ ExitCode makeFirmware(ToolContext &context, const QStringList &arguments)
                 .arg(arguments.mid(1, 3).join(QLatin1Char(' '))));
     }
     const auto size = arguments.size() > 4 ? parseNumber(arguments.at(4).toStdString())
-                                           : std::optional<std::int64_t>(USUAL_FIRMWARE);
+                                           : std::optional<std::int64_t>(usualFirmware);
     if (!size || !isImageSize(*size)) {
         return complain(context, WrongUsage,
             QStringLiteral("\"%1\" is no size of a firmware; allowed: %2 to %3 bytes, a multiple of 4")
                 .arg(arguments.at(4))
-                .arg(SMALLEST_FIRMWARE)
-                .arg(LARGEST_FIRMWARE));
+                .arg(smallestFirmware)
+                .arg(largestFirmware));
     }
     const std::vector<std::uint8_t> image = makeFirmwareImage(*version, static_cast<std::size_t>(*size));
     std::ofstream file(

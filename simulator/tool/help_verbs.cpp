@@ -13,7 +13,7 @@ struct NameList
     QStringList (*names)();
 };
 
-constexpr NameList LISTS[] = {
+constexpr NameList nameLists[] = {
     {"verbs", verbNames},
     {"accessories", accessoryNames},
     {"values", valueNames},
@@ -50,7 +50,7 @@ void printVerb(QTextStream &out, const Verb &verb)
 ExitCode listNames(ToolContext &context, const QStringList &arguments)
 {
     QStringList lists;
-    for (const NameList &list : LISTS) {
+    for (const NameList &list : nameLists) {
         lists << QString::fromLatin1(list.name);
         if (lists.last() == arguments.first()) {
             context.out << list.names().join(QLatin1Char('\n')) << '\n';

@@ -8,15 +8,15 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr std::uint8_t SOME_UNKNOWN_CODE = 9;
+constexpr std::uint8_t someUnknownCode = 9;
 
 std::optional<Accessory> chooseAccessory(const QString &text)
 {
     const std::string plain = text.toStdString();
     if (const Accessory *known = findAccessory(plain))
         return *known;
-    if (plain == unknownAccessory(SOME_UNKNOWN_CODE).name)
-        return unknownAccessory(SOME_UNKNOWN_CODE);
+    if (plain == unknownAccessory(someUnknownCode).name)
+        return unknownAccessory(someUnknownCode);
     const auto code = parseByte(plain);
     if (!code)
         return std::nullopt;
@@ -29,7 +29,7 @@ ExitCode arm(ToolContext &context, AppEvent event)
     if (!context.computer->armEvent(event)) {
         return complain(context, Failed,
             QStringLiteral("%1 events wait already; the host takes them while a graphics box is attached")
-                .arg(EVENT_SLOTS));
+                .arg(eventSlots));
     }
     return Done;
 }
@@ -95,7 +95,7 @@ ExitCode showValues(ToolContext &context, const QStringList &)
 
 ExitCode pressGpuKey(ToolContext &context, const QStringList &)
 {
-    return arm(context, ComputerControl::GPU_KEY_EVENT);
+    return arm(context, ComputerControl::gpuKeyEvent);
 }
 
 ExitCode armEvent(ToolContext &context, const QStringList &arguments)

@@ -14,7 +14,7 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-constexpr int LABEL_WIDTH = 20;
+constexpr int labelWidth = 20;
 
 struct Line
 {
@@ -22,7 +22,7 @@ struct Line
     std::initializer_list<std::string_view> values; // names of machine values
 };
 
-const Line LINES[] = {
+const Line lines[] = {
     {"Host battery", {"battery", "charging"}},
     {"KVane", {"kvane-battery", "kvane-charging", "kvane-led", "kvane-serial"}},
     {"Lights", {"dock-light", "graphics-light"}},
@@ -36,7 +36,7 @@ const Line LINES[] = {
 
 void printLine(QTextStream &out, const QString &label, const QString &text)
 {
-    out << label.leftJustified(LABEL_WIDTH) << text << '\n';
+    out << label.leftJustified(labelWidth) << text << '\n';
 }
 
 QString accessoryText(const ComputerControl &computer)
@@ -105,7 +105,7 @@ ExitCode showMachine(ToolContext &context, const QStringList &)
     printLine(
         context.out, QStringLiteral("State file"), QString::fromStdU16String(context.stateFile.u16string()));
     printLine(context.out, QStringLiteral("Accessory"), accessoryText(computer));
-    for (const Line &line : LINES) {
+    for (const Line &line : lines) {
         QStringList parts;
         for (const std::string_view name : line.values) {
             const MachineValue *value = findMachineValue(name);

@@ -13,10 +13,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr std::chrono::milliseconds FOLLOW_INTERVAL = 50ms;
-constexpr std::uint64_t DEFAULT_LAST = 20;
-constexpr std::int64_t LONGEST_FOLLOW_S = 86400;
-const QString EEPROM_PREFIX = QStringLiteral("eeprom:");
+constexpr std::chrono::milliseconds followInterval = 50ms;
+constexpr std::uint64_t defaultLast = 20;
+constexpr std::int64_t longestFollowS = 86400;
+const QString eepromPrefix = QStringLiteral("eeprom:");
 
 // A place in one of the two memories of the EC.
 struct Place
@@ -24,16 +24,16 @@ struct Place
     bool inEeprom = false;
     std::uint16_t address = 0;
 
-    [[nodiscard]] std::size_t memorySize() const { return inEeprom ? EEPROM_SIZE : XDATA_SIZE; }
+    [[nodiscard]] std::size_t memorySize() const { return inEeprom ? eepromSize : xdataSize; }
 };
 
 std::optional<Place> parsePlace(const QString &text)
 {
-    if (!text.startsWith(EEPROM_PREFIX)) {
+    if (!text.startsWith(eepromPrefix)) {
         const auto address = parseRegister(text);
         return address ? std::optional(Place {false, *address}) : std::nullopt;
     }
-    const auto offset = parseByte(text.mid(EEPROM_PREFIX.size()).toStdString());
+    const auto offset = parseByte(text.mid(eepromPrefix.size()).toStdString());
     return offset ? std::optional(Place {true, *offset}) : std::nullopt;
 }
 
@@ -59,14 +59,13 @@ QString byteText(std::uint8_t value)
 
 QString placeText(const Place &place)
 {
-    return place.inEeprom ? EEPROM_PREFIX + toQString(hexText(place.address, 2))
-                          : registerText(place.address);
+    return place.inEeprom ? eepromPrefix + toQString(hexText(place.address, 2)) : registerText(place.address);
 }
 
 // What `log` was asked to do.
 struct LogRequest
 {
-    std::uint64_t last = DEFAULT_LAST;
+    std::uint64_t last = defaultLast;
     bool follow = false;
     std::optional<std::uint64_t> followMs; // empty: until the process is stopped
 };
@@ -88,19 +87,19 @@ std::optional<LogRequest> parseLogRequest(const QStringList &arguments, QString 
         if (argument == QLatin1String("--follow")) {
             request.follow = true;
         } else if (argument == QLatin1String("--all")) {
-            request.last = LOG_ENTRIES;
+            request.last = logEntries;
         } else if (argument == QLatin1String("--last")) {
-            const auto count = parseCount(arguments.value(++i), LOG_ENTRIES);
+            const auto count = parseCount(arguments.value(++i), logEntries);
             if (!count) {
-                objection = QStringLiteral("--last needs a number from 0 to %1").arg(LOG_ENTRIES);
+                objection = QStringLiteral("--last needs a number from 0 to %1").arg(logEntries);
                 return std::nullopt;
             }
             request.last = *count;
         } else if (argument == QLatin1String("--for")) {
-            const auto seconds = parseCount(arguments.value(++i), LONGEST_FOLLOW_S);
+            const auto seconds = parseCount(arguments.value(++i), longestFollowS);
             if (!seconds) {
                 objection =
-                    QStringLiteral("--for needs a number of seconds from 0 to %1").arg(LONGEST_FOLLOW_S);
+                    QStringLiteral("--for needs a number of seconds from 0 to %1").arg(longestFollowS);
                 return std::nullopt;
             }
             request.followMs = *seconds * 1000;
@@ -135,7 +134,7 @@ void followLog(QTextStream &out, const RegisterLog &log, std::uint64_t cursor, c
 {
     const std::uint64_t startMs = steadyNowMs();
     while (!request.followMs || !hasElapsed(steadyNowMs(), startMs, *request.followMs)) {
-        std::this_thread::sleep_for(FOLLOW_INTERVAL);
+        std::this_thread::sleep_for(followInterval);
         const LogReading reading = log.readAfter(cursor);
         printReading(out, reading);
         cursor = reading.cursor;

@@ -9,7 +9,7 @@ namespace tarnSimulator {
 
 namespace {
 
-const QString STATE_OPTION = QStringLiteral("--state");
+const QString stateOption = QStringLiteral("--state");
 
 struct CommandLine
 {
@@ -25,10 +25,10 @@ bool splitCommandLine(const QStringList &arguments, CommandLine &line)
         const QString &argument = arguments.at(i);
         if (argument == QLatin1String("--help") || argument == QLatin1String("-h")) {
             line.helpWanted = true;
-        } else if (argument == STATE_OPTION) {
+        } else if (argument == stateOption) {
             line.stateFile = arguments.value(++i);
-        } else if (argument.startsWith(STATE_OPTION + QLatin1Char('='))) {
-            line.stateFile = argument.mid(STATE_OPTION.size() + 1);
+        } else if (argument.startsWith(stateOption + QLatin1Char('='))) {
+            line.stateFile = argument.mid(stateOption.size() + 1);
         } else {
             line.words << argument;
             continue;

@@ -32,9 +32,9 @@ StateChoice chooseStateFile(const QString &named)
     if (const auto file = stateFileFromEnvironment())
         return only(*file);
     const std::vector<std::filesystem::path> candidates {
-        std::filesystem::path("function") / STATE_FILE_NAME,
-        STATE_FILE_NAME,
-        programFolder() / "function" / STATE_FILE_NAME,
+        std::filesystem::path("function") / stateFileName,
+        stateFileName,
+        programFolder() / "function" / stateFileName,
     };
     StateChoice choice;
     for (const std::filesystem::path &candidate : candidates) {

@@ -107,8 +107,8 @@ QString faultStateText(const FaultPanel &panel, const FaultDescription &fault)
             : QStringLiteral("%1, after %2 more accesses").arg(name, remaining);
     }
     case FaultValue::Device: {
-        const QString name = *value == EVERY_DEVICE ? QStringLiteral("every device")
-                                                    : QStringLiteral("device %1").arg(*value + 1);
+        const QString name = *value == everyDevice ? QStringLiteral("every device")
+                                                   : QStringLiteral("device %1").arg(*value + 1);
         return panel.remaining(fault.fault) == 0
             ? name
             : QStringLiteral("%1, after %2 more calls").arg(name, remaining);

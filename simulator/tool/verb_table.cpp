@@ -9,9 +9,9 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr int ANY_NUMBER = std::numeric_limits<int>::max();
+constexpr int anyNumber = std::numeric_limits<int>::max();
 
-constexpr Verb VERBS[] = {
+constexpr Verb verbs[] = {
     {"show", "", "overview of the whole machine", "", StateNeed::MustExist, 0, 0, showMachine},
     {"attach", "ACCESSORY", "plug an accessory in",
         "ACCESSORY is one of \"tarnsim list accessories\" or a code from 0 to 255. Its versions are set with "
@@ -73,7 +73,7 @@ constexpr Verb VERBS[] = {
         "printed as\n"
         "they happen, until Ctrl-C or for so many seconds. Columns: number, time in s, kind, address, name, "
         "value.",
-        StateNeed::MustExist, 0, ANY_NUMBER, showRegisterLog},
+        StateNeed::MustExist, 0, anyNumber, showRegisterLog},
     {"reset", "", "power-on condition: nothing attached, no faults, defaults",
         "Makes the state file if there is none. The register log is kept.", StateNeed::IsCreated, 0, 0,
         resetMachine},
@@ -91,14 +91,14 @@ constexpr Verb VERBS[] = {
 
 std::span<const Verb> verbTable()
 {
-    return VERBS;
+    return verbs;
 }
 
 const Verb *findVerb(const QString &name)
 {
-    const auto found = std::find_if(std::begin(VERBS), std::end(VERBS),
+    const auto found = std::find_if(std::begin(verbs), std::end(verbs),
         [&name](const Verb &verb) { return name == QLatin1String(verb.name); });
-    return found == std::end(VERBS) ? nullptr : found;
+    return found == std::end(verbs) ? nullptr : found;
 }
 
 } // namespace tarnSimulator

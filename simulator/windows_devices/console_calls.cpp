@@ -14,8 +14,8 @@ namespace {
 
 using namespace tarnSimulator;
 
-constexpr DWORD HANDLER_TIMEOUT_MS = 5000;
-constexpr UINT ENDED_BY_CONSOLE = 0xC000013A; // STATUS_CONTROL_C_EXIT
+constexpr DWORD handlerTimeoutMs = 5000;
+constexpr UINT endedByConsole = 0xC000013A; // STATUS_CONTROL_C_EXIT
 
 std::atomic<PHANDLER_ROUTINE> closeHandler {nullptr};
 
@@ -31,8 +31,8 @@ void awaitClosing()
     const HANDLE closed = CreateEventW(nullptr, TRUE, FALSE, name.c_str());
     WaitForSingleObject(closed, INFINITE);
     const HANDLE handling = CreateThread(nullptr, 0, callHandler, nullptr, 0, nullptr);
-    WaitForSingleObject(handling, HANDLER_TIMEOUT_MS);
-    TerminateProcess(GetCurrentProcess(), ENDED_BY_CONSOLE);
+    WaitForSingleObject(handling, handlerTimeoutMs);
+    TerminateProcess(GetCurrentProcess(), endedByConsole);
 }
 
 BOOL WINAPI setHandler(PHANDLER_ROUTINE handler, BOOL add)

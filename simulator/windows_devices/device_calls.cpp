@@ -21,13 +21,13 @@ namespace {
 
 using namespace tarnSimulator;
 
-constexpr GUID DISPLAY_CLASS = {0x4D36E968, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
+constexpr GUID displayClass = {0x4D36E968, 0xE325, 0x11CE, {0xBF, 0xC1, 0x08, 0x00, 0x2B, 0xE1, 0x03, 0x18}};
 
 // The only buffer sizes that are accepted: bytes for a text, and characters for an instance id.
-constexpr DWORD LONG_TEXT_BYTES = 4096;
-constexpr DWORD SHORT_TEXT_BYTES = 256;
-constexpr DWORD WIDE_TEXT_BYTES = 512;
-constexpr ULONG INSTANCE_ID_CHARACTERS = 200;
+constexpr DWORD longTextBytes = 4096;
+constexpr DWORD shortTextBytes = 256;
+constexpr DWORD wideTextBytes = 512;
+constexpr ULONG instanceIdCharacters = 200;
 
 struct OpenList
 {
@@ -60,7 +60,7 @@ Device deviceOf(DEVINST instance)
 HDEVINFO openList(const GUID *setupClass, const void *enumerator, HWND window, DWORD flags)
 {
     MachineState *machine = machineOfHost();
-    const bool onlyDisplay = setupClass != nullptr && IsEqualGUID(*setupClass, DISPLAY_CLASS);
+    const bool onlyDisplay = setupClass != nullptr && IsEqualGUID(*setupClass, displayClass);
     const bool everything = setupClass == nullptr;
     const bool understood = (onlyDisplay && flags == DIGCF_PRESENT)
         || (everything && flags == (DIGCF_PRESENT | DIGCF_ALLCLASSES));
@@ -151,8 +151,8 @@ BOOL WINAPI SetupDiGetDeviceRegistryPropertyA(
 {
     const bool isDescription = property == SPDRP_DEVICEDESC;
     const bool isHardwareId = property == SPDRP_HARDWAREID;
-    if (!(size == LONG_TEXT_BYTES && (isDescription || isHardwareId))
-        && !(size == SHORT_TEXT_BYTES && isDescription)) {
+    if (!(size == longTextBytes && (isDescription || isHardwareId))
+        && !(size == shortTextBytes && isDescription)) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
@@ -163,7 +163,7 @@ BOOL WINAPI SetupDiGetDeviceRegistryPropertyA(
 BOOL WINAPI SetupDiGetDeviceRegistryPropertyW(
     HDEVINFO, PSP_DEVINFO_DATA data, DWORD property, PDWORD, PBYTE buffer, DWORD size, PDWORD needed)
 {
-    if (size != WIDE_TEXT_BYTES || property != SPDRP_DEVICEDESC) {
+    if (size != wideTextBytes || property != SPDRP_DEVICEDESC) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return FALSE;
     }
@@ -200,7 +200,7 @@ BOOL WINAPI SetupDiCallClassInstaller(DI_FUNCTION function, HDEVINFO list, PSP_D
 
 CONFIGRET WINAPI CM_Get_Device_IDW(DEVINST instance, PWSTR buffer, ULONG length, ULONG flags)
 {
-    if (length != INSTANCE_ID_CHARACTERS || flags != 0)
+    if (length != instanceIdCharacters || flags != 0)
         return CR_INVALID_FLAG;
     const std::wstring id = wideText(deviceOf(instance).instanceId);
     if (refuses(Fault::FailDeviceId, instance))

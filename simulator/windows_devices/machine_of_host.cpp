@@ -9,21 +9,21 @@ namespace tarnSimulator {
 
 namespace {
 
-constexpr DWORD LONGEST_PATH = 32768; // characters, with the final zero
+constexpr DWORD longestPath = 32768; // characters, with the final zero
 
 std::filesystem::path stateFile()
 {
     if (const auto named = stateFileFromEnvironment())
         return *named;
-    return folderOfHost() / "function" / STATE_FILE_NAME;
+    return folderOfHost() / "function" / stateFileName;
 }
 
 } // namespace
 
 std::filesystem::path folderOfHost()
 {
-    std::wstring program(LONGEST_PATH, L'\0');
-    program.resize(GetModuleFileNameW(nullptr, program.data(), LONGEST_PATH));
+    std::wstring program(longestPath, L'\0');
+    program.resize(GetModuleFileNameW(nullptr, program.data(), longestPath));
     return std::filesystem::path(program).parent_path();
 }
 

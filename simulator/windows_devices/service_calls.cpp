@@ -63,7 +63,7 @@ BOOL WINAPI setStatus(SERVICE_STATUS_HANDLE service, LPSERVICE_STATUS status)
     return SetServiceStatus(service, status);
 }
 
-const Detour NOTED[] = {
+const Detour noted[] = {
     {"RegisterEventSourceW", reinterpret_cast<void *>(registerSource)},
     {"ReportEventW", reinterpret_cast<void *>(report)},
     {"DeregisterEventSource", reinterpret_cast<void *>(deregisterSource)},
@@ -76,7 +76,7 @@ FARPROC WINAPI lookUp(HMODULE library, LPCSTR name)
 {
     const FARPROC found = GetProcAddress(library, name);
     const bool isOrdinal = HIWORD(reinterpret_cast<ULONGLONG>(name)) == 0;
-    for (const Detour &row : NOTED) {
+    for (const Detour &row : noted) {
         if (found != nullptr && !isOrdinal && std::strcmp(row.function, name) == 0)
             return reinterpret_cast<FARPROC>(row.replacement);
     }

@@ -19,17 +19,17 @@ namespace {
 
 using namespace tarnSimulator;
 
-constexpr DWORD NO_SESSION = 0xFFFFFFFF;
-constexpr DWORD ALL_TOKEN_ACCESS = 0xF01FF;
-constexpr DWORD NEW_CONSOLE = 0x10;
-constexpr DWORD STARTUP_BYTES = 104;
-constexpr std::size_t LONGEST_COMMAND_LINE = 260; // wide characters, with the final zero
+constexpr DWORD noSession = 0xFFFFFFFF;
+constexpr DWORD allTokenAccess = 0xF01FF;
+constexpr DWORD newConsole = 0x10;
+constexpr DWORD startupBytes = 104;
+constexpr std::size_t longestCommandLine = 260; // wide characters, with the final zero
 
 // Kinds of handles that the service must close.
-constexpr char USER_TOKEN[] = "user token";
-constexpr char TOKEN_COPY[] = "token copy";
-constexpr char PROCESS[] = "process";
-constexpr char THREAD[] = "thread";
+constexpr char userTokenKind[] = "user token";
+constexpr char tokenCopyKind[] = "token copy";
+constexpr char processKind[] = "process";
+constexpr char threadKind[] = "thread";
 
 bool isOn(Fault fault)
 {
@@ -52,7 +52,7 @@ bool isServiceSession()
 // True when nothing but the size and the user's desktop is set.
 bool isForDesktopOfUser(const STARTUPINFOW &startup)
 {
-    return startup.cb == STARTUP_BYTES && startup.lpDesktop != nullptr
+    return startup.cb == startupBytes && startup.lpDesktop != nullptr
         && std::wcscmp(startup.lpDesktop, L"winsta0\\default") == 0 && startup.lpReserved == nullptr
         && startup.lpTitle == nullptr && startup.dwFlags == 0 && startup.wShowWindow == 0
         && startup.cbReserved2 == 0 && startup.lpReserved2 == nullptr && startup.hStdInput == nullptr
@@ -62,10 +62,10 @@ bool isForDesktopOfUser(const STARTUPINFOW &startup)
 // "C:/folder./TarnServiceGui/TarnServiceGui.exe" --switch
 bool isCommandOfGui(const wchar_t *line)
 {
-    constexpr wchar_t END_OF_PROGRAM[] = L"./TarnServiceGui/TarnServiceGui.exe\" --";
-    const wchar_t *end = line == nullptr ? nullptr : std::wcsstr(line, END_OF_PROGRAM);
-    return end != nullptr && line[0] == L'"' && std::wcslen(line) < LONGEST_COMMAND_LINE
-        && std::wcschr(end + std::size(END_OF_PROGRAM) - 1, L' ') == nullptr;
+    constexpr wchar_t endOfProgram[] = L"./TarnServiceGui/TarnServiceGui.exe\" --";
+    const wchar_t *end = line == nullptr ? nullptr : std::wcsstr(line, endOfProgram);
+    return end != nullptr && line[0] == L'"' && std::wcslen(line) < longestCommandLine
+        && std::wcschr(end + std::size(endOfProgram) - 1, L' ') == nullptr;
 }
 
 BOOL WINAPI sessionOfProcess(DWORD process, DWORD *session)
@@ -79,7 +79,7 @@ BOOL WINAPI sessionOfProcess(DWORD process, DWORD *session)
 
 DWORD WINAPI consoleSession()
 {
-    return isOn(Fault::NoConsoleSession) ? NO_SESSION : WTSGetActiveConsoleSessionId();
+    return isOn(Fault::NoConsoleSession) ? noSession : WTSGetActiveConsoleSessionId();
 }
 
 BOOL WINAPI userToken(ULONG session, PHANDLE token)
@@ -87,20 +87,20 @@ BOOL WINAPI userToken(ULONG session, PHANDLE token)
     const bool isConsole = session == WTSGetActiveConsoleSessionId();
     if (isOn(Fault::NoUserToken) || !isConsole || !WTSQueryUserToken(session, token))
         return refuse();
-    noteOpened(*token, USER_TOKEN);
+    noteOpened(*token, userTokenKind);
     return TRUE;
 }
 
 BOOL WINAPI tokenCopy(HANDLE existing, DWORD access, LPSECURITY_ATTRIBUTES attributes,
     SECURITY_IMPERSONATION_LEVEL level, TOKEN_TYPE type, PHANDLE token)
 {
-    const bool isAsRequired = access == ALL_TOKEN_ACCESS && attributes == nullptr
+    const bool isAsRequired = access == allTokenAccess && attributes == nullptr
         && level == SecurityIdentification && type == TokenPrimary;
-    if (isOn(Fault::NoTokenCopy) || !isAsRequired || !isOpen(existing, USER_TOKEN)
+    if (isOn(Fault::NoTokenCopy) || !isAsRequired || !isOpen(existing, userTokenKind)
         || !DuplicateTokenEx(existing, access, attributes, level, type, token)) {
         return refuse();
     }
-    noteOpened(*token, TOKEN_COPY);
+    noteOpened(*token, tokenCopyKind);
     return TRUE;
 }
 
@@ -110,24 +110,24 @@ BOOL WINAPI processAsUser(HANDLE token, LPCWSTR application, LPWSTR commandLine,
     LPPROCESS_INFORMATION information)
 {
     noteCall("CreateProcessAsUser " + utf8(commandLine));
-    const bool isAsRequired = isOpen(token, TOKEN_COPY) && application == nullptr
+    const bool isAsRequired = isOpen(token, tokenCopyKind) && application == nullptr
         && isCommandOfGui(commandLine) && processAttributes == nullptr && threadAttributes == nullptr
-        && inherit == FALSE && flags == NEW_CONSOLE && environment == nullptr && directory == nullptr
+        && inherit == FALSE && flags == newConsole && environment == nullptr && directory == nullptr
         && startup != nullptr && isForDesktopOfUser(*startup);
     if (isOn(Fault::NoGuiProcess) || !isAsRequired
         || !CreateProcessAsUserW(token, application, commandLine, processAttributes, threadAttributes,
             inherit, flags, environment, directory, startup, information)) {
         return refuse();
     }
-    noteOpened(information->hProcess, PROCESS);
-    noteOpened(information->hThread, THREAD);
+    noteOpened(information->hProcess, processKind);
+    noteOpened(information->hThread, threadKind);
     return TRUE;
 }
 
 // Refuses a time limit, because the user may take any time to answer.
 DWORD WINAPI waitForObject(HANDLE object, DWORD timeoutMs)
 {
-    if (isOpen(object, PROCESS) && timeoutMs != INFINITE) {
+    if (isOpen(object, processKind) && timeoutMs != INFINITE) {
         SetLastError(ERROR_INVALID_PARAMETER);
         return WAIT_FAILED;
     }

@@ -7,6 +7,8 @@
 // Registers are one byte wide; xdata addresses are 16-bit and are sent high byte first.
 // No Qt here: the simulated computer is built from the same map. A wrong value would therefore pass every
 // test of the two together, so ec_registers_test.cpp compares each value with a literal.
+// Named in upper case as in the documents of such controllers.
+// NOLINTBEGIN(readability-identifier-naming)
 namespace tarnDeviceInfos {
 
 // Second host channel of the EC.
@@ -114,3 +116,4 @@ inline constexpr std::uint8_t MCU_BOOT_LOADER_SELECT = 0x08;
 inline constexpr std::uint8_t MCU_RESET_PULSE = 0x10; // set, then cleared
 
 } // namespace tarnDeviceInfos
+// NOLINTEND(readability-identifier-naming)

@@ -72,7 +72,7 @@ void Campaign::changeAccessory()
 
 void Campaign::changeDevices()
 {
-    constexpr std::uint32_t problems[] = {0, 10, PROBLEM_DISABLED, 31, 43};
+    constexpr std::uint32_t problems[] = {0, 10, problemDisabled, 31, 43};
     auto &devices = machine.computer.devices();
     const std::int32_t slot = random.oneOf(devices.allSlots());
     Device device = devices.device(slot);
@@ -82,7 +82,7 @@ void Campaign::changeDevices()
     if (device.kind == DeviceKind::Display && random.oneIn(4))
         device.description = random.oneIn(2) ? "NVIDIA GeForce RTX 4060" : "Microsoft Basic Display Adapter";
     note(QStringLiteral("device %1: problem %2").arg(slot).arg(device.problem));
-    if (random.oneIn(4) && devices.allSlots().size() < DEVICE_SLOTS / 2)
+    if (random.oneIn(4) && devices.allSlots().size() < deviceSlots / 2)
         static_cast<void>(devices.add(device));
     else
         devices.store(slot, device);

@@ -187,7 +187,7 @@ TEST_F(GraphicsBox, PopupsAreLeftToTheClientApplicationWhileItRuns)
 TEST_F(GraphicsBox, WhileAQuestionIsOpenOnlyTheEcWaits)
 {
     plugInAndActivate();
-    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    desktop().setAnswer(tarnSimulator::Desktop::waits);
     ASSERT_TRUE(service.computer().pressGpuKey());
     ASSERT_TRUE(waitForWindow("--disengaged-graphics"));
 
@@ -212,7 +212,7 @@ TEST_F(GraphicsBox, WhileAQuestionIsOpenOnlyTheEcWaits)
 TEST_F(GraphicsBox, AQuestionThatIsOpenDoesNotHoldUpAStop)
 {
     plugInAndActivate();
-    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    desktop().setAnswer(tarnSimulator::Desktop::waits);
     ASSERT_TRUE(service.computer().pressGpuKey());
     ASSERT_TRUE(waitForWindow("--disengaged-graphics"));
     QElapsedTimer time;
@@ -225,7 +225,7 @@ TEST_F(GraphicsBox, AQuestionThatIsOpenDoesNotHoldUpAStop)
 TEST_F(GraphicsBox, AQuestionGoesWithTheService)
 {
     plugInAndActivate();
-    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    desktop().setAnswer(tarnSimulator::Desktop::waits);
     ASSERT_TRUE(service.computer().pressGpuKey());
     expectWindowToGoWithTheService("--disengaged-graphics");
     ASSERT_TRUE(service.start()); // for the end of the test
@@ -234,7 +234,7 @@ TEST_F(GraphicsBox, AQuestionGoesWithTheService)
 TEST_F(GraphicsBox, AQuestionGoesWithAServiceThatIsKilled)
 {
     plugInAndActivate();
-    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    desktop().setAnswer(tarnSimulator::Desktop::waits);
     ASSERT_TRUE(service.computer().pressGpuKey());
     expectWindowToGoWithAKilledService("--disengaged-graphics");
     ASSERT_TRUE(service.start());
@@ -243,7 +243,7 @@ TEST_F(GraphicsBox, AQuestionGoesWithAServiceThatIsKilled)
 TEST_F(GraphicsBox, PopupsGoWithTheService)
 {
     changeGpu([](auto &changed) { changed.problem = failedPostStart; });
-    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    desktop().setAnswer(tarnSimulator::Desktop::waits);
     plugIn();
     expectWindowToGoWithTheService("--graphics-patch-error");
     ASSERT_TRUE(service.start());
@@ -336,7 +336,7 @@ TEST_F(GraphicsBoxOfAService, TakesFailedLaunchesForANo)
 TEST_F(GraphicsBoxOfAService, PopupsHoldTheEcUntilTheyAreClosed)
 {
     changeGpu([](auto &changed) { changed.problem = failedAdd; });
-    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    desktop().setAnswer(tarnSimulator::Desktop::waits);
     plugIn();
     EXPECT_TRUE(waitForWindow("--graphics-patch-error"));
     EXPECT_EQ(service.computer().gpuReports().count, 0U);
@@ -348,7 +348,7 @@ TEST_F(GraphicsBoxOfAService, PopupsHoldTheEcUntilTheyAreClosed)
 TEST_F(GraphicsBoxOfAService, AQuestionGoesWithAServiceThatIsKilled)
 {
     plugInAndActivate();
-    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    desktop().setAnswer(tarnSimulator::Desktop::waits);
     ASSERT_TRUE(service.computer().pressGpuKey());
     expectWindowToGoWithAKilledService("--disengaged-graphics");
     isCutShort = true;
@@ -358,7 +358,7 @@ TEST_F(GraphicsBoxOfAService, AQuestionGoesWithAServiceThatIsKilled)
 TEST_F(GraphicsBoxOfAService, PopupsGoWithTheService)
 {
     changeGpu([](auto &changed) { changed.problem = failedAdd; });
-    desktop().setAnswer(tarnSimulator::Desktop::WAITS);
+    desktop().setAnswer(tarnSimulator::Desktop::waits);
     plugIn();
     expectWindowToGoWithTheService("--graphics-patch-error");
     isCutShort = true; // the thread that waited for it was not waited for

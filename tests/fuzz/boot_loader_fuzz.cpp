@@ -18,9 +18,9 @@ namespace {
 
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr std::uint8_t INIT = 0x7F;
-constexpr std::uint8_t ACK = 0x79;
-constexpr std::uint8_t BOOT_BITS = MCU_UPDATE_ON | MCU_BOOT_LOADER_SELECT;
+constexpr std::uint8_t initByte = 0x7F;
+constexpr std::uint8_t ack = 0x79;
+constexpr std::uint8_t bootBits = MCU_UPDATE_ON | MCU_BOOT_LOADER_SELECT;
 
 class SerialMcu
 {
@@ -44,7 +44,7 @@ public:
     void reset()
     {
         AccessoryMcu mcu(*state);
-        for (const int control : {BOOT_BITS | MCU_RESET_PULSE, int {BOOT_BITS}}) {
+        for (const int control : {bootBits | MCU_RESET_PULSE, int {bootBits}}) {
             state->xdata[EC_MCU_UPDATE_CTRL].store(static_cast<std::uint8_t>(control));
             mcu.obeyControlByte();
         }
@@ -65,9 +65,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     mcu->startAfresh();
     BootLoader serial(mcu->machine());
     const std::size_t fault = data[0] - std::size_t {'A'};
-    if (fault < FAULT_COUNT)
+    if (fault < faultCount)
         FaultPanel(mcu->machine()).switchOn(static_cast<Fault>(fault), faultTable()[fault].onValue);
-    static_cast<void>(serial.receive(Bytes {INIT}));
+    static_cast<void>(serial.receive(Bytes {initByte}));
 
     // Whole or byte by byte comes to the same, so half of it is sent each way.
     const std::size_t half = size / 2 + 1;
@@ -77,7 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 
     FaultPanel(mcu->machine()).clear();
     mcu->reset();
-    require(serial.receive(Bytes {INIT}) == Bytes {ACK}, "after a reset it answers");
-    require(serial.receive(Bytes {0x02, 0xFD}) == Bytes {ACK, 1, 0x04, 0x10, ACK}, "and knows what it is");
+    require(serial.receive(Bytes {initByte}) == Bytes {ack}, "after a reset it answers");
+    require(serial.receive(Bytes {0x02, 0xFD}) == Bytes {ack, 1, 0x04, 0x10, ack}, "and knows what it is");
     return 0;
 }

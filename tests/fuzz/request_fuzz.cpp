@@ -61,7 +61,7 @@ void switchFaultOn(char letter)
 {
     using namespace tarnSimulator;
     const int index = letter - 'A';
-    if (index < 0 || index >= static_cast<int>(FAULT_COUNT))
+    if (index < 0 || index >= static_cast<int>(faultCount))
         return;
     const FaultDescription &fault = faultTable()[static_cast<std::size_t>(index)];
     const bool isRegister = fault.kind == FaultValue::Register;

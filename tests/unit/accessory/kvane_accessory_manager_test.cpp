@@ -21,7 +21,7 @@ protected:
     void setSerialNumber(const QByteArray &hex)
     {
         const QByteArray bytes = QByteArray::fromHex(hex);
-        for (std::size_t index = 0; index < tarnSimulator::SERIAL_NUMBER_LENGTH; ++index)
+        for (std::size_t index = 0; index < tarnSimulator::serialNumberLength; ++index)
             machine.state->accessory.kvaneSerialNumber[index] =
                 static_cast<quint8>(bytes.at(static_cast<qsizetype>(index)));
     }

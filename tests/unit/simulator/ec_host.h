@@ -16,8 +16,8 @@ namespace tarnSimulatorTest {
 class EcHost
 {
 public:
-    static constexpr int PATIENCE = 1000;
-    static constexpr std::uint64_t POLL_MS = 5;
+    static constexpr int patience = 1000;
+    static constexpr std::uint64_t pollMs = 5;
 
     EcHost()
         : state(std::make_unique<tarnSimulator::MachineState>())
@@ -50,10 +50,10 @@ public:
     {
         if (!sendAddress(tarnDeviceInfos::XDATA_READ_CMD, address))
             return std::nullopt;
-        for (int i = 0; i < PATIENCE; ++i) {
+        for (int i = 0; i < patience; ++i) {
             if (answerWaits())
                 return takeData();
-            nowMs += POLL_MS;
+            nowMs += pollMs;
         }
         return std::nullopt;
     }
@@ -80,19 +80,19 @@ public:
 private:
     [[nodiscard]] bool waitForEmptyInput()
     {
-        for (int i = 0; i < PATIENCE; ++i) {
+        for (int i = 0; i < patience; ++i) {
             if (!inputIsFull())
                 return true;
-            nowMs += POLL_MS;
+            nowMs += pollMs;
         }
         return false;
     }
 
     [[nodiscard]] bool sendAddress(std::uint8_t command, std::uint16_t address)
     {
-        for (int i = 0; i < PATIENCE && answerWaits(); ++i) {
+        for (int i = 0; i < patience && answerWaits(); ++i) {
             static_cast<void>(takeData());
-            nowMs += POLL_MS;
+            nowMs += pollMs;
         }
         if (!waitForEmptyInput())
             return false;

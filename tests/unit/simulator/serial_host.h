@@ -15,12 +15,12 @@ using Bytes = std::vector<std::uint8_t>;
 class SerialHost : public EcHost
 {
 public:
-    static constexpr std::uint8_t ACK = 0x79;
-    static constexpr std::uint8_t NACK = 0x1F;
-    static constexpr std::uint32_t FLASH = 0x08000000;
-    static constexpr std::uint32_t OPTION_BYTES = 0x1FFFF800;
-    static constexpr std::uint32_t RAM = 0x20000200;
-    static constexpr std::uint8_t BOOT_BITS =
+    static constexpr std::uint8_t ack = 0x79;
+    static constexpr std::uint8_t nack = 0x1F;
+    static constexpr std::uint32_t flash = 0x08000000;
+    static constexpr std::uint32_t optionBytes = 0x1FFFF800;
+    static constexpr std::uint32_t ram = 0x20000200;
+    static constexpr std::uint8_t bootBits =
         tarnDeviceInfos::MCU_UPDATE_ON | tarnDeviceInfos::MCU_BOOT_LOADER_SELECT;
 
     SerialHost()
@@ -38,7 +38,7 @@ public:
     {
         return control(otherBits | tarnDeviceInfos::MCU_RESET_PULSE) && control(otherBits);
     }
-    [[nodiscard]] bool enterBootLoader() { return pulseReset(BOOT_BITS) && send({0x7F}) == Bytes {ACK}; }
+    [[nodiscard]] bool enterBootLoader() { return pulseReset(bootBits) && send({0x7F}) == Bytes {ack}; }
 
     Bytes send(const Bytes &bytes) { return serial.receive(bytes); }
     Bytes command(std::uint8_t code) { return send({code, static_cast<std::uint8_t>(~code)}); }
@@ -95,10 +95,10 @@ public:
     tarnSimulator::BootLoader serial;
 };
 
-inline const Bytes ACKED {SerialHost::ACK};
-inline const Bytes REFUSED {SerialHost::NACK};
-inline const Bytes ACKED_TWICE {SerialHost::ACK, SerialHost::ACK};
-inline const Bytes DONE {SerialHost::ACK, SerialHost::ACK, SerialHost::ACK};
-inline const Bytes SILENCE;
+inline const Bytes acked {SerialHost::ack};
+inline const Bytes refused {SerialHost::nack};
+inline const Bytes ackedTwice {SerialHost::ack, SerialHost::ack};
+inline const Bytes done {SerialHost::ack, SerialHost::ack, SerialHost::ack};
+inline const Bytes silence;
 
 } // namespace tarnSimulatorTest

@@ -9,8 +9,8 @@ using tarnSimulatorTest::EcHost;
 
 namespace {
 
-constexpr std::uint16_t SOME_REGISTER = 0x1234;
-constexpr std::uint16_t OTHER_REGISTER = 0x3412;
+constexpr std::uint16_t someRegister = 0x1234;
+constexpr std::uint16_t otherRegister = 0x3412;
 
 std::vector<int> looksAtTheStatus(EcHost &host, int count)
 {
@@ -31,8 +31,8 @@ TEST(SimulatedChannel, IsIdleAfterPowerOn)
 TEST(SimulatedChannel, ReadAnswersTheByteAtTheAddressHighByteFirst)
 {
     EcHost host;
-    host.computer.poke(SOME_REGISTER, 0x5A);
-    host.computer.poke(OTHER_REGISTER, 0xA5);
+    host.computer.poke(someRegister, 0x5A);
+    host.computer.poke(otherRegister, 0xA5);
 
     host.sendCommand(XDATA_READ_CMD);
     EXPECT_EQ(host.status(), 0);
@@ -50,10 +50,10 @@ TEST(SimulatedChannel, WriteStoresTheByteWhenItsValueArrives)
     host.sendCommand(XDATA_WRITE_CMD);
     host.sendData(0x12);
     host.sendData(0x34);
-    EXPECT_EQ(host.computer.peek(SOME_REGISTER), 0);
+    EXPECT_EQ(host.computer.peek(someRegister), 0);
     host.sendData(0x77);
-    EXPECT_EQ(host.computer.peek(SOME_REGISTER), 0x77);
-    EXPECT_EQ(host.computer.peek(OTHER_REGISTER), 0);
+    EXPECT_EQ(host.computer.peek(someRegister), 0x77);
+    EXPECT_EQ(host.computer.peek(otherRegister), 0);
     EXPECT_EQ(host.status(), 0);
 }
 
@@ -69,11 +69,11 @@ TEST(SimulatedChannel, ReachesBothEndsOfTheMemory)
 TEST(SimulatedChannel, CommandAbortsUnfinishedRead)
 {
     EcHost host;
-    host.computer.poke(SOME_REGISTER, 0x5A);
+    host.computer.poke(someRegister, 0x5A);
     host.sendCommand(XDATA_READ_CMD);
     host.sendData(0x99);
 
-    host.beginRead(SOME_REGISTER);
+    host.beginRead(someRegister);
     EXPECT_EQ(host.takeData(), 0x5A);
     EXPECT_EQ(host.state->counters.abortedCommands.load(), 1U);
     EXPECT_EQ(host.state->counters.commands.load(), 2U);
@@ -86,18 +86,18 @@ TEST(SimulatedChannel, CommandAbortsUnfinishedWriteBeforeItsValue)
     host.sendData(0x12);
     host.sendData(0x34);
 
-    host.beginRead(SOME_REGISTER);
+    host.beginRead(someRegister);
     EXPECT_EQ(host.takeData(), 0);
     host.sendData(0x77);
-    EXPECT_EQ(host.computer.peek(SOME_REGISTER), 0);
+    EXPECT_EQ(host.computer.peek(someRegister), 0);
     EXPECT_EQ(host.state->counters.writes.load(), 0U);
 }
 
 TEST(SimulatedChannel, AnswerNotFetchedStaysUntilTheHostDrainsIt)
 {
     EcHost host;
-    host.computer.poke(SOME_REGISTER, 0x5A);
-    host.beginRead(SOME_REGISTER);
+    host.computer.poke(someRegister, 0x5A);
+    host.beginRead(someRegister);
 
     host.sendCommand(XDATA_WRITE_CMD);
     EXPECT_TRUE(host.answerWaits());
@@ -113,7 +113,7 @@ TEST(SimulatedChannel, UnknownCommandTakesNoData)
     host.sendData(0x34);
     host.sendData(0x77);
     EXPECT_EQ(host.status(), 0);
-    EXPECT_EQ(host.computer.peek(SOME_REGISTER), 0);
+    EXPECT_EQ(host.computer.peek(someRegister), 0);
     EXPECT_EQ(host.computer.registerLog().end(), 0U);
 }
 
@@ -138,8 +138,8 @@ TEST(SimulatedChannel, OtherPortsAreNotTheEc)
 TEST(SimulatedChannel, ReadingWithoutAnswerRepeatsTheLastByteAndIsNoAccess)
 {
     EcHost host;
-    host.computer.poke(SOME_REGISTER, 0x5A);
-    ASSERT_EQ(host.read(SOME_REGISTER), 0x5A);
+    host.computer.poke(someRegister, 0x5A);
+    ASSERT_EQ(host.read(someRegister), 0x5A);
     EXPECT_EQ(host.takeData(), 0x5A);
     EXPECT_EQ(host.state->counters.reads.load(), 1U);
 }
@@ -152,9 +152,9 @@ TEST(SimulatedChannel, SurvivesAReconnectInTheMiddleOfAnExchange)
     host.reconnect();
     host.sendData(0x34);
     host.sendData(0x77);
-    EXPECT_EQ(host.computer.peek(SOME_REGISTER), 0x77);
+    EXPECT_EQ(host.computer.peek(someRegister), 0x77);
 
-    host.beginRead(SOME_REGISTER);
+    host.beginRead(someRegister);
     host.reconnect();
     EXPECT_TRUE(host.answerWaits());
     EXPECT_EQ(host.takeData(), 0x77);
@@ -164,19 +164,19 @@ TEST(SimulatedChannel, LogsEveryCompletedAccess)
 {
     EcHost host;
     host.nowMs = 5000;
-    ASSERT_TRUE(host.write(SOME_REGISTER, 0x77));
+    ASSERT_TRUE(host.write(someRegister, 0x77));
     host.nowMs = 6000;
-    ASSERT_EQ(host.read(SOME_REGISTER), 0x77);
-    host.beginRead(SOME_REGISTER); // never fetched, so not completed
+    ASSERT_EQ(host.read(someRegister), 0x77);
+    host.beginRead(someRegister); // never fetched, so not completed
 
     const auto accesses = host.computer.registerLog().readAfter(0).accesses;
     ASSERT_EQ(accesses.size(), 2U);
     EXPECT_EQ(accesses[0].kind, tarnSimulator::AccessKind::Write);
-    EXPECT_EQ(accesses[0].address, SOME_REGISTER);
+    EXPECT_EQ(accesses[0].address, someRegister);
     EXPECT_EQ(accesses[0].value, 0x77);
     EXPECT_EQ(accesses[0].timeMs, 5000U);
     EXPECT_EQ(accesses[1].kind, tarnSimulator::AccessKind::Read);
-    EXPECT_EQ(accesses[1].address, SOME_REGISTER);
+    EXPECT_EQ(accesses[1].address, someRegister);
     EXPECT_EQ(accesses[1].value, 0x77);
     EXPECT_EQ(accesses[1].timeMs, 6000U);
     EXPECT_EQ(accesses[1].number, 2U);
@@ -186,7 +186,7 @@ TEST(SimulatedChannel, LogsEveryCompletedAccess)
 TEST(SimulatedChannel, OtherBitsOfTheStatusAreAnything)
 {
     EcHost host;
-    host.beginRead(SOME_REGISTER);
+    host.beginRead(someRegister);
     int everSet = 0;
     int everClear = 0;
     for (const int status : looksAtTheStatus(host, 200)) {
@@ -217,7 +217,7 @@ TEST(SimulatedChannel, TakesEachByteAfterSoManyLooks)
 {
     EcHost host;
     host.computer.timing().acceptancePolls.store(3);
-    host.computer.poke(SOME_REGISTER, 0x5A);
+    host.computer.poke(someRegister, 0x5A);
     const int bytes[] = {XDATA_READ_CMD, 0x12, 0x34};
     for (const int byte : bytes) {
         if (byte == XDATA_READ_CMD)
@@ -240,10 +240,10 @@ TEST(SimulatedChannel, APatientHostGetsAlongWithSlowAcceptance)
 {
     EcHost host;
     host.computer.timing().acceptancePolls.store(4);
-    ASSERT_TRUE(host.write(SOME_REGISTER, 0x77));
-    EXPECT_EQ(host.read(SOME_REGISTER), 0x77);
-    ASSERT_TRUE(host.write(OTHER_REGISTER, 0x78));
-    EXPECT_EQ(host.read(OTHER_REGISTER), 0x78);
+    ASSERT_TRUE(host.write(someRegister, 0x77));
+    EXPECT_EQ(host.read(someRegister), 0x77);
+    ASSERT_TRUE(host.write(otherRegister, 0x78));
+    EXPECT_EQ(host.read(otherRegister), 0x78);
     EXPECT_EQ(host.state->counters.abortedCommands.load(), 0U);
     EXPECT_EQ(host.state->counters.writtenWhileFull.load(), 0U);
 }

@@ -20,7 +20,7 @@ class SimulatedComputerOfProcess : public ::testing::Test
 protected:
     void nameStateFile(const QString &file)
     {
-        qputenv(tarnSimulator::STATE_FILE_VARIABLE, QFile::encodeName(folder.path(file)));
+        qputenv(tarnSimulator::stateFileVariable, QFile::encodeName(folder.path(file)));
     }
 
     tarnTest::RunFolder folder;

@@ -7,7 +7,7 @@
 
 using namespace tarnDeviceInfos;
 using tarnSimulator::AppEvent;
-using tarnSimulator::EVENT_SLOTS;
+using tarnSimulator::eventSlots;
 using tarnSimulatorTest::EcHost;
 
 TEST(SimulatedEvents, ArmedEventWaitsForTheHostsReadAndSurvivesItsClearing)
@@ -72,7 +72,7 @@ TEST(SimulatedEvents, RefusedReadKeepsTheEvent)
 TEST(SimulatedEvents, QueueIsBoundedAndUsableAgain)
 {
     EcHost host;
-    for (std::size_t i = 0; i < EVENT_SLOTS; ++i)
+    for (std::size_t i = 0; i < eventSlots; ++i)
         ASSERT_TRUE(host.computer.armEvent({0x11, static_cast<std::uint8_t>(i)}));
     EXPECT_FALSE(host.computer.armEvent({0x12, 0}));
     EXPECT_EQ(host.read(XEC_APP_EVENT), 0x11);
@@ -80,7 +80,7 @@ TEST(SimulatedEvents, QueueIsBoundedAndUsableAgain)
     EXPECT_TRUE(host.computer.armEvent({0x13, 0x77}));
 
     const auto waiting = host.computer.armedEvents();
-    ASSERT_EQ(waiting.size(), EVENT_SLOTS);
+    ASSERT_EQ(waiting.size(), eventSlots);
     EXPECT_EQ(waiting.front().data, 1);
     EXPECT_EQ(waiting.back().data, 0x77); // the newest is last, although it lies in the first slot
 }
@@ -88,13 +88,13 @@ TEST(SimulatedEvents, QueueIsBoundedAndUsableAgain)
 TEST(SimulatedEvents, ArmedByManyAndTakenByOneAreNeitherLostNorDoubled)
 {
     tarnSimulator::EventQueueState shared {};
-    constexpr int THREADS = 4;
-    constexpr int EVENTS = 60;
+    constexpr int threadCount = 4;
+    constexpr int events = 60;
     std::vector<std::thread> threads;
-    for (int thread = 0; thread < THREADS; ++thread) {
+    for (int thread = 0; thread < threadCount; ++thread) {
         threads.emplace_back([&shared, thread] {
             tarnSimulator::EventQueue queue(shared);
-            for (int i = 0; i < EVENTS; ++i) {
+            for (int i = 0; i < events; ++i) {
                 const AppEvent event {static_cast<std::uint8_t>(thread + 1), static_cast<std::uint8_t>(i)};
                 while (!queue.arm(event))
                     std::this_thread::yield();
@@ -102,8 +102,8 @@ TEST(SimulatedEvents, ArmedByManyAndTakenByOneAreNeitherLostNorDoubled)
         });
     }
     tarnSimulator::EventQueue queue(shared);
-    std::vector<std::uint8_t> taken[THREADS];
-    for (int count = 0; count < THREADS * EVENTS;) {
+    std::vector<std::uint8_t> taken[threadCount];
+    for (int count = 0; count < threadCount * events;) {
         if (const auto event = queue.take()) {
             taken[event->code - 1].push_back(event->data);
             ++count;
@@ -113,7 +113,7 @@ TEST(SimulatedEvents, ArmedByManyAndTakenByOneAreNeitherLostNorDoubled)
         thread.join();
     for (auto &data : taken) {
         std::sort(data.begin(), data.end());
-        ASSERT_EQ(data.size(), static_cast<std::size_t>(EVENTS));
+        ASSERT_EQ(data.size(), static_cast<std::size_t>(events));
         EXPECT_EQ(std::unique(data.begin(), data.end()), data.end());
     }
     EXPECT_EQ(queue.take().has_value(), false);

@@ -10,13 +10,13 @@ using tarnSimulatorTest::EcHost;
 
 namespace {
 
-constexpr std::uint16_t FAILING = EC_POWERMODE_PL2;
-constexpr std::uint16_t WORKING = EC_FAN_MODE;
-constexpr std::uint64_t GIVEN_UP_MS = EcHost::PATIENCE * EcHost::POLL_MS;
+constexpr std::uint16_t failing = EC_POWERMODE_PL2;
+constexpr std::uint16_t working = EC_FAN_MODE;
+constexpr std::uint64_t givenUpMs = EcHost::patience * EcHost::pollMs;
 
 void expectEverythingWorks(EcHost &host)
 {
-    for (const std::uint16_t address : {FAILING, WORKING}) {
+    for (const std::uint16_t address : {failing, working}) {
         ASSERT_TRUE(host.write(address, 0x2A));
         EXPECT_EQ(host.read(address), 0x2A);
     }
@@ -33,7 +33,7 @@ TEST(SimulatedFaults, TableIsCompleteAndDistinct)
         EXPECT_FALSE(fault.help.empty());
         names.insert(fault.name);
     }
-    EXPECT_EQ(names.size(), tarnSimulator::FAULT_COUNT);
+    EXPECT_EQ(names.size(), tarnSimulator::faultCount);
     EXPECT_EQ(tarnSimulator::findFault("no-such-fault"), nullptr);
 }
 
@@ -69,10 +69,10 @@ TEST(SimulatedFaults, IbfStuckTakesNothing)
     host.computer.faults().switchOn(Fault::IbfStuck);
     EXPECT_EQ(host.status(), IBF);
     const std::uint64_t startMs = host.nowMs;
-    EXPECT_FALSE(host.write(WORKING, 1));
-    EXPECT_EQ(host.nowMs - startMs, GIVEN_UP_MS);
-    EXPECT_EQ(host.read(WORKING), std::nullopt);
-    EXPECT_EQ(host.computer.peek(WORKING), 0);
+    EXPECT_FALSE(host.write(working, 1));
+    EXPECT_EQ(host.nowMs - startMs, givenUpMs);
+    EXPECT_EQ(host.read(working), std::nullopt);
+    EXPECT_EQ(host.computer.peek(working), 0);
 
     host.computer.faults().switchOff(Fault::IbfStuck);
     expectEverythingWorks(host);
@@ -82,28 +82,28 @@ TEST(SimulatedFaults, IbfStuckInTheMiddleOfAWrite)
 {
     EcHost host;
     host.sendCommand(XDATA_WRITE_CMD);
-    host.sendData(WORKING >> 8);
+    host.sendData(working >> 8);
     host.computer.faults().switchOn(Fault::IbfStuck);
-    host.sendData(WORKING & 0xFF);
+    host.sendData(working & 0xFF);
     EXPECT_EQ(host.status(), IBF);
 
     host.computer.faults().switchOff(Fault::IbfStuck);
     EXPECT_EQ(host.status(), 0); // the address byte is taken now
     host.sendData(0x11);
-    EXPECT_EQ(host.computer.peek(WORKING), 0x11);
+    EXPECT_EQ(host.computer.peek(working), 0x11);
 }
 
 TEST(SimulatedFaults, ObfStuckCannotBeDrainedButReadsWork)
 {
     EcHost host;
-    host.computer.poke(WORKING, 0x21);
+    host.computer.poke(working, 0x21);
     host.computer.faults().switchOn(Fault::ObfStuck);
     EXPECT_EQ(host.status(), OBF);
     static_cast<void>(host.takeData());
     EXPECT_EQ(host.status(), OBF);
     const std::uint64_t startMs = host.nowMs;
-    EXPECT_EQ(host.read(WORKING), 0x21);
-    EXPECT_EQ(host.nowMs - startMs, GIVEN_UP_MS);
+    EXPECT_EQ(host.read(working), 0x21);
+    EXPECT_EQ(host.nowMs - startMs, givenUpMs);
     EXPECT_EQ(host.state->counters.reads.load(), 1U);
 
     host.computer.faults().switchOff(Fault::ObfStuck);
@@ -114,22 +114,22 @@ TEST(SimulatedFaults, NoAnswerStopsReadsOnly)
 {
     EcHost host;
     host.computer.faults().switchOn(Fault::NoAnswer);
-    EXPECT_TRUE(host.write(WORKING, 0x21));
-    EXPECT_EQ(host.computer.peek(WORKING), 0x21);
+    EXPECT_TRUE(host.write(working, 0x21));
+    EXPECT_EQ(host.computer.peek(working), 0x21);
     const std::uint64_t startMs = host.nowMs;
-    EXPECT_EQ(host.read(WORKING), std::nullopt);
-    EXPECT_EQ(host.nowMs - startMs, GIVEN_UP_MS);
+    EXPECT_EQ(host.read(working), std::nullopt);
+    EXPECT_EQ(host.nowMs - startMs, givenUpMs);
 
     host.reconnect();
     host.computer.faults().switchOff(Fault::NoAnswer);
-    EXPECT_EQ(host.read(WORKING), 0x21);
+    EXPECT_EQ(host.read(working), 0x21);
     expectEverythingWorks(host);
 }
 
 TEST(SimulatedFaults, SlowDelaysIbfAndObf)
 {
     EcHost host;
-    host.computer.poke(WORKING, 0x21);
+    host.computer.poke(working, 0x21);
     host.computer.faults().switchOn(Fault::Slow, 30);
     host.sendCommand(XDATA_READ_CMD);
     EXPECT_TRUE(host.inputIsFull());
@@ -137,10 +137,10 @@ TEST(SimulatedFaults, SlowDelaysIbfAndObf)
     EXPECT_TRUE(host.inputIsFull());
     host.nowMs += 1;
     EXPECT_FALSE(host.inputIsFull());
-    host.sendData(WORKING >> 8);
+    host.sendData(working >> 8);
     host.nowMs += 30;
     EXPECT_FALSE(host.inputIsFull());
-    host.sendData(WORKING & 0xFF);
+    host.sendData(working & 0xFF);
     host.nowMs += 30;
     EXPECT_EQ(host.status(), 0);
     host.nowMs += 29;
@@ -162,12 +162,12 @@ TEST(SimulatedFaults, SlowStillWorksForAPatientHost)
 TEST(SimulatedFaults, AnswerSlowerThanTheHostIsDrainedByTheNextExchange)
 {
     EcHost host;
-    host.computer.poke(FAILING, 0x11);
-    host.computer.poke(WORKING, 0x21);
+    host.computer.poke(failing, 0x11);
+    host.computer.poke(working, 0x21);
     host.sendCommand(XDATA_READ_CMD);
-    host.sendData(FAILING >> 8);
+    host.sendData(failing >> 8);
     host.computer.faults().switchOn(Fault::Slow, 6000);
-    host.sendData(FAILING & 0xFF);
+    host.sendData(failing & 0xFF);
     host.nowMs += 6000;
     EXPECT_EQ(host.status(), 0); // the address is taken, the answer under way
     host.nowMs += 5000;
@@ -177,7 +177,7 @@ TEST(SimulatedFaults, AnswerSlowerThanTheHostIsDrainedByTheNextExchange)
     host.nowMs += 1000;
     host.computer.faults().switchOff(Fault::Slow);
     EXPECT_EQ(host.status(), OBF);
-    EXPECT_EQ(host.read(WORKING), 0x21);
+    EXPECT_EQ(host.read(working), 0x21);
     EXPECT_EQ(host.computer.registerLog().end(), 2U);
 }
 
@@ -212,20 +212,20 @@ class SimulatedRefusal : public ::testing::TestWithParam<RefusalRow>
 TEST_P(SimulatedRefusal, HitsExactlyItsRegisterAndTheChannelRecovers)
 {
     EcHost host;
-    host.computer.poke(FAILING, 0x11);
-    host.computer.faults().switchOn(GetParam().fault, FAILING);
+    host.computer.poke(failing, 0x11);
+    host.computer.faults().switchOn(GetParam().fault, failing);
     for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(host.write(FAILING, 0x22), !GetParam().writeFails);
-        EXPECT_EQ(host.computer.peek(FAILING), GetParam().writeFails ? 0x11 : 0x22);
+        EXPECT_EQ(host.write(failing, 0x22), !GetParam().writeFails);
+        EXPECT_EQ(host.computer.peek(failing), GetParam().writeFails ? 0x11 : 0x22);
         // A read right after it works at once, not just after another time-out.
         const std::uint64_t startMs = host.nowMs;
-        host.computer.poke(WORKING, 0x33);
-        EXPECT_EQ(host.read(WORKING), 0x33);
+        host.computer.poke(working, 0x33);
+        EXPECT_EQ(host.read(working), 0x33);
         EXPECT_EQ(host.nowMs, startMs);
 
-        EXPECT_EQ(host.read(FAILING).has_value(), !GetParam().readFails);
-        EXPECT_TRUE(host.write(WORKING, 0x44));
-        EXPECT_EQ(host.computer.peek(WORKING), 0x44);
+        EXPECT_EQ(host.read(failing).has_value(), !GetParam().readFails);
+        EXPECT_TRUE(host.write(working, 0x44));
+        EXPECT_EQ(host.computer.peek(working), 0x44);
     }
     const std::uint64_t refused = (GetParam().readFails ? 2U : 0U) + (GetParam().writeFails ? 2U : 0U);
     EXPECT_EQ(host.state->counters.refusedAccesses.load(), refused);
@@ -241,26 +241,26 @@ TEST(SimulatedFaults, RefusedWriteKeepsIbfForAsLongAsTheHostLooks)
 {
     EcHost host;
     host.computer.timing().refusedWritePolls.store(3);
-    host.computer.faults().switchOn(Fault::FailWrite, FAILING);
+    host.computer.faults().switchOn(Fault::FailWrite, failing);
     host.sendCommand(XDATA_WRITE_CMD);
-    host.sendData(FAILING >> 8);
-    host.sendData(FAILING & 0xFF);
+    host.sendData(failing >> 8);
+    host.sendData(failing & 0xFF);
     host.nowMs += 1000000; // time alone does not free it
     EXPECT_TRUE(host.inputIsFull());
     EXPECT_TRUE(host.inputIsFull());
     EXPECT_TRUE(host.inputIsFull());
     EXPECT_FALSE(host.inputIsFull());
     host.sendData(0x55); // too late: not taken
-    EXPECT_NE(host.computer.peek(FAILING), 0x55);
+    EXPECT_NE(host.computer.peek(failing), 0x55);
 }
 
 TEST(SimulatedFaults, CommandFreesARefusedWriteAtOnce)
 {
     EcHost host;
-    host.computer.faults().switchOn(Fault::FailWrite, FAILING);
+    host.computer.faults().switchOn(Fault::FailWrite, failing);
     host.sendCommand(XDATA_WRITE_CMD);
-    host.sendData(FAILING >> 8);
-    host.sendData(FAILING & 0xFF);
+    host.sendData(failing >> 8);
+    host.sendData(failing & 0xFF);
     EXPECT_TRUE(host.inputIsFull());
     host.reconnect();
     EXPECT_TRUE(host.inputIsFull());
@@ -271,40 +271,40 @@ TEST(SimulatedFaults, CommandFreesARefusedWriteAtOnce)
 TEST(SimulatedFaults, SkippedAccessesOfTheRegisterSucceedFirst)
 {
     EcHost host;
-    host.computer.faults().switchOn(Fault::FailRegister, FAILING, 3);
-    EXPECT_TRUE(host.write(FAILING, 1));
-    EXPECT_TRUE(host.write(WORKING, 1)); // does not count
-    EXPECT_TRUE(host.read(FAILING).has_value());
+    host.computer.faults().switchOn(Fault::FailRegister, failing, 3);
+    EXPECT_TRUE(host.write(failing, 1));
+    EXPECT_TRUE(host.write(working, 1)); // does not count
+    EXPECT_TRUE(host.read(failing).has_value());
     EXPECT_EQ(host.computer.faults().remaining(Fault::FailRegister), 1U);
-    EXPECT_TRUE(host.write(FAILING, 2));
-    EXPECT_FALSE(host.write(FAILING, 3));
-    EXPECT_FALSE(host.read(FAILING).has_value());
-    EXPECT_EQ(host.computer.peek(FAILING), 2);
+    EXPECT_TRUE(host.write(failing, 2));
+    EXPECT_FALSE(host.write(failing, 3));
+    EXPECT_FALSE(host.read(failing).has_value());
+    EXPECT_EQ(host.computer.peek(failing), 2);
 }
 
 TEST(SimulatedFaults, DirectionsCountSeparately)
 {
     EcHost host;
-    host.computer.faults().switchOn(Fault::FailRead, FAILING, 1);
-    EXPECT_TRUE(host.write(FAILING, 1));
-    EXPECT_TRUE(host.write(FAILING, 1));
-    EXPECT_TRUE(host.read(FAILING).has_value());
-    EXPECT_FALSE(host.read(FAILING).has_value());
+    host.computer.faults().switchOn(Fault::FailRead, failing, 1);
+    EXPECT_TRUE(host.write(failing, 1));
+    EXPECT_TRUE(host.write(failing, 1));
+    EXPECT_TRUE(host.read(failing).has_value());
+    EXPECT_FALSE(host.read(failing).has_value());
 }
 
 TEST(SimulatedFaults, FailAfterStrikesOnceWhateverTheRegister)
 {
     EcHost host;
     host.computer.faults().switchOn(Fault::FailAfter, 2, 2);
-    EXPECT_TRUE(host.write(WORKING, 1));
-    EXPECT_TRUE(host.read(FAILING).has_value());
+    EXPECT_TRUE(host.write(working, 1));
+    EXPECT_TRUE(host.read(failing).has_value());
     EXPECT_TRUE(host.computer.faults().isOn(Fault::FailAfter));
-    EXPECT_FALSE(host.write(WORKING, 2));
+    EXPECT_FALSE(host.write(working, 2));
     EXPECT_FALSE(host.computer.faults().isOn(Fault::FailAfter));
-    EXPECT_EQ(host.computer.peek(WORKING), 1);
+    EXPECT_EQ(host.computer.peek(working), 1);
     expectEverythingWorks(host);
 
     host.computer.faults().switchOn(Fault::FailAfter, 0, 0);
-    EXPECT_EQ(host.read(WORKING), std::nullopt);
+    EXPECT_EQ(host.read(working), std::nullopt);
     expectEverythingWorks(host);
 }

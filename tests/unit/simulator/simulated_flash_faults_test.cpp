@@ -17,12 +17,12 @@ protected:
         host.computer.faults().clear();
         ASSERT_TRUE(host.enterBootLoader());
         EXPECT_EQ(host.command(0x01).size(), 5U);
-        EXPECT_EQ(host.eraseAll(), ACKED_TWICE);
-        EXPECT_EQ(writeBlock(SerialHost::FLASH + 0x300), DONE);
-        Bytes expected = DONE;
-        expected.resize(DONE.size() + 256, 0x11);
-        EXPECT_EQ(host.readMemory(SerialHost::FLASH + 0x300, 255), expected);
-        EXPECT_EQ(host.go(0), ACKED_TWICE);
+        EXPECT_EQ(host.eraseAll(), ackedTwice);
+        EXPECT_EQ(writeBlock(SerialHost::flash + 0x300), done);
+        Bytes expected = done;
+        expected.resize(done.size() + 256, 0x11);
+        EXPECT_EQ(host.readMemory(SerialHost::flash + 0x300, 255), expected);
+        EXPECT_EQ(host.go(0), ackedTwice);
     }
 
     SerialHost host;
@@ -32,12 +32,12 @@ TEST_F(SimulatedFlashFaults, SilentOnceAskedForTheVersion)
 {
     host.computer.faults().switchOn(Fault::FlashSilent);
     EXPECT_EQ(host.command(0x00).size(), 15U);
-    EXPECT_EQ(host.command(0x01), ACKED);
-    EXPECT_EQ(host.command(0x02), SILENCE);
-    EXPECT_EQ(host.send({0x7F, 0x7F}), SILENCE);
+    EXPECT_EQ(host.command(0x01), acked);
+    EXPECT_EQ(host.command(0x02), silence);
+    EXPECT_EQ(host.send({0x7F, 0x7F}), silence);
     ASSERT_TRUE(host.enterBootLoader()); // a reset gets it as far as that again
-    EXPECT_EQ(host.command(0x01), ACKED);
-    EXPECT_EQ(host.command(0x01), SILENCE);
+    EXPECT_EQ(host.command(0x01), acked);
+    EXPECT_EQ(host.command(0x01), silence);
     expectRepaired();
 }
 
@@ -45,15 +45,15 @@ TEST_F(SimulatedFlashFaults, WriteRefusedAfterSomeBlocks)
 {
     host.computer.faults().switchOn(Fault::FlashWriteRefused, 2);
     for (int round = 0; round < 2; ++round) {
-        EXPECT_EQ(host.eraseAll(), ACKED_TWICE);
-        EXPECT_EQ(writeBlock(SerialHost::FLASH), DONE);
-        EXPECT_EQ(writeBlock(SerialHost::RAM), DONE); // does not count
-        EXPECT_EQ(writeBlock(SerialHost::FLASH + 0x100), DONE);
+        EXPECT_EQ(host.eraseAll(), ackedTwice);
+        EXPECT_EQ(writeBlock(SerialHost::flash), done);
+        EXPECT_EQ(writeBlock(SerialHost::ram), done); // does not count
+        EXPECT_EQ(writeBlock(SerialHost::flash + 0x100), done);
         const Bytes before = host.computer.mcuFlash();
-        EXPECT_EQ(writeBlock(SerialHost::FLASH + 0x200), (Bytes {0x79, 0x79, 0x1F}));
-        EXPECT_EQ(writeBlock(SerialHost::FLASH + 0x200), (Bytes {0x79, 0x79, 0x1F}));
+        EXPECT_EQ(writeBlock(SerialHost::flash + 0x200), (Bytes {0x79, 0x79, 0x1F}));
+        EXPECT_EQ(writeBlock(SerialHost::flash + 0x200), (Bytes {0x79, 0x79, 0x1F}));
         EXPECT_EQ(host.computer.mcuFlash(), before);
-        EXPECT_EQ(writeBlock(SerialHost::RAM), DONE);
+        EXPECT_EQ(writeBlock(SerialHost::ram), done);
     }
     expectRepaired();
 }
@@ -63,14 +63,14 @@ TEST_F(SimulatedFlashFaults, CorruptByteIsReadWrongWhereverTheReadBegins)
     host.putIntoFlash(Bytes(0x1000, 0x22));
     host.computer.faults().switchOn(Fault::FlashCorrupt);
     for (const std::uint32_t start : {0x300U, 0x2FFU, 0x201U}) {
-        Bytes expected = DONE;
-        expected.resize(DONE.size() + 256, 0x22);
-        expected[DONE.size() + 0x300 - start] = 0x23;
-        EXPECT_EQ(host.readMemory(SerialHost::FLASH + start, 255), expected) << start;
+        Bytes expected = done;
+        expected.resize(done.size() + 256, 0x22);
+        expected[done.size() + 0x300 - start] = 0x23;
+        EXPECT_EQ(host.readMemory(SerialHost::flash + start, 255), expected) << start;
     }
     for (const std::uint32_t start : {0x200U, 0x301U}) {
-        Bytes expected = DONE;
-        expected.resize(DONE.size() + 256, 0x22);
+        Bytes expected = done;
+        expected.resize(done.size() + 256, 0x22);
         EXPECT_EQ(host.readMemory(start, 255), expected) << start;
     }
     EXPECT_EQ(host.computer.mcuFlash()[0x300], 0x22);
@@ -80,14 +80,14 @@ TEST_F(SimulatedFlashFaults, CorruptByteIsReadWrongWhereverTheReadBegins)
 TEST_F(SimulatedFlashFaults, UnpluggedAfterSomeBlocks)
 {
     host.computer.faults().switchOn(Fault::FlashUnplugged, 1);
-    EXPECT_EQ(host.eraseAll(), ACKED_TWICE);
-    EXPECT_EQ(writeBlock(SerialHost::FLASH), DONE);
-    EXPECT_EQ(writeBlock(SerialHost::FLASH + 0x100), SILENCE);
-    EXPECT_EQ(host.send({0x7F, 0x7F}), SILENCE);
+    EXPECT_EQ(host.eraseAll(), ackedTwice);
+    EXPECT_EQ(writeBlock(SerialHost::flash), done);
+    EXPECT_EQ(writeBlock(SerialHost::flash + 0x100), silence);
+    EXPECT_EQ(host.send({0x7F, 0x7F}), silence);
     EXPECT_EQ(host.computer.mcuFlash()[0x100], 0xFF);
     host.computer.faults().switchOn(Fault::FlashUnplugged, 0);
-    ASSERT_TRUE(host.pulseReset(SerialHost::BOOT_BITS));
-    EXPECT_EQ(host.send({0x7F}), SILENCE);
+    ASSERT_TRUE(host.pulseReset(SerialHost::bootBits));
+    EXPECT_EQ(host.send({0x7F}), silence);
     expectRepaired();
 }
 
@@ -104,8 +104,8 @@ TEST_F(SimulatedFlashFaults, InitNoiseIsOneRefusalAfterEachStart)
 {
     host.computer.faults().switchOn(Fault::FlashInitNoise);
     for (int round = 0; round < 2; ++round) {
-        ASSERT_TRUE(host.pulseReset(SerialHost::BOOT_BITS));
-        EXPECT_EQ(host.send({0x7F}), REFUSED);
+        ASSERT_TRUE(host.pulseReset(SerialHost::bootBits));
+        EXPECT_EQ(host.send({0x7F}), refused);
         EXPECT_EQ(host.command(0x02).size(), 5U);
     }
     expectRepaired();

@@ -34,8 +34,8 @@ void command(EcHost &host, std::uint8_t code)
     host.nowMs += 10;
 }
 
-constexpr Colour SOME_COLOUR {230, 0, 18};
-constexpr Colour OTHER_COLOUR {30, 149, 212};
+constexpr Colour someColour {230, 0, 18};
+constexpr Colour otherColour {30, 149, 212};
 
 } // namespace
 
@@ -63,12 +63,12 @@ TEST(SimulatedMailbox, UnknownCommandIsClearedWithoutEffect)
 {
     EcHost host;
     attachCode(host, ACCESSORY_DOCK);
-    writeColourBytes(host, SOME_COLOUR);
+    writeColourBytes(host, someColour);
     ASSERT_TRUE(host.write(XEC_RGB_CMD, 0x7F));
     host.nowMs += 10;
     EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
     EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
-    expectColourBytes(host, SOME_COLOUR);
+    expectColourBytes(host, someColour);
 }
 
 TEST(SimulatedMailbox, EachAccessoryHasItsOwnLight)
@@ -79,9 +79,9 @@ TEST(SimulatedMailbox, EachAccessoryHasItsOwnLight)
         Colour dock;
         Colour graphics;
     } const rows[] = {
-        {ACCESSORY_DOCK, OTHER_COLOUR, {2, 2, 2}},
-        {ACCESSORY_GRAPHICS, {1, 1, 1}, OTHER_COLOUR},
-        {ACCESSORY_GRAPHICS_16G, {1, 1, 1}, OTHER_COLOUR},
+        {ACCESSORY_DOCK, otherColour, {2, 2, 2}},
+        {ACCESSORY_GRAPHICS, {1, 1, 1}, otherColour},
+        {ACCESSORY_GRAPHICS_16G, {1, 1, 1}, otherColour},
         {ACCESSORY_KVANE, {1, 1, 1}, {2, 2, 2}},
     };
     for (const auto &row : rows) {
@@ -89,7 +89,7 @@ TEST(SimulatedMailbox, EachAccessoryHasItsOwnLight)
         host.computer.setDockLight({1, 1, 1});
         host.computer.setGraphicsLight({2, 2, 2});
         attachCode(host, row.code);
-        writeColourBytes(host, OTHER_COLOUR);
+        writeColourBytes(host, otherColour);
         ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
         EXPECT_EQ(host.computer.dockLight(), row.dock) << int(row.code);
         EXPECT_EQ(host.computer.graphicsLight(), row.graphics) << int(row.code);
@@ -99,21 +99,21 @@ TEST(SimulatedMailbox, EachAccessoryHasItsOwnLight)
 TEST(SimulatedMailbox, LoadsTheColourOfTheAttachedAccessory)
 {
     EcHost host;
-    host.computer.setDockLight(SOME_COLOUR);
-    host.computer.setGraphicsLight(OTHER_COLOUR);
+    host.computer.setDockLight(someColour);
+    host.computer.setGraphicsLight(otherColour);
     attachCode(host, ACCESSORY_DOCK);
     command(host, APP_EC_RGB_READ);
-    expectColourBytes(host, SOME_COLOUR);
+    expectColourBytes(host, someColour);
 
     attachCode(host, ACCESSORY_GRAPHICS_16G);
     command(host, APP_EC_RGB_READ);
-    expectColourBytes(host, OTHER_COLOUR);
+    expectColourBytes(host, otherColour);
 }
 
 TEST(SimulatedMailbox, WithoutALightTheColourIsBlackAndNothingIsApplied)
 {
     EcHost host;
-    writeColourBytes(host, SOME_COLOUR);
+    writeColourBytes(host, someColour);
     ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
     EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
     EXPECT_EQ(host.computer.graphicsLight(), (Colour {255, 255, 255}));
@@ -127,7 +127,7 @@ TEST(SimulatedMailbox, LightOfAnAccessoryWithoutLinkIsOutOfReach)
     EcHost host;
     attachCode(host, ACCESSORY_DOCK);
     host.computer.setLinkStatus(3);
-    writeColourBytes(host, SOME_COLOUR);
+    writeColourBytes(host, someColour);
     ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
     EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
 }
@@ -136,7 +136,7 @@ TEST(SimulatedMailbox, ColourBytesAloneChangeNoLight)
 {
     EcHost host;
     attachCode(host, ACCESSORY_DOCK);
-    writeColourBytes(host, SOME_COLOUR);
+    writeColourBytes(host, someColour);
     EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
 }
 
@@ -145,7 +145,7 @@ TEST(SimulatedMailbox, AcceptsACommandWhileTheLastIsStillThere)
     EcHost host;
     host.computer.timing().mailboxBusyMs.store(1000);
     attachCode(host, ACCESSORY_DOCK);
-    writeColourBytes(host, SOME_COLOUR);
+    writeColourBytes(host, someColour);
     ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
     host.nowMs += 900;
     ASSERT_TRUE(host.write(XEC_RGB_RED, 0));
@@ -155,7 +155,7 @@ TEST(SimulatedMailbox, AcceptsACommandWhileTheLastIsStillThere)
     EXPECT_EQ(host.read(XEC_RGB_RED), 0);
     host.nowMs += 100;
     EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
-    EXPECT_EQ(host.read(XEC_RGB_RED), SOME_COLOUR.red);
+    EXPECT_EQ(host.read(XEC_RGB_RED), someColour.red);
 }
 
 // A host that looks at the data before the command byte is clear gets what was there before.
@@ -270,12 +270,12 @@ TEST(SimulatedMailbox, StuckFaultExecutesButNeverClears)
 {
     EcHost host;
     host.computer.faults().switchOn(tarnSimulator::Fault::MailboxStuck);
-    host.computer.setDockLight(SOME_COLOUR);
+    host.computer.setDockLight(someColour);
     attachCode(host, ACCESSORY_DOCK);
     ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
     host.nowMs += 100000;
     EXPECT_EQ(host.read(XEC_RGB_CMD), APP_EC_RGB_READ);
-    EXPECT_EQ(host.read(XEC_RGB_RED), SOME_COLOUR.red);
+    EXPECT_EQ(host.read(XEC_RGB_RED), someColour.red);
     // Once: what is there since then stays.
     ASSERT_TRUE(host.write(XEC_RGB_RED, 0xEE));
     EXPECT_EQ(host.read(XEC_RGB_RED), 0xEE);

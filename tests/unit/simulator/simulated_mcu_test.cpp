@@ -13,7 +13,7 @@ TEST(SimulatedMcu, RunsTheFirmwareOfTheCatalogAndIsSilent)
     SerialHost host;
     EXPECT_EQ(host.computer.mcuMode(), McuMode::Firmware);
     EXPECT_EQ(host.version(), 20005);
-    EXPECT_EQ(host.send({0x7F}), SILENCE);
+    EXPECT_EQ(host.send({0x7F}), silence);
 }
 
 TEST(SimulatedMcu, GoesIntoTheBootLoaderAsTheHostDoesItAndBack)
@@ -21,23 +21,23 @@ TEST(SimulatedMcu, GoesIntoTheBootLoaderAsTheHostDoesItAndBack)
     SerialHost host;
     for (const int value : {0x20, 0x28, 0x38}) {
         ASSERT_TRUE(host.control(value));
-        EXPECT_EQ(host.send({0x7F}), SILENCE) << value;
+        EXPECT_EQ(host.send({0x7F}), silence) << value;
     }
     EXPECT_EQ(host.computer.mcuMode(), McuMode::HeldInReset);
     ASSERT_TRUE(host.control(0x28));
     EXPECT_EQ(host.computer.mcuMode(), McuMode::BootLoader);
-    EXPECT_EQ(host.send({0x7F}), ACKED);
+    EXPECT_EQ(host.send({0x7F}), acked);
     EXPECT_EQ(host.version(), 20005); // the EC keeps what it has been told
     EXPECT_TRUE(host.computer.isAttached());
 
     ASSERT_TRUE(host.control(0x20));
     EXPECT_EQ(host.command(0x01).size(), 5U); // deselecting alone does nothing
     ASSERT_TRUE(host.control(0x30));
-    EXPECT_EQ(host.command(0x01), SILENCE);
+    EXPECT_EQ(host.command(0x01), silence);
     ASSERT_TRUE(host.control(0x20));
     ASSERT_TRUE(host.control(0x00));
     EXPECT_EQ(host.computer.mcuMode(), McuMode::Firmware);
-    EXPECT_EQ(host.send({0x7F}), SILENCE);
+    EXPECT_EQ(host.send({0x7F}), silence);
 }
 
 TEST(SimulatedMcu, NeedsBothBitsAndAPulse)
@@ -48,7 +48,7 @@ TEST(SimulatedMcu, NeedsBothBitsAndAPulse)
         EXPECT_EQ(host.computer.mcuMode(), McuMode::Firmware) << bits;
     }
     SerialHost host;
-    ASSERT_TRUE(host.control(SerialHost::BOOT_BITS));
+    ASSERT_TRUE(host.control(SerialHost::bootBits));
     EXPECT_EQ(host.computer.mcuMode(), McuMode::Firmware);
     ASSERT_TRUE(host.pulseReset(0xEF));
     EXPECT_EQ(host.computer.mcuMode(), McuMode::BootLoader);
@@ -66,14 +66,14 @@ TEST(SimulatedMcu, OnlyAnAttachedKvaneIsReset)
 {
     SerialHost host;
     host.computer.detach();
-    ASSERT_TRUE(host.pulseReset(SerialHost::BOOT_BITS));
+    ASSERT_TRUE(host.pulseReset(SerialHost::bootBits));
     EXPECT_EQ(host.computer.mcuMode(), McuMode::Firmware);
     EXPECT_EQ(host.version(), 0);
     host.computer.attach(*tarnSimulator::findAccessory("dock"));
-    ASSERT_TRUE(host.pulseReset(SerialHost::BOOT_BITS));
+    ASSERT_TRUE(host.pulseReset(SerialHost::bootBits));
     EXPECT_EQ(host.computer.mcuMode(), McuMode::Firmware);
     EXPECT_EQ(host.version(), 10203);
-    EXPECT_EQ(host.send({0x7F}), SILENCE);
+    EXPECT_EQ(host.send({0x7F}), silence);
 }
 
 TEST(SimulatedMcu, UnpluggedBootLoaderIsSilentAndStartsAnewWithThePower)
@@ -81,11 +81,11 @@ TEST(SimulatedMcu, UnpluggedBootLoaderIsSilentAndStartsAnewWithThePower)
     SerialHost host;
     ASSERT_TRUE(host.enterBootLoader());
     host.computer.detach();
-    EXPECT_EQ(host.command(0x01), SILENCE);
+    EXPECT_EQ(host.command(0x01), silence);
     host.attachKvane(); // the boot loader is still selected
     EXPECT_EQ(host.computer.mcuMode(), McuMode::BootLoader);
-    EXPECT_EQ(host.command(0x01), SILENCE);
-    EXPECT_EQ(host.send({0x7F}), ACKED);
+    EXPECT_EQ(host.command(0x01), silence);
+    EXPECT_EQ(host.send({0x7F}), acked);
 
     host.computer.detach();
     ASSERT_TRUE(host.control(0));
@@ -104,7 +104,7 @@ TEST(SimulatedMcu, LinkDownIsSilenceToo)
     SerialHost host;
     ASSERT_TRUE(host.enterBootLoader());
     host.computer.setLinkStatus(3);
-    EXPECT_EQ(host.command(0x01), SILENCE);
+    EXPECT_EQ(host.command(0x01), silence);
     host.computer.setLinkStatus(MCU_LINKED);
     EXPECT_EQ(host.command(0x01).size(), 5U);
 }
@@ -157,7 +157,7 @@ TEST(SimulatedMcu, WithoutAFirmwareNothingRunsAndTheLinkStays)
     EXPECT_EQ(host.computer.mcuMode(), McuMode::NoFirmware);
     EXPECT_EQ(host.version(), 0);
     EXPECT_TRUE(host.computer.isAttached());
-    EXPECT_EQ(host.send({0x7F}), SILENCE);
+    EXPECT_EQ(host.send({0x7F}), silence);
     EXPECT_TRUE(host.enterBootLoader()); // which is how it is mended
 }
 

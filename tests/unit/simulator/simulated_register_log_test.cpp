@@ -9,7 +9,7 @@
 #include <thread>
 
 using tarnSimulator::AccessKind;
-using tarnSimulator::LOG_ENTRIES;
+using tarnSimulator::logEntries;
 using tarnSimulator::RegisterLog;
 using tarnSimulator::RegisterLogState;
 
@@ -68,17 +68,17 @@ TEST(SimulatedRegisterLog, KeepsTheNewestAndCountsTheLost)
     RegisterLog log(*state);
     appendNumbered(log, 10);
     const std::uint64_t cursor = log.readAfter(0).cursor;
-    appendNumbered(log, LOG_ENTRIES + 5);
+    appendNumbered(log, logEntries + 5);
 
     const auto reading = log.readAfter(cursor);
     EXPECT_EQ(reading.lost, 5U);
-    ASSERT_EQ(reading.accesses.size(), LOG_ENTRIES);
+    ASSERT_EQ(reading.accesses.size(), logEntries);
     EXPECT_EQ(reading.accesses.front().number, 16U);
-    EXPECT_EQ(reading.accesses.back().number, LOG_ENTRIES + 15);
+    EXPECT_EQ(reading.accesses.back().number, logEntries + 15);
     for (const auto &access : reading.accesses)
         EXPECT_TRUE(isNumbered(access));
     const auto fromStart = log.readAfter(0);
-    EXPECT_EQ(fromStart.accesses.size(), LOG_ENTRIES);
+    EXPECT_EQ(fromStart.accesses.size(), logEntries);
     EXPECT_EQ(fromStart.lost, 0U);
 }
 
@@ -110,17 +110,17 @@ TEST(SimulatedRegisterLog, EntryOfAKilledWriterIsPassedOver)
 TEST(SimulatedRegisterLog, ReaderBesideAFastWriterNeverSeesHalfAnEntry)
 {
     const auto state = std::make_unique<RegisterLogState>();
-    constexpr std::uint64_t ACCESSES = LOG_ENTRIES * 20;
+    constexpr std::uint64_t accesses = logEntries * 20;
     std::thread writer([&state] {
         RegisterLog log(*state);
-        appendNumbered(log, ACCESSES);
+        appendNumbered(log, accesses);
     });
     const RegisterLog log(*state);
     std::uint64_t cursor = 0;
     std::uint64_t seen = 0;
     std::uint64_t lost = 0;
     std::uint64_t wrong = 0;
-    while (cursor < ACCESSES) {
+    while (cursor < accesses) {
         const auto reading = log.readAfter(cursor);
         const std::uint64_t skipped = reading.cursor - cursor - reading.accesses.size();
         wrong += cursor != 0 && reading.lost != skipped ? 1 : 0;
@@ -132,7 +132,7 @@ TEST(SimulatedRegisterLog, ReaderBesideAFastWriterNeverSeesHalfAnEntry)
     }
     writer.join();
     EXPECT_EQ(wrong, 0U);
-    EXPECT_EQ(seen + lost, ACCESSES);
+    EXPECT_EQ(seen + lost, accesses);
 }
 
 // The writer overwrites the oldest entry next, so a reader that reads only this entry collides with it often.
@@ -156,7 +156,7 @@ TEST(SimulatedRegisterLog, EntryBeingOverwrittenIsNeverTakenForTheOldOne)
     for (std::uint64_t last = 0;
          encounters < 200000 && isTimeLeft(std::chrono::seconds(taken > 0 ? 1 : 30));) {
         const std::uint64_t end = log.end();
-        const auto access = end < LOG_ENTRIES ? std::nullopt : log.find(end - LOG_ENTRIES + 1);
+        const auto access = end < logEntries ? std::nullopt : log.find(end - logEntries + 1);
         wrong += access && !isNumbered(*access) ? 1 : 0;
         taken += access ? 1 : 0;
         encounters += end != last ? 1 : 0;

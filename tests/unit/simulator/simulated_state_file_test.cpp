@@ -47,8 +47,8 @@ TEST_F(SimulatedStateFile, NewOneHoldsAPoweredMachine)
     const auto opened = open(Missing::IsCreated);
     ASSERT_TRUE(opened.has_value()) << error;
     EXPECT_EQ(opened->path(), file);
-    EXPECT_EQ(opened->state().header.magic.load(), tarnSimulator::STATE_MAGIC);
-    EXPECT_EQ(opened->state().header.version.load(), tarnSimulator::STATE_VERSION);
+    EXPECT_EQ(opened->state().header.magic.load(), tarnSimulator::stateMagic);
+    EXPECT_EQ(opened->state().header.version.load(), tarnSimulator::stateVersion);
     EXPECT_EQ(opened->state().xdata[tarnDeviceInfos::EC_TARN_BATTERY_NUM].load(), 80);
     EXPECT_EQ(std::filesystem::file_size(file), sizeof(tarnSimulator::MachineState));
     EXPECT_EQ(filesInFolder(), 1U);
@@ -140,11 +140,11 @@ TEST_F(SimulatedStateFile, FinishedFileNeverReplacesOneThatIsThere)
 
 TEST_F(SimulatedStateFile, OpenedByManyAtOnceItIsOneMachine)
 {
-    constexpr std::size_t OPENERS = 8;
-    std::vector<std::optional<MachineStateFile>> opened(OPENERS);
-    std::vector<std::string> errors(OPENERS);
+    constexpr std::size_t openers = 8;
+    std::vector<std::optional<MachineStateFile>> opened(openers);
+    std::vector<std::string> errors(openers);
     std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < OPENERS; ++i) {
+    for (std::size_t i = 0; i < openers; ++i) {
         threads.emplace_back([this, &opened, &errors, i] {
             opened[i] = MachineStateFile::open(file, Missing::IsCreated, errors[i]);
             if (opened[i])
@@ -153,9 +153,9 @@ TEST_F(SimulatedStateFile, OpenedByManyAtOnceItIsOneMachine)
     }
     for (std::thread &thread : threads)
         thread.join();
-    for (std::size_t i = 0; i < OPENERS; ++i) {
+    for (std::size_t i = 0; i < openers; ++i) {
         ASSERT_TRUE(opened[i].has_value()) << errors[i];
-        for (std::size_t byte = 0; byte < OPENERS; ++byte)
+        for (std::size_t byte = 0; byte < openers; ++byte)
             EXPECT_EQ(opened[i]->state().xdata[byte].load(), byte + 1);
     }
     EXPECT_EQ(filesInFolder(), 1U);
@@ -163,14 +163,14 @@ TEST_F(SimulatedStateFile, OpenedByManyAtOnceItIsOneMachine)
 
 TEST_F(SimulatedStateFile, EnvironmentNamesTheFileElseItLiesBesideTheCode)
 {
-    const QByteArray before = qgetenv(tarnSimulator::STATE_FILE_VARIABLE);
-    qputenv(tarnSimulator::STATE_FILE_VARIABLE, "/some/where.state");
+    const QByteArray before = qgetenv(tarnSimulator::stateFileVariable);
+    qputenv(tarnSimulator::stateFileVariable, "/some/where.state");
     EXPECT_EQ(tarnSimulator::stateFileOfLibrary(), std::filesystem::absolute("/some/where.state"));
-    qunsetenv(tarnSimulator::STATE_FILE_VARIABLE);
+    qunsetenv(tarnSimulator::stateFileVariable);
     EXPECT_EQ(tarnSimulator::stateFileFromEnvironment(), std::nullopt);
     EXPECT_EQ(tarnSimulator::stateFileOfLibrary().filename(), "simulated_computer.state");
     EXPECT_EQ(tarnSimulator::stateFileOfLibrary(),
         std::filesystem::absolute(tarnSimulator::moduleFile().parent_path() / "simulated_computer.state"));
     if (!before.isEmpty())
-        qputenv(tarnSimulator::STATE_FILE_VARIABLE, before);
+        qputenv(tarnSimulator::stateFileVariable, before);
 }

@@ -156,7 +156,7 @@ TEST_F(GuiStandIn, AnswersAsItIsTold)
 
 TEST_F(GuiStandIn, WaitsForAnAnswer)
 {
-    computer->desktop().setAnswer(Desktop::WAITS);
+    computer->desktop().setAnswer(Desktop::waits);
     std::thread user([this] {
         while (computer->desktop().windowsOpen() == 0)
             std::this_thread::yield();
@@ -169,7 +169,7 @@ TEST_F(GuiStandIn, WaitsForAnAnswer)
 
 TEST_F(GuiStandIn, EndsWhenItsMachineGoesAway)
 {
-    computer->desktop().setAnswer(Desktop::WAITS);
+    computer->desktop().setAnswer(Desktop::waits);
     std::thread user([this] {
         while (computer->desktop().windowsOpen() == 0)
             std::this_thread::yield();
@@ -181,7 +181,7 @@ TEST_F(GuiStandIn, EndsWhenItsMachineGoesAway)
 
 TEST_F(GuiStandIn, SurvivesAResetOfTheMachine)
 {
-    computer->desktop().setAnswer(Desktop::WAITS);
+    computer->desktop().setAnswer(Desktop::waits);
     std::thread user([this] {
         while (computer->desktop().windowsOpen() == 0)
             std::this_thread::yield();
@@ -211,7 +211,7 @@ TEST_F(GuiStandIn, IsNotCountedWhenItWasKilled)
 
 TEST_F(GuiStandIn, IsCountedForAsLongAsItWaits)
 {
-    computer->desktop().setAnswer(Desktop::WAITS);
+    computer->desktop().setAnswer(Desktop::waits);
     std::thread user([this] {
         while (computer->desktop().windowsOpen() == 0)
             std::this_thread::yield();
@@ -226,7 +226,7 @@ TEST_F(GuiStandIn, IsCountedForAsLongAsItWaits)
 
 TEST_F(GuiStandIn, KnowsItsSwitches)
 {
-    EXPECT_EQ(show("--surprise"), WRONG_SWITCH);
+    EXPECT_EQ(show("--surprise"), wrongSwitch);
     EXPECT_EQ(computer->desktop().windowsShown(), 0U);
     EXPECT_NE(terminal.str().find("there is no window for \"--surprise\""), std::string::npos);
 }
@@ -234,7 +234,7 @@ TEST_F(GuiStandIn, KnowsItsSwitches)
 TEST_F(GuiStandIn, NeedsAMachine)
 {
     qputenv("TARN_SIMULATOR_STATE", "/nowhere/machine.state");
-    EXPECT_EQ(show("--disengaged-graphics"), WRONG_SWITCH);
+    EXPECT_EQ(show("--disengaged-graphics"), wrongSwitch);
     qunsetenv("TARN_SIMULATOR_STATE");
-    EXPECT_EQ(show("--disengaged-graphics"), WRONG_SWITCH); // nor is there one beside it
+    EXPECT_EQ(show("--disengaged-graphics"), wrongSwitch); // nor is there one beside it
 }

@@ -86,7 +86,7 @@ TEST_F(TarnsimFaults, SaysWhatAFaultTakes)
 TEST_F(TarnsimFaults, ListsFaultsWithTheirState)
 {
     EXPECT_EQ(run(QStringLiteral("faults")), 0);
-    EXPECT_EQ(output.count(QLatin1Char('\n')), static_cast<qsizetype>(tarnSimulator::FAULT_COUNT));
+    EXPECT_EQ(output.count(QLatin1Char('\n')), static_cast<qsizetype>(tarnSimulator::faultCount));
     EXPECT_FALSE(said("EC_POWERMODE_PL1"));
     computer->faults().switchOn(Fault::FailRegister, EC_POWERMODE_PL1, 2);
     computer->faults().switchOn(Fault::ReadbackOffset, -15);

@@ -89,7 +89,7 @@ TEST_F(TarnsimRegisters, PrintsTheLastOnesAsked)
     EXPECT_EQ(lines(), 30);
     logWrites(5000);
     EXPECT_EQ(run(QStringLiteral("log --all")), 0);
-    EXPECT_EQ(lines(), static_cast<qsizetype>(tarnSimulator::LOG_ENTRIES));
+    EXPECT_EQ(lines(), static_cast<qsizetype>(tarnSimulator::logEntries));
 }
 
 TEST_F(TarnsimRegisters, FollowsNewAccesses)

@@ -95,7 +95,7 @@ TEST_F(Tarnsim, RefusesWrongAndTooManyEvents)
     EXPECT_EQ(run(QStringLiteral("event key")), 2);
     EXPECT_EQ(run(QStringLiteral("event 1 256")), 2);
     EXPECT_TRUE(complained("allowed: 0 to 255"));
-    for (std::size_t i = 0; i < tarnSimulator::EVENT_SLOTS; ++i)
+    for (std::size_t i = 0; i < tarnSimulator::eventSlots; ++i)
         EXPECT_EQ(run(QStringLiteral("press-gpu-key")), 0);
     EXPECT_EQ(run(QStringLiteral("press-gpu-key")), 1);
     EXPECT_TRUE(complained("16 events wait already"));
