@@ -9,6 +9,8 @@
 // Codes of the boot loader's protocol, and how its input is checked.
 namespace tarnSimulator::bootProtocol {
 
+// Named as in the description of the protocol.
+// NOLINTBEGIN(readability-identifier-naming)
 inline constexpr std::uint8_t INIT = 0x7F;
 inline constexpr std::uint8_t ACK = 0x79;
 inline constexpr std::uint8_t NACK = 0x1F;
@@ -29,6 +31,7 @@ inline constexpr std::uint8_t READOUT_UNPROTECT = 0x92;
 inline constexpr std::uint8_t ALL_PAGES = 0xFF;
 inline constexpr std::uint16_t ALL_PAGES_EXTENDED = 0xFFFF;
 inline constexpr std::uint16_t FIRST_SPECIAL_ERASE = 0xFFF0;
+// NOLINTEND(readability-identifier-naming)
 
 [[nodiscard]] inline std::uint8_t xorOf(std::span<const std::uint8_t> bytes)
 {

@@ -14,18 +14,18 @@ namespace tarnDeviceInfos {
 struct AccessoryKind
 {
     quint8 code;
-    const char *name;
     bool isGraphicsBox;
+    const char *name;
     const char *foundAtFirst;
     const char *foundAtChange;
 };
 
 inline constexpr AccessoryKind accessoryTable[] = {
-    {ACCESSORY_DOCK, "dock", false, "Connected accessory is dock!", "now Accessory is dock"},
-    {ACCESSORY_GRAPHICS, "graphics", true, "Connected accessory is graphics!", "now Accessory is graphics"},
-    {ACCESSORY_GRAPHICS_16G, "graphics", true, "Connected accessory is graphics16G!",
+    {ACCESSORY_DOCK, false, "dock", "Connected accessory is dock!", "now Accessory is dock"},
+    {ACCESSORY_GRAPHICS, true, "graphics", "Connected accessory is graphics!", "now Accessory is graphics"},
+    {ACCESSORY_GRAPHICS_16G, true, "graphics", "Connected accessory is graphics16G!",
         "now Accessory is graphics"},
-    {ACCESSORY_KVANE, "k_vane", false, "Connected accessory is k_Vane!", "now Accessory is k_vane"},
+    {ACCESSORY_KVANE, false, "k_vane", "Connected accessory is k_Vane!", "now Accessory is k_vane"},
 };
 
 // What clients are told when nothing is attached.

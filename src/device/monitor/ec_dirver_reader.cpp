@@ -46,7 +46,7 @@ constexpr WatchedValue watchedValues[] = {
     {"getTarnBatteryNum", &KvaneAccessoryManager::getTarnBatteryNum},
 };
 
-int readWatched(int value)
+int readWatched(std::size_t value)
 {
     const auto read = watchedValues[value].read;
     return (KvaneAccessoryManager::instance()->*read)();
@@ -105,8 +105,8 @@ void EcDirverReader::getAccessoryTypeForFirst()
     if (!access)
         return;
     // The host's own values are announced whatever is attached.
-    announceValue(tarnChargingStatus);
-    announceValue(tarnBatteryNum);
+    announceValue(TarnChargingStatus);
+    announceValue(TarnBatteryNum);
     detectAttachedAccessory();
     qDebug() << "getAccessoryTypeForFirst Leave |";
 }
@@ -198,7 +198,7 @@ void EcDirverReader::detectAttachedAccessory()
         GraphicsAccessoryManager::instance()->gpuActiveProcessFirst();
     }
     if (code == ACCESSORY_KVANE) {
-        for (int value = ledLight; value < watchedCount; ++value)
+        for (std::size_t value = LedLight; value < WatchedCount; ++value)
             announceValue(static_cast<Watched>(value));
     }
 }
@@ -242,7 +242,7 @@ void EcDirverReader::announceValue(Watched value)
 
 void EcDirverReader::announceChangedValues()
 {
-    for (int value = ledLight; value < watchedCount; ++value) {
+    for (std::size_t value = LedLight; value < WatchedCount; ++value) {
         latest[value] = readWatched(value);
         if (latest[value] == sent[value])
             continue;

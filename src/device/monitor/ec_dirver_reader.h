@@ -53,11 +53,11 @@ public:
     [[nodiscard]] QString accessoryName() const;
     [[nodiscard]] quint8 accessoryKind() const { return mcuLinkModel; }
     // The values last sent to the client; 251 (0 for the light) when none was read yet.
-    [[nodiscard]] int sentKVaneLedLight() const { return sent[ledLight]; }
-    [[nodiscard]] int sentKvaneChargingStatus() const { return sent[kvaneChargingStatus]; }
-    [[nodiscard]] int sentKvaneBatteryNum() const { return sent[kvaneBatteryNum]; }
-    [[nodiscard]] int sentTarnChargingStatus() const { return sent[tarnChargingStatus]; }
-    [[nodiscard]] int sentTarnBatteryNum() const { return sent[tarnBatteryNum]; }
+    [[nodiscard]] int sentKVaneLedLight() const { return sent[LedLight]; }
+    [[nodiscard]] int sentKvaneChargingStatus() const { return sent[KvaneChargingStatus]; }
+    [[nodiscard]] int sentKvaneBatteryNum() const { return sent[KvaneBatteryNum]; }
+    [[nodiscard]] int sentTarnChargingStatus() const { return sent[TarnChargingStatus]; }
+    [[nodiscard]] int sentTarnBatteryNum() const { return sent[TarnBatteryNum]; }
 
 Q_SIGNALS:
     // Never emitted, because the loop calls the graphics manager directly. Kept, because their names are part
@@ -72,13 +72,13 @@ protected:
 private:
     friend class tarnPlatform::ProcessWide<EcDirverReader>;
     // In the order in which they are read and announced.
-    enum Watched {
-        ledLight,
-        kvaneChargingStatus,
-        kvaneBatteryNum,
-        tarnChargingStatus,
-        tarnBatteryNum,
-        watchedCount
+    enum Watched : std::size_t {
+        LedLight,
+        KvaneChargingStatus,
+        KvaneBatteryNum,
+        TarnChargingStatus,
+        TarnBatteryNum,
+        WatchedCount
     };
 
     EcDirverReader();
@@ -92,7 +92,7 @@ private:
     void announceChangedValues();
     [[nodiscard]] bool isPaused() const { return ecUpdating || mcuUpdating || readerPaused; }
 
-    std::array<std::atomic<int>, watchedCount> sent {0, 251, 251, 251, 251};
+    std::array<std::atomic<int>, WatchedCount> sent {0, 251, 251, 251, 251};
     std::atomic<quint8> mcuLinkModel {0}; // accessory code; 251 when not known at first detection
     quint8 mcuLinkStatus = 0;
     std::atomic<bool> ecUpdating {false};
@@ -100,7 +100,7 @@ private:
     std::atomic<bool> readerPaused {false}; // never set
     bool graphicsConnected = false;
     // 251 and 215 both stand for a value not read yet.
-    std::array<int, watchedCount> latest {0, 251, 251, 251, 215};
+    std::array<int, WatchedCount> latest {0, 251, 251, 251, 215};
 
     QMutex updateMutex; // guards updateHoldsEcLock
     bool updateHoldsEcLock = false;

@@ -3,6 +3,7 @@
 #include "pipe/tarn_pipe_server.h"
 #include "support/pipe_peer.h"
 #include "support/process_ending.h"
+#include "support/queued_messages.h"
 
 #include <algorithm>
 #include <thread>

@@ -226,10 +226,10 @@ TEST_F(SimulatedBootLoader, ProtectedSectorsAreNeitherErasedNorWritten)
     EXPECT_EQ(host.command(0x02), silence); // it has reset itself
     ASSERT_EQ(host.send({0x7F}), acked);
     const Bytes before = host.computer.mcuFlash();
-    const Bytes refused {0x79, 0x1F};
-    EXPECT_EQ(host.eraseAll(), refused);
-    EXPECT_EQ((SerialHost::joined({host.command(0x43), host.sendSummed({0, 3})})), refused);
-    EXPECT_EQ((SerialHost::joined({host.command(0x43), host.sendSummed({0, 127})})), refused);
+    const Bytes refusedErase {0x79, 0x1F};
+    EXPECT_EQ(host.eraseAll(), refusedErase);
+    EXPECT_EQ((SerialHost::joined({host.command(0x43), host.sendSummed({0, 3})})), refusedErase);
+    EXPECT_EQ((SerialHost::joined({host.command(0x43), host.sendSummed({0, 127})})), refusedErase);
     EXPECT_EQ(host.writeMemory(0xFFC, pattern(4)), (Bytes {0x79, 0x79, 0x1F}));
     EXPECT_EQ(host.writeMemory(0x1EFFE, pattern(4)), (Bytes {0x79, 0x79, 0x1F}));
     EXPECT_EQ(host.computer.mcuFlash(), before);
