@@ -52,7 +52,7 @@ public:
 };
 
 // The destructor of the process object would kill a tool that still runs.
-void waitForEnd(QProcess &process)
+void waitUntilToolHasEnded(QProcess &process)
 {
     while (process.state() != QProcess::NotRunning) {
         if (!tarnPlatform::waitForEnd(process))
@@ -78,7 +78,7 @@ ToolResult runTool(QProcess &process, const FlashingTool &tool, const QStringLis
     if (!process.waitForStarted(-1)) {
         result.failure = process.errorString();
     } else {
-        waitForEnd(process);
+        waitUntilToolHasEnded(process);
         result.errors = content(errors);
         if (result.errors.isEmpty() && !canStillWrite(errors, &result.failure))
             result.failure.prepend(QStringLiteral("What it says cannot be kept: "));
