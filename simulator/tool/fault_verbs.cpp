@@ -113,7 +113,7 @@ ExitCode showFaults(ToolContext &context, const QStringList &)
 {
     const qsizetype width = columnWidth(faultNames());
     for (const FaultDescription &fault : faultTable()) {
-        const QString state = faultStateText(context.computer->faults(), fault);
+        const QString state = faultStateText(*context.computer, fault);
         context.out << toQString(fault.name).leftJustified(width)
                     << (state.isEmpty() ? QStringLiteral("off") : state).leftJustified(8) << ' '
                     << toQString(fault.help) << " [" << rangeText(fault) << "]\n";

@@ -70,8 +70,7 @@ ExitCode setValue(ToolContext &context, const QStringList &arguments)
     if (value == nullptr)
         return complainAboutName(context, QStringLiteral("value"), name, valueNames());
     if (value->write == nullptr) {
-        return complain(
-            context, WrongUsage, QStringLiteral("%1 is set by the host and can only be read").arg(name));
+        return complain(context, WrongUsage, QStringLiteral("%1 can only be read").arg(name));
     }
     if (!value->write(*context.computer, text.toStdString())) {
         return complain(context, WrongUsage,

@@ -77,7 +77,7 @@ QString faultsText(const ComputerControl &computer)
 {
     QStringList faults;
     for (const FaultDescription &fault : faultTable()) {
-        if (const QString state = faultStateText(computer.faults(), fault); !state.isEmpty())
+        if (const QString state = faultStateText(computer, fault); !state.isEmpty())
             faults << QStringLiteral("%1: %2").arg(toQString(fault.name), state);
     }
     return faults.isEmpty() ? QStringLiteral("none") : faults.join(QLatin1String("; "));

@@ -89,8 +89,9 @@ QString registerText(std::uint16_t address)
     return toQString(hexText(address, 4) + " " + registerName(address)).trimmed();
 }
 
-QString faultStateText(const FaultPanel &panel, const FaultDescription &fault)
+QString faultStateText(const ComputerControl &computer, const FaultDescription &fault)
 {
+    const FaultPanel &panel = computer.faults();
     const auto value = panel.value(fault.fault);
     if (!value)
         return {};
@@ -99,7 +100,7 @@ QString faultStateText(const FaultPanel &panel, const FaultDescription &fault)
     case FaultValue::Number:
         return QStringLiteral("%1 %2").arg(*value).arg(toQString(fault.unit));
     case FaultValue::Count:
-        return QStringLiteral("after %1 more accesses").arg(remaining);
+        return QStringLiteral("after %1 more %2").arg(remaining, toQString(fault.unit));
     case FaultValue::Register: {
         const QString name = registerText(static_cast<std::uint16_t>(*value));
         return panel.remaining(fault.fault) == 0
@@ -108,7 +109,7 @@ QString faultStateText(const FaultPanel &panel, const FaultDescription &fault)
     }
     case FaultValue::Device: {
         const QString name = *value == everyDevice ? QStringLiteral("every device")
-                                                   : QStringLiteral("device %1").arg(*value + 1);
+                                                   : toQString(computer.devices().device(*value).name);
         return panel.remaining(fault.fault) == 0
             ? name
             : QStringLiteral("%1, after %2 more calls").arg(name, remaining);

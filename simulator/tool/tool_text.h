@@ -1,6 +1,7 @@
 #pragma once
 
-#include "simulator/fault_panel.h"
+#include "simulator/computer_control.h"
+#include "simulator/fault_table.h"
 #include "simulator/tool/verb_table.h"
 
 #include <QString>
@@ -36,7 +37,7 @@ ExitCode complainAboutName(
 [[nodiscard]] std::optional<std::uint16_t> parseRegister(const QString &text);
 // "0x04A8 EC_POWERMODE_PL1", or the address alone.
 [[nodiscard]] QString registerText(std::uint16_t address);
-// "on", "20 ms", "0x04A8 EC_POWERMODE_PL1, after 2 more accesses"; empty while the fault is off.
-[[nodiscard]] QString faultStateText(const FaultPanel &panel, const FaultDescription &fault);
+// "on", "20 ms", "0x04A8 EC_POWERMODE_PL1, after 2 more accesses", "gpu"; empty while the fault is off.
+[[nodiscard]] QString faultStateText(const ComputerControl &computer, const FaultDescription &fault);
 
 } // namespace tarnSimulator

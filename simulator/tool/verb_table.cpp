@@ -37,7 +37,7 @@ constexpr Verb verbs[] = {
         showDevices},
     {"device", "NAME KEY VALUE", "change a device of the host",
         "NAME is one of \"tarnsim devices\". KEY is one of:\n"
-        "  description, hardware-id, instance-id   any text\n"
+        "  description, hardware-id, instance-id   a text of at most 127 characters\n"
         "  kind       display, audio or other\n"
         "  place      computer, box (present while a graphics box is attached) or nowhere\n"
         "  started    on or off\n"
@@ -48,15 +48,17 @@ constexpr Verb verbs[] = {
         "KIND is display, audio or other. It is started and has no problem and no ids until \"device\" gives "
         "it some.",
         StateNeed::MustExist, 3, 3, addDevice},
-    {"remove-device", "NAME", "take a device away for good", "", StateNeed::MustExist, 1, 1, removeDevice},
+    {"remove-device", "NAME", "remove a device from the host", "A reset restores the host's own devices.",
+        StateNeed::MustExist, 1, 1, removeDevice},
     {"fault", "NAME [on|off|VALUE [SKIP]]", "switch a fault on or off",
         "NAME is one of \"tarnsim list faults\"; \"tarnsim faults\" says what each one does and takes. "
         "Without a\n"
-        "value the fault is switched on. The fail- faults of one register take the register's name or "
-        "address and\n"
-        "SKIP, the number of accesses of it that still succeed; the fail-device- faults take "
-        "a device\n"
-        "of \"tarnsim devices\" or on for every device, and SKIP.",
+        "value the fault is switched on if it can be \"on\". The faults of one register take its name or "
+        "address, and\n"
+        "SKIP, the number of accesses of it that still succeed. The fail-device- faults, except "
+        "fail-device-list, take\n"
+        "a device of \"tarnsim devices\" or on for every device, and SKIP, the number of calls that still "
+        "succeed.",
         StateNeed::MustExist, 1, 3, switchFault},
     {"faults", "", "all faults and their state", "", StateNeed::MustExist, 0, 0, showFaults},
     {"clear-faults", "", "switch all faults off", "", StateNeed::MustExist, 0, 0, clearFaults},

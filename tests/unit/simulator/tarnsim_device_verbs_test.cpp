@@ -97,13 +97,15 @@ TEST_F(TarnsimDevices, FailWhereTheyAreTold)
     EXPECT_EQ(run("fault fail-device-id on 5"), Done);
     EXPECT_EQ(run("faults"), Done);
     EXPECT_TRUE(said("every device, after 5 more calls"));
-    EXPECT_TRUE(said("device 2"));
+    EXPECT_TRUE(said("fail-device-enable       gpu      "));
     EXPECT_EQ(run("fault fail-device-id mouse"), WrongUsage);
     EXPECT_TRUE(complained("on (every device), off, or a device and how many calls succeed before"));
     EXPECT_EQ(run("fault fail-device-id gpu x"), WrongUsage);
     EXPECT_EQ(run("fault fail-device-enable off"), Done);
     EXPECT_FALSE(faults.isOn(Fault::FailDeviceEnable));
     EXPECT_EQ(run("fault fail-device-list 1"), Done);
+    EXPECT_EQ(run("faults"), Done);
+    EXPECT_TRUE(said("fail-device-list         after 1 more lists "));
     EXPECT_FALSE(faults.refusesList());
     EXPECT_TRUE(faults.refusesList());
 }

@@ -51,7 +51,7 @@ TEST_F(TarnsimFaults, AndValuesStandInColumns)
     EXPECT_EQ(run(QStringLiteral("fault fail-device-disable gpu 2")), 0);
     EXPECT_EQ(run(QStringLiteral("faults")), 0);
     EXPECT_TRUE(said("fail-device-description  off      "));
-    EXPECT_TRUE(said("device 2, after 2 more calls "));
+    EXPECT_TRUE(said("gpu, after 2 more calls "));
     computer->desktop().windowOpened("--disengaged-graphics");
     EXPECT_EQ(run(QStringLiteral("values")), 0);
     EXPECT_TRUE(said("--disengaged-graphics the switch"));

@@ -59,7 +59,7 @@ TEST_F(Tarnsim, SaysWhatAValueMayBe)
     EXPECT_EQ(run(QStringLiteral("set battery full")), 2);
     EXPECT_TRUE(complained("battery cannot be \"full\"; allowed: 0 to 255"));
     EXPECT_EQ(run(QStringLiteral("set pl1 10")), 2);
-    EXPECT_TRUE(complained("can only be read"));
+    EXPECT_TRUE(complained("pl1 can only be read"));
     EXPECT_EQ(run(QStringLiteral("set colour 10")), 2);
     EXPECT_TRUE(complained("dock-light"));
     EXPECT_EQ(run(QStringLiteral("get colour")), 2);
