@@ -26,7 +26,8 @@ constexpr QLatin1StringView optionsAndCodes(R"(Options:
   --json             print each answer as one line of JSON
   --timeout SECONDS  how long to wait for an answer (default: depends on the command)
   --pipe NAME        the service's pipe (default: tarnPipe)
-  --force            send commands and data that tarnctl does not know; update-mcu, update-ec: ask nothing before
+  --force            send commands and data that tarnctl does not know; update-mcu, update-ec: skip the checks of
+                     user, EC and accessory
   -v, --verbose      show on the error output what else arrives
   --count N          watch, raw: end after N notifications (raw: messages)
   --for SECONDS      watch, raw: end after this time
@@ -79,14 +80,14 @@ Flashes FILE into the MCU of the attached KVane: puts a copy of it into the down
 takes it away, sees that the EC can be reached, waits some seconds for a KVane, sends requestMcuUpdate and waits. It
 takes about 10 s and the flasher's time. Keep the computer on and the KVane attached.
 
-The service reports nothing before the end. What is shown meanwhile on the error output are the phases of its
-schedule. Ctrl+C ends tarnctl, not the update. An update that failed can be repeated: the MCU's boot loader stays.
+The service reports nothing before the end. Meanwhile the error output shows the phases of its schedule. Ctrl+C ends
+tarnctl, not the update. An update that failed can be repeated: the MCU's boot loader stays.
 
-The service takes a flasher that does not complain for a success. So --expect compares the version that runs at the
-end, given as getMcuVersion does, such as 1.24. Version 0.00 means that nothing runs, which is a failure anyway.
+The service reports success when the flasher prints no error. So --expect compares the version that runs at the end,
+given as getMcuVersion does, such as 1.24. Version 0.00 means that nothing runs, which is a failure anyway.
 
-With --force nothing is asked before the request. A FILE that lies in the download folder itself is moved, not
-copied. With --json the standard output is the last answer as it came, and no progress is shown.
+With --force the checks of user, EC and accessory are skipped. A FILE that lies in the download folder itself is
+moved, not copied. With --json the standard output is the last answer as it came, and no progress is shown.
 
 Exit codes: 0 done, 1 no KVane, "failed" or not the right version, 2 FILE cannot be used or another user sits at the
 console, 3 no service, 4 no answer in time or interrupted.
@@ -99,7 +100,7 @@ Flashes FILE into the EC: puts a copy of it into the download folder, from where
 requestEcUpdate, and waits until the EC tool has ended. The tool may shut the computer down.
 
 Once the tool runs, nothing else reaches the EC. Commands that need it wait until the service is restarted; after an
-update restart the computer. Nobody but the tool knows whether the update succeeded.
+update restart the computer. The service does not check whether the update succeeded.
 
 FILE must have no name that holds a setting of the EC tool, such as the "IO" of "BIOS.bin": the update after this one
 could not tell the tool its file. A FILE that lies in the download folder itself is moved, not copied. With --json the

@@ -58,9 +58,10 @@ void RawExchange::handleExpiry()
     const QString got = received == 0
         ? QStringLiteral("Nothing came back")
         : QStringLiteral("%1 message(s) came back, but not all that were waited for,").arg(received);
-    streams.complain(QStringLiteral("%1 within %2.\nThe service answers malformed requests and unknown "
-                                    "commands with silence; its log tells which it was.")
-                         .arg(got, durationText(deadline.timeout())));
+    streams.complain(
+        QStringLiteral("%1 within %2.\nThe service does not answer malformed requests and unknown "
+                       "commands; see its log.")
+            .arg(got, durationText(deadline.timeout())));
     finish(ExitCode::NoAnswer);
 }
 
