@@ -25,7 +25,7 @@ struct CommandEntry
     // The answer key whose value "failed" means that the service could not do it; empty where no key says so.
     QLatin1StringView outcomeKey {};
     // The data for which the service sends no answer.
-    QLatin1StringView silentData {};
+    QLatin1StringView unansweredData {};
     std::chrono::milliseconds timeout;
     // Not answered while the EC is reserved.
     bool needsEc = true;

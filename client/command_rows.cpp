@@ -85,7 +85,7 @@ const QList<CommandEntry> rows {
         .answerMeaning = L("successed or failed; for \"first\" the number of the profile in force: 0 "
                            "high, 1 balance, 2 low, negative when restoring it failed"),
         .outcomeKey = L("result"),
-        .silentData = L("last"),
+        .unansweredData = L("last"),
         .timeout = ecTimeout,
         .example = L("tarnctl powerModeControl balance"),
         .note = L("\"first\" tells the service that the client application has started: the saved "

@@ -158,7 +158,8 @@ void FirmwareUpdate::handleAnswer(const Message &answer)
 
 bool FirmwareUpdate::asksAgain() const
 {
-    const milliseconds limit = std::min(step().patience, timeoutFor(findCommand(step().command.toString())));
+    const milliseconds limit =
+        std::min(step().repeatedFor, timeoutFor(findCommand(step().command.toString())));
     return elapsed() - stepBegan < limit;
 }
 

@@ -32,7 +32,7 @@ ExitCode OneShot::run()
     deadline.start(timeoutFor(entry));
     if (!client.send(request.bytes))
         handleServiceGone();
-    else if (isAnsweredBySilence(command))
+    else if (getsNoAnswer(command))
         return runSilently();
     if (streams.interactive)
         QTimer::singleShot(remarkAfter, this, &OneShot::remarkWaiting);
@@ -51,7 +51,7 @@ ExitCode OneShot::runSilently()
 {
     const auto linger = [this] {
         deadline.stop();
-        QTimer::singleShot(silentLinger, this, [this] {
+        QTimer::singleShot(unansweredPause, this, [this] {
             if (!isFinished() && !options.json)
                 print(sentText.toString());
             finish(ExitCode::Done);

@@ -10,10 +10,10 @@ constexpr qsizetype mostGarbageShown = 200;
 
 } // namespace
 
-bool isAnsweredBySilence(const TypedCommand &command)
+bool getsNoAnswer(const TypedCommand &command)
 {
     const CommandEntry *entry = findCommand(command.name);
-    return entry != nullptr && !entry->silentData.isEmpty() && command.data == entry->silentData;
+    return entry != nullptr && !entry->unansweredData.isEmpty() && command.data == entry->unansweredData;
 }
 
 QString noAnswerText(const QString &command, std::chrono::milliseconds timeout)

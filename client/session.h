@@ -16,12 +16,12 @@ namespace tarnClient {
 
 // After a request that gets no answer: how long the connection stays open and no other request is sent, so
 // that the service reads the request alone and before it sees the disconnection.
-inline constexpr std::chrono::milliseconds silentLinger(300);
+inline constexpr std::chrono::milliseconds unansweredPause(300);
 // Shown in place of an answer to such a request.
 inline constexpr QLatin1StringView sentText("sent");
 
 // True for a command to which the service never sends an answer.
-[[nodiscard]] bool isAnsweredBySilence(const TypedCommand &command);
+[[nodiscard]] bool getsNoAnswer(const TypedCommand &command);
 // Says that no answer has come, with the possible reasons.
 [[nodiscard]] QString noAnswerText(const QString &command, std::chrono::milliseconds timeout);
 

@@ -51,7 +51,7 @@ constexpr UpdateStep mcuSteps[] = {
         .command = L("getAccessoryType"),
         .isPrecaution = true,
         .wanted = L("k_vane"),
-        .patience = accessoryWait,
+        .repeatedFor = accessoryWait,
         .phases = accessoryPhases,
         .refusedText = L("The update needs a KVane, and the service sees \"%1\". Nothing has been touched.\n"
                          "Attach a KVane and try again.\n--force sends the request all the same."),

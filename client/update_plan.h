@@ -30,7 +30,7 @@ struct UpdateStep
     // The value of "data" with which the update goes on; empty: any value.
     QLatin1StringView wanted;
     // How long the request is repeated while another value comes.
-    std::chrono::milliseconds patience {0};
+    std::chrono::milliseconds repeatedFor {0};
     std::span<const UpdatePhase> phases;
     // Shown when another value came, for which "%1" stands.
     QLatin1StringView refusedText;

@@ -164,7 +164,7 @@ void Watch::show(QLatin1StringView kind, const QString &text, const QByteArray &
 
 void Watch::handleNextLines()
 {
-    while (reader && client.isOpen() && !lingering && !isFinished()) {
+    while (reader && client.isOpen() && !pausing && !isFinished()) {
         const bool isWaiting = !pendingTag.isEmpty();
         const std::optional<QString> line = isWaiting ? takeUrgentLine() : reader->takeLine();
         if (line) {
@@ -231,15 +231,15 @@ void Watch::sendCommand(const TypedCommand &command)
         // The lost connection is reported by serviceGone().
         return;
     }
-    if (!isAnsweredBySilence(command)) {
+    if (!getsNoAnswer(command)) {
         pending = command;
         pendingTag = request.tag;
         deadline.start(timeoutFor(findCommand(command.name)));
         return;
     }
-    lingering = true;
-    QTimer::singleShot(silentLinger, this, [this, name = command.name] {
-        lingering = false;
+    pausing = true;
+    QTimer::singleShot(unansweredPause, this, [this, name = command.name] {
+        pausing = false;
         if (!options.json)
             show(answerKind, name + u' ' + sentText, {});
         handleNextLines();

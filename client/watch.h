@@ -43,8 +43,8 @@ private:
     // The command that waits for its answer; an empty tag: none.
     TypedCommand pending;
     QString pendingTag;
-    // A request that gets no answer has just been sent; the next must wait for `silentLinger`.
-    bool lingering = false;
+    // A request that gets no answer has just been sent; the next must wait for `unansweredPause`.
+    bool pausing = false;
     int notifications = 0;
 };
 

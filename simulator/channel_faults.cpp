@@ -24,7 +24,7 @@ void ChannelFaults::beginByte()
     if (showsInputFull())
         state.counters.writtenWhileFull.fetch_add(1);
     hold.refused.store(0);
-    hold.looksLeft.store(state.timing.acceptancePolls.load());
+    hold.statusReadsLeft.store(state.timing.acceptancePolls.load());
 }
 
 bool ChannelFaults::showsOutputFull() const
@@ -37,15 +37,15 @@ bool ChannelFaults::showsInputFull() const
     return channel.isInputFull() || faults.isOn(Fault::IbfStuck);
 }
 
-void ChannelFaults::endLook()
+void ChannelFaults::endStatusRead()
 {
-    if (const std::uint32_t looks = hold.looksLeft.load(); looks > 0)
-        hold.looksLeft.store(looks - 1);
+    if (const std::uint32_t reads = hold.statusReadsLeft.load(); reads > 0)
+        hold.statusReadsLeft.store(reads - 1);
 }
 
 bool ChannelFaults::isInputDue() const
 {
-    return channel.isInputFull() && hold.looksLeft.load() == 0 && !faults.isOn(Fault::IbfStuck)
+    return channel.isInputFull() && hold.statusReadsLeft.load() == 0 && !faults.isOn(Fault::IbfStuck)
         && hasElapsed(nowMs(), channel.inputSinceMs(), delayMs());
 }
 
@@ -79,7 +79,7 @@ void ChannelFaults::refuse(AccessKind kind)
         channel.dropInput();
         return;
     }
-    hold.looksLeft.store(state.timing.refusedWritePolls.load());
+    hold.statusReadsLeft.store(state.timing.refusedWritePolls.load());
     hold.refused.store(1);
 }
 

@@ -23,7 +23,7 @@ public:
     [[nodiscard]] bool showsOutputFull() const;
     [[nodiscard]] bool showsInputFull() const;
     // To be called after each status read.
-    void endLook();
+    void endStatusRead();
 
 private:
     [[nodiscard]] bool isInputDue() const;

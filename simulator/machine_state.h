@@ -57,7 +57,7 @@ struct EcChannelState
 // How long the EC leaves the byte in the input buffer.
 struct InputHoldState
 {
-    SharedWord looksLeft; // status reads for which it stays there
+    SharedWord statusReadsLeft; // status reads for which it stays there
     SharedByte refused; // 1: the byte is dropped then, with the exchange that it belongs to
     std::array<SharedByte, 3> reserved;
 };

@@ -53,7 +53,7 @@ std::uint8_t SimulatedEc::readStatus()
     channelFaults.letEcWork();
     const int outputFull = channelFaults.showsOutputFull() ? OBF : 0;
     const int inputFull = channelFaults.showsInputFull() ? IBF : 0;
-    channelFaults.endLook();
+    channelFaults.endStatusRead();
     return static_cast<std::uint8_t>(otherBits.next() | outputFull | inputFull);
 }
 

@@ -37,7 +37,7 @@ class Runner:
     def close(self):
         shutil.rmtree(self.folder, ignore_errors=True)
 
-    def run(self, program, test, patience, trace=None):
+    def run(self, program, test, time_limit, trace=None):
         own = Path(tempfile.mkdtemp(dir=self.folder, prefix=""))
         environment = {**os.environ, "TMPDIR": str(own), "HOME": str(own)}
         environment.pop("TARN_SEEN_TEXTS", None)
@@ -49,7 +49,7 @@ class Runner:
                                        stdin=subprocess.DEVNULL, stdout=output, stderr=subprocess.STDOUT,
                                        start_new_session=True, preexec_fn=prepare_process)
             try:
-                code = process.wait(patience)
+                code = process.wait(time_limit)
             except subprocess.TimeoutExpired:
                 code = None
             try:
@@ -126,7 +126,7 @@ class Knowledge:
         knowledge.runs = {place: int(bits, 16) for place, bits in content["runs"].items()}
         return knowledge
 
-    def patience(self, test):
+    def time_limit(self, test):
         return max(30.0, 20 * self.duration[test])
 
     def order(self, change, including):

@@ -14,7 +14,7 @@ namespace tarnTest {
 namespace {
 
 constexpr int dialogueTimeoutMs = 30000;
-constexpr int writePatienceMs = 5000;
+constexpr int writeTimeoutMs = 5000;
 
 const QString changeWord = QStringLiteral("tarnsim");
 const QString requestWord = QStringLiteral("->");
@@ -132,7 +132,7 @@ bool DialogueScript::expectEmptyAnswer()
 // The EC takes a byte a moment after the service has written it.
 bool DialogueScript::expectWrites(const QString &expected)
 {
-    (void)client.waitConnected([&] { return writesSinceMark().size() >= expected.size(); }, writePatienceMs);
+    (void)client.waitConnected([&] { return writesSinceMark().size() >= expected.size(); }, writeTimeoutMs);
     EXPECT_EQ(writesSinceMark().toStdString(), expected.toStdString());
     return true;
 }

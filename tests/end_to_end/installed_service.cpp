@@ -14,7 +14,7 @@ using tarnPlatform::ServiceFunctions;
 using tarnPlatform::ServiceHandle;
 
 const QString serviceName = QStringLiteral("Tarn Service");
-constexpr int endPatienceMs = 10000;
+constexpr int endTimeoutMs = 10000;
 
 const ServiceFunctions &functions()
 {
@@ -115,7 +115,7 @@ std::optional<qint64> InstalledService::stop() const
 {
     QElapsedTimer timer;
     timer.start();
-    if (!control(SERVICE_CONTROL_STOP) || !waitForState(SERVICE_STOPPED, endPatienceMs))
+    if (!control(SERVICE_CONTROL_STOP) || !waitForState(SERVICE_STOPPED, endTimeoutMs))
         return std::nullopt;
     return timer.elapsed();
 }
@@ -128,7 +128,7 @@ void InstalledService::kill()
         return;
     TerminateProcess(process, 1);
     program.noteKill();
-    WaitForSingleObject(process, endPatienceMs);
+    WaitForSingleObject(process, endTimeoutMs);
     CloseHandle(process);
 }
 
@@ -138,10 +138,10 @@ void InstalledService::remove()
         return;
     if (state() != SERVICE_STOPPED && !stop()) {
         kill();
-        waitForState(SERVICE_STOPPED, endPatienceMs);
+        waitForState(SERVICE_STOPPED, endTimeoutMs);
     }
     functions().deleteService(open().get());
-    waitUntil([this] { return !isInstalled(); }, endPatienceMs);
+    waitUntil([this] { return !isInstalled(); }, endTimeoutMs);
 }
 
 ServiceHandle InstalledService::open() const

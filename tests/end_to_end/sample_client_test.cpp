@@ -13,7 +13,7 @@ using tarnTest::ServiceProcess;
 
 namespace {
 
-constexpr int samplePatienceMs = 60000;
+constexpr int sampleTimeoutMs = 60000;
 constexpr int sampleEndMs = 5000;
 
 // The sample of docs/examples as a program of its own, and what it has shown since the last look.
@@ -52,7 +52,7 @@ public:
                 seen = at + 1;
                 return true;
             },
-            samplePatienceMs);
+            sampleTimeoutMs);
         if (!shown) {
             ADD_FAILURE() << line.toStdString() << " does not come; all:\n"
                           << lines().join('\n').toStdString();
@@ -129,6 +129,6 @@ for size in (1, 2, 7, len(stream)):
     QProcess python;
     python.setProcessChannelMode(QProcess::MergedChannels);
     python.start(QStringLiteral("python3"), {"-c", check, TARN_DOCS_FOLDER "/examples"});
-    ASSERT_TRUE(python.waitForFinished(samplePatienceMs));
+    ASSERT_TRUE(python.waitForFinished(sampleTimeoutMs));
     EXPECT_EQ(python.exitCode(), 0) << python.readAll().toStdString();
 }

@@ -19,7 +19,7 @@ namespace {
 
 const QString programName = QStringLiteral("TarnService" TARN_PROGRAM_SUFFIX);
 const QString logName = QStringLiteral("service.log");
-constexpr int endPatienceMs = 5000;
+constexpr int endTimeoutMs = 5000;
 
 void copyFiles(const QDir &from, const QString &to, const QStringList &names = {})
 {
@@ -153,7 +153,7 @@ void ServiceProcess::kill()
     if (process.state() == QProcess::NotRunning)
         return;
     process.kill();
-    process.waitForFinished(endPatienceMs);
+    process.waitForFinished(endTimeoutMs);
 }
 
 bool ServiceProcess::waitForLog(const QString &text, int times, int boundMs)

@@ -37,7 +37,7 @@ TEST(TarnctlCatalogueTest, EveryRowIsConsistent)
         EXPECT_GE(entry.timeout, std::chrono::seconds(5));
         EXPECT_EQ(entry.data.kind == DataKind::Choice, !entry.data.choices.isEmpty());
         EXPECT_TRUE(entry.outcomeKey.isEmpty() || entry.answerKeys.contains(entry.outcomeKey));
-        EXPECT_TRUE(entry.silentData.isEmpty() || entry.data.choices.contains(entry.silentData));
+        EXPECT_TRUE(entry.unansweredData.isEmpty() || entry.data.choices.contains(entry.unansweredData));
         // The example is a command line that the tool accepts.
         const QString example = fromRow(entry.example);
         ASSERT_TRUE(example.startsWith("tarnctl " + fromRow(entry.name)));

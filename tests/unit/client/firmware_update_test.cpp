@@ -143,9 +143,9 @@ TEST_F(TarnctlUpdateTest, WaitsSomeSecondsForTheKVane)
     EXPECT_GE(service.commands().count("getAccessoryType"), 2);
     EXPECT_EQ(service.commands().count("getMcuVersion"), 1);
     EXPECT_EQ(service.commands().count("requestMcuUpdate"), 1);
-    const std::chrono::milliseconds patience = mcuUpdatePlan().steps[1].patience;
-    EXPECT_GE(patience, std::chrono::seconds(5)); // a service that has just been started needs 4 s
-    EXPECT_LE(patience, std::chrono::seconds(10));
+    const std::chrono::milliseconds repeatedFor = mcuUpdatePlan().steps[1].repeatedFor;
+    EXPECT_GE(repeatedFor, std::chrono::seconds(5)); // a service that has just been started needs 4 s
+    EXPECT_LE(repeatedFor, std::chrono::seconds(10));
 }
 
 TEST_F(TarnctlUpdateTest, ForceLeavesOutTheQuestionsOnly)

@@ -11,12 +11,12 @@
 
 namespace tarnSimulatorTest {
 
-// A simulated machine on a clock of its own, and a host that talks to it as patiently as the service's driver
-// does: up to 1000 looks, 5 ms apart.
+// A simulated machine on a clock of its own, and a host that waits for it as the service's driver does: up to
+// 1000 status reads, 5 ms apart.
 class EcHost
 {
 public:
-    static constexpr int patience = 1000;
+    static constexpr int maximumPolls = 1000;
     static constexpr std::uint64_t pollMs = 5;
 
     EcHost()
@@ -50,7 +50,7 @@ public:
     {
         if (!sendAddress(tarnDeviceInfos::XDATA_READ_CMD, address))
             return std::nullopt;
-        for (int i = 0; i < patience; ++i) {
+        for (int i = 0; i < maximumPolls; ++i) {
             if (answerWaits())
                 return takeData();
             nowMs += pollMs;
@@ -80,7 +80,7 @@ public:
 private:
     [[nodiscard]] bool waitForEmptyInput()
     {
-        for (int i = 0; i < patience; ++i) {
+        for (int i = 0; i < maximumPolls; ++i) {
             if (!inputIsFull())
                 return true;
             nowMs += pollMs;
@@ -90,7 +90,7 @@ private:
 
     [[nodiscard]] bool sendAddress(std::uint8_t command, std::uint16_t address)
     {
-        for (int i = 0; i < patience && answerWaits(); ++i) {
+        for (int i = 0; i < maximumPolls && answerWaits(); ++i) {
             static_cast<void>(takeData());
             nowMs += pollMs;
         }

@@ -76,7 +76,7 @@ TEST_F(SimulatedDesktop, WaitsForAnAnswerInAUsersSession)
     EXPECT_EQ(machine.folder.read("asked"), "--question\n");
 }
 
-TEST_F(SimulatedDesktop, DoesNotWaitLongerThanItsPatience)
+TEST_F(SimulatedDesktop, DoesNotWaitLongerThanItsTimeLimit)
 {
     script("exec sleep 30");
     QElapsedTimer time;

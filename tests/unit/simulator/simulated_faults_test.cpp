@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::uint16_t failing = EC_POWERMODE_PL2;
 constexpr std::uint16_t working = EC_FAN_MODE;
-constexpr std::uint64_t givenUpMs = EcHost::patience * EcHost::pollMs;
+constexpr std::uint64_t givenUpMs = EcHost::maximumPolls * EcHost::pollMs;
 
 void expectEverythingWorks(EcHost &host)
 {
