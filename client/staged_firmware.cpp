@@ -126,7 +126,7 @@ std::optional<QString> StagedFirmware::copy(const QString &file)
     QFile target(partial);
     // The copy of a write-protected file is write-protected too, and could not be removed.
     target.setPermissions(target.permissions() | QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    // Fails when another file has got the name meanwhile, and does not replace it.
+    // Fails when a file with that name has appeared meanwhile, and does not replace it.
     if (!target.rename(path())) {
         return QStringLiteral("The file cannot be copied to the download folder: %1.")
             .arg(target.errorString());

@@ -19,7 +19,7 @@ class StdinReader : public QObject
 
 public:
     explicit StdinReader(std::shared_ptr<std::istream> input, QObject *parent = nullptr);
-    // Does not wait for a line: a thread that still reads is detached.
+    // Does not wait for a line: a thread that is still reading is detached.
     ~StdinReader() override;
 
     [[nodiscard]] std::optional<QString> takeLine();

@@ -33,9 +33,9 @@ constexpr UpdatePhase mcuPhases[] = {
 constexpr UpdatePhase ecPhases[] = {{milliseconds(0), L("running the EC tool")}};
 
 constexpr UpdateStep mcuSteps[] = {
-    // The version comes first, because a service that cannot reach the EC does not see accessories come and
-    // go. Also, while the EC is reserved the update would wait, with the file already taken and wrong phases
-    // shown.
+    // The version comes first, because a service that cannot reach the EC does not notice a change of
+    // accessory. Also, while the EC is reserved the update would wait, with the file already taken and wrong
+    // phases shown.
     {
         .command = L("getMcuVersion"),
         .isPrecaution = true,

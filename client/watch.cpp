@@ -27,7 +27,7 @@ constexpr QLatin1StringView reconnectWord("reconnect");
 constexpr QLatin1StringView quitWord("quit");
 constexpr QLatin1StringView exitWord("exit");
 
-// Words that the tool itself obeys, and the empty line; all others are sent as commands.
+// The words that the tool itself carries out, and the empty line; all others are sent as commands.
 bool isOwnWord(const QString &word)
 {
     return word.isEmpty() || word == helpWord || word == reconnectWord || word == quitWord

@@ -33,7 +33,7 @@ void AccessoryMcu::powerUp()
     enter(held ? Start {McuMode::HeldInReset, {}} : startAfterReset());
 }
 
-void AccessoryMcu::obeyControlByte()
+void AccessoryMcu::applyControlByte()
 {
     if (!isConnected())
         return;

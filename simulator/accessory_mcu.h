@@ -30,7 +30,7 @@ public:
     // To be called when the KVane gets power, because it has been attached.
     void powerUp();
     // To be called when EC_MCU_UPDATE_CTRL has been written. Without a KVane nothing happens.
-    void obeyControlByte();
+    void applyControlByte();
 
     [[nodiscard]] McuMode mode() const;
     // Another value after each start.

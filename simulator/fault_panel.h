@@ -8,7 +8,7 @@
 
 namespace tarnSimulator {
 
-// The fault switches of the machine. They are set from outside and obeyed by the EC from its next step on.
+// The fault switches of the machine. They are set from outside and take effect at the EC's next step.
 class FaultPanel
 {
 public:

@@ -6,8 +6,8 @@
 #include <span>
 #include <vector>
 
-// Firmware of the simulated MCU. A real one is a program; this one only tells its version, and its checksum
-// tells whether all of it has reached the flash. Layout:
+// Firmware of the simulated MCU. A real one is a program; this one only has a version, and a checksum that
+// shows whether all of it has reached the flash. Layout:
 //
 //   0x000  vector table: stack pointer, reset vector, the other vectors
 //   0x200  "TARNMCU", major, minor, patch, two zero bytes, size of the image (32 bits, low byte first)

@@ -35,7 +35,7 @@ constexpr RegisterDefault registerDefaults[] = {
 constexpr std::array<std::uint8_t, serialNumberLength> serialNumber {
     0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD};
 
-// Both mailboxes answer within the 10 ms that the host waits before it looks.
+// Both mailboxes answer within the 10 ms that the host waits before it reads the status.
 constexpr std::uint32_t eepromBusyMs = 6;
 constexpr std::uint32_t mailboxBusyMs = 5;
 // The host gives a byte up after this many status reads.

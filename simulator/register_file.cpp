@@ -137,7 +137,7 @@ void RegisterFile::applyLimits(std::uint16_t)
 
 void RegisterFile::controlMcu(std::uint16_t)
 {
-    mcu.obeyControlByte();
+    mcu.applyControlByte();
 }
 
 } // namespace tarnSimulator

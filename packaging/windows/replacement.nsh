@@ -18,7 +18,7 @@ Function MoveAside
     ${If} $InTheWay == ""
     ${AndIf} ${FileExists} "$INSTDIR\$0"
         StrCpy $2 "$INSTDIR\$0"
-        ; GENERIC_WRITE and DELETE, shared with nobody, OPEN_EXISTING
+        ; GENERIC_WRITE and DELETE, not shared, OPEN_EXISTING
         System::Call 'kernel32::CreateFileW(w r2, i 0x40010000, i 0, p 0, i 3, i 0, p 0) p .r1'
         ${If} $1 P= -1
             StrCpy $InTheWay $0

@@ -33,7 +33,7 @@ class Program:
     def prepare(self):
         """Brings copy and build up to date."""
         self._copy_sources()
-        # Without optimisation, and with all warnings of a changed source let pass: it is to be run, not to be good.
+        # Without optimisation, and without warnings as errors, because a change may cause some.
         configured = run(["cmake", "-S", self.source, "-B", self.tree, "-G", "Ninja", "--log-level=WARNING",
                           "-DCMAKE_BUILD_TYPE=RelWithDebInfo", "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=-O0 -DNDEBUG -w",
                           "-DCMAKE_EXE_LINKER_FLAGS=-fuse-ld=lld",

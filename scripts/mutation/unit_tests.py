@@ -24,7 +24,7 @@ class Outcome(Enum):
 
 def prepare_process():
     resource.setrlimit(resource.RLIMIT_AS, (MEMORY_LIMIT, MEMORY_LIMIT))
-    for ignored in (signal.SIGHUP, signal.SIGINT):  # as they are for what runs in the background
+    for ignored in (signal.SIGHUP, signal.SIGINT):  # ignored in what runs in the background
         signal.signal(ignored, signal.SIG_DFL)
 
 

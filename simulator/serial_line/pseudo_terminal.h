@@ -24,7 +24,7 @@ public:
 
     // What has arrived. Empty when nothing has; does not wait.
     [[nodiscard]] std::vector<std::uint8_t> read() const;
-    // What the other end has no room for is lost, as on a line that nobody reads.
+    // What the other end has no room for is lost, as on a line without a reader.
     void write(std::span<const std::uint8_t> bytes) const;
 
 private:

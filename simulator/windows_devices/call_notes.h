@@ -6,7 +6,7 @@
 namespace tarnSimulator {
 
 // Writes a line into calls.txt beside the program that has loaded this library, for tests, which have no
-// other way to see what the program tells the system.
+// other way to see the program's calls of the system.
 void noteCall(const std::string &line);
 
 // The same for handles that the program gets and must close: "opened KIND", "closed KIND".

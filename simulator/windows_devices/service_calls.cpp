@@ -1,4 +1,4 @@
-// Notes what the program tells the system's service manager and the event log, of which Wine keeps nothing
+// Notes the program's reports to the system's service manager and the event log, of which Wine keeps nothing
 // that could be read back. The program gets these functions from GetProcAddress(), which is redirected to
 // return the ones here; each one then calls the system's.
 #include "simulator/windows_devices/call_notes.h"

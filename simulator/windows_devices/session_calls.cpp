@@ -1,6 +1,6 @@
-// Tells the program that has loaded this library that it runs in session 0, which Wine does not have. Makes
-// the calls fail with which it starts a program for the user: when the simulated computer says so, and when
-// their arguments are not those that a service needs to reach the user's desktop. Other calls go to the
+// Reports session 0, which Wine does not have, to the program that has loaded this library. The calls with
+// which it starts a program for the user fail when the simulated computer has such a fault, and when their
+// arguments are not those that a service needs to reach the user's desktop. Other calls go to the
 // system's own functions.
 #include "simulator/computer_control.h"
 #include "simulator/windows_devices/call_notes.h"

@@ -6,7 +6,7 @@
 namespace tarnDeviceInfos {
 
 // Serialises every multi-byte EC exchange of the process. A binary semaphore rather than a mutex, because an
-// update mode takes it on one handler thread and gives it back on another. Not recursive.
+// update mode takes it on one handler thread and releases it on another. Not recursive.
 class EcAccessLock
 {
 public:

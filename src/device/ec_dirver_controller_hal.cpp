@@ -108,9 +108,9 @@ int EcDirverControllerHal::writeEeprom(quint16 offset, quint8 value)
     startEepromOperation(offset, EEP_CMD_WRITE);
     sleepFor(eepromPause);
 
-    // Read twice before the polling, with a log line for the second read only, because log readers know how
-    // long a write takes and which lines it leaves, down to the one blank in which the texts of read and
-    // write differ. The first answer counts when the second read fails.
+    // Read twice before the polling, with a log line for the second read only, because log readers rely on
+    // how long a write takes and on its exact lines: the texts of read and write differ in one blank. The
+    // first answer counts when the second read fails.
     quint8 status = eepromStatusUnread;
     readEepromStatus(&status);
     if (readEepromStatus(&status) == 0)
@@ -155,7 +155,7 @@ bool EcDirverControllerHal::loadLibrary()
 
 int EcDirverControllerHal::sendCommand(quint8 command)
 {
-    // Drain bytes that were never fetched. They answer nothing, so they do not count for hasEcAnswered().
+    // Drain bytes that were never fetched. They are no answers, so they do not count for hasEcAnswered().
     for (int poll = 0; poll < maximumPolls && statusHas(OBF); ++poll) {
         inp32Func(EC_DATA_PORT);
         sleepFor(pollInterval);

@@ -32,7 +32,7 @@ public:
     // 0 done, also when the user answered no; -1 the state could not be read or reported; -2 not disabled.
     int handleGpuKeyEvent();
     void banGpu();
-    // Takes no lock and tells neither client nor EC.
+    // Takes no lock and informs neither client nor EC.
     void banGpuForMcuUpdate();
 
     // gpu_devices.cpp: GPU_PRESENT, GPU_DRIVER_INSTALLED and GPU_STARTED as a number, -1 when the adapters

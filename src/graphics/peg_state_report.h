@@ -11,8 +11,9 @@ struct PegStateWords
     const char *commandFailed;
 };
 
-// Tells the EC the GPU's state (gpuDriverData): the data byte, then the command, which the EC handles later.
-// False when a write failed; the command is not written after failed data. The caller holds ecAccessMutex.
+// Reports the GPU's state (gpuDriverData) to the EC: the data byte, then the command, which the EC handles
+// later. False when a write failed; the command is not written after failed data. The caller holds
+// ecAccessMutex.
 bool reportPegState(int gpuDriverData, const PegStateWords &words);
 
 } // namespace tarnAccessoryManager

@@ -5,7 +5,7 @@ class QThreadPool;
 namespace tarnPipeServer {
 
 // The threads on which the handler of a command runs. A handler that waits for the EC may wait for ever.
-// Requests that need no EC, and those that take the EC for an update or give it back, must therefore never
+// Requests that need no EC, and those that take the EC for an update or release it, must therefore never
 // wait for the thread of such a handler.
 enum class Lane {
     WaitsForEc, // the global pool; when all its threads are busy, handlers queue, as for the EC

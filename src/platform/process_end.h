@@ -18,7 +18,7 @@ inline constexpr milliseconds threads {1500};
 inline constexpr milliseconds unfinishedStep {2300};
 // Under the service manager the process is ended then, whatever it does.
 inline constexpr milliseconds watchdog {2500};
-// What the service manager and people are told to wait for.
+// What the service manager is told, and the documentation promises.
 inline constexpr milliseconds promised {3000};
 
 static_assert(threads < unfinishedStep);
@@ -49,7 +49,7 @@ private:
     static inline std::atomic<int> count {0};
 };
 
-// Tells when the system or the user at the terminal asks the process to end: SIGTERM, SIGINT and SIGHUP, or
+// Signals that the system or the user at the terminal asks the process to end: SIGTERM, SIGINT and SIGHUP, or
 // the console's Ctrl+C, Ctrl+Break and closing. The signal comes on the thread that made the object, which
 // needs an event loop. From the first use on such a request no longer ends the process by itself.
 class StopRequests : public QObject

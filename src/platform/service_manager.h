@@ -100,8 +100,8 @@ public:
     // the host's event loop has ended. False when the manager does not run the process.
     [[nodiscard]] virtual bool runService(
         const QString &name, quint32 acceptedControls, ServiceHost &host, int *exitCode) = 0;
-    // Tells the manager that the service has stopped. Called last, when the service has released everything.
-    // Does nothing in a process that the manager does not run.
+    // Reports to the manager that the service has stopped. Called last, when the service has released
+    // everything. Does nothing in a process that the manager does not run.
     virtual void reportStopped(int exitCode) = 0;
 
     static ServiceManager &system();

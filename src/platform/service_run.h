@@ -23,7 +23,7 @@ enum class ServiceState : quint32 {
     Paused = 7,
 };
 
-// What the service manager is told.
+// A report to the service manager.
 struct ServiceStatus
 {
     ServiceState state = ServiceState::StartPending;

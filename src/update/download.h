@@ -14,7 +14,7 @@ class Download
 {
 public:
     // Looks for the file in the download folder of the account that the service runs under. In the service
-    // session, where nobody downloads to that folder, looks in that of the user at the console as well.
+    // session, where no user downloads to that folder, looks in that of the user at the console as well.
     [[nodiscard]] static Download find(const QString &fileName);
 
     // Where the file is or would be; empty when there is no download folder.

@@ -59,8 +59,8 @@ bool isSafeFirmwareName(const QString &name)
         return false;
     if (isDeviceName(name) || isLoadable(name))
         return false;
-    // The settings are in the system's 8-bit code page: a name that it cannot express would come out as
-    // another.
+    // The settings are in the system's 8-bit code page: a name that it cannot express would become another
+    // name.
     return QString::fromLocal8Bit(name.toLocal8Bit()) == name;
 }
 

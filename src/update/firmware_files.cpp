@@ -29,7 +29,8 @@ const ToolFolder ecToolFolder {path::ecFolder, path::ecFirmwarePart};
 int moveDownload(const Download &source, const ToolFolder &folder, const QString &fileName)
 {
     if (!source.isFolderThere()) {
-        qDebug() << "Destination directory does not exist."; // log readers know this text; it is the source's
+        // The source is meant; log readers know this text.
+        qDebug() << "Destination directory does not exist.";
         return copyFailed;
     }
     qDebug() << "file is exist!";

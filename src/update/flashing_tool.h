@@ -4,8 +4,8 @@
 
 namespace tarnFirmwareUpdate {
 
-// An external program that flashes, with the folder below this installation that it lives and works in. Paths
-// are relative to the current folder.
+// An external program that flashes, with the folder below this installation that holds it and is its working
+// folder. Paths are relative to the current folder.
 struct FlashingTool
 {
     QString program;

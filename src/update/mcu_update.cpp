@@ -24,7 +24,7 @@ constexpr auto handshakePause = 2000ms;
 constexpr int maximumRuns = 3;
 
 // No cycle of the monitor holds the EC for longer. After a longer wait the monitor has been paused, or held
-// up, and what it knows of the accessory may be out of date; after a shorter one it is believed.
+// up, and what it knows of the accessory may be out of date; after a shorter one it counts.
 constexpr auto longestCycleWait = 1000ms;
 
 // Flasher runs in a row that reported errors. The EC lock lets only one update count at a time.

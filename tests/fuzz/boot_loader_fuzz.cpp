@@ -46,7 +46,7 @@ public:
         AccessoryMcu mcu(*state);
         for (const int control : {bootBits | MCU_RESET_PULSE, int {bootBits}}) {
             state->xdata[EC_MCU_UPDATE_CTRL].store(static_cast<std::uint8_t>(control));
-            mcu.obeyControlByte();
+            mcu.applyControlByte();
         }
         require(mcu.isInBootLoader(), "a reset starts the boot loader");
     }

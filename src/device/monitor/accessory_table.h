@@ -9,7 +9,7 @@
 
 namespace tarnDeviceInfos {
 
-// An accessory that the service knows: the EC's code, the name that clients are told, and the log texts at
+// An accessory that the service knows: the EC's code, the name that is sent to clients, and the log texts at
 // the first detection and at a change.
 struct AccessoryKind
 {
@@ -28,7 +28,7 @@ inline constexpr AccessoryKind accessoryTable[] = {
     {ACCESSORY_KVANE, false, "k_vane", "Connected accessory is k_Vane!", "now Accessory is k_vane"},
 };
 
-// What clients are told when nothing is attached.
+// The name that is sent to clients when nothing is attached.
 inline constexpr char noAccessoryName[] = "disconnected";
 
 // Null for an unknown code.

@@ -31,7 +31,7 @@ constexpr auto settleTime = 300ms;
 constexpr quint8 unreadByte = 250; // the value after a failed read: not linked, or an unknown code
 constexpr quint8 unknownAccessory = 251;
 
-// The command that tells the client a value, and the function that reads it. In the order of
+// The command under which a value is sent to the client, and the function that reads it. In the order of
 // EcDirverReader::Watched.
 struct WatchedValue
 {

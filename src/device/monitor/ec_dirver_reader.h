@@ -13,8 +13,8 @@ template <typename Object> class ProcessWide;
 
 namespace tarnDeviceInfos {
 
-// Watches the accessory connector through the EC: names what is attached, tells the client about changes and
-// drives the work of each cycle. The loop runs on this thread; the synchronous reads are for handler threads
+// Watches the accessory connector through the EC: names what is attached, notifies the client of changes and
+// runs the work of each cycle. The loop runs on this thread; the synchronous reads are for handler threads
 // and wait for ecAccessMutex; the lock-free accessors are for any thread.
 class EcDirverReader : public QThread
 {
@@ -42,7 +42,7 @@ public:
     void setEcUpdating(bool updating);
     [[nodiscard]] bool isEcUpdating() const { return ecUpdating; }
 
-    // Pauses the loop while the accessory's MCU is in its boot loader; the caller takes and gives back
+    // Pauses the loop while the accessory's MCU is in its boot loader; the caller takes and releases
     // ecAccessMutex.
     void setMcuUpdating(bool updating) { mcuUpdating = updating; }
 

@@ -47,7 +47,7 @@ StopRequests::StopRequests()
 }
 
 // An ordinary exit takes the loader's lock, which a thread that is stuck in loading or unloading a library
-// (the monitor reloads the port library) never gives back.
+// (the monitor reloads the port library) never releases.
 void exitAtOnce(int code)
 {
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(code));

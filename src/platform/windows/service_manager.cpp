@@ -151,7 +151,7 @@ ServiceManager &ServiceManager::system()
 {
     const ServiceFunctions *functions = ServiceFunctions::ofSystem();
     if (!functions)
-        qFatal("advapi32 lacks the functions to control services"); // no Windows is without them
+        qFatal("advapi32 lacks the functions to control services"); // every Windows has them
     static WindowsServiceManager manager(*functions);
     return manager;
 }
