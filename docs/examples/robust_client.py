@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""A client of Tarn Service that lives through restarts of the service, other clients and firmware updates.
+"""A client of Tarn Service that survives restarts of the service, other clients and firmware updates.
 
     robust_client.py [--every SECONDS] [--limit SECONDS] [--alive SECONDS]
 
-Shows what the service tells, and asks for the MCU version every so many seconds. Needs Python 3.8 and nothing else;
+Prints the notifications, and asks for the MCU version every so many seconds. Needs Python 3.8 and nothing else;
 docs/protocol.md says why it does what it does.
 """
 import argparse
@@ -15,9 +15,9 @@ import sys
 import tempfile
 import uuid
 
-MESSAGE_TIME = 0.6  # seconds more for each message that comes before the answer; the service paces them
+MESSAGE_TIME = 0.6  # seconds more for each message that comes before the answer: the service pauses before each
 GIVE_UP = 600.0  # seconds after which an answer is taken to have gone to another client
-SILENCE = 30.0  # seconds without a word, after which the connection has to prove itself
+QUIET = 30.0  # seconds without a message, after which the connection is checked
 LONGEST_PAUSE = 10.0  # seconds between two attempts to connect
 NOTIFICATIONS = {"changeAccessoryType", "getTarnChargingStatus", "getTarnBatteryNum", "getKVaneLedLight",
                  "getKvaneChargingStatus", "getKvaneBatteryNum", "disengagedGraphics", "getSmartChargingStatus"}
@@ -66,7 +66,7 @@ def take_objects(buffer):
 
 
 class Connection:
-    ids = (f"{uuid.uuid4()}-{number}" for number in itertools.count())  # no other program has the like
+    ids = (f"{uuid.uuid4()}-{number}" for number in itertools.count())  # unlike those of any other program
 
     def __init__(self, reader, writer, options):
         self.reader, self.writer, self.options = reader, writer, options
@@ -126,7 +126,7 @@ class Connection:
         """What is attached. It needs no EC, so an answer must come as long as the service talks to us."""
         answer = self.send("getAccessoryType")
         if not await self.wait(answer, self.options.alive):
-            raise Lost("another client has the service's attention")
+            raise Lost("another client gets the service's messages")
         return answer.result()["data"]
 
     async def ask(self, command, data=None):
@@ -146,7 +146,7 @@ class Connection:
         while self.clock() < end:
             await asyncio.wait({self.reading}, timeout=min(1.0, end - self.clock()))
             self.check()
-            if self.clock() - self.last_message > SILENCE:
+            if self.clock() - self.last_message > QUIET:
                 await self.prove()
 
     def close(self):

@@ -90,7 +90,7 @@ TEST(SampleClient, LivesThroughOtherClientsUpdateModeAndARestart)
     ServiceClient other;
     ASSERT_TRUE(other.connectToService());
     other.leave();
-    ASSERT_TRUE(sample.shows("lost: another client has the service's attention"));
+    ASSERT_TRUE(sample.shows("lost: another client gets the service's messages"));
     ASSERT_TRUE(sample.shows("connected k_vane"));
     ASSERT_TRUE(sample.shows("version 2.05"));
 
