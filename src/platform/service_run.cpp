@@ -44,14 +44,14 @@ bool takesControls(ServiceState state)
 
 // A stop stays pending after stopService(), until reportStopped().
 const ServiceRun::Action ServiceRun::actions[] = {
-    {ControlStop, AcceptsStop, ServiceState::StopPending, &ServiceHost::stopService,
-        ServiceState::StopPending},
-    {ControlShutdown, AcceptsShutdown, ServiceState::StopPending, &ServiceHost::stopService,
-        ServiceState::StopPending},
-    {ControlPause, AcceptsPauseAndContinue, ServiceState::PausePending, &ServiceHost::pauseService,
-        ServiceState::Paused},
-    {ControlContinue, AcceptsPauseAndContinue, ServiceState::ContinuePending, &ServiceHost::resumeService,
-        ServiceState::Running},
+    {ControlStop, AcceptsStop, ServiceState::StopPending, ServiceState::StopPending,
+        &ServiceHost::stopService},
+    {ControlShutdown, AcceptsShutdown, ServiceState::StopPending, ServiceState::StopPending,
+        &ServiceHost::stopService},
+    {ControlPause, AcceptsPauseAndContinue, ServiceState::PausePending, ServiceState::Paused,
+        &ServiceHost::pauseService},
+    {ControlContinue, AcceptsPauseAndContinue, ServiceState::ContinuePending, ServiceState::Running,
+        &ServiceHost::resumeService},
 };
 
 ServiceRun::ServiceRun(ServiceHost &service, quint32 accepted, Report reportToManager)

@@ -65,9 +65,9 @@ private:
     {
         ServiceControl control;
         AcceptedControl acceptedAs;
-        ServiceState pending;
+        ServiceState pending; // while the operation runs
+        ServiceState settled; // when it has returned
         void (ServiceHost::*operation)();
-        ServiceState settled; // when the operation has returned
     };
     static const Action actions[];
 

@@ -41,7 +41,7 @@ Download::Download(QString path, bool isOfConsoleUser)
 Download Download::find(const QString &fileName)
 {
     const QString ownFolder = QStandardPaths::writableLocation(QStandardPaths::DownloadLocation);
-    const Download own(ownFolder.isEmpty() ? QString() : ownFolder + QLatin1Char('/') + fileName, false);
+    Download own(ownFolder.isEmpty() ? QString() : ownFolder + QLatin1Char('/') + fileName, false);
     if (QFile::exists(own.file) || !UserSession::system().isServiceSession())
         return own;
     const QString folder = UserSession::system().consoleUserDownloadFolder();
