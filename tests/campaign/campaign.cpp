@@ -5,9 +5,9 @@
 #include "device/monitor/ec_dirver_reader.h"
 #include "pipe/tarn_pipe_server.h"
 #include "recovery.h"
-#include "reply_rules.h"
 #include "request_catalogue.h"
 #include "support/queued_messages.h"
+#include "support/reply_rules.h"
 
 #include <QJsonDocument>
 
@@ -123,7 +123,7 @@ void Campaign::checkNotifications()
     const QStringList messages = tarnTest::queuedMessages();
     for (; notificationsChecked < messages.size(); ++notificationsChecked) {
         const QString &message = messages.at(notificationsChecked);
-        const QString fault = faultOfNotification(message);
+        const QString fault = tarnTest::faultOfNotification(message);
         check(fault.isEmpty() ? QString() : fault + " of the notification " + message);
     }
 }
@@ -192,7 +192,7 @@ void Campaign::sendRequest()
         inUpdateMode = true;
     else if (command == "requestLeaveMcuUpdateMode")
         inUpdateMode = false;
-    const QString fault = faultOfReply(request, reply);
+    const QString fault = tarnTest::faultOfReply(request, reply);
     check(fault.isEmpty() ? QString() : fault + " in the reply to " + bytes + ": " + reply);
 }
 

@@ -1,5 +1,6 @@
 #include "campaign.h"
 #include "device/ec_registers.h"
+#include "support/command_samples.h"
 
 #include <QFile>
 
@@ -121,7 +122,7 @@ void Campaign::spoilFile()
     else
         machine.folder.write(name, random.oneOf(fileContents));
     if (random.oneIn(20))
-        machine.folder.write("Downloads/firmware.bin", "firmware");
+        machine.folder.write(QLatin1String("Downloads/") + tarnTest::sampleFirmware, "firmware");
     if (random.oneIn(2))
         machine.folder.write("function/MCU/refuse", "");
     else

@@ -1,50 +1,45 @@
 #include "request_catalogue.h"
 
-#include <QStringList>
+#include "support/command_samples.h"
 
 #include <vector>
 
 namespace tarnCampaign {
+
+using tarnTest::EcHold;
+
 namespace {
 
 struct RequestRow
 {
-    const char *command;
-    std::vector<const char *> data; // one of them
+    QString command;
+    QStringList data; // one of them
     bool withoutEc = false;
 };
 
+std::vector<RequestRow> knownCommands()
+{
+    std::vector<RequestRow> rows;
+    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+        const EcHold hold = tarnTest::sampleOf(command.name).hold;
+        QStringList data = tarnTest::badData(command);
+        if (hold != EcHold::ForGood)
+            data = tarnTest::goodData(command) + data;
+        if (data.isEmpty())
+            continue;
+        const bool isOfTheHold = hold == EcHold::Begins || hold == EcHold::Ends;
+        rows.push_back({command.name, data, isOfTheHold || !command.needsEc});
+    }
+    return rows;
+}
+
 const std::vector<RequestRow> &catalogue()
 {
-    static const std::vector<RequestRow> rows {
-        {"getAccessoryType", {""}, true},
-        {"getMcuVersion", {""}},
-        {"getHardwareVersion", {""}},
-        {"getAccessoryCode", {""}},
-        {"getMcuUpdateParameters", {""}},
-        {"powerModeControl", {"first", "last", "high", "balance", "low", "HIGH", "first "}},
-        {"getDockLedStatus", {""}},
-        {"setDockLedStatus", {"on", "off", "ON"}},
-        {"getGraphicsRGB", {""}},
-        {"setGraphicsRGB", {"on", "shutdown", "white", "red", "cyan", "mauve"}},
-        {"requestMcuUpdate", {"missing.bin", "../firmware.bin", "firmware.bin"}},
-        {"requestEnterMcuUpdateMode", {""}, true},
-        {"requestLeaveMcuUpdateMode", {""}, true},
-        {"requestEcUpdate", {"missing.rom", "c:evil.rom"}},
-        {"setSmartChargingStatus", {"ON", "OFF", "on"}},
-        {"getSmartChargingStatus", {""}},
-        {"getTarnPowerMode", {""}},
-        {"setTarnPowerMode", {"high", "balance", "low", "hide"}},
-        {"requestBeginGraphicsMcuUpdate", {""}, true},
-        {"getTarnKvaneSnCode", {""}},
-        {"setKVaneLedLight", {"0", "255", "256", "-1", "x"}},
-        {"getKVaneLedLight", {""}, true},
-        {"getKvaneChargingStatus", {""}, true},
-        {"getKvaneBatteryNum", {""}, true},
-        {"getTarnChargingStatus", {""}, true},
-        {"getTarnBatteryNum", {""}, true},
-        {"noSuchCommand", {""}, true},
-    };
+    static const std::vector<RequestRow> rows = [] {
+        std::vector<RequestRow> all = knownCommands();
+        all.push_back({"noSuchCommand", {QString()}, true});
+        return all;
+    }();
     return rows;
 }
 
@@ -57,7 +52,7 @@ QJsonObject randomRequest(RandomSource &random, bool withoutEc)
         row = &random.oneOf(catalogue());
     QJsonObject request {{"cmd", row->command}, {"id", random.below(1000)}};
     const QString data = random.oneOf(row->data);
-    if (!data.isEmpty())
+    if (!data.isNull())
         request.insert("data", data);
     return request;
 }

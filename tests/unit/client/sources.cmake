@@ -1,6 +1,7 @@
 # Tests of tarnctl; the executable that takes them links tarnctl_logic.
 set(CLIENT_TEST_SOURCES
     ${CMAKE_CURRENT_LIST_DIR}/command_catalogue_test.cpp
+    ${CMAKE_CURRENT_LIST_DIR}/command_samples_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/data_rule_test.cpp
     ${CMAKE_CURRENT_LIST_DIR}/fake_service.cpp
     ${CMAKE_CURRENT_LIST_DIR}/firmware_name_test.cpp

@@ -1,6 +1,6 @@
 #include "../update/update_fixture.h"
-#include "client/command_catalogue.h"
 #include "pipe/tarn_pipe_server.h"
+#include "support/command_samples.h"
 #include "support/pipe_peer.h"
 #include "support/process_ending.h"
 #include "support/queued_messages.h"
@@ -10,7 +10,6 @@
 #include <vector>
 
 using tarnClient::CommandEntry;
-using tarnClient::DataKind;
 using tarnDeviceInfos::ecAccessMutex;
 using tarnPipeServer::Lane;
 using tarnPipeServer::TarnPipeServer;
@@ -20,22 +19,7 @@ namespace {
 // A request whose handler takes its longest path.
 QByteArray fullRequest(const CommandEntry &command)
 {
-    QString data;
-    switch (command.data.kind) {
-    case DataKind::None:
-        break;
-    case DataKind::Choice:
-        data = command.data.choices.first();
-        break;
-    case DataKind::Byte:
-        data = "1";
-        break;
-    case DataKind::McuFileName:
-    case DataKind::EcFileName:
-        data = "fw.bin";
-        break;
-    }
-    return tarnTest::notification(command.name.latin1(), data).toUtf8();
+    return tarnTest::requestOf(command, tarnTest::goodData(command).first());
 }
 
 std::vector<CommandEntry> commandsThatNeverWait()
@@ -64,7 +48,7 @@ protected:
         machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
         installTool("function/EC/IFU_XE.exe", "exit 0");
         installFlasher("exit 0");
-        download("new");
+        download("new", tarnTest::sampleFirmware);
         forgetPast();
     }
 

@@ -1,0 +1,163 @@
+#include "support/command_samples.h"
+
+#include "device/ec_registers.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <algorithm>
+
+namespace tarnTest {
+
+using namespace tarnDeviceInfos;
+using tarnClient::CommandEntry;
+using tarnClient::DataKind;
+
+namespace {
+
+using L = QLatin1StringView;
+
+constexpr char version[] = R"(|\d{1,3}\.\d{2,6})";
+constexpr char byte[] = R"(\d{1,3})";
+constexpr char byteOrNothing[] = R"(|\d{1,3})";
+constexpr char byteOrNotRead[] = R"(-1|\d{1,3})";
+constexpr char charging[] = "0|1|251";
+constexpr char colour[] = "white|red|yellow|green|cyan|blue|purplishred";
+constexpr char colourOrOff[] = "white|red|yellow|green|cyan|blue|purplishred|shutdown";
+
+struct FreeData
+{
+    DataKind kind;
+    QStringList good;
+    QStringList bad;
+};
+
+// The words of a choice stand in the catalogue.
+const std::vector<FreeData> &freeData()
+{
+    static const QString firmware = QLatin1String(sampleFirmware);
+    static const std::vector<FreeData> rows {
+        {DataKind::None, {QString()}, {}},
+        {DataKind::Byte, {"5", "0", "255"}, {"256", "-1", "x"}},
+        {DataKind::McuFileName, {firmware}, {"missing.bin", "../" + firmware}},
+        {DataKind::EcFileName, {firmware}, {"missing.rom", "c:evil.rom"}},
+    };
+    return rows;
+}
+
+const FreeData *freeDataOf(const CommandEntry &command)
+{
+    const auto &rows = freeData();
+    const auto row = std::find_if(
+        rows.begin(), rows.end(), [&](const FreeData &data) { return data.kind == command.data.kind; });
+    return row == rows.end() ? nullptr : &*row;
+}
+
+// What is nearly a word of a choice, and what is none at all.
+QStringList wordsBeside(const QList<QLatin1StringView> &choices)
+{
+    const QString word = choices.first();
+    const QString upper = word.toUpper();
+    return {upper == word ? word.toLower() : upper, word + ' ', "hide", "mauve"};
+}
+
+struct Concern
+{
+    QLatin1StringView words; // of the catalogue
+    std::optional<std::uint8_t> accessory;
+};
+constexpr Concern concerns[] = {
+    {L("any accessory"), std::nullopt},
+    {L("this computer"), std::nullopt},
+    {L("dock"), ACCESSORY_DOCK},
+    {L("graphics box"), ACCESSORY_GRAPHICS},
+    {L("KVane"), ACCESSORY_KVANE},
+};
+
+} // namespace
+
+const std::vector<CommandSample> &commandSamples()
+{
+    static const std::vector<CommandSample> rows {
+        {.command = L("getAccessoryType"), .answers = {{L("data"), "dock|graphics|k_vane|disconnected|"}}},
+        {.command = L("getMcuVersion"), .answers = {{L("data"), version}}},
+        {.command = L("getHardwareVersion"), .answers = {{L("data"), byteOrNothing}}},
+        {.command = L("getAccessoryCode"), .answers = {{L("data"), byteOrNothing}}},
+        {.command = L("getMcuUpdateParameters"),
+            .answers = {{L("mcuVer"), version}, {L("hardwareVer"), byteOrNothing},
+                {L("accessoryCode"), byteOrNothing}}},
+        {.command = L("powerModeControl"),
+            .answers = {{L("result"), "0|1|2|-2|-10", L("first")}},
+            .kinds = {"first", "high", "balance", "low", "last"}},
+        {.command = L("getDockLedStatus"), .answers = {{L("data"), "on|off|unknown"}}},
+        {.command = L("getGraphicsRGB"), .answers = {{L("data"), colourOrOff}}},
+        // Each colour is another than the last, so it has to be saved.
+        {.command = L("setGraphicsRGB"),
+            .answers = {{L("data"), colour, L("on")}},
+            .kinds = {"red", "blue", "on"}},
+        {.command = L("requestMcuUpdate"),
+            .answers = {{.key = L("mcuVer"), .values = version, .onlyAfterSuccess = true}}},
+        {.command = L("requestEnterMcuUpdateMode"), .hold = EcHold::Begins},
+        {.command = L("requestLeaveMcuUpdateMode"), .answers = {{L("data"), version}}, .hold = EcHold::Ends},
+        {.command = L("requestStartEcUpdate"), .hold = EcHold::ForGood},
+        {.command = L("requestEcUpdate"), .hold = EcHold::ForGood},
+        // They stop and start the five days.
+        {.command = L("setSmartChargingStatus"), .kinds = {"ON", "OFF"}},
+        {.command = L("getSmartChargingStatus"), .answers = {{L("data"), "ON|OFF|failed"}}},
+        {.command = L("getTarnPowerMode"), .answers = {{L("data"), "high|balance|low|hide"}}},
+        {.command = L("getTarnKvaneSnCode"), .answers = {{L("data"), "default|[0-9A-F]{14}"}}},
+        {.command = L("getKVaneLedLight"), .answers = {{L("data"), byteOrNotRead}}},
+        {.command = L("getKvaneChargingStatus"), .answers = {{L("data"), charging}}},
+        {.command = L("getKvaneBatteryNum"), .answers = {{L("data"), byte}}},
+        {.command = L("getTarnChargingStatus"), .answers = {{L("data"), charging}}},
+        {.command = L("getTarnBatteryNum"), .answers = {{L("data"), byte}}},
+    };
+    return rows;
+}
+
+const CommandSample &sampleOf(const QString &command)
+{
+    static const CommandSample none;
+    const auto &rows = commandSamples();
+    const auto row = std::find_if(
+        rows.begin(), rows.end(), [&](const CommandSample &sample) { return sample.command == command; });
+    return row == rows.end() ? none : *row;
+}
+
+QStringList goodData(const CommandEntry &command)
+{
+    if (const FreeData *data = freeDataOf(command))
+        return data->good;
+    return {command.data.choices.begin(), command.data.choices.end()};
+}
+
+QStringList badData(const CommandEntry &command)
+{
+    const FreeData *data = freeDataOf(command);
+    return data ? data->bad : wordsBeside(command.data.choices);
+}
+
+QStringList kindsOfData(const CommandEntry &command)
+{
+    const QStringList &kinds = sampleOf(command.name).kinds;
+    return kinds.isEmpty() ? goodData(command).first(1) : kinds;
+}
+
+std::optional<std::uint8_t> accessoryFor(const CommandEntry &command)
+{
+    const auto *row = std::find_if(std::begin(concerns), std::end(concerns),
+        [&command](const Concern &concern) { return concern.words == command.concerns; });
+    if (row == std::end(concerns))
+        qFatal("no accessory is known by the words \"%s\"", command.concerns.data());
+    return row->accessory;
+}
+
+QByteArray requestOf(const CommandEntry &command, const QString &data)
+{
+    QJsonObject request {{QStringLiteral("cmd"), QString(command.name)}};
+    if (!data.isNull())
+        request.insert(QStringLiteral("data"), data);
+    return QJsonDocument(request).toJson(QJsonDocument::Compact);
+}
+
+} // namespace tarnTest
