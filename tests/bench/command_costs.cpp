@@ -5,6 +5,7 @@
 #include "figures.h"
 #include "pipe/tarn_pipe_server.h"
 #include "platform/waits.h"
+#include "support/command_samples.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -14,9 +15,12 @@
 #include <algorithm>
 #include <functional>
 #include <numeric>
+#include <optional>
 
 using namespace tarnBench;
 using namespace tarnDeviceInfos;
+using tarnClient::CommandEntry;
+using tarnClient::DataKind;
 
 namespace {
 
@@ -36,17 +40,9 @@ struct Command
 // Commands that belong together, measured one after the other with the accessory they are for.
 struct Group
 {
-    quint8 accessory;
+    std::optional<quint8> accessory; // empty: what is attached
     std::vector<Command> commands;
 };
-
-Command plain(const char *name, const char *data = nullptr)
-{
-    QByteArray request = QByteArray(R"({"cmd":")") + name + '"';
-    if (data)
-        request += QByteArray(R"(,"data":")") + data + '"';
-    return {request + '}'};
-}
 
 void makeTool(tarnCampaign::CampaignMachine &machine, const QString &name)
 {
@@ -54,58 +50,45 @@ void makeTool(tarnCampaign::CampaignMachine &machine, const QString &name)
     QFile(machine.folder.path(name)).setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
 }
 
-// Every command that a client may send. The last two take the EC for good.
+std::vector<Command> commandsOf(const CommandEntry &entry, tarnCampaign::CampaignMachine &machine)
+{
+    std::vector<Command> commands;
+    for (const QString &data : tarnTest::kindsOfData(entry)) {
+        Command command {tarnTest::requestOf(entry, data)};
+        if (entry.data.kind == DataKind::McuFileName || entry.data.kind == DataKind::EcFileName) {
+            command.prepare = [&machine, data] {
+                machine.folder.write(QStringLiteral("Downloads/") + data, QByteArray(16384, 'f'));
+            };
+        }
+        commands.push_back(command);
+    }
+    return commands;
+}
+
+// Every command that a client may send. Those that take the EC for good come last.
 std::vector<Group> everyCommand(tarnCampaign::CampaignMachine &machine, bool isQuick)
 {
-    const auto withDownload = [&machine](Command command) {
-        command.prepare = [&machine] {
-            machine.folder.write(QStringLiteral("Downloads/firmware.bin"), QByteArray(16384, 'f'));
-        };
-        return command;
-    };
-    std::vector<Group> groups {
-        {ACCESSORY_DOCK, {plain("getAccessoryType")}},
-        {ACCESSORY_DOCK, {plain("getMcuVersion")}},
-        {ACCESSORY_DOCK, {plain("getHardwareVersion")}},
-        {ACCESSORY_DOCK, {plain("getAccessoryCode")}},
-        {ACCESSORY_DOCK, {plain("getMcuUpdateParameters")}},
-        {ACCESSORY_DOCK, {plain("powerModeControl", "first")}},
-        {ACCESSORY_DOCK, {plain("powerModeControl", "high")}},
-        {ACCESSORY_DOCK, {plain("powerModeControl", "balance")}},
-        {ACCESSORY_DOCK, {plain("powerModeControl", "low")}},
-        {ACCESSORY_DOCK, {plain("powerModeControl", "last")}},
-        {ACCESSORY_DOCK, {plain("setSmartChargingStatus", "ON")}},
-        {ACCESSORY_DOCK, {plain("getSmartChargingStatus")}},
-        {ACCESSORY_DOCK, {plain("setTarnPowerMode", "high")}},
-        {ACCESSORY_DOCK, {plain("getTarnPowerMode")}},
-        {ACCESSORY_DOCK, {plain("setDockLedStatus", "on")}},
-        {ACCESSORY_DOCK, {plain("getDockLedStatus")}},
-        // Each in turn, so that the colour is another one every time and has to be saved.
-        {ACCESSORY_GRAPHICS, {plain("setGraphicsRGB", "red"), plain("setGraphicsRGB", "blue")}},
-        {ACCESSORY_GRAPHICS, {plain("setGraphicsRGB", "on")}},
-        {ACCESSORY_GRAPHICS, {plain("getGraphicsRGB")}},
-        {ACCESSORY_GRAPHICS, {plain("requestBeginGraphicsMcuUpdate")}},
-        {ACCESSORY_KVANE, {plain("getTarnKvaneSnCode")}},
-        {ACCESSORY_KVANE, {plain("setKVaneLedLight", "5")}},
-        {ACCESSORY_KVANE, {plain("getKVaneLedLight")}},
-        {ACCESSORY_KVANE, {plain("getKvaneChargingStatus")}},
-        {ACCESSORY_KVANE, {plain("getKvaneBatteryNum")}},
-        {ACCESSORY_KVANE, {plain("getTarnChargingStatus")}},
-        {ACCESSORY_KVANE, {plain("getTarnBatteryNum")}},
-        {ACCESSORY_KVANE, {plain("requestEnterMcuUpdateMode"), plain("requestLeaveMcuUpdateMode")}},
-    };
-    if (!isQuick)
-        groups.push_back({ACCESSORY_KVANE, {withDownload(plain("requestMcuUpdate", "firmware.bin"))}});
-    groups.push_back({ACCESSORY_KVANE, {plain("requestStartEcUpdate")}});
-    groups.push_back({ACCESSORY_KVANE, {withDownload(plain("requestEcUpdate", "firmware.bin"))}});
+    std::vector<Group> groups;
+    std::vector<Group> last;
+    for (const CommandEntry &entry : tarnClient::commandCatalogue()) {
+        const tarnTest::EcHold hold = tarnTest::sampleOf(entry.name).hold;
+        std::vector<Command> commands = commandsOf(entry, machine);
+        if (hold == tarnTest::EcHold::ForGood)
+            last.push_back({std::nullopt, commands});
+        else if (hold == tarnTest::EcHold::Ends) // of what stands before it in the catalogue
+            groups.back().commands.insert(groups.back().commands.end(), commands.begin(), commands.end());
+        else if (!isQuick || entry.data.kind != DataKind::McuFileName)
+            groups.push_back({tarnTest::accessoryFor(entry).value_or(ACCESSORY_DOCK), commands});
+    }
+    groups.insert(groups.end(), last.begin(), last.end());
     return groups;
 }
 
-void attach(quint8 accessory, tarnCampaign::CampaignMachine &machine)
+void attach(std::optional<quint8> accessory, tarnCampaign::CampaignMachine &machine)
 {
-    if (machine.attachedCode() == accessory)
+    if (!accessory || machine.attachedCode() == *accessory)
         return;
-    machine.attach(accessory);
+    machine.attach(*accessory);
     const EcAccess access;
     EcDirverReader::instance()->pollAccessory(); // the updates ask the monitor what is attached
 }
@@ -161,7 +144,8 @@ void measure(Group &group, tarnCampaign::CampaignMachine &machine, bool isQuick)
         tarnPlatform::systemSleep(wait);
         sleptMs += millisecondsOf(timer);
     };
-    for (int round = 0; round < roundsFor(groupMs, isQuick); ++round) {
+    const double meanMs = groupMs / static_cast<double>(group.commands.size());
+    for (int round = 0; round < roundsFor(meanMs, isQuick); ++round) {
         for (Command &command : group.commands) {
             machine.clock.forgetWaits();
             machine.log.clear();

@@ -6,6 +6,7 @@
 #include "pipe/tarn_pipe_server.h"
 #include "process_figures.h"
 #include "simulator/accessory_catalog.h"
+#include "support/command_samples.h"
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"
 #include "support/simulated_machine.h"
@@ -19,6 +20,7 @@
 #include <malloc.h>
 #include <memory>
 #include <utility>
+#include <vector>
 
 using namespace tarnBench;
 using namespace std::chrono_literals;
@@ -33,9 +35,20 @@ constexpr milliseconds betweenAccessories = 3h;
 constexpr milliseconds betweenRequests = 20min; // divided by --busy
 constexpr milliseconds absence = 2h;
 
-constexpr const char *requests[] = {"getAccessoryType", "getMcuVersion", "getMcuUpdateParameters",
-    "getDockLedStatus", "getGraphicsRGB", "getSmartChargingStatus", "getTarnPowerMode", "getTarnKvaneSnCode",
-    "getKVaneLedLight", "getTarnBatteryNum", "noSuchCommand"};
+// Everything that a client may ask without changing anything, and what is not understood.
+std::vector<QByteArray> everyQuery()
+{
+    std::vector<QByteArray> queries;
+    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+        const bool changesNothing = command.data.kind == tarnClient::DataKind::None
+            && !command.answerKeys.isEmpty()
+            && tarnTest::sampleOf(command.name).hold == tarnTest::EcHold::None;
+        if (changesNothing)
+            queries.push_back(tarnTest::requestOf(command, {}));
+    }
+    queries.emplace_back(R"({"cmd":"noSuchCommand"})");
+    return queries;
+}
 
 // The user's changes: another accessory, other battery levels. On the monitor's thread, in its waits.
 class Desk
@@ -118,8 +131,7 @@ public:
         if (now < nextRequest || socket->state() != QLocalSocket::ConnectedState)
             return;
         nextRequest = now + pause;
-        const char *command = requests[asked++ % std::size(requests)];
-        socket->write(QByteArray(R"({"cmd":")") + command + R"("})");
+        socket->write(queries[asked++ % queries.size()]);
         socket->flush();
     }
 
@@ -128,6 +140,7 @@ public:
 
 private:
     const milliseconds pause;
+    const std::vector<QByteArray> queries = everyQuery();
     std::unique_ptr<QLocalSocket> socket;
     milliseconds nextVisit {0};
     milliseconds nextLeave = day - 12h;

@@ -5,17 +5,19 @@
 #include "load/process_figures.h"
 #include "pipe/tarn_pipe_server.h"
 #include "platform/waits.h"
+#include "support/command_samples.h"
 #include "support/pipe_peer.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QJsonDocument>
 
 #include <algorithm>
 
 using namespace tarnBench;
 using namespace tarnDeviceInfos;
+using tarnClient::CommandEntry;
+using tarnClient::DataKind;
 using tarnTest::ServiceProcess;
 
 namespace {
@@ -50,34 +52,6 @@ public:
 
     double askedMs = 0;
     double sleptMs = 0;
-};
-
-struct Command
-{
-    const char *name;
-    const char *data; // null: none
-    quint8 accessory;
-};
-
-// One of each kind of sequence; the updates are left to command_costs, which has their tools.
-constexpr Command commands[] = {
-    {"getMcuVersion", nullptr, ACCESSORY_DOCK},
-    {"getHardwareVersion", nullptr, ACCESSORY_DOCK},
-    {"getMcuUpdateParameters", nullptr, ACCESSORY_DOCK},
-    {"powerModeControl", "first", ACCESSORY_DOCK},
-    {"powerModeControl", "high", ACCESSORY_DOCK},
-    {"powerModeControl", "last", ACCESSORY_DOCK},
-    {"setSmartChargingStatus", "ON", ACCESSORY_DOCK},
-    {"getSmartChargingStatus", nullptr, ACCESSORY_DOCK},
-    {"setTarnPowerMode", "high", ACCESSORY_DOCK},
-    {"getTarnPowerMode", nullptr, ACCESSORY_DOCK},
-    {"setDockLedStatus", "on", ACCESSORY_DOCK},
-    {"getDockLedStatus", nullptr, ACCESSORY_DOCK},
-    {"setGraphicsRGB", "red", ACCESSORY_GRAPHICS},
-    {"setGraphicsRGB", "blue", ACCESSORY_GRAPHICS},
-    {"getGraphicsRGB", nullptr, ACCESSORY_GRAPHICS},
-    {"getTarnKvaneSnCode", nullptr, ACCESSORY_KVANE},
-    {"setKVaneLedLight", "5", ACCESSORY_KVANE},
 };
 
 void settle(int milliseconds)
@@ -157,12 +131,36 @@ void measureIdle(ServiceProcess &service, int seconds)
     table.print();
 }
 
-QByteArray requestOf(const Command &command)
+// The updates are left to command_costs, which has their tools.
+bool isMeasured(const CommandEntry &command)
 {
-    QJsonObject request {{QStringLiteral("cmd"), QString::fromLatin1(command.name)}};
-    if (command.data)
-        request.insert(QStringLiteral("data"), QString::fromLatin1(command.data));
-    return QJsonDocument(request).toJson(QJsonDocument::Compact);
+    return command.needsEc && tarnTest::sampleOf(command.name).hold == tarnTest::EcHold::None
+        && command.data.kind != DataKind::McuFileName;
+}
+
+struct CommandFigures
+{
+    double waitsMs = 0;
+    Figures realMs {};
+    Figures busyMs {}; // of it, when no wait was going on
+};
+
+CommandFigures measure(const QByteArray &request, CountingClock &clock, double budgetMs)
+{
+    auto *server = tarnPipeServer::TarnPipeServer::instance();
+    server->dispatch(request); // creates what is created on first use
+    CommandFigures figures;
+    do {
+        clock.askedMs = clock.sleptMs = 0;
+        QElapsedTimer timer;
+        timer.start();
+        server->dispatch(request);
+        const double elapsedMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        figures.waitsMs = clock.askedMs;
+        figures.realMs.add(elapsedMs);
+        figures.busyMs.add(elapsedMs - clock.sleptMs);
+    } while (figures.waitsMs * static_cast<double>(figures.realMs.count() + 1) < budgetMs);
+    return figures;
 }
 
 // Each command through the dispatcher of this process, which has the EC for itself.
@@ -172,32 +170,23 @@ void measureCommands(ServiceProcess &place, double budgetMs)
     qInstallMessageHandler(dropMessage);
     CountingClock clock;
     tarnPlatform::setWaitClock(&clock);
-    auto *server = tarnPipeServer::TarnPipeServer::instance();
     printHeading("Commands: time beside their waits");
     Table table({"command", "data", "waits ms", "median ms", "more %", "busy ms", "busy %", "runs"});
     Figures busyPercents;
-    for (const Command &command : commands) {
-        place.attach(command.accessory);
-        const QByteArray request = requestOf(command);
-        server->dispatch(request); // creates what is created on first use
-        Figures realMs;
-        Figures busyMs;
-        double waitsMs = 0;
-        do {
-            clock.askedMs = clock.sleptMs = 0;
-            QElapsedTimer timer;
-            timer.start();
-            server->dispatch(request);
-            const double elapsedMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
-            waitsMs = clock.askedMs;
-            realMs.add(elapsedMs);
-            busyMs.add(elapsedMs - clock.sleptMs);
-        } while (waitsMs * static_cast<double>(realMs.count() + 1) < budgetMs);
-        const double busyPercent = 100 * busyMs.median() / waitsMs;
-        busyPercents.add(busyPercent);
-        table.add({command.name, command.data ? command.data : "", fixed(waitsMs, 0),
-            fixed(realMs.median(), 2), fixed(100 * (realMs.median() - waitsMs) / waitsMs, 2),
-            fixed(busyMs.median(), 2), fixed(busyPercent, 2), QString::number(realMs.count())});
+    for (const CommandEntry &command : tarnClient::commandCatalogue()) {
+        if (!isMeasured(command))
+            continue;
+        place.attach(tarnTest::accessoryFor(command).value_or(ACCESSORY_DOCK));
+        for (const QString &data : tarnTest::kindsOfData(command)) {
+            const CommandFigures figures = measure(tarnTest::requestOf(command, data), clock, budgetMs);
+            const double realMs = figures.realMs.median();
+            const double busyPercent = 100 * figures.busyMs.median() / figures.waitsMs;
+            busyPercents.add(busyPercent);
+            table.add({command.name, data, fixed(figures.waitsMs, 0), fixed(realMs, 2),
+                fixed(100 * (realMs - figures.waitsMs) / figures.waitsMs, 2),
+                fixed(figures.busyMs.median(), 2), fixed(busyPercent, 2),
+                QString::number(figures.realMs.count())});
+        }
     }
     tarnPlatform::setWaitClock(nullptr);
     table.print();
