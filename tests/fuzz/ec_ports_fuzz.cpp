@@ -1,4 +1,5 @@
-// An EC with arbitrary answers. Input: the operation, then what the ports read in turn, over and over.
+// An EC with arbitrary answers. Input: the operation or, with the next numbers, the request; then what the
+// ports read in turn, over and over.
 #include "accessory/dock_accessory_manager.h"
 #include "accessory/ec_power_mode_manager.h"
 #include "accessory/graphics_colours.h"
@@ -9,9 +10,16 @@
 #include "device/monitor/ec_dirver_reader.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "harness.h"
+#include "pipe/tarn_pipe_server.h"
+#include "support/command_samples.h"
 #include "support/port_backend.h"
+#include "support/reply_rules.h"
 #include "support/run_folder.h"
 #include "support/virtual_clock.h"
+
+#include <QJsonDocument>
+
+#include <vector>
 
 using namespace std::chrono_literals;
 using namespace tarnAccessoryManager;
@@ -148,18 +156,51 @@ constexpr Operation operations[] = {
     {pollsAccessory, 3},
 };
 
+constexpr int mostAccesses = 40; // of a command
+
+// Of every command that needs the EC, but no update, which needs the MCU as well.
+std::vector<QByteArray> requestsToTheEc()
+{
+    std::vector<QByteArray> requests;
+    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+        const bool isUpdate = tarnTest::sampleOf(command.name).hold != tarnTest::EcHold::None
+            || command.data.kind == tarnClient::DataKind::McuFileName;
+        if (!command.needsEc || isUpdate)
+            continue;
+        for (const QString &data : tarnTest::kindsOfData(command))
+            requests.push_back(tarnTest::requestOf(command, data));
+    }
+    return requests;
+}
+
+const std::vector<QByteArray> &requests()
+{
+    static const std::vector<QByteArray> all = requestsToTheEc();
+    return all;
+}
+
+bool isAnsweredByTheRules(const QByteArray &request)
+{
+    const QString reply = tarnPipeServer::TarnPipeServer::instance()->dispatch(request);
+    return tarnTest::faultOfReply(QJsonDocument::fromJson(request).object(), reply).isEmpty();
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    if (size == 0 || data[0] >= std::size(operations))
+    constexpr std::size_t firstRequest = std::size(operations);
+    if (size == 0 || data[0] >= firstRequest + requests().size())
         return -1;
-    const Operation &operation = operations[data[0]];
+    const std::size_t chosen = data[0];
     AnsweringPorts &backend = ports();
     backend.answer(tarnFuzz::bytesOf(data + 1, size - 1));
     const auto before = backend.clock.now();
-    require(operation.run(), "the result is one of those laid down");
+    const bool isRequest = chosen >= firstRequest;
+    require(isRequest ? isAnsweredByTheRules(requests()[chosen - firstRequest]) : operations[chosen].run(),
+        "the result is one of those laid down");
     require(!ecAccessMutex.isLocked(), "the EC is given back");
-    require(backend.clock.now() - before <= operation.accesses * longestAccess, "every wait is bounded");
+    const int accesses = isRequest ? mostAccesses : operations[chosen].accesses;
+    require(backend.clock.now() - before <= accesses * longestAccess, "every wait is bounded");
     return 0;
 }

@@ -1,5 +1,6 @@
 // What a client writes to the pipe. Input: the attached accessory's code as a digit; a fault of the machine,
 // '@' for none or the characters from 'A' on in the order of the fault table; then the request.
+#include "client/command_catalogue.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_registers.h"
 #include "device/monitor/ec_dirver_reader.h"
@@ -10,6 +11,7 @@
 
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSet>
 
 using namespace tarnDeviceInfos;
 using tarnFuzz::FuzzedMachine;
@@ -21,7 +23,14 @@ namespace {
 // What handlers put into a reply; everything else in it is the client's own.
 bool isAnswerKey(const QString &key)
 {
-    static const QStringList keys {"data", "result", "mcuVer", "hardwareVer", "accessoryCode"};
+    static const QSet<QString> keys = [] {
+        QSet<QString> all;
+        for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+            for (const QLatin1StringView key : command.answerKeys)
+                all += key;
+        }
+        return all;
+    }();
     return keys.contains(key);
 }
 
