@@ -1,7 +1,7 @@
 #include "accessory/power_mode_file.h"
 
 #include "profile_file_fixture.h"
-#include "support/file_size_limit.h"
+#include "support/resource_limit.h"
 
 #include <fcntl.h>
 #include <sys/mman.h>

@@ -1,7 +1,7 @@
 #include "platform/processes.h"
 
-#include "support/descriptor_limit.h"
 #include "support/pipe_peer.h"
+#include "support/resource_limit.h"
 #include "support/run_folder.h"
 #include "support/unprivileged.h"
 

@@ -1,6 +1,6 @@
 #include "platform/sockets.h"
 
-#include "support/descriptor_limit.h"
+#include "support/resource_limit.h"
 #include "support/run_folder.h"
 
 #include <QFile>

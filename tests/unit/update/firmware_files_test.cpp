@@ -1,7 +1,7 @@
 #include "update_fixture.h"
 
-#include "support/file_size_limit.h"
 #include "support/pipe_peer.h"
+#include "support/resource_limit.h"
 #include "support/unprivileged.h"
 #include "update/firmware_file_name.h"
 
