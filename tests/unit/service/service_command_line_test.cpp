@@ -46,7 +46,10 @@ protected:
         }
     };
 
-    void run(std::vector<std::string> words, const QStringList &wideWords = {})
+    // Exit code, output and error output, in Latin-1 like all output of the host.
+    using Outcome = std::tuple<int, std::string, std::string>;
+
+    Outcome run(std::vector<std::string> words, const QStringList &wideWords = {})
     {
         words.insert(words.begin(), "tarn");
         ToldApplication::words = wideWords;
@@ -65,22 +68,20 @@ protected:
         manager.calls.clear();
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        exitCode = host.exec();
+        const int exitCode = host.exec();
         std::fflush(nullptr);
-        out = testing::internal::GetCapturedStdout();
-        err = testing::internal::GetCapturedStderr();
+        const std::string out = testing::internal::GetCapturedStdout();
+        const std::string err = testing::internal::GetCapturedStderr();
         tarnTest::noteSeenRun(
             words, exitCode, QString::fromLatin1(out.c_str()), QString::fromLatin1(err.c_str()));
         hostCalls = host.calls;
+        return {exitCode, out, err};
     }
 
     ScriptedServiceManager manager;
     QtServiceBase::StartupType startup = QtServiceBase::AutoStartup;
     QtServiceBase::ServiceFlags flags = QtServiceBase::CanBeSuspended;
     int loopResult = 0;
-    int exitCode = 99;
-    std::string out; // in Latin-1, like all output of the host
-    std::string err;
     QStringList hostCalls;
 };
 
@@ -91,10 +92,8 @@ const QString name = QString::fromUtf8("Bl\u00e4ser");
 TEST_F(CommandLine, Installs)
 {
     for (const char *option : {"-i", "-install"}) {
-        run({option});
-        EXPECT_EQ(exitCode, 0);
-        EXPECT_EQ(out, "The service Bl\xe4ser has been installed under: C:\\where it is\\tarn.exe\n");
-        EXPECT_EQ(err, "");
+        EXPECT_EQ(run({option}),
+            Outcome(0, "The service Bl\xe4ser has been installed under: C:\\where it is\\tarn.exe\n", ""));
         EXPECT_EQ(manager.calls, QStringList({"install|" + name + "|what it is for|||automatic"}));
     }
     EXPECT_TRUE(hostCalls.isEmpty());
@@ -121,40 +120,28 @@ TEST_F(CommandLine, InstallsUnderAnAccountThatTheCodePageLacks)
 TEST_F(CommandLine, InstallsOnlyOnce)
 {
     manager.installed = true;
-    run({"-install"});
-    EXPECT_EQ(exitCode, 0);
-    EXPECT_EQ(out, "");
-    EXPECT_EQ(err, "The service Bl\xe4ser is already installed\n");
+    EXPECT_EQ(run({"-install"}), Outcome(0, "", "The service Bl\xe4ser is already installed\n"));
     EXPECT_TRUE(manager.calls.isEmpty());
 }
 
 TEST_F(CommandLine, SaysThatItCouldNotInstall)
 {
     manager.obeys = false;
-    run({"-i"});
-    EXPECT_EQ(exitCode, -1);
-    EXPECT_EQ(out, "");
-    EXPECT_EQ(err, "The service Bl\xe4ser could not be installed\n");
+    EXPECT_EQ(run({"-i"}), Outcome(-1, "", "The service Bl\xe4ser could not be installed\n"));
 }
 
 TEST_F(CommandLine, Uninstalls)
 {
     manager.installed = true;
     for (const char *option : {"-u", "-uninstall"}) {
-        run({option});
-        EXPECT_EQ(exitCode, 0);
-        EXPECT_EQ(out, "The service Bl\xe4ser has been uninstalled.\n");
-        EXPECT_EQ(err, "");
+        EXPECT_EQ(run({option}), Outcome(0, "The service Bl\xe4ser has been uninstalled.\n", ""));
         EXPECT_EQ(manager.calls, QStringList({"uninstall|" + name}));
     }
 }
 
 TEST_F(CommandLine, UninstallsOnlyWhatIsInstalled)
 {
-    run({"-uninstall"});
-    EXPECT_EQ(exitCode, 0);
-    EXPECT_EQ(out, "");
-    EXPECT_EQ(err, "The service Bl\xe4ser is not installed\n");
+    EXPECT_EQ(run({"-uninstall"}), Outcome(0, "", "The service Bl\xe4ser is not installed\n"));
     EXPECT_TRUE(manager.calls.isEmpty());
 }
 
@@ -162,10 +149,7 @@ TEST_F(CommandLine, SaysThatItCouldNotUninstall)
 {
     manager.installed = true;
     manager.obeys = false;
-    run({"-u"});
-    EXPECT_EQ(exitCode, -1);
-    EXPECT_EQ(out, "");
-    EXPECT_EQ(err, "The service Bl\xe4ser could not be uninstalled\n");
+    EXPECT_EQ(run({"-u"}), Outcome(-1, "", "The service Bl\xe4ser could not be uninstalled\n"));
 }
 
 TEST_F(CommandLine, PrintsItsPathAndStatus)
@@ -184,11 +168,10 @@ TEST_F(CommandLine, PrintsItsPathAndStatus)
         manager.installed = status.installed;
         manager.running = status.running;
         for (const char *option : {"-v", "-version"}) {
-            run({option});
-            EXPECT_EQ(exitCode, 0);
-            EXPECT_EQ(
-                out, std::string("The service\n\tBl\xe4ser\n\tC:\\where it is\\tarn.exe\n\n") + status.text);
-            EXPECT_EQ(err, "");
+            EXPECT_EQ(run({option}),
+                Outcome(0,
+                    std::string("The service\n\tBl\xe4ser\n\tC:\\where it is\\tarn.exe\n\n") + status.text,
+                    ""));
             EXPECT_TRUE(manager.calls.isEmpty());
         }
     }
@@ -198,9 +181,7 @@ TEST_F(CommandLine, Terminates)
 {
     const tarnTest::LogCapture log;
     for (const char *option : {"-t", "-terminate"}) {
-        run({option});
-        EXPECT_EQ(exitCode, 0);
-        EXPECT_EQ(out + err, "");
+        EXPECT_EQ(run({option}), Outcome(0, "", ""));
         EXPECT_EQ(manager.calls, QStringList({"terminate|" + name}));
     }
     EXPECT_TRUE(log.lines().isEmpty());
@@ -210,8 +191,7 @@ TEST_F(CommandLine, WarnsThatItCouldNotTerminate)
 {
     const tarnTest::LogCapture log;
     manager.obeys = false;
-    run({"-t"});
-    EXPECT_EQ(exitCode, 0);
+    EXPECT_EQ(std::get<int>(run({"-t"})), 0);
     ASSERT_EQ(log.lines().size(), 1);
     EXPECT_TRUE(log.lines().first().contains("The service could not be stopped."));
 }
@@ -222,15 +202,11 @@ TEST_F(CommandLine, PausesAndResumesWithoutAWord)
     for (const bool obeys : {true, false}) {
         manager.obeys = obeys;
         for (const char *option : {"-p", "-pause"}) {
-            run({option});
-            EXPECT_EQ(exitCode, 0);
-            EXPECT_EQ(out + err, "");
+            EXPECT_EQ(run({option}), Outcome(0, "", ""));
             EXPECT_EQ(manager.calls, QStringList({"pause|" + name}));
         }
         for (const char *option : {"-r", "-resume"}) {
-            run({option});
-            EXPECT_EQ(exitCode, 0);
-            EXPECT_EQ(out + err, "");
+            EXPECT_EQ(run({option}), Outcome(0, "", ""));
             EXPECT_EQ(manager.calls, QStringList({"resume|" + name}));
         }
     }
@@ -263,9 +239,7 @@ TEST_F(CommandLine, SendsUserCommandsWithoutAWord)
     for (const bool obeys : {true, false}) {
         manager.obeys = obeys;
         for (const auto &command : cases) {
-            run(command.words);
-            EXPECT_EQ(exitCode, 0);
-            EXPECT_EQ(out + err, "");
+            EXPECT_EQ(run(command.words), Outcome(0, "", ""));
             EXPECT_EQ(manager.calls,
                 command.sent ? QStringList({"command|" + name + '|' + command.sent}) : QStringList())
                 << command.words.back();
@@ -308,8 +282,7 @@ TEST(CommandLineCutShort, IsDoneOnlyWhereTheServiceItselfWasToRun)
 TEST_F(CommandLine, RunsWithoutTheManagerWhenItIsToldTo)
 {
     loopResult = 7;
-    run({"-exec", "-install"});
-    EXPECT_EQ(exitCode, 7);
+    EXPECT_EQ(std::get<int>(run({"-exec", "-install"})), loopResult);
     EXPECT_EQ(hostCalls, QStringList({"start", "loop"}));
     EXPECT_TRUE(manager.calls.isEmpty());
 }
@@ -329,9 +302,7 @@ TEST_F(CommandLine, AnythingElseIsTheManagersStart)
     loopResult = 3;
     for (const std::vector<std::string> &words :
         {std::vector<std::string> {}, {"-INSTALL"}, {"-I"}, {"install"}, {"-inst"}, {""}, {"more", "-i"}}) {
-        run(words);
-        EXPECT_EQ(exitCode, 3);
-        EXPECT_EQ(out + err, "");
+        EXPECT_EQ(run(words), Outcome(3, "", ""));
         EXPECT_EQ(manager.calls, QStringList({"run|" + name + "|3"}));
         EXPECT_EQ(hostCalls, QStringList({"start", "pause", "resume", "command 5", "loop", "stop"}));
     }
@@ -339,10 +310,7 @@ TEST_F(CommandLine, AnythingElseIsTheManagersStart)
 
 TEST_F(CommandLine, CannotStartWhenTheManagerHasNotStartedIt)
 {
-    run({});
-    EXPECT_EQ(exitCode, -4);
-    EXPECT_EQ(out, "");
-    EXPECT_EQ(err, "The service Bl\xe4ser could not start\n");
+    EXPECT_EQ(run({}), Outcome(-4, "", "The service Bl\xe4ser could not start\n"));
     EXPECT_TRUE(hostCalls.isEmpty());
 }
 
