@@ -136,6 +136,19 @@ protected:
     {
         return waitUntil([&] { return !IsWindow(window); }, 5000);
     }
+
+    void expectTheGpuLetGoOnAYes()
+    {
+        plugInAndPressKey();
+        const HWND window = waitForWindow();
+        EXPECT_TRUE(says(window, question));
+        press(window, IDYES);
+        EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
+        EXPECT_TRUE(waitForReport(2));
+        EXPECT_EQ(service.computer().gpuReports().gpuDriverData, GPU_PRESENT | GPU_DRIVER_INSTALLED);
+        EXPECT_FALSE(gpu().started);
+        EXPECT_TRUE(service.log().contains("GraphicsActive_log & GraphicsDisengaged_log: click yes!!!"));
+    }
 };
 
 class GuiProgramOfAService : public GuiProgram
@@ -163,28 +176,12 @@ TEST(GuiProgramFile, CarriesItsManifest)
 
 TEST_F(GuiProgram, LetsTheGpuGoOnAYes)
 {
-    plugInAndPressKey();
-    const HWND window = waitForWindow();
-    EXPECT_TRUE(says(window, question));
-    press(window, IDYES);
-    EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
-    EXPECT_TRUE(waitForReport(2));
-    EXPECT_EQ(service.computer().gpuReports().gpuDriverData, GPU_PRESENT | GPU_DRIVER_INSTALLED);
-    EXPECT_FALSE(gpu().started);
-    EXPECT_TRUE(service.log().contains("GraphicsActive_log & GraphicsDisengaged_log: click yes!!!"));
+    expectTheGpuLetGoOnAYes();
 }
 
 TEST_F(GuiProgramOfAService, LetsTheGpuGoOnAYes)
 {
-    plugInAndPressKey();
-    const HWND window = waitForWindow();
-    EXPECT_TRUE(says(window, question));
-    press(window, IDYES);
-    EXPECT_TRUE(client.waitForNotification("disengagedGraphics", ""));
-    EXPECT_TRUE(waitForReport(2));
-    EXPECT_EQ(service.computer().gpuReports().gpuDriverData, GPU_PRESENT | GPU_DRIVER_INSTALLED);
-    EXPECT_FALSE(gpu().started);
-    EXPECT_TRUE(service.log().contains("GraphicsActive_log & GraphicsDisengaged_log: click yes!!!"));
+    expectTheGpuLetGoOnAYes();
 }
 
 // Closing the window from outside works at once, before it takes answers.

@@ -1,5 +1,4 @@
-#include "ec_stand_in.h"
-#include "power_mode_fixture.h"
+#include "unexpected_results_fixture.h"
 
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
@@ -112,20 +111,7 @@ TEST_F(PowerControlMode, WorksAgainAfterAFailure)
     EXPECT_EQ(manager->setEcPowerCtrlMode(1), 0);
 }
 
-// A driver that gives results outside the known ones.
-class UnexpectedControlModeResults : public tarnTest::EcLockTest
-{
-protected:
-    UnexpectedControlModeResults()
-        : ec(tarnTest::EcStandIn::install())
-        , manager(tarnAccessoryManager::EcPowerModeManager::instance())
-    {
-        machine.log.clear();
-    }
-
-    tarnTest::EcStandIn *ec;
-    tarnAccessoryManager::EcPowerModeManager *manager;
-};
+using UnexpectedControlModeResults = tarnTest::UnexpectedResultsTest;
 
 TEST_F(UnexpectedControlModeResults, OfTheWrite)
 {

@@ -1,5 +1,4 @@
-#include "ec_stand_in.h"
-#include "power_mode_fixture.h"
+#include "unexpected_results_fixture.h"
 
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
@@ -215,20 +214,7 @@ TEST_F(PowerProfileFailures, EveryReadBackElevenWattsOffFailsAtTheFirst)
     EXPECT_EQ(manager->setEcPowerModeHigh(), 0);
 }
 
-// A driver that gives results outside the known ones.
-class UnexpectedPowerResults : public tarnTest::EcLockTest
-{
-protected:
-    UnexpectedPowerResults()
-        : ec(tarnTest::EcStandIn::install())
-        , manager(tarnAccessoryManager::EcPowerModeManager::instance())
-    {
-        machine.log.clear();
-    }
-
-    tarnTest::EcStandIn *ec;
-    tarnAccessoryManager::EcPowerModeManager *manager;
-};
+using UnexpectedPowerResults = tarnTest::UnexpectedResultsTest;
 
 TEST_F(UnexpectedPowerResults, OfAWriteAreAFailedWrite)
 {

@@ -6,6 +6,19 @@
 using namespace tarnClientTest;
 using std::chrono::milliseconds;
 
+namespace {
+
+// Has a service answer each request and say something of its own soon after.
+void notifyAfterAnswer(FakeService &service)
+{
+    service.onRequest([&service](const QJsonObject &request) {
+        service.answer(request, "data", "x");
+        service.later(milliseconds(50), [&service] { service.notify("b", "2"); });
+    });
+}
+
+} // namespace
+
 TEST(TarnctlRawTest, SendsTheBytesAndPrintsWhatComesBack)
 {
     FakeService service;
@@ -65,10 +78,7 @@ TEST(TarnctlRawTest, ShowsGarbageOnTheErrorOutput)
 TEST(TarnctlRawTest, CountGoesOnPastTheAnswer)
 {
     FakeService service;
-    service.onRequest([&service](const QJsonObject &request) {
-        service.answer(request, "data", "x");
-        service.later(milliseconds(50), [&service] { service.notify("b", "2"); });
-    });
+    notifyAfterAnswer(service);
     const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--count", "2"});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.output, "{\"cmd\":\"a\",\"data\":\"x\"}\n{\"cmd\":\"b\",\"data\":\"2\"}\n");
@@ -77,10 +87,7 @@ TEST(TarnctlRawTest, CountGoesOnPastTheAnswer)
 TEST(TarnctlRawTest, ForListensThatLong)
 {
     FakeService service;
-    service.onRequest([&service](const QJsonObject &request) {
-        service.answer(request, "data", "x");
-        service.later(milliseconds(50), [&service] { service.notify("b", "2"); });
-    });
+    notifyAfterAnswer(service);
     const ToolRun run = runTool(service, {"raw", R"({"cmd":"a"})", "--for", "2"});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.output.count('\n'), 2);

@@ -35,7 +35,29 @@ protected:
     }
     const QString commandWritten =
         "GraphicsActive_log: Successed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ";
-    static QStringList report(const char *state) { return {QString("W 04B1 %1").arg(state), "W 04B0 10"}; }
+    static constexpr int noGpu = 0;
+    static QString stateWritten(int state)
+    {
+        return QString("W 04B1 %1").arg(state, 2, 16, QLatin1Char('0'));
+    }
+    static QStringList report(int state) { return {stateWritten(state), "W 04B0 10"}; }
+
+    // The activation fails, and its report of this state too, first the state and then the command.
+    void expectFailedReportsLogged(int state)
+    {
+        machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
+        EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+        EXPECT_TRUE(machine.traffic().isEmpty());
+        EXPECT_EQ(steps().last(),
+            QString("W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  %1 to XEC_APP_CMD_DATA0. ")
+                .arg(state));
+        machine.faults().clear();
+        machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
+        EXPECT_EQ(manager->graphicsActiveProcess(), -1);
+        EXPECT_EQ(machine.traffic(), QStringList({stateWritten(state)}));
+        EXPECT_EQ(
+            steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
+    }
 };
 
 TEST_F(GpuActivation, BringsTheGpuUpAndTellsTheEc)
@@ -58,7 +80,7 @@ TEST_F(GpuActivation, LeavesARunningGpuAsItIs)
     setCondition("gpu", true, noProblem);
     fail(Fault::FailDeviceEnable, "gpu");
     EXPECT_EQ(manager->graphicsActiveProcess(), 0);
-    EXPECT_EQ(machine.traffic(), report("07"));
+    EXPECT_EQ(machine.traffic(), report(gpuActive));
     EXPECT_EQ(steps().filter("Enabled"), QStringList());
 }
 
@@ -68,14 +90,14 @@ TEST_F(GpuActivation, ReportsTheGpuAsActiveThoughItHasNotStartedYet)
     setCondition("gpu", false, noDriverInstalled);
     EXPECT_EQ(manager->graphicsActiveProcess(), 0);
     EXPECT_FALSE(device("gpu").started);
-    EXPECT_EQ(machine.traffic(), report("07"));
+    EXPECT_EQ(machine.traffic(), report(gpuActive));
 }
 
 TEST_F(GpuActivation, ShowsThatTheDriverIsMissing)
 {
     rename("gpu", "Microsoft Basic Display Adapter");
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report("01"));
+    EXPECT_EQ(machine.traffic(), report(gpuWithoutDriver));
     EXPECT_EQ(session.shown, QStringList({"detached --graphics-driver-error"}));
     EXPECT_EQ(steps(),
         beginning(gpuWithoutDriver)
@@ -89,7 +111,7 @@ TEST_F(GpuActivation, LeavesTheMissingDriverToTheClientWhileItRuns)
     processes.programs << "TARN.EXE";
     rename("gpu", "Microsoft Basic Display Adapter");
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report("01"));
+    EXPECT_EQ(machine.traffic(), report(gpuWithoutDriver));
     EXPECT_TRUE(session.shown.isEmpty());
     EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the driver error popup."));
     EXPECT_TRUE(machine.log.contains("\"Tarn.exe\"  is running."));
@@ -109,7 +131,7 @@ protected:
 TEST_F(AbsentDevice, IsShownAndReported)
 {
     EXPECT_EQ(absent.graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report("00"));
+    EXPECT_EQ(machine.traffic(), report(noGpu));
     EXPECT_EQ(session.shown, QStringList({"detached --graphics-device-error"}));
     EXPECT_TRUE(machine.log.contains("W: GraphicsActive_log: Graphics does not exist!"));
     EXPECT_TRUE(machine.log.contains("Tarn.exe is not running, shou the device error popup."));
@@ -119,7 +141,7 @@ TEST_F(AbsentDevice, IsLeftToTheClientWhileItRuns)
 {
     processes.programs << "Tarn.exe";
     EXPECT_EQ(absent.graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report("00"));
+    EXPECT_EQ(machine.traffic(), report(noGpu));
     EXPECT_TRUE(session.shown.isEmpty());
     EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the device error popup."));
 }
@@ -131,7 +153,7 @@ TEST_P(FailedDriver, NeedsThePatchAndIsReportedAsNotStarted)
 {
     setCondition("gpu", true, GetParam()); // the bit of the report is cleared whatever the status says
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report("03"));
+    EXPECT_EQ(machine.traffic(), report(gpuNotStarted));
     EXPECT_EQ(session.shown, QStringList({"detached --graphics-patch-error"}));
     EXPECT_EQ(steps(),
         beginning(gpuActive)
@@ -146,7 +168,7 @@ TEST_F(GpuActivation, LeavesTheFailedDriverToTheClientWhileItRuns)
     processes.programs << "Tarn.exe";
     setCondition("gpu", false, failedPostStart);
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report("03"));
+    EXPECT_EQ(machine.traffic(), report(gpuNotStarted));
     EXPECT_TRUE(session.shown.isEmpty());
     EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the patch error popup."));
 }
@@ -211,31 +233,13 @@ TEST_F(GpuActivation, SaysWhatItWaitsForBeforeItWaits)
 TEST_F(GpuActivation, AFailedReportOfAMissingDriverIsLogged)
 {
     rename("gpu", "Microsoft Basic Display Adapter");
-    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
-    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_TRUE(machine.traffic().isEmpty());
-    EXPECT_EQ(steps().last(),
-        "W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  1 to XEC_APP_CMD_DATA0. ");
-    machine.faults().clear();
-    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
-    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), QStringList({"W 04B1 01"}));
-    EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
+    expectFailedReportsLogged(gpuWithoutDriver);
 }
 
 TEST_F(GpuActivation, AFailedReportOfAFailedDriverIsLogged)
 {
     setCondition("gpu", false, failedPostStart);
-    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
-    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_TRUE(machine.traffic().isEmpty());
-    EXPECT_EQ(steps().last(),
-        "W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  3 to XEC_APP_CMD_DATA0. ");
-    machine.faults().clear();
-    machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
-    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), QStringList({"W 04B1 03"}));
-    EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
+    expectFailedReportsLogged(gpuNotStarted);
 }
 
 // The end of the process waits for an unfinished step, so the EC hears of a GPU that has been enabled.
@@ -256,7 +260,7 @@ TEST_F(GpuActivation, AStopDuringTheEnablingIsHeardAfterTheReport)
     EXPECT_EQ(manager->graphicsActiveProcess(), 0);
     EXPECT_TRUE(during);
     EXPECT_FALSE(before || tarnPlatform::UnfinishedStep::any());
-    EXPECT_EQ(machine.traffic(), report("07"));
+    EXPECT_EQ(machine.traffic(), report(gpuActive));
 }
 
 // Between the look after the pause and the switching lie several lists of devices.

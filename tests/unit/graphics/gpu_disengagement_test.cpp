@@ -44,6 +44,7 @@ protected:
     const QStringList failed {"W: GraphicsDisengaged_log: handle gpukeyevent to set gpu state failed.",
         "W: GraphicsDisengaged_log: Graphics disengagement process failed."};
     const QStringList eventTaken {"R 04A4 11", "W 04A4 00"};
+    const QString nothingDone = "GraphicsDisengaged_log: do nothing to gpu.";
     const QString disabled = "GraphicsDisengaged_log: Disabled 4060 series GPU at index 1";
     const QString endsNow = "W: GraphicsDisengaged_log: The service ends, so the gpu is not disabled.";
     const QString clientNotice = tarnTest::notification("disengagedGraphics", "");
@@ -111,9 +112,7 @@ TEST_F(Disengagement, WithoutARequestOnlyReportsTheState)
     pressKey(0xFB); // every bit but that of the request
     EXPECT_TRUE(session.shown.isEmpty());
     EXPECT_EQ(machine.traffic(), eventTaken + QStringList({"R 04A5 FB", "W 04B1 07", "W 04B0 10"}));
-    EXPECT_EQ(steps(),
-        beginning + stateRead + QStringList({"GraphicsDisengaged_log: do nothing to gpu."})
-            + written(gpuActive) + finished);
+    EXPECT_EQ(steps(), beginning + stateRead + QStringList({nothingDone}) + written(gpuActive) + finished);
 }
 
 TEST_F(Disengagement, AFailedDisableIsShownAndNotReported)
@@ -182,17 +181,22 @@ TEST_F(Disengagement, AFailedDataByteKeepsTheCommandBack)
     machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
     pressKey(0);
     EXPECT_EQ(machine.traffic(), eventTaken + QStringList({"R 04A5 00"}));
-    EXPECT_EQ(
-        steps().at(6), "W: GraphicsDisengaged_log: Failed to write gpuDriverData:  7 to XEC_APP_CMD_DATA0. ");
-    EXPECT_EQ(steps().mid(7), failed);
+    EXPECT_EQ(steps(),
+        beginning + stateRead
+            + QStringList({nothingDone,
+                "W: GraphicsDisengaged_log: Failed to write gpuDriverData:  7 to XEC_APP_CMD_DATA0. "})
+            + failed);
 }
 
 TEST_F(Disengagement, AFailedCommandIsAFailureThatIsShown)
 {
     machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
     pressKey(0);
-    EXPECT_EQ(steps().at(7), "W: GraphicsDisengaged_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
-    EXPECT_EQ(steps().mid(8), failed);
+    EXPECT_EQ(steps(),
+        beginning + stateRead
+            + QStringList({nothingDone, written(gpuActive).first(),
+                "W: GraphicsDisengaged_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. "})
+            + failed);
 }
 
 TEST_F(Disengagement, IsRefusedWhileOneRuns)
