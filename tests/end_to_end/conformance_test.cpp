@@ -29,12 +29,15 @@ QStringList dialogueLines(const QString &name)
 // No command is left out.
 TEST(ConformanceDialogues, AskForEveryCommand)
 {
+    const QString answerMark = "<- ";
     QSet<QString> answered;
     for (const char *name : dialogueNames) {
         QString previous;
         for (const QString &line : dialogueLines(QString::fromUtf8(name))) {
-            if (previous.startsWith("->") && line.startsWith("<- "))
-                answered += QJsonDocument::fromJson(line.sliced(3).toUtf8()).object().value("cmd").toString();
+            if (previous.startsWith("->") && line.startsWith(answerMark)) {
+                const QByteArray answer = line.sliced(answerMark.size()).toUtf8();
+                answered += QJsonDocument::fromJson(answer).object().value("cmd").toString();
+            }
             previous = line;
         }
     }

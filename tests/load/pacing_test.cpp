@@ -51,10 +51,11 @@ protected:
     // What the server says to have sent since the last call, empty messages left out.
     QList<int> sentNumbers()
     {
+        const QString sentMark = QStringLiteral("send");
         QList<int> numbers;
         for (const QString &line : machine.log.lines()) {
-            if (line.startsWith(QStringLiteral("send")) && line.endsWith(QLatin1Char(';')))
-                numbers << line.mid(4, line.size() - 5).toInt();
+            if (line.startsWith(sentMark) && line.endsWith(QLatin1Char(';')))
+                numbers << line.sliced(sentMark.size()).chopped(1).toInt();
         }
         return numbers;
     }

@@ -112,9 +112,10 @@ TEST(TarnctlOneShotTest, SplitDocument)
     FakeService service;
     service.onRequest([&service](const QJsonObject &request) {
         const QByteArray answer = compact(withField(request, "data", "1.23"));
-        service.write(answer.left(9));
-        service.later(milliseconds(30), [&service, answer] { service.write(answer.mid(9, 11)); });
-        service.later(milliseconds(60), [&service, answer] { service.write(answer.mid(20)); });
+        const qsizetype part = answer.size() / 3;
+        service.write(answer.left(part));
+        service.later(milliseconds(30), [&service, answer, part] { service.write(answer.mid(part, part)); });
+        service.later(milliseconds(60), [&service, answer, part] { service.write(answer.mid(2 * part)); });
     });
     EXPECT_EQ(runTool(service, {"getMcuVersion"}).output, "1.23\n");
 }
