@@ -1,5 +1,8 @@
 #include "conformance/text_catalogue.h"
 
+#include "accessory/power_profiles.h"
+#include "device/monitor/accessory_table.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -10,6 +13,53 @@ const QString reasonMark = QStringLiteral(" not here: ");
 
 const QStringList kinds = {"debug", "warning", "fatal", "out", "err", "exit", "reply", "notification", "file",
     "name", "started", "device", "manager", "event", "desktop"};
+
+// The words that a place in a line stands for.
+struct WordList
+{
+    QString place;
+    QStringList words;
+};
+
+WordList profileNames()
+{
+    WordList list {QStringLiteral("{profile}"), {}};
+    for (const auto &profile : tarnAccessoryManager::powerProfiles)
+        list.words << QString::fromLatin1(profile.name);
+    return list;
+}
+
+WordList profileNumbers()
+{
+    WordList list {QStringLiteral("{profile number}"), {}};
+    for (const auto &profile : tarnAccessoryManager::powerProfiles)
+        list.words << QString::number(profile.number);
+    return list;
+}
+
+WordList accessoryNames()
+{
+    WordList list {QStringLiteral("{accessory}"), {}};
+    for (const auto &kind : tarnDeviceInfos::accessoryTable)
+        list.words << QString::fromLatin1(kind.name);
+    list.words.removeDuplicates();
+    return list;
+}
+
+// A text for each word of the list whose place is in the text.
+QStringList eachOf(const QString &text)
+{
+    static const WordList lists[] = {profileNames(), profileNumbers(), accessoryNames()};
+    for (const WordList &list : lists) {
+        if (!text.contains(list.place))
+            continue;
+        QStringList texts;
+        for (const QString &word : list.words)
+            texts << QString(text).replace(list.place, word);
+        return texts;
+    }
+    return {text};
+}
 
 } // namespace
 
@@ -28,9 +78,9 @@ std::vector<CatalogueText> readCatalogueLines(const QString &group, const QStrin
             error = QStringLiteral("%1: not a text of the catalogue: %2").arg(group, line);
             return {};
         }
-        const QString text = quoted.sliced(1, quoted.size() - 2);
         const QString reason = mark < 0 ? QString() : line.sliced(mark + 1 + reasonMark.size());
-        texts.push_back({group, kind, text, reason, TextPattern(text)});
+        for (const QString &text : eachOf(quoted.sliced(1, quoted.size() - 2)))
+            texts.push_back({group, kind, text, reason, TextPattern(text)});
     }
     return texts;
 }

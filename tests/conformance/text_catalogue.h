@@ -9,7 +9,8 @@ namespace tarnTest {
 // One text that the service says or takes. A line of the catalogue reads
 //     warning "set ec PL1 to  {number}  failed when write."
 // and goes on after the closing quote with " not here: " and the reason where no test of this system can see
-// it.
+// it. A line with {profile}, {profile number} or {accessory} is a text for each of those that the service
+// knows.
 struct CatalogueText
 {
     QString group; // name of the file

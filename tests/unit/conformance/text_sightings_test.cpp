@@ -52,6 +52,23 @@ protected:
     QStringList tests; // that saw the first text
 };
 
+TEST_F(TextSightings, AskForEachWordThatAPlaceStandsFor)
+{
+    const auto unseen = [](const char *text) {
+        return QString("no test saw group: debug \"%1\"").arg(text);
+    };
+    QStringList said = complaints({"debug \"to {accessory} now\""}, "test\tA.a\ndebug\tto dock now\n");
+    EXPECT_TRUE(said.contains(unseen("to graphics now")));
+    EXPECT_FALSE(said.contains(unseen("to dock now")));
+    EXPECT_EQ(said.count(unseen("to graphics now")), 1); // although two accessories have this name
+    said = complaints({"debug \"{profile} {number}\""}, "test\tA.a\ndebug\thigh 12\n");
+    EXPECT_TRUE(said.contains(unseen("low {number}")));
+    EXPECT_FALSE(said.contains(unseen("high {number}")));
+    said = complaints({"debug \"is {profile number}\""}, "test\tA.a\ndebug\tis 0\ndebug\tis 3\n");
+    EXPECT_TRUE(said.contains(unseen("is 1")));
+    EXPECT_FALSE(said.contains(unseen("is 0")));
+}
+
 TEST_F(TextSightings, NameTheTextsThatNoTestSaw)
 {
     const QStringList catalogue {"# a comment", "", "debug \"said \"twice\" \"", "reply \"never {number}\""};
