@@ -23,6 +23,8 @@ constexpr milliseconds deviceTimeout = seconds(60);
 // About 9 s of switching and up to three runs of a flasher over a serial line.
 constexpr milliseconds firmwareTimeout = minutes(15);
 
+const QList<L> profileWords {L("high"), L("balance"), L("low")};
+
 DataRule choice(QList<QLatin1StringView> words)
 {
     return DataRule {DataKind::Choice, std::move(words)};
@@ -80,7 +82,7 @@ const QList<CommandEntry> rows {
         .name = L("powerModeControl"),
         .summary = L("Applies a power profile (package power limits and fan mode)"),
         .concerns = L("this computer"),
-        .data = choice({L("first"), L("last"), L("high"), L("balance"), L("low")}),
+        .data = choice(QList<L> {L("first"), L("last")} + profileWords),
         .answerKeys = {L("result")},
         .answerMeaning = L("successed or failed; for \"first\" the number of the profile in force: 0 "
                            "high, 1 balance, 2 low, negative when restoring it failed"),
@@ -232,7 +234,7 @@ const QList<CommandEntry> rows {
         .name = L("setTarnPowerMode"),
         .summary = L("Selects the power mode in the EC"),
         .concerns = L("this computer"),
-        .data = choice({L("high"), L("balance"), L("low")}),
+        .data = choice(profileWords),
         .answerKeys = {L("result")},
         .answerMeaning = L("successed or failed"),
         .outcomeKey = L("result"),

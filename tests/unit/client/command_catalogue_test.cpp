@@ -1,5 +1,7 @@
+#include "accessory/power_profiles.h"
 #include "client/command_check.h"
 #include "client/help_text.h"
+#include "device/monitor/accessory_table.h"
 #include "tool_run.h"
 
 #include <gtest/gtest.h>
@@ -64,6 +66,36 @@ TEST(TarnctlCatalogueTest, OutcomeKeysFollowTheKindOfCommand)
     for (const char *name : {"requestMcuUpdate", "requestEnterMcuUpdateMode", "requestStartEcUpdate",
              "requestEcUpdate", "getSmartChargingStatus"}) {
         EXPECT_EQ(tarnClient::findCommand(name)->outcomeKey, QLatin1StringView("data")) << name;
+    }
+}
+
+// The tool's rows are its own; here they are compared with the tables of the service.
+TEST(TarnctlCatalogueTest, KnowsTheProfilesOfTheService)
+{
+    QList<QLatin1StringView> names;
+    QStringList numbered;
+    for (const auto &profile : tarnAccessoryManager::powerProfiles) {
+        names << QLatin1StringView(profile.name);
+        numbered << QString("%1 %2").arg(profile.number).arg(profile.name);
+    }
+    EXPECT_EQ(tarnClient::findCommand("setTarnPowerMode")->data.choices, names);
+    const CommandEntry &control = *tarnClient::findCommand("powerModeControl");
+    EXPECT_EQ(control.data.choices, QList({QLatin1StringView("first"), QLatin1StringView("last")}) + names);
+    EXPECT_TRUE(fromRow(control.answerMeaning).contains(numbered.join(", ")));
+    const QString meaning = fromRow(tarnClient::findCommand("getTarnPowerMode")->answerMeaning);
+    for (const QLatin1StringView &name :
+        names + QList({QLatin1StringView(tarnAccessoryManager::noProfileName)}))
+        EXPECT_TRUE(meaning.contains(name)) << name.data();
+}
+
+TEST(TarnctlCatalogueTest, KnowsTheAccessoriesOfTheService)
+{
+    const QString types = fromRow(tarnClient::findCommand("getAccessoryType")->answerMeaning);
+    const QString codes = fromRow(tarnClient::findCommand("getAccessoryCode")->answerMeaning);
+    EXPECT_TRUE(types.contains(tarnDeviceInfos::noAccessoryName));
+    for (const auto &kind : tarnDeviceInfos::accessoryTable) {
+        EXPECT_TRUE(types.contains(kind.name)) << kind.name;
+        EXPECT_TRUE(codes.contains(QString::number(kind.code))) << kind.name;
     }
 }
 
