@@ -4,8 +4,7 @@
 
 namespace tarnAccessoryManager {
 
-// The file that remembers the last applied profile: one character, "0", "1" or "2". Not XML, despite its
-// name.
+// The file that remembers the last applied profile: its number, one character. Not XML, despite its name.
 class PowerModeFile
 {
 public:

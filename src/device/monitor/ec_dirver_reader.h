@@ -49,7 +49,7 @@ public:
     // Asks the loop to end at its next wait or lock.
     void requestEnd() { endRequested = true; }
 
-    // "dock", "graphics", "k_vane", "disconnected", or empty for an accessory that is not known.
+    // A name of accessory_table.h, or empty for an accessory that is not known.
     [[nodiscard]] QString accessoryName() const;
     [[nodiscard]] quint8 accessoryKind() const { return mcuLinkModel; }
     // The values last sent to the client; 251 (0 for the light) when none was read yet.
