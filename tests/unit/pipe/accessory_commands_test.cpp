@@ -1,6 +1,7 @@
 #include "pipe/tarn_pipe_server.h"
 
 #include "device/ec_registers.h"
+#include "device/monitor/accessory_table.h"
 #include "device/monitor/ec_dirver_reader.h"
 #include "support/simulated_machine.h"
 
@@ -28,12 +29,13 @@ protected:
 TEST_F(AccessoryCommands, NameTheAccessory)
 {
     EXPECT_EQ(askFor("getAccessoryType"), answer("getAccessoryType", "disconnected"));
-    const std::pair<int, const char *> kinds[] = {
-        {1, "dock"}, {2, "graphics"}, {3, "graphics"}, {4, "k_vane"}, {9, ""}};
-    for (const auto &[code, name] : kinds) {
-        attach(code);
-        EXPECT_EQ(askFor("getAccessoryType"), answer("getAccessoryType", name));
+    for (const AccessoryKind &kind : accessoryTable) {
+        attach(kind.code);
+        EXPECT_EQ(askFor("getAccessoryType"), answer("getAccessoryType", kind.name));
     }
+    constexpr int unknown = 9;
+    attach(unknown);
+    EXPECT_EQ(askFor("getAccessoryType"), answer("getAccessoryType", ""));
 }
 
 TEST_F(AccessoryCommands, GiveVersionsAndCode)
@@ -42,7 +44,7 @@ TEST_F(AccessoryCommands, GiveVersionsAndCode)
     machine.state->xdata[MCU_VERSION_MINOR] = 2;
     machine.state->xdata[MCU_VERSION_PATCH] = 3;
     machine.state->xdata[HARDWARE_VERSION] = 5;
-    machine.state->xdata[ACCESSORY_CODE] = 4;
+    machine.state->xdata[ACCESSORY_CODE] = ACCESSORY_KVANE;
     EXPECT_EQ(askFor("getMcuVersion"), answer("getMcuVersion", "1.23"));
     EXPECT_EQ(askFor("getHardwareVersion"), answer("getHardwareVersion", "5"));
     EXPECT_EQ(askFor("getAccessoryCode"), answer("getAccessoryCode", "4"));
@@ -62,11 +64,12 @@ TEST_F(AccessoryCommands, AnswerWithNothingWhatTheEcDoesNotAnswer)
 
 TEST_F(AccessoryCommands, GiveWhatTheMonitorLastSent)
 {
+    constexpr const char *unread = "251";
     EXPECT_EQ(askFor("getKVaneLedLight"), answer("getKVaneLedLight", "0"));
-    EXPECT_EQ(askFor("getKvaneChargingStatus"), answer("getKvaneChargingStatus", "251"));
-    EXPECT_EQ(askFor("getKvaneBatteryNum"), answer("getKvaneBatteryNum", "251"));
-    EXPECT_EQ(askFor("getTarnChargingStatus"), answer("getTarnChargingStatus", "251"));
-    EXPECT_EQ(askFor("getTarnBatteryNum"), answer("getTarnBatteryNum", "251"));
+    EXPECT_EQ(askFor("getKvaneChargingStatus"), answer("getKvaneChargingStatus", unread));
+    EXPECT_EQ(askFor("getKvaneBatteryNum"), answer("getKvaneBatteryNum", unread));
+    EXPECT_EQ(askFor("getTarnChargingStatus"), answer("getTarnChargingStatus", unread));
+    EXPECT_EQ(askFor("getTarnBatteryNum"), answer("getTarnBatteryNum", unread));
 
     machine.state->accessory.kvaneLed = 3;
     machine.state->xdata[EC_KVANE_CHARGING_STATUS] = 2;

@@ -2,6 +2,7 @@
 
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
+#include "device/monitor/accessory_table.h"
 #include "support/queued_messages.h"
 #include "support/simulated_machine.h"
 
@@ -57,31 +58,22 @@ TEST_F(AccessoryPoll, SaysNothingWhileNothingIsAttached)
     EXPECT_EQ(machine.timeline(), QStringList({"20 R 06A0 00"}));
 }
 
-struct Attached
-{
-    int code;
-    QStringList lines;
-    const char *name;
-};
-
-class AccessoryPollOf : public AccessoryPoll, public ::testing::WithParamInterface<Attached>
+class AccessoryPollOf : public AccessoryPoll, public ::testing::WithParamInterface<AccessoryKind>
 { };
 
-INSTANTIATE_TEST_SUITE_P(Accessories, AccessoryPollOf,
-    ::testing::Values(Attached {1, {"Accessory is connected.", "now Accessory is dock"}, "dock"},
-        Attached {2, {"Accessory is connected.", "now Accessory is graphics"}, "graphics"},
-        Attached {3, {"Accessory is connected.", "now Accessory is graphics"}, "graphics"},
-        Attached {4, {"Accessory is connected.", "now Accessory is k_vane"}, "k_vane"}));
+INSTANTIATE_TEST_SUITE_P(Accessories, AccessoryPollOf, ::testing::ValuesIn(accessoryTable));
 
 TEST_P(AccessoryPollOf, AnnouncesTheAccessoryOnceAndItsLeaveOnce)
 {
-    const QStringList lines = poll(MCU_LINKED, GetParam().code);
-    EXPECT_EQ(lines.mid(lines.indexOf("Accessory is connected."), 2), GetParam().lines);
-    EXPECT_EQ(messages, QStringList({changeTo(GetParam().name)}));
-    EXPECT_EQ(reader->accessoryKind(), GetParam().code);
-    EXPECT_EQ(reader->accessoryName(), GetParam().name);
+    const AccessoryKind &kind = GetParam();
+    const QStringList lines = poll(MCU_LINKED, kind.code);
+    EXPECT_EQ(lines.mid(lines.indexOf("Accessory is connected."), 2),
+        QStringList({"Accessory is connected.", kind.foundAtChange}));
+    EXPECT_EQ(messages, QStringList({changeTo(kind.name)}));
+    EXPECT_EQ(reader->accessoryKind(), kind.code);
+    EXPECT_EQ(reader->accessoryName(), kind.name);
 
-    EXPECT_TRUE(poll(MCU_LINKED, GetParam().code).isEmpty());
+    EXPECT_TRUE(poll(MCU_LINKED, kind.code).isEmpty());
     EXPECT_TRUE(messages.isEmpty());
 
     EXPECT_EQ(poll(0), QStringList({"Accessory is disconnected."}));
@@ -128,25 +120,24 @@ TEST_F(AccessoryPoll, AChangeBetweenTheTwoBoxesIsAChange)
 
 TEST_F(AccessoryPoll, EveryChangeBetweenTwoAccessoriesIsAnnounced)
 {
-    const std::pair<int, const char *> kinds[] = {
-        {1, "dock"}, {2, "graphics"}, {3, "graphics"}, {4, "k_vane"}};
-    for (const auto &[from, fromName] : kinds) {
-        for (const auto &[to, toName] : kinds) {
-            poll(MCU_LINKED, from);
-            poll(MCU_LINKED, to);
-            EXPECT_EQ(messages, from == to ? QStringList() : QStringList({changeTo(toName)}))
-                << from << " to " << to;
+    for (const AccessoryKind &from : accessoryTable) {
+        for (const AccessoryKind &to : accessoryTable) {
+            poll(MCU_LINKED, from.code);
+            poll(MCU_LINKED, to.code);
+            EXPECT_EQ(messages, from.code == to.code ? QStringList() : QStringList({changeTo(to.name)}))
+                << from.foundAtFirst << " to " << to.foundAtFirst;
         }
     }
 }
 
 TEST_F(AccessoryPoll, KeepsAnUnknownCodeWithoutAnnouncingIt)
 {
-    EXPECT_EQ(poll(MCU_LINKED, 77), QStringList({"Accessory is connected."}));
+    constexpr int unknown = 77;
+    EXPECT_EQ(poll(MCU_LINKED, unknown), QStringList({"Accessory is connected."}));
     EXPECT_TRUE(messages.isEmpty());
-    EXPECT_EQ(reader->accessoryKind(), 77);
+    EXPECT_EQ(reader->accessoryKind(), unknown);
     EXPECT_EQ(reader->accessoryName(), "");
-    EXPECT_TRUE(poll(MCU_LINKED, 77).isEmpty());
+    EXPECT_TRUE(poll(MCU_LINKED, unknown).isEmpty());
 }
 
 TEST_F(AccessoryPoll, AFailedLinkReadCountsAsDetached)
@@ -179,11 +170,12 @@ TEST_F(AccessoryPoll, AFailedLinkReadIsAChangeThoughNothingIsAttached)
 
 TEST_F(AccessoryPoll, AFailedCodeReadIsAnUnknownAccessory)
 {
+    constexpr int unreadCode = 250;
     poll(MCU_LINKED, ACCESSORY_DOCK);
     machine.faults().switchOn(tarnSimulator::Fault::FailRead, ACCESSORY_CODE);
     poll(MCU_LINKED, ACCESSORY_DOCK);
     EXPECT_TRUE(messages.isEmpty());
-    EXPECT_EQ(reader->accessoryKind(), 250);
+    EXPECT_EQ(reader->accessoryKind(), unreadCode);
     machine.faults().clear();
     poll(MCU_LINKED, ACCESSORY_DOCK);
     EXPECT_EQ(messages, QStringList({changeTo("dock")}));

@@ -3,6 +3,7 @@
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
+#include "device/monitor/accessory_table.h"
 #include "support/queued_messages.h"
 #include "support/simulated_machine.h"
 
@@ -13,6 +14,11 @@ using tarnTest::queuedMessages;
 using tarnTest::QueueMark;
 
 namespace {
+
+constexpr int notLinked = 3; // a link status
+constexpr int unknownCode = 9;
+constexpr int unknownKind = 251;
+constexpr int unsent = 251;
 
 const QString enterLine = QStringLiteral("getAccessoryTypeForFirst Enter |");
 const QString leaveLine = QStringLiteral("getAccessoryTypeForFirst Leave |");
@@ -49,14 +55,14 @@ protected:
 
 TEST_F(FirstDetection, FindsNothingAttached)
 {
-    attach(3, ACCESSORY_DOCK); // a code without the link counts for nothing
+    attach(notLinked, ACCESSORY_DOCK); // a code without the link counts for nothing
     reader->getAccessoryTypeForFirst();
     EXPECT_EQ(machine.timeline(), QStringList({"20 R 0570 03", "40 R 050F 4D", "60 R 06A0 03"}));
     EXPECT_EQ(machine.log.lines(),
         QStringList({enterLine, "KvaneAccessoryManager object is created.", "SendQueueThread is creat!",
             "getAccessoryTypeForFirst mcuLinkStatus:  3", "Connected without accessory!", leaveLine}));
     EXPECT_EQ(queuedMessages(), hostMessages());
-    EXPECT_EQ(reader->accessoryKind(), 0);
+    EXPECT_EQ(reader->accessoryKind(), ACCESSORY_NONE);
     EXPECT_EQ(reader->accessoryName(), "disconnected");
     EXPECT_EQ(reader->sentTarnChargingStatus(), 1);
     EXPECT_EQ(reader->sentTarnBatteryNum(), 77);
@@ -66,20 +72,29 @@ TEST_F(FirstDetection, FindsNothingAttached)
 struct Found
 {
     int code;
-    const char *line;
+    QString line;
     const char *name;
     int kind;
 };
 
+namespace {
+
+std::vector<Found> foundAtFirst()
+{
+    std::vector<Found> rows;
+    for (const AccessoryKind &kind : accessoryTable)
+        rows.push_back({kind.code, kind.foundAtFirst, kind.name, kind.code});
+    for (const int code : {int(ACCESSORY_NONE), unknownCode})
+        rows.push_back({code, QString("Unknown accessory:  %1").arg(code), "", unknownKind});
+    return rows;
+}
+
+} // namespace
+
 class FirstDetectionOf : public FirstDetection, public ::testing::WithParamInterface<Found>
 { };
 
-INSTANTIATE_TEST_SUITE_P(Accessories, FirstDetectionOf,
-    ::testing::Values(Found {1, "Connected accessory is dock!", "dock", 1},
-        Found {2, "Connected accessory is graphics!", "graphics", 2},
-        Found {3, "Connected accessory is graphics16G!", "graphics", 3},
-        Found {4, "Connected accessory is k_Vane!", "k_vane", 4}, Found {0, "Unknown accessory:  0", "", 251},
-        Found {9, "Unknown accessory:  9", "", 251}));
+INSTANTIATE_TEST_SUITE_P(Accessories, FirstDetectionOf, ::testing::ValuesIn(foundAtFirst()));
 
 TEST_P(FirstDetectionOf, NamesTheAccessoryWithoutTellingTheClient)
 {
@@ -146,7 +161,7 @@ TEST_F(FirstDetection, HoldsTheEcFromItsFirstReadToItsLast)
 
 TEST_F(FirstDetection, ForgetsTheLinkStatusOfNoAccessory)
 {
-    attach(3, ACCESSORY_NONE);
+    attach(notLinked, ACCESSORY_NONE);
     reader->getAccessoryTypeForFirst();
     const QueueMark mark;
     reader->pollAccessory();
@@ -159,11 +174,11 @@ TEST_F(FirstDetection, ForgetsTheLinkStatusOfNoAccessory)
 TEST_F(FirstDetection, StartsFromItsSentinels)
 {
     EXPECT_EQ(reader->sentKVaneLedLight(), 0);
-    EXPECT_EQ(reader->sentKvaneChargingStatus(), 251);
-    EXPECT_EQ(reader->sentKvaneBatteryNum(), 251);
-    EXPECT_EQ(reader->sentTarnChargingStatus(), 251);
-    EXPECT_EQ(reader->sentTarnBatteryNum(), 251);
-    EXPECT_EQ(reader->accessoryKind(), 0);
+    EXPECT_EQ(reader->sentKvaneChargingStatus(), unsent);
+    EXPECT_EQ(reader->sentKvaneBatteryNum(), unsent);
+    EXPECT_EQ(reader->sentTarnChargingStatus(), unsent);
+    EXPECT_EQ(reader->sentTarnBatteryNum(), unsent);
+    EXPECT_EQ(reader->accessoryKind(), ACCESSORY_NONE);
     EXPECT_FALSE(reader->isEcUpdating());
 }
 
@@ -190,7 +205,7 @@ TEST_F(FirstDetection, AnUnreadableCodeIsAnUnknownAccessory)
     machine.faults().switchOn(tarnSimulator::Fault::FailRead, ACCESSORY_CODE);
     reader->getAccessoryTypeForFirst();
     EXPECT_TRUE(machine.log.contains("Unknown accessory:  0"));
-    EXPECT_EQ(reader->accessoryKind(), 251);
+    EXPECT_EQ(reader->accessoryKind(), unknownKind);
 }
 
 TEST_F(FirstDetection, DoesNothingOnceTheLockIsReleasedForTheEnd)
