@@ -1,8 +1,13 @@
 #include "end_to_end/running_service.h"
 
+#include "accessory/power_profiles.h"
 #include "device/ec_registers.h"
 
 using namespace tarnDeviceInfos;
+using tarnAccessoryManager::PowerLimits;
+using tarnAccessoryManager::PowerProfile;
+using tarnAccessoryManager::powerProfiles;
+using tarnAccessoryManager::profileOfName;
 using tarnTest::ServiceClient;
 
 class Power : public tarnTest::RunningService
@@ -21,36 +26,50 @@ protected:
             service.computer().peek(EC_POWERMODE_PL4), service.computer().peek(EC_FAN_MODE)};
     }
     using Limits = std::array<int, 4>;
+    static constexpr Limits all(const PowerLimits &watts, int fanMode)
+    {
+        return {watts.pl1, watts.pl2, watts.pl4, fanMode};
+    }
+
+    static constexpr const PowerProfile &high = *profileOfName("high");
+    static constexpr const PowerProfile &balance = *profileOfName("balance");
+    static constexpr const PowerProfile &low = *profileOfName("low");
+    static QByteArray number(const PowerProfile &profile) { return QByteArray::number(profile.number); }
+    // Answers of "first" while there is no profile to tell of.
+    static constexpr const char *neverRestored = "-10";
+    static constexpr const char *restoreFailed = "-2";
+    static constexpr int ownPl1 = 28; // the EC's
+    static constexpr const char *profileFile = "powermodeconfig.xml";
 };
 
 TEST_F(Power, AppliesAndRemembersEachProfile)
 {
-    const std::tuple<const char *, Limits, const char *> profiles[] = {
-        {"high", {45, 55, 75, 1}, "0"}, {"balance", {35, 55, 75, 0}, "1"}, {"low", {15, 55, 75, 0}, "2"}};
-    for (const auto &[name, expected, saved] : profiles) {
-        EXPECT_EQ(client.answer("powerModeControl", name), "successed");
-        EXPECT_EQ(limits(), expected) << name;
-        EXPECT_EQ(service.read("powermodeconfig.xml"), saved);
+    for (const PowerProfile &profile : powerProfiles) {
+        EXPECT_EQ(client.answer("powerModeControl", profile.name), "successed");
+        EXPECT_EQ(limits(), all(profile.fullSupply, profile.fanMode)) << profile.name;
+        EXPECT_EQ(service.read(profileFile), number(profile));
+        EXPECT_EQ(client.answer("powerModeControl", "first"), number(profile));
     }
+    const QByteArray saved = service.read(profileFile);
     EXPECT_EQ(client.answer("powerModeControl", "turbo"), "failed");
     EXPECT_EQ(client.answer("powerModeControl", "HIGH"), "failed");
     EXPECT_EQ(client.answer("powerModeControl"), "failed");
-    EXPECT_EQ(service.read("powermodeconfig.xml"), "2");
+    EXPECT_EQ(service.read(profileFile), saved);
 }
 
 TEST_F(Power, FailsUntilTheClientHasStartedAndOnceItHasEnded)
 {
     service.computer().setPowerControl(PL_CTRL_AUTO);
     EXPECT_EQ(client.answer("powerModeControl", "high"), "failed");
-    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), 28); // the EC's own limit
-    EXPECT_EQ(service.read("powermodeconfig.xml"), "");
-    EXPECT_EQ(client.answer("powerModeControl", "first"), "1");
+    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), ownPl1);
+    EXPECT_EQ(service.read(profileFile), "");
+    EXPECT_EQ(client.answer("powerModeControl", "first"), number(balance));
     EXPECT_EQ(client.answer("powerModeControl", "high"), "successed");
-    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), 45);
+    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), high.fullSupply.pl1);
 
     client.write(R"({"cmd":"powerModeControl","data":"last"})");
     EXPECT_TRUE(service.waitForLog("app is closing now."));
-    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), 28);
+    EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL1_CHECK), ownPl1);
     EXPECT_EQ(client.answer("powerModeControl", "high"), "failed");
 }
 
@@ -58,11 +77,11 @@ TEST_F(Power, FollowsTheSupply)
 {
     service.computer().setPowerSupplyMode(1);
     EXPECT_EQ(client.answer("powerModeControl", "high"), "successed");
-    EXPECT_EQ(limits(), (Limits {30, 30, 55, 1}));
+    EXPECT_EQ(limits(), all(high.weakSupply, high.fanMode));
     service.computer().setPowerSupplyMode(3);
     service.computer().setKvaneCharging(1); // any bit counts here
     EXPECT_EQ(client.answer("powerModeControl", "high"), "successed");
-    EXPECT_EQ(limits(), (Limits {28, 35, 90, 0}));
+    EXPECT_EQ(limits(), all(high.kvaneCharging, high.fanModeOnKvane));
 }
 
 TEST_F(Power, SurvivesARestartAndTheClientsComingAndGoing)
@@ -75,8 +94,8 @@ TEST_F(Power, SurvivesARestartAndTheClientsComingAndGoing)
 
     ServiceClient next;
     ASSERT_TRUE(next.connectToService());
-    EXPECT_EQ(next.answer("powerModeControl", "first"), "2");
-    EXPECT_EQ(limits(), (Limits {15, 55, 75, 0}));
+    EXPECT_EQ(next.answer("powerModeControl", "first"), number(low));
+    EXPECT_EQ(limits(), all(low.fullSupply, low.fanMode));
     EXPECT_EQ(service.computer().peek(EC_POWERMODE_PL_CTRL), PL_CTRL_MANUAL);
 
     next.write(R"({"cmd":"powerModeControl","data":"last"})");
@@ -86,9 +105,9 @@ TEST_F(Power, SurvivesARestartAndTheClientsComingAndGoing)
 
 TEST_F(Power, RepairsAGarbledFileAtTheClientsStart)
 {
-    service.write("powermodeconfig.xml", "02");
-    EXPECT_EQ(client.answer("powerModeControl", "first"), "1");
-    EXPECT_EQ(service.read("powermodeconfig.xml"), "1");
+    service.write(profileFile, "02");
+    EXPECT_EQ(client.answer("powerModeControl", "first"), number(balance));
+    EXPECT_EQ(service.read(profileFile), number(balance));
     EXPECT_TRUE(service.log().contains("read from configuration file successed with unexpected data."));
 }
 
@@ -97,19 +116,23 @@ TEST_F(Power, KeepsTheFileWhenTheEcSticksInTheMiddle)
     EXPECT_EQ(client.answer("powerModeControl", "high"), "successed");
     service.breakDown("fail-write", EC_POWERMODE_PL2);
     EXPECT_EQ(client.answer("powerModeControl", "low"), "failed");
-    EXPECT_EQ(limits(), (Limits {15, 55, 75, 1})); // what was written before the failure stays
-    EXPECT_EQ(service.read("powermodeconfig.xml"), "0");
-    EXPECT_TRUE(service.log().contains("set ec PL2 to  55  failed when write."));
+    // What was written before the failure stays.
+    EXPECT_EQ(
+        limits(), (Limits {low.fullSupply.pl1, high.fullSupply.pl2, high.fullSupply.pl4, high.fanMode}));
+    EXPECT_EQ(service.read(profileFile), number(high));
+    EXPECT_TRUE(
+        service.log().contains(QString("set ec PL2 to  %1  failed when write.").arg(low.fullSupply.pl2)));
     service.repair();
     EXPECT_EQ(client.answer("powerModeControl", "low"), "successed");
-    EXPECT_EQ(limits(), (Limits {15, 55, 75, 0}));
+    EXPECT_EQ(limits(), all(low.fullSupply, low.fanMode));
 }
 
 TEST_F(Power, RefusesAReadBackOutOfTolerance)
 {
     service.breakDown("readback-offset", 11);
-    EXPECT_EQ(client.answer("powerModeControl", "balance"), "failed");
-    EXPECT_EQ(client.answer("powerModeControl", "first"), "-2");
+    for (const PowerProfile &profile : powerProfiles)
+        EXPECT_EQ(client.answer("powerModeControl", profile.name), "failed") << profile.name;
+    EXPECT_EQ(client.answer("powerModeControl", "first"), restoreFailed);
     service.breakDown("readback-offset", -10);
     EXPECT_EQ(client.answer("powerModeControl", "balance"), "successed");
 }
@@ -117,21 +140,20 @@ TEST_F(Power, RefusesAReadBackOutOfTolerance)
 TEST_F(Power, AnswersFirstWithTheOldModeWhenControlIsRefused)
 {
     service.breakDown("fail-register", EC_POWERMODE_PL_CTRL);
-    EXPECT_EQ(client.answer("powerModeControl", "first"), "-10");
+    EXPECT_EQ(client.answer("powerModeControl", "first"), neverRestored);
     service.repair();
-    EXPECT_EQ(client.answer("powerModeControl", "first"), "1");
+    EXPECT_EQ(client.answer("powerModeControl", "first"), number(balance));
 }
 
 TEST_F(Power, TellsTheEcTheUsersProfile)
 {
-    const std::pair<const char *, int> flags[] = {{"high", 4}, {"balance", 1}, {"low", 2}};
-    for (const auto &[name, flag] : flags) {
-        EXPECT_EQ(client.answer("setTarnPowerMode", name), "successed");
-        EXPECT_EQ(service.computer().peek(EC_TARN_POWER_MODE), flag);
-        EXPECT_EQ(client.answer("getTarnPowerMode"), name);
+    for (const PowerProfile &profile : powerProfiles) {
+        EXPECT_EQ(client.answer("setTarnPowerMode", profile.name), "successed");
+        EXPECT_EQ(service.computer().peek(EC_TARN_POWER_MODE), profile.ecFlag);
+        EXPECT_EQ(client.answer("getTarnPowerMode"), profile.name);
     }
     EXPECT_EQ(client.answer("setTarnPowerMode", "other"), "failed");
-    service.computer().setTarnPowerMode(0);
+    service.computer().setTarnPowerMode(0); // the flag of no profile
     EXPECT_EQ(client.answer("getTarnPowerMode"), "hide");
     service.breakDown("fail-register", EC_TARN_POWER_MODE);
     EXPECT_EQ(client.answer("setTarnPowerMode", "low"), "failed");

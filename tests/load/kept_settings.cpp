@@ -1,23 +1,38 @@
 #include "load/kept_settings.h"
 
 #include "accessory/graphics_colours.h"
+#include "accessory/power_profiles.h"
 #include "device/ec_registers.h"
 
 #include <QDir>
 #include <QFile>
 
+#include <algorithm>
+#include <array>
+
 namespace tarnLoad {
 
+using namespace tarnAccessoryManager;
 using namespace tarnDeviceInfos;
 using tarnTest::ServiceProcess;
 
 namespace {
 
-constexpr const char *profiles[] = {"high", "balance", "low"}; // by their numbers in the file
-constexpr const char *profileLimits[] = {"45/55/75/1", "35/55/75/0", "15/55/75/0"};
+constexpr auto profiles = [] {
+    std::array<const char *, std::size(powerProfiles)> names = {};
+    std::transform(std::begin(powerProfiles), std::end(powerProfiles), names.begin(),
+        [](const PowerProfile &profile) { return profile.name; });
+    return names;
+}();
+// By their numbers in the file.
+constexpr auto colours = [] {
+    std::array<const char *, graphicsOff> names = {};
+    std::transform(std::begin(graphicsColours), std::begin(graphicsColours) + graphicsOff, names.begin(),
+        [](const GraphicsColour &colour) { return colour.wireName; });
+    return names;
+}();
 constexpr const char *onOff[] = {"ON", "OFF"};
 constexpr const char *lightOnOff[] = {"on", "off"};
-constexpr const char *colours[] = {"white", "red", "yellow", "green", "cyan", "blue", "purplishred"};
 constexpr const char *firmwares[] = {"ec-1.bin", "ec-22.bin", "ec-333.bin"};
 constexpr const char *shippedFirmware = "none.bin";
 const QByteArray firmwareContent(100000, 'f'); // more than one call copies
@@ -32,9 +47,9 @@ QString profileInFile(ServiceProcess &service)
     if (!QFile::exists(service.path(QStringLiteral("powermodeconfig.xml"))))
         return {};
     const QByteArray content = service.read(QStringLiteral("powermodeconfig.xml"));
-    for (std::size_t number = 0; number < std::size(profiles); ++number) {
-        if (content == QByteArray::number(static_cast<int>(number)))
-            return QLatin1String(profiles[number]);
+    for (const PowerProfile &profile : powerProfiles) {
+        if (content == QByteArray::number(profile.number))
+            return QLatin1String(profile.name);
     }
     return quoted(content);
 }
@@ -49,16 +64,20 @@ QString smartCharging(ServiceProcess &service)
 
 QString userProfile(ServiceProcess &service)
 {
-    switch (const int flag = service.computer().peek(EC_TARN_POWER_MODE)) {
-    case 4:
-        return QStringLiteral("high");
-    case 1:
-        return QStringLiteral("balance");
-    case 2:
-        return QStringLiteral("low");
-    default:
-        return quoted(QByteArray::number(flag));
+    const int flag = service.computer().peek(EC_TARN_POWER_MODE);
+    for (const PowerProfile &profile : powerProfiles) {
+        if (flag == profile.ecFlag)
+            return QLatin1String(profile.name);
     }
+    return quoted(QByteArray::number(flag));
+}
+
+QString limitsText(std::initializer_list<int> values)
+{
+    QStringList texts;
+    for (const int value : values)
+        texts << QString::number(value);
+    return texts.join(QLatin1Char('/'));
 }
 
 QByteArray text(tarnSimulator::Colour colour)
@@ -78,7 +97,7 @@ QString dockLight(ServiceProcess &service)
 QString boxLight(ServiceProcess &service)
 {
     const tarnSimulator::Colour light = service.computer().graphicsLight();
-    for (const auto &colour : tarnAccessoryManager::graphicsColours) {
+    for (const auto &colour : graphicsColours) {
         if (light.red == colour.red && light.green == colour.green && light.blue == colour.blue)
             return QLatin1String(colour.wireName);
     }
@@ -161,19 +180,18 @@ bool isFirmwareSafe(ServiceProcess &service)
 
 QString limitsInForce(ServiceProcess &service)
 {
-    QStringList values;
-    for (std::uint16_t address : {EC_POWERMODE_PL1, EC_POWERMODE_PL2, EC_POWERMODE_PL4, EC_FAN_MODE})
-        values << QString::number(service.computer().peek(address));
-    return values.join(QLatin1Char('/'));
+    const tarnSimulator::ComputerControl &computer = service.computer();
+    return limitsText({computer.peek(EC_POWERMODE_PL1), computer.peek(EC_POWERMODE_PL2),
+        computer.peek(EC_POWERMODE_PL4), computer.peek(EC_FAN_MODE)});
 }
 
-QString limitsOfProfile(const QString &profile)
+QString limitsOfProfile(const QString &name)
 {
-    for (std::size_t number = 0; number < std::size(profiles); ++number) {
-        if (profile == QLatin1String(profiles[number]))
-            return QLatin1String(profileLimits[number]);
-    }
-    return {};
+    const PowerProfile *profile = profileOfName(name.toStdString());
+    if (!profile)
+        return {};
+    const PowerLimits &watts = profile->fullSupply;
+    return limitsText({watts.pl1, watts.pl2, watts.pl4, profile->fanMode});
 }
 
 } // namespace tarnLoad

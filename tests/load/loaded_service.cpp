@@ -1,5 +1,6 @@
 #include "load/loaded_service.h"
 
+#include "accessory/power_profiles.h"
 #include "device/ec_registers.h"
 #include "load/figure_table.h"
 #include "support/pipe_peer.h"
@@ -26,12 +27,9 @@ constexpr int threadExpiryMs = 40000;
 // An idle service takes well below one percent of a core, but its processors are shared with other tests.
 constexpr double idlePercent = 10;
 
-struct Wish
-{
-    const char *data;
-    std::uint8_t flag;
-};
-constexpr Wish wishes[] = {{"high", 4}, {"low", 2}};
+// What is asked for in turn.
+constexpr const tarnAccessoryManager::PowerProfile *wishes[] = {
+    tarnAccessoryManager::profileOfName("high"), tarnAccessoryManager::profileOfName("low")};
 
 } // namespace
 
@@ -49,12 +47,12 @@ void LoadedService::TearDown()
 
 int LoadedService::msUntilObeyed(tarnTest::ServiceClient &client)
 {
-    const Wish &wish = wishes[obeyed++ % std::size(wishes)];
+    const tarnAccessoryManager::PowerProfile &wish = *wishes[obeyed++ % std::size(wishes)];
     QElapsedTimer timer;
     timer.start();
-    client.write(QByteArray(R"({"cmd":"setTarnPowerMode","data":")") + wish.data + R"("})");
+    client.write(QByteArray(R"({"cmd":"setTarnPowerMode","data":")") + wish.name + R"("})");
     const bool done =
-        waitUntil([&] { return service.computer().peek(tarnDeviceInfos::EC_TARN_POWER_MODE) == wish.flag; },
+        waitUntil([&] { return service.computer().peek(tarnDeviceInfos::EC_TARN_POWER_MODE) == wish.ecFlag; },
             obeyBoundMs);
     return done ? static_cast<int>(timer.elapsed()) : -1;
 }

@@ -1,7 +1,16 @@
 #include "power_mode_fixture.h"
 
 using namespace tarnDeviceInfos;
+using tarnAccessoryManager::noProfile;
+using tarnAccessoryManager::PowerProfile;
+using tarnAccessoryManager::powerProfiles;
 using tarnSimulator::Fault;
+using tarnTest::balanceProfile;
+using tarnTest::highProfile;
+using tarnTest::lowProfile;
+using tarnTest::neverRestored;
+using tarnTest::numberBeyondProfiles;
+using tarnTest::usualPl1;
 
 using DevicePowerMode = tarnTest::PowerModeTest;
 
@@ -9,30 +18,43 @@ struct FlagReading
 {
     int flag;
     int profile;
-    const char *line;
+    QString line;
 };
 
 struct FlagWriting
 {
     quint32 profile;
-    const char *flag;
+    QString flag;
 };
 
 namespace {
 
-const FlagReading flagReadings[] = {
-    {0, 3, "tarn power mode is other."},
-    {1, 1, "tarn power mode is balance."},
-    {2, 2, "tarn power mode is low."},
-    {3, 3, "tarn power mode is other."},
-    {4, 0, "tarn power mode is high."},
-    {5, 3, "tarn power mode is other."},
-    {0x64, 3, "tarn power mode is other."},
-    {255, 3, "tarn power mode is other."},
-};
+constexpr const char *unknownFlag = "64";
 
-const FlagWriting flagWritings[] = {
-    {0, "04"}, {1, "01"}, {2, "02"}, {3, "64"}, {4, "64"}, {7, "64"}, {256, "64"}, {0xFFFFFFFF, "64"}};
+QString hexByte(int value)
+{
+    return QString("%1").arg(value, 2, 16, QLatin1Char('0')).toUpper();
+}
+
+std::vector<FlagReading> flagReadings()
+{
+    std::vector<FlagReading> rows;
+    for (const PowerProfile &profile : powerProfiles)
+        rows.push_back({profile.ecFlag, profile.number, QString("tarn power mode is %1.").arg(profile.name)});
+    for (const int flag : {0, 3, 5, 0x64, 255})
+        rows.push_back({flag, noProfile, "tarn power mode is other."});
+    return rows;
+}
+
+std::vector<FlagWriting> flagWritings()
+{
+    std::vector<FlagWriting> rows;
+    for (const PowerProfile &profile : powerProfiles)
+        rows.push_back({static_cast<quint32>(profile.number), hexByte(profile.ecFlag)});
+    for (const quint32 number : {3U, numberBeyondProfiles, 99U, 256U, 0xFFFFFFFFU})
+        rows.push_back({number, unknownFlag});
+    return rows;
+}
 
 } // namespace
 
@@ -43,8 +65,7 @@ TEST_P(DevicePowerModeReadings, TranslatesTheFlag)
 {
     setRegister(EC_TARN_POWER_MODE, static_cast<quint8>(GetParam().flag));
     EXPECT_EQ(manager->getTarnPowerMode(), GetParam().profile);
-    EXPECT_EQ(machine.timeline(),
-        QStringList({QString("20 R 04FE %1").arg(GetParam().flag, 2, 16, QLatin1Char('0')).toUpper()}));
+    EXPECT_EQ(machine.timeline(), QStringList({QString("20 R 04FE ") + hexByte(GetParam().flag)}));
     EXPECT_EQ(elapsed(), 20);
     EXPECT_EQ(machine.log.lines(),
         QStringList({"ready to get tarn power mode.", "begin to get tarn power mode.",
@@ -53,7 +74,7 @@ TEST_P(DevicePowerModeReadings, TranslatesTheFlag)
     EXPECT_TRUE(lockHeldThroughout());
 }
 
-INSTANTIATE_TEST_SUITE_P(Flags, DevicePowerModeReadings, ::testing::ValuesIn(flagReadings),
+INSTANTIATE_TEST_SUITE_P(Flags, DevicePowerModeReadings, ::testing::ValuesIn(flagReadings()),
     [](const auto &row) { return "Flag" + std::to_string(row.param.flag); });
 
 class DevicePowerModeWritings : public DevicePowerMode, public ::testing::WithParamInterface<FlagWriting>
@@ -72,13 +93,13 @@ TEST_P(DevicePowerModeWritings, TranslatesTheProfileAndReadsItBack)
     EXPECT_TRUE(lockHeldThroughout());
 }
 
-INSTANTIATE_TEST_SUITE_P(Profiles, DevicePowerModeWritings, ::testing::ValuesIn(flagWritings),
+INSTANTIATE_TEST_SUITE_P(Profiles, DevicePowerModeWritings, ::testing::ValuesIn(flagWritings()),
     [](const auto &row) { return "Profile" + std::to_string(row.param.profile); });
 
 TEST_F(DevicePowerMode, AFlagThatCannotBeReadIsOther)
 {
     machine.faults().switchOn(Fault::FailRead, EC_TARN_POWER_MODE);
-    EXPECT_EQ(manager->getTarnPowerMode(), 3);
+    EXPECT_EQ(manager->getTarnPowerMode(), noProfile);
     EXPECT_EQ(machine.log.lines(),
         QStringList({"ready to get tarn power mode.", "begin to get tarn power mode."})
             + tarnTest::unansweredRead + QStringList({"get tarn power mode failed."}));
@@ -88,7 +109,7 @@ TEST_F(DevicePowerMode, AFlagThatCannotBeReadIsOther)
 TEST_F(DevicePowerMode, AFailedWriteIsNotReadBack)
 {
     machine.faults().switchOn(Fault::FailWrite, EC_TARN_POWER_MODE);
-    EXPECT_FALSE(manager->setTarnPowerMode(0));
+    EXPECT_FALSE(manager->setTarnPowerMode(highProfile));
     EXPECT_TRUE(machine.traffic().isEmpty());
     EXPECT_EQ(reg(EC_TARN_POWER_MODE), TARN_POWER_MODE_BALANCE);
     EXPECT_EQ(machine.log.lines(),
@@ -100,7 +121,7 @@ TEST_F(DevicePowerMode, AFailedWriteIsNotReadBack)
 TEST_F(DevicePowerMode, AFailedReadBackFails)
 {
     machine.faults().switchOn(Fault::FailRead, EC_TARN_POWER_MODE);
-    EXPECT_FALSE(manager->setTarnPowerMode(0));
+    EXPECT_FALSE(manager->setTarnPowerMode(highProfile));
     EXPECT_EQ(machine.timeline(), QStringList({"20 W 04FE 04"}));
     EXPECT_EQ(machine.log.lines(),
         QStringList({"ready to set tarn power mode.", "begin to set tarn power mode."})
@@ -112,14 +133,14 @@ TEST_F(DevicePowerMode, AFailedReadBackFails)
 TEST_F(DevicePowerMode, AFailedReadBackOfAnUnknownRequestFailsToo)
 {
     machine.faults().switchOn(Fault::FailRead, EC_TARN_POWER_MODE);
-    EXPECT_FALSE(manager->setTarnPowerMode(7));
+    EXPECT_FALSE(manager->setTarnPowerMode(numberBeyondProfiles));
 }
 
 TEST_F(DevicePowerMode, AnotherFlagThanWrittenFails)
 {
     machine.clock.at(
         tarnTest::milliseconds(25), [this] { setRegister(EC_TARN_POWER_MODE, TARN_POWER_MODE_LOW); });
-    EXPECT_FALSE(manager->setTarnPowerMode(0));
+    EXPECT_FALSE(manager->setTarnPowerMode(highProfile));
     EXPECT_EQ(machine.timeline(), QStringList({"20 W 04FE 04", "50 R 04FE 02"}));
     EXPECT_EQ(machine.log.lines(),
         QStringList({"ready to set tarn power mode.", "begin to set tarn power mode.",
@@ -130,16 +151,16 @@ TEST_F(DevicePowerMode, AnotherFlagThanWrittenFails)
 TEST_F(DevicePowerMode, AnECThatDropsAnUnknownFlagFails)
 {
     machine.clock.at(tarnTest::milliseconds(25), [this] { setRegister(EC_TARN_POWER_MODE, 0); });
-    EXPECT_FALSE(manager->setTarnPowerMode(7));
+    EXPECT_FALSE(manager->setTarnPowerMode(numberBeyondProfiles));
 }
 
 TEST_F(DevicePowerMode, IsIndependentOfTheLimits)
 {
-    ASSERT_TRUE(manager->setTarnPowerMode(0));
+    ASSERT_TRUE(manager->setTarnPowerMode(highProfile));
     ASSERT_EQ(manager->setEcPowerModeLow(), 0);
-    EXPECT_EQ(manager->getTarnPowerMode(), 0);
-    ASSERT_TRUE(manager->setTarnPowerMode(1));
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), 15);
-    EXPECT_EQ(manager->currentPowerMode(), -10);
+    EXPECT_EQ(manager->getTarnPowerMode(), highProfile);
+    ASSERT_TRUE(manager->setTarnPowerMode(balanceProfile));
+    EXPECT_EQ(reg(EC_POWERMODE_PL1), usualPl1(lowProfile));
+    EXPECT_EQ(manager->currentPowerMode(), neverRestored);
     EXPECT_FALSE(QFile::exists(machine.folder.path(tarnTest::profileFileName)));
 }

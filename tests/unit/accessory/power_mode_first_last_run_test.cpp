@@ -3,7 +3,16 @@
 
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
+using tarnTest::balanceProfile;
+using tarnTest::highProfile;
 using tarnTest::InItsPlace;
+using tarnTest::lowProfile;
+using tarnTest::neverRestored;
+using tarnTest::restoreFailed;
+using tarnTest::savedBalance;
+using tarnTest::savedHigh;
+using tarnTest::savedLow;
+using tarnTest::usualPl1;
 
 namespace {
 
@@ -39,8 +48,8 @@ TEST_F(FirstRun, TakesManualControlAndStartsWithBalance)
         QStringList({"20 W 04A7 01", "50 R 04A7 01", "70 R 04FC 00", "100 W 04A8 23", "125 R 04AB 23",
             "155 W 04A9 37", "180 R 04AC 37", "210 W 04AA 4B", "235 R 04AD 4B", "265 W 046E 00"}));
     EXPECT_EQ(elapsed(), 265);
-    EXPECT_EQ(savedBytes(), "1");
-    EXPECT_EQ(manager->currentPowerMode(), 1);
+    EXPECT_EQ(savedBytes(), savedBalance);
+    EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
     EXPECT_EQ(linesBeforeApplication(),
         QStringList({"ec operation first to do nothing", "ready to set ec powerctrlmode. ",
             "begin to set ec powerctrlmode. ", "write ecPowerCtrlMode:  1 to EC_POWERMODE_PL_CTRL.",
@@ -52,10 +61,10 @@ TEST_F(FirstRun, TakesManualControlAndStartsWithBalance)
 
 TEST_F(FirstRun, RestoresTheSavedProfile)
 {
-    save("2");
+    save(savedLow);
     manager->powerModeFirstRun();
-    EXPECT_EQ(manager->currentPowerMode(), 2);
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), 15);
+    EXPECT_EQ(manager->currentPowerMode(), lowProfile);
+    EXPECT_EQ(reg(EC_POWERMODE_PL1), usualPl1(lowProfile));
     EXPECT_EQ(machine.log.lines().last(), "set ec powermode for first when app begin to run successed.");
 }
 
@@ -63,7 +72,7 @@ TEST_F(FirstRun, ReportsAProblemWithTheFile)
 {
     replaceProfileFile(InItsPlace::Folder);
     manager->powerModeFirstRun();
-    EXPECT_EQ(manager->currentPowerMode(), 1);
+    EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
     EXPECT_EQ(machine.log.lines().last(),
         "W: set ec powermode for first when app begin to run successed but fail with configuration file "
         "operation.");
@@ -71,18 +80,18 @@ TEST_F(FirstRun, ReportsAProblemWithTheFile)
 
 TEST_F(FirstRun, ReportsAProfileThatCouldNotBeApplied)
 {
-    save("0");
+    save(savedHigh);
     machine.faults().switchOn(Fault::FailWrite, EC_POWERMODE_PL2);
     manager->powerModeFirstRun();
-    EXPECT_EQ(manager->currentPowerMode(), -2);
+    EXPECT_EQ(manager->currentPowerMode(), restoreFailed);
     EXPECT_EQ(reg(EC_POWERMODE_PL_CTRL), PL_CTRL_MANUAL);
     EXPECT_EQ(machine.log.lines().last(), "W: set ec powermode for first when app begin to run failed.");
-    EXPECT_EQ(savedBytes(), "0");
+    EXPECT_EQ(savedBytes(), savedHigh);
 }
 
 TEST_F(FirstRun, MakesOneAttemptAtManualControl)
 {
-    save("2");
+    save(savedLow);
     machine.faults().switchOn(Fault::FailWrite, EC_POWERMODE_PL_CTRL);
     manager->powerModeFirstRun();
     EXPECT_TRUE(machine.traffic().isEmpty());
@@ -93,23 +102,23 @@ TEST_F(FirstRun, MakesOneAttemptAtManualControl)
         QStringList({"ec operation first to do nothing", "ready to set ec powerctrlmode. ",
             "begin to set ec powerctrlmode. ", "write ecPowerCtrlMode:  1 failed.", manualFailed,
             manualRetryLine}));
-    EXPECT_EQ(manager->currentPowerMode(), -10);
-    EXPECT_EQ(savedBytes(), "2");
+    EXPECT_EQ(manager->currentPowerMode(), neverRestored);
+    EXPECT_EQ(savedBytes(), savedLow);
 }
 
 TEST_F(FirstRun, WithoutManualControlTheKnownProfileStays)
 {
-    save("2");
+    save(savedLow);
     manager->powerModeFirstRun();
-    save("0");
+    save(savedHigh);
     machine.faults().switchOn(Fault::FailRead, EC_POWERMODE_PL_CTRL);
     manager->powerModeFirstRun();
-    EXPECT_EQ(manager->currentPowerMode(), 2);
-    EXPECT_EQ(savedBytes(), "0");
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), 15);
+    EXPECT_EQ(manager->currentPowerMode(), lowProfile);
+    EXPECT_EQ(savedBytes(), savedHigh);
+    EXPECT_EQ(reg(EC_POWERMODE_PL1), usualPl1(lowProfile));
     machine.faults().clear();
     manager->powerModeFirstRun();
-    EXPECT_EQ(manager->currentPowerMode(), 0);
+    EXPECT_EQ(manager->currentPowerMode(), highProfile);
 }
 
 TEST_F(FirstRun, AnECThatStaysInAnotherModeIsNoManualControl)
@@ -120,7 +129,7 @@ TEST_F(FirstRun, AnECThatStaysInAnotherModeIsNoManualControl)
     EXPECT_EQ(elapsed(), 60);
     const QStringList lines = machine.log.lines();
     EXPECT_EQ(lines.mid(lines.size() - 2), QStringList({manualFailed, manualRetryLine}));
-    EXPECT_EQ(manager->currentPowerMode(), -10);
+    EXPECT_EQ(manager->currentPowerMode(), neverRestored);
     EXPECT_FALSE(profileFileExists());
 }
 
@@ -128,15 +137,15 @@ using LastRun = tarnTest::ProfileFileTest;
 
 TEST_F(LastRun, GivesControlBack)
 {
-    save("2");
+    save(savedLow);
     manager->powerModeFirstRun();
     machine.log.clear();
     machine.timeline();
     manager->powerModeLastRun();
     EXPECT_EQ(machine.timeline(), QStringList({"20 W 04A7 00", "50 R 04A7 00"}));
     EXPECT_EQ(machine.log.lines(), lastRunBegins + autoSet + lastRunEnds);
-    EXPECT_EQ(manager->currentPowerMode(), 2);
-    EXPECT_EQ(savedBytes(), "2");
+    EXPECT_EQ(manager->currentPowerMode(), lowProfile);
+    EXPECT_EQ(savedBytes(), savedLow);
 }
 
 TEST_F(LastRun, GivesUpAfterFiveAttempts)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "accessory/ec_power_mode_manager.h"
+#include "accessory/power_profiles.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_dirver_controller_hal.h"
 #include "device/ec_registers.h"
@@ -18,6 +19,27 @@ inline constexpr int unansweredReadTime = accessTime + 5000 + 500;
 inline constexpr int refusedWriteTime = accessTime + 5000;
 
 inline constexpr const char *profileFileName = "powermodeconfig.xml";
+
+// The profiles that tests take as examples.
+inline constexpr int highProfile = tarnAccessoryManager::profileOfName("high")->number;
+inline constexpr int balanceProfile = tarnAccessoryManager::profileOfName("balance")->number;
+inline constexpr int lowProfile = tarnAccessoryManager::profileOfName("low")->number;
+// The least number beyond those of all profiles.
+inline constexpr quint32 numberBeyondProfiles = [] {
+    int greatest = tarnAccessoryManager::noProfile;
+    for (const tarnAccessoryManager::PowerProfile &profile : tarnAccessoryManager::powerProfiles)
+        greatest = std::max(greatest, profile.number);
+    return static_cast<quint32>(greatest + 1);
+}();
+// PL1 of a profile on the supply that the simulated computer starts with.
+[[nodiscard]] constexpr int usualPl1(int profile)
+{
+    return tarnAccessoryManager::profileOfNumber(profile)->fullSupply.pl1;
+}
+
+// What the manager says of the profile in force before a restore, and after one that failed.
+inline constexpr int neverRestored = -10;
+inline constexpr int restoreFailed = -2;
 
 // A simulated machine on which the test sees whether the EC is held: it must be free again after each test.
 class EcLockTest : public MachineTest

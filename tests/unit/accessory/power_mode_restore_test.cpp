@@ -2,9 +2,15 @@
 
 using namespace tarnDeviceInfos;
 using tarnSimulator::Fault;
+using tarnTest::balanceProfile;
 using tarnTest::InItsPlace;
+using tarnTest::neverRestored;
 using tarnTest::ProfileFileTest;
+using tarnTest::restoreFailed;
+using tarnTest::savedBalance;
+using tarnTest::savedHigh;
 using tarnTest::Unprivileged;
+using tarnTest::usualPl1;
 
 // One way in which there is no saved profile, with the words for what becomes of it.
 struct NoSavedProfile
@@ -69,9 +75,9 @@ protected:
 
     void expectBalance() const
     {
-        EXPECT_EQ(manager->currentPowerMode(), 1);
+        EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
         EXPECT_EQ(manager->lastRestoreResult(), 0);
-        EXPECT_EQ(reg(EC_POWERMODE_PL1), 35);
+        EXPECT_EQ(reg(EC_POWERMODE_PL1), usualPl1(balanceProfile));
         EXPECT_EQ(linesBeforeApplication(), GetParam().before);
     }
 
@@ -91,7 +97,7 @@ TEST_P(WithoutSavedProfile, BalanceIsAppliedAndSaved)
         replaceDuringApplication(InItsPlace::Nothing); // the obstacle has gone
     EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
     expectBalance();
-    EXPECT_EQ(savedBytes(), "1");
+    EXPECT_EQ(savedBytes(), savedBalance);
     EXPECT_EQ(linesAfterApplication(), GetParam().applied + QStringList({GetParam().written}));
 }
 
@@ -116,17 +122,18 @@ TEST_P(WithoutSavedProfile, AnECThatDoesNotTakeBalanceIsReported)
     const QString placeBefore = place();
     machine.faults().switchOn(Fault::FailWrite, EC_POWERMODE_PL1);
     EXPECT_EQ(manager->restorePowerModeAtStart(), -2);
-    EXPECT_EQ(manager->currentPowerMode(), -2);
+    EXPECT_EQ(manager->currentPowerMode(), restoreFailed);
     EXPECT_EQ(manager->lastRestoreResult(), -2);
     EXPECT_EQ(place(), placeBefore);
     EXPECT_EQ(linesBeforeApplication(), GetParam().before);
     EXPECT_EQ(machine.log.lines().mid(machine.log.lines().size() - 2),
-        QStringList({"W: set ec PL1 to  35  failed when write.", GetParam().failed}));
+        QStringList({QString("W: set ec PL1 to  %1  failed when write.").arg(usualPl1(balanceProfile)),
+            GetParam().failed}));
     machine.faults().clear();
 
     machine.faults().switchOn(Fault::ReadbackOffset, -11);
     EXPECT_EQ(manager->restorePowerModeAtStart(), -2);
-    EXPECT_EQ(manager->currentPowerMode(), -2);
+    EXPECT_EQ(manager->currentPowerMode(), restoreFailed);
     EXPECT_EQ(manager->lastRestoreResult(), -1);
     EXPECT_EQ(place(), placeBefore);
     EXPECT_EQ(machine.log.lines().last(), GetParam().failed);
@@ -139,7 +146,7 @@ using PowerModeRestore = ProfileFileTest;
 
 TEST_F(PowerModeRestore, IsNotMadeUnasked)
 {
-    EXPECT_EQ(manager->currentPowerMode(), -10);
+    EXPECT_EQ(manager->currentPowerMode(), neverRestored);
     EXPECT_EQ(manager->lastRestoreResult(), 0);
     EXPECT_TRUE(machine.traffic().isEmpty());
 }
@@ -149,8 +156,8 @@ TEST_F(PowerModeRestore, AnEmptyFileIsRepaired)
 {
     save("");
     EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
-    EXPECT_EQ(savedBytes(), "1");
-    EXPECT_EQ(manager->currentPowerMode(), 1);
+    EXPECT_EQ(savedBytes(), savedBalance);
+    EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
     machine.log.clear();
     EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
     EXPECT_EQ(linesBeforeApplication(), QStringList({"begin to set ec powermode."})); // now it is good
@@ -162,7 +169,7 @@ TEST_F(PowerModeRestore, AFolderThatStaysInTheWayIsReportedEachTime)
     for (int start = 0; start < 2; ++start) {
         machine.log.clear();
         EXPECT_EQ(manager->restorePowerModeAtStart(), -1);
-        EXPECT_EQ(manager->currentPowerMode(), 1);
+        EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
         EXPECT_EQ(machine.log.lines().first(), "W: The configuration file exists but failed to open.");
         EXPECT_EQ(machine.log.lines().last(),
             "W: Failed to create the configuration file but set ec powermode to balance when app begin "
@@ -172,28 +179,28 @@ TEST_F(PowerModeRestore, AFolderThatStaysInTheWayIsReportedEachTime)
 
 TEST_F(PowerModeRestore, AFileThatMayBeWrittenButNotReadIsRepaired)
 {
-    save("0");
+    save(savedHigh);
     tarnTest::setMode(profilePath(), 0222);
     {
         const Unprivileged unprivileged;
         EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
     }
     tarnTest::setMode(profilePath(), 0666);
-    EXPECT_EQ(savedBytes(), "1");
+    EXPECT_EQ(savedBytes(), savedBalance);
     EXPECT_EQ(machine.log.lines().first(), "W: The configuration file exists but failed to open.");
 }
 
 TEST_F(PowerModeRestore, AnUnreadableFileThatCannotBeRepairedIsReported)
 {
-    save("0");
+    save(savedHigh);
     tarnTest::setMode(profilePath(), 0);
     {
         const Unprivileged unprivileged;
         EXPECT_EQ(manager->restorePowerModeAtStart(), -1);
     }
     tarnTest::setMode(profilePath(), 0666);
-    EXPECT_EQ(savedBytes(), "0");
-    EXPECT_EQ(manager->currentPowerMode(), 1);
+    EXPECT_EQ(savedBytes(), savedHigh);
+    EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
 }
 
 TEST_F(PowerModeRestore, AReadOnlyFolderWithoutAFileIsReported)
@@ -201,7 +208,7 @@ TEST_F(PowerModeRestore, AReadOnlyFolderWithoutAFileIsReported)
     tarnTest::setMode(machine.folder.path("."), 0555);
     const Unprivileged unprivileged;
     EXPECT_EQ(manager->restorePowerModeAtStart(), -1);
-    EXPECT_EQ(manager->currentPowerMode(), 1);
+    EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
     EXPECT_EQ(machine.log.lines().last(),
         "W: Failed to create the configuration file but set ec powermode to balance for first successed.");
 }

@@ -11,6 +11,11 @@
 
 namespace tarnTest {
 
+// What the file holds of these profiles.
+inline constexpr const char *savedHigh = "0";
+inline constexpr const char *savedBalance = "1";
+inline constexpr const char *savedLow = "2";
+
 // What the profile file can be instead of a file.
 enum class InItsPlace { Nothing, Folder, FullDisk, ReadError };
 

@@ -1,59 +1,67 @@
 #include "profile_file_fixture.h"
 
 using namespace tarnDeviceInfos;
+using tarnAccessoryManager::PowerProfile;
+using tarnAccessoryManager::powerProfiles;
 using tarnSimulator::Fault;
+using tarnTest::balanceProfile;
+using tarnTest::highProfile;
 using tarnTest::InItsPlace;
+using tarnTest::lowProfile;
 using tarnTest::ProfileFileTest;
+using tarnTest::restoreFailed;
+using tarnTest::savedBalance;
+using tarnTest::savedHigh;
+using tarnTest::savedLow;
+using tarnTest::usualPl1;
 
-struct SavedProfile
+// What may stand before and after the character of a profile.
+struct SavedForm
 {
     const char *name;
-    QByteArray content;
-    int profile;
+    const char *format;
 };
 
 namespace {
 
-const SavedProfile savedProfiles[] = {
-    {"High", "0", 0},
-    {"Balance", "1", 1},
-    {"Low", "2", 2},
-    {"HighWithLineEnd", "0\n", 0},
-    {"BalanceWithTabAndDosLineEnd", "\t1\r\n", 1},
-    {"LowWithBlankAndLineEnd", " 2\n", 2},
-    {"LowAmongBlankLines", "\n\n  2  \n\n", 2},
+const SavedForm savedForms[] = {
+    {"", "%1"},
+    {"WithLineEnd", "%1\n"},
+    {"WithTabAndDosLineEnd", "\t%1\r\n"},
+    {"WithBlankAndLineEnd", " %1\n"},
+    {"AmongBlankLines", "\n\n  %1  \n\n"},
 };
 
-const char *const restoredWords[] = {"high", "balance", "low"};
-
-QStringList linesOfRestored(int profile)
+QStringList linesOfRestored(const PowerProfile &profile)
 {
     QStringList lines {"begin to set ec powermode."};
-    if (profile == 0)
+    if (profile.number == highProfile)
         lines.prepend("Read data from configuration file successed, last ec powermode is high.");
     return lines;
 }
 
 } // namespace
 
-class SavedPowerMode : public ProfileFileTest, public ::testing::WithParamInterface<SavedProfile>
+class SavedPowerMode : public ProfileFileTest,
+                       public ::testing::WithParamInterface<std::tuple<PowerProfile, SavedForm>>
 {
 protected:
-    void SetUp() override { save(GetParam().content); }
-    [[nodiscard]] QString text(const char *format) const
-    {
-        return QString(format).arg(restoredWords[GetParam().profile]);
-    }
+    void SetUp() override { save(content); }
+    [[nodiscard]] QString text(const char *format) const { return QString(format).arg(profile.name); }
+
+    const PowerProfile &profile = std::get<PowerProfile>(GetParam());
+    const QByteArray ownBytes = QByteArray::number(profile.number);
+    const QByteArray content = QByteArray(std::get<SavedForm>(GetParam()).format).replace("%1", ownBytes);
 };
 
 TEST_P(SavedPowerMode, IsRestored)
 {
     EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
-    EXPECT_EQ(manager->currentPowerMode(), GetParam().profile);
+    EXPECT_EQ(manager->currentPowerMode(), profile.number);
     EXPECT_EQ(manager->lastRestoreResult(), 0);
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), QList({45, 35, 15}).at(GetParam().profile));
-    EXPECT_EQ(savedBytes(), QByteArray::number(GetParam().profile)); // the blanks have gone
-    EXPECT_EQ(linesBeforeApplication(), linesOfRestored(GetParam().profile));
+    EXPECT_EQ(reg(EC_POWERMODE_PL1), usualPl1(profile.number));
+    EXPECT_EQ(savedBytes(), ownBytes); // the blanks have gone
+    EXPECT_EQ(linesBeforeApplication(), linesOfRestored(profile));
     EXPECT_EQ(linesAfterApplication(),
         QStringList({text("set ec powermode to %1 done."),
             text("Successfully wrote to the configuration file when set ec powermode to %1 successed.")}));
@@ -63,10 +71,10 @@ TEST_P(SavedPowerMode, StaysInTheFileWhenTheECDoesNotTakeIt)
 {
     machine.faults().switchOn(Fault::FailWrite, EC_POWERMODE_PL1);
     EXPECT_EQ(manager->restorePowerModeAtStart(), -2);
-    EXPECT_EQ(manager->currentPowerMode(), -2);
+    EXPECT_EQ(manager->currentPowerMode(), restoreFailed);
     EXPECT_EQ(manager->lastRestoreResult(), -1);
-    EXPECT_EQ(savedBytes(), GetParam().content);
-    EXPECT_EQ(linesBeforeApplication(), linesOfRestored(GetParam().profile));
+    EXPECT_EQ(savedBytes(), content);
+    EXPECT_EQ(linesBeforeApplication(), linesOfRestored(profile));
     const QStringList lines = machine.log.lines();
     EXPECT_EQ(lines.mid(lines.size() - 2),
         QStringList({text("W: set ec powermode to %1 failed."),
@@ -74,7 +82,7 @@ TEST_P(SavedPowerMode, StaysInTheFileWhenTheECDoesNotTakeIt)
 
     machine.faults().clear();
     EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
-    EXPECT_EQ(manager->currentPowerMode(), GetParam().profile);
+    EXPECT_EQ(manager->currentPowerMode(), profile.number);
     EXPECT_EQ(manager->lastRestoreResult(), 0);
 }
 
@@ -82,13 +90,16 @@ TEST_P(SavedPowerMode, IsRestoredThoughItCannotBeSavedAgain)
 {
     replaceDuringApplication(InItsPlace::Folder);
     EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
-    EXPECT_EQ(manager->currentPowerMode(), GetParam().profile);
+    EXPECT_EQ(manager->currentPowerMode(), profile.number);
     EXPECT_EQ(machine.log.lines().last(),
         text("W: Failed to create the configuration file but set ec powermode to %1 successed."));
 }
 
-INSTANTIATE_TEST_SUITE_P(Contents, SavedPowerMode, ::testing::ValuesIn(savedProfiles),
-    [](const auto &row) { return std::string(row.param.name); });
+INSTANTIATE_TEST_SUITE_P(Contents, SavedPowerMode,
+    ::testing::Combine(::testing::ValuesIn(powerProfiles), ::testing::ValuesIn(savedForms)),
+    [](const auto &row) {
+        return std::get<PowerProfile>(row.param).name + std::string(std::get<SavedForm>(row.param).name);
+    });
 
 struct GarbledProfile
 {
@@ -125,9 +136,9 @@ TEST_P(GarbledPowerMode, BecomesBalance)
 {
     save(GetParam().content);
     EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
-    EXPECT_EQ(manager->currentPowerMode(), 1);
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), 35);
-    EXPECT_EQ(savedBytes(), "1");
+    EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
+    EXPECT_EQ(reg(EC_POWERMODE_PL1), usualPl1(balanceProfile));
+    EXPECT_EQ(savedBytes(), savedBalance);
     EXPECT_EQ(linesBeforeApplication(),
         QStringList({"read from configuration file successed with unexpected data."}));
     EXPECT_EQ(linesAfterApplication(),
@@ -143,13 +154,13 @@ using PowerModeFields = ProfileFileTest;
 
 TEST_F(PowerModeFields, AClientsChoiceDoesNotCountAsRestored)
 {
-    save("2");
+    save(savedLow);
     ASSERT_EQ(manager->restorePowerModeAtStart(), 0);
-    ASSERT_EQ(manager->setEcPowerMode(0), 0);
-    EXPECT_EQ(manager->currentPowerMode(), 2);
-    EXPECT_EQ(savedBytes(), "0");
+    ASSERT_EQ(manager->setEcPowerMode(highProfile), 0);
+    EXPECT_EQ(manager->currentPowerMode(), lowProfile);
+    EXPECT_EQ(savedBytes(), savedHigh);
     ASSERT_EQ(manager->restorePowerModeAtStart(), 0);
-    EXPECT_EQ(manager->currentPowerMode(), 0);
+    EXPECT_EQ(manager->currentPowerMode(), highProfile);
 }
 
 TEST(PowerModeManagerObject, SaysThatItWasCreatedOnce)

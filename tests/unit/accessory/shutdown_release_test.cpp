@@ -33,11 +33,11 @@ const ReleasedOperation releasedOperations[] = {
         }},
     {"setEcPowerCtrlMode",
         [] {
-            return EcPowerModeManager::instance()->setEcPowerCtrlMode(1) == -1;
+            return EcPowerModeManager::instance()->setEcPowerCtrlMode(PL_CTRL_MANUAL) == -1;
         }},
     {"setEcPowerMode",
         [] {
-            return EcPowerModeManager::instance()->setEcPowerMode(0) == -1;
+            return EcPowerModeManager::instance()->setEcPowerMode(tarnTest::highProfile) == -1;
         }},
     {"restorePowerModeAtStart",
         [] {
@@ -53,11 +53,11 @@ const ReleasedOperation releasedOperations[] = {
         }},
     {"getTarnPowerMode",
         [] {
-            return EcPowerModeManager::instance()->getTarnPowerMode() == 3;
+            return EcPowerModeManager::instance()->getTarnPowerMode() == tarnAccessoryManager::noProfile;
         }},
     {"setTarnPowerMode",
         [] {
-            return !EcPowerModeManager::instance()->setTarnPowerMode(1);
+            return !EcPowerModeManager::instance()->setTarnPowerMode(tarnTest::balanceProfile);
         }},
     {"getDockLedStatus",
         [] {

@@ -1,5 +1,6 @@
 #include "pipe/tarn_pipe_server.h"
 
+#include "accessory/power_profiles.h"
 #include "device/ec_access_lock.h"
 #include "device/ec_registers.h"
 #include "support/simulated_machine.h"
@@ -8,6 +9,8 @@
 #include <vector>
 
 using namespace tarnDeviceInfos;
+using tarnAccessoryManager::PowerProfile;
+using tarnAccessoryManager::powerProfiles;
 using tarnPipeServer::TarnPipeServer;
 
 class PowerAndLightCommands : public tarnTest::MachineTest
@@ -70,9 +73,12 @@ protected:
 
 TEST_F(PowerAndLightCommands, ApplyAProfile)
 {
-    for (const char *profile : {"high", "balance", "low"})
-        EXPECT_EQ(ask("powerModeControl", profile), result("powerModeControl", profile, "successed"));
-    EXPECT_EQ(machine.folder.read("powermodeconfig.xml"), "2");
+    for (const PowerProfile &profile : powerProfiles) {
+        EXPECT_EQ(
+            ask("powerModeControl", profile.name), result("powerModeControl", profile.name, "successed"));
+        EXPECT_EQ(machine.folder.read("powermodeconfig.xml"), QByteArray::number(profile.number));
+    }
+    EXPECT_EQ(ask("powerModeControl", "low"), result("powerModeControl", "low", "successed"));
     breakRegister(EC_POWERMODE_PL1);
     EXPECT_EQ(ask("powerModeControl", "high"), result("powerModeControl", "high", "failed"));
     EXPECT_EQ(machine.folder.read("powermodeconfig.xml"), "2");
@@ -192,13 +198,13 @@ TEST_F(PowerAndLightCommands, TellSmartCharging)
 
 TEST_F(PowerAndLightCommands, TellAndSetTheDevicePowerMode)
 {
-    const std::pair<const char *, int> flags[] = {{"high", 4}, {"balance", 1}, {"low", 2}};
-    for (const auto &[name, flag] : flags) {
-        EXPECT_EQ(ask("setTarnPowerMode", name), result("setTarnPowerMode", name, "successed"));
-        EXPECT_EQ(machine.state->xdata[EC_TARN_POWER_MODE], flag);
-        EXPECT_EQ(ask("getTarnPowerMode"), data("getTarnPowerMode", name));
+    for (const PowerProfile &profile : powerProfiles) {
+        EXPECT_EQ(
+            ask("setTarnPowerMode", profile.name), result("setTarnPowerMode", profile.name, "successed"));
+        EXPECT_EQ(machine.state->xdata[EC_TARN_POWER_MODE], profile.ecFlag);
+        EXPECT_EQ(ask("getTarnPowerMode"), data("getTarnPowerMode", profile.name));
     }
-    machine.state->xdata[EC_TARN_POWER_MODE] = 3;
+    machine.state->xdata[EC_TARN_POWER_MODE] = 3; // the flag of no profile
     EXPECT_EQ(ask("getTarnPowerMode"), data("getTarnPowerMode", "hide"));
     EXPECT_EQ(ask("setTarnPowerMode", "hide"), result("setTarnPowerMode", "hide", "failed"));
     EXPECT_TRUE(machine.log.contains("unknown cmd when set tarn power mode."));
