@@ -17,4 +17,10 @@ bool isProcessEnding()
     return ending;
 }
 
+StopRequests &StopRequests::ofProcess()
+{
+    static auto *requests = new StopRequests;
+    return *requests;
+}
+
 } // namespace tarnPlatform

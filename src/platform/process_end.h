@@ -61,13 +61,17 @@ public:
     static StopRequests &ofProcess();
 
     // True from the first request on.
-    [[nodiscard]] bool isRequested() const;
+    [[nodiscard]] bool isRequested() const { return requested; }
+    // For the handler of the system's request, on any thread or in a Unix signal.
+    static void noteRequest() { requested = true; }
 
 Q_SIGNALS:
     void stopRequested();
 
 private:
-    StopRequests();
+    StopRequests(); // lets the system call the handler
+
+    static inline std::atomic<bool> requested {false};
 };
 
 // Ends the process at once with this code: no destructor, no exit handler, and no wait for any thread,

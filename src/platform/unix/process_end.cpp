@@ -3,7 +3,6 @@
 #include <QSocketNotifier>
 
 #include <array>
-#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -17,29 +16,17 @@ constexpr std::array stopSignals {SIGTERM, SIGINT, SIGHUP};
 
 // A signal handler may do little more than write a byte; the notifier turns it into an event.
 std::array<int, 2> signalSockets {-1, -1};
-std::atomic<bool> requested {false};
 
 void noteSignal(int)
 {
     const int before = errno; // of the code that is interrupted
-    requested = true;
+    StopRequests::noteRequest();
     const char byte = 1;
     [[maybe_unused]] const auto written = ::write(signalSockets[0], &byte, sizeof byte);
     errno = before;
 }
 
 } // namespace
-
-StopRequests &StopRequests::ofProcess()
-{
-    static auto *requests = new StopRequests;
-    return *requests;
-}
-
-bool StopRequests::isRequested() const
-{
-    return requested;
-}
 
 StopRequests::StopRequests()
 {

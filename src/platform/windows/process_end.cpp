@@ -8,7 +8,6 @@ namespace tarnPlatform {
 namespace {
 
 std::atomic<StopRequests *> listener {nullptr};
-std::atomic<bool> requested {false};
 
 // Runs on a thread of the system. After a close the system ends the process when the handler returns (at the
 // latest after 5 s), so the handler sleeps until the process ends itself. Log-off and shutdown never come
@@ -18,7 +17,7 @@ BOOL WINAPI noteControl(DWORD control)
     StopRequests *stopRequests = listener.load();
     if (!stopRequests)
         return FALSE;
-    requested = true;
+    StopRequests::noteRequest();
     QMetaObject::invokeMethod(stopRequests, &StopRequests::stopRequested, Qt::QueuedConnection);
     if (control == CTRL_CLOSE_EVENT)
         Sleep(INFINITE);
@@ -26,17 +25,6 @@ BOOL WINAPI noteControl(DWORD control)
 }
 
 } // namespace
-
-StopRequests &StopRequests::ofProcess()
-{
-    static auto *requests = new StopRequests;
-    return *requests;
-}
-
-bool StopRequests::isRequested() const
-{
-    return requested;
-}
 
 StopRequests::StopRequests()
 {
