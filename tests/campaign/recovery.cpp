@@ -1,6 +1,6 @@
 #include "recovery.h"
 
-#include "device/ec_registers.h"
+#include "device/monitor/accessory_table.h"
 #include "pipe/tarn_pipe_server.h"
 
 #include <vector>
@@ -38,16 +38,14 @@ constexpr Exchange exchanges[] = {
         R"({"cmd":"getTarnKvaneSnCode","data":"CDAB8967452301"})"},
 };
 
-constexpr std::uint8_t accessories[] = {
-    ACCESSORY_DOCK, ACCESSORY_GRAPHICS, ACCESSORY_GRAPHICS_16G, ACCESSORY_KVANE};
-
 } // namespace
 
 QString faultOfRecovery(CampaignMachine &machine, RandomSource &random, std::uint8_t *accessoryCode)
 {
     machine.heal();
     const Exchange &exchange = random.oneOf(exchanges);
-    *accessoryCode = exchange.accessory == anyAccessory ? random.oneOf(accessories) : exchange.accessory;
+    *accessoryCode =
+        exchange.accessory == anyAccessory ? random.oneOf(accessoryTable).code : exchange.accessory;
     machine.attach(*accessoryCode);
     const QString reply = tarnPipeServer::TarnPipeServer::instance()->dispatch(exchange.request);
     if (reply == QLatin1String(exchange.reply))

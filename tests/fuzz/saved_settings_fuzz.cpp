@@ -2,6 +2,7 @@
 // file.
 #include "accessory/ec_power_mode_manager.h"
 #include "accessory/graphics_colours.h"
+#include "accessory/power_profiles.h"
 #include "fuzzed_machine.h"
 #include "graphics/graphics_accessory_manager.h"
 #include "harness.h"
@@ -12,8 +13,6 @@ using tarnFuzz::require;
 
 namespace {
 
-constexpr int balance = 1;
-
 void tryProfileFile(const QByteArray &content)
 {
     const FuzzedMachine &machine = FuzzedMachine::instance();
@@ -21,12 +20,16 @@ void tryProfileFile(const QByteArray &content)
     auto *manager = EcPowerModeManager::instance();
     require(manager->restorePowerModeAtStart() == 0, "whatever the file holds, a profile is restored");
     const int profile = manager->currentPowerMode();
-    require(profile >= 0 && profile <= 2, "the profile is one of the three");
-    const QByteArray saved = content.trimmed();
-    if (saved == "0" || saved == "1" || saved == "2")
-        require(profile == saved.toInt(), "a plain number is restored");
-    else if (!content.contains('0') && !content.contains('2'))
-        require(profile == balance, "without a number it is balance");
+    require(profileOfNumber(profile) != nullptr, "the profile is one of the table");
+    const auto isOtherNumberIn = [&content](const PowerProfile &row) {
+        return row.number != defaultProfile && content.contains(QByteArray::number(row.number));
+    };
+    const PowerProfile *saved = findProfile(
+        [&content](const PowerProfile &row) { return content.trimmed() == QByteArray::number(row.number); });
+    if (saved)
+        require(profile == saved->number, "a plain number is restored");
+    else if (!findProfile(isOtherNumberIn))
+        require(profile == defaultProfile, "without a number it is the usual profile");
     require(
         machine.folder.read("powermodeconfig.xml") == QByteArray::number(profile), "the file is made good");
 }

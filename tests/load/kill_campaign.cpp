@@ -1,6 +1,7 @@
 #include "load/kill_campaign.h"
 
-#include "device/ec_registers.h"
+#include "accessory/power_profiles.h"
+#include "device/monitor/accessory_table.h"
 #include "support/pipe_peer.h"
 
 #include <QFile>
@@ -8,6 +9,7 @@
 
 namespace tarnLoad {
 
+using namespace tarnAccessoryManager;
 using namespace tarnDeviceInfos;
 using tarnTest::waitUntil;
 
@@ -21,14 +23,6 @@ constexpr qsizetype stepsToTell = 30;
 const QString resultKey = QStringLiteral("result");
 const QString dataKey = QStringLiteral("data");
 const QString killKey = QStringLiteral("kill");
-
-struct LoadAccessory
-{
-    const char *name;
-    std::uint8_t code;
-};
-constexpr LoadAccessory accessories[] = {
-    {"dock", ACCESSORY_DOCK}, {"graphics", ACCESSORY_GRAPHICS}, {"k_vane", ACCESSORY_KVANE}};
 
 } // namespace
 
@@ -125,14 +119,15 @@ void KillCampaign::checkClientsStart()
     if (!broken.isEmpty())
         return;
     const QString saved = keptSettings()[0].kept(service);
-    const QString profile = saved.isEmpty() ? QStringLiteral("balance") : saved;
+    const PowerProfile *known = profileOfName(saved.toStdString());
+    expect(known || saved.isEmpty(), QStringLiteral("%1 is a profile").arg(saved));
+    const PowerProfile &inForce = known ? *known : *profileOfNumber(defaultProfile);
+    const QString profile = QLatin1String(inForce.name);
     allowed[0] << profile;
     expect(request("powerModeControl", QStringLiteral("first")) == Outcome::Confirmed,
         QStringLiteral("\"first\" is answered"));
     allowed[0] = QStringList(profile);
-    const auto values = keptSettings()[0].values;
-    const auto number = std::find(values.begin(), values.end(), profile) - values.begin();
-    expect(reply.value(resultKey).toString() == QString::number(number),
+    expect(reply.value(resultKey).toString() == QString::number(inForce.number),
         QStringLiteral("\"first\" is answered with %1 for %2")
             .arg(reply.value(resultKey).toString(), profile));
     expect(keptSettings()[0].kept(service) == profile,
@@ -147,7 +142,7 @@ void KillCampaign::checkMonitor()
 {
     if (!broken.isEmpty())
         return;
-    const LoadAccessory &next = random.oneOf(accessories);
+    const AccessoryKind &next = random.oneOf(accessoryTable);
     accessory = QLatin1String(next.name);
     note(QStringLiteral("%1 is attached").arg(accessory));
     service.attach(next.code);

@@ -1,6 +1,8 @@
 #include "support/command_samples.h"
 
+#include "accessory/power_profiles.h"
 #include "device/ec_registers.h"
+#include "device/monitor/accessory_table.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -24,6 +26,18 @@ constexpr char byteOrNotRead[] = R"(-1|\d{1,3})";
 constexpr char charging[] = "0|1|251";
 constexpr char colour[] = "white|red|yellow|green|cyan|blue|purplishred";
 constexpr char colourOrOff[] = "white|red|yellow|green|cyan|blue|purplishred|shutdown";
+
+// What "first" is answered with: the number of a profile, or what went wrong.
+const char *profileRestored()
+{
+    static const QByteArray values = [] {
+        QByteArrayList all {"-2", "-10"};
+        for (const auto &profile : tarnAccessoryManager::powerProfiles)
+            all << QByteArray::number(profile.number);
+        return all.join('|');
+    }();
+    return values.constData();
+}
 
 struct FreeData
 {
@@ -76,10 +90,22 @@ constexpr Concern concerns[] = {
 
 } // namespace
 
+const char *accessoryNames()
+{
+    static const QByteArray values = [] {
+        QByteArrayList all {noAccessoryName};
+        for (const AccessoryKind &kind : accessoryTable)
+            all << kind.name;
+        return all.join('|');
+    }();
+    return values.constData();
+}
+
 const std::vector<CommandSample> &commandSamples()
 {
+    static const QByteArray accessoryOrUnknown = QByteArray("|") + accessoryNames();
     static const std::vector<CommandSample> rows {
-        {.command = L("getAccessoryType"), .answers = {{L("data"), "dock|graphics|k_vane|disconnected|"}}},
+        {.command = L("getAccessoryType"), .answers = {{L("data"), accessoryOrUnknown.constData()}}},
         {.command = L("getMcuVersion"), .answers = {{L("data"), version}}},
         {.command = L("getHardwareVersion"), .answers = {{L("data"), byteOrNothing}}},
         {.command = L("getAccessoryCode"), .answers = {{L("data"), byteOrNothing}}},
@@ -87,7 +113,7 @@ const std::vector<CommandSample> &commandSamples()
             .answers = {{L("mcuVer"), version}, {L("hardwareVer"), byteOrNothing},
                 {L("accessoryCode"), byteOrNothing}}},
         {.command = L("powerModeControl"),
-            .answers = {{L("result"), "0|1|2|-2|-10", L("first")}},
+            .answers = {{L("result"), profileRestored(), L("first")}},
             .kinds = {"first", "high", "balance", "low", "last"}},
         {.command = L("getDockLedStatus"), .answers = {{L("data"), "on|off|unknown"}}},
         {.command = L("getGraphicsRGB"), .answers = {{L("data"), colourOrOff}}},

@@ -42,6 +42,9 @@ struct CommandSample
     QStringList kinds {};
 };
 
+// Every name that changeAccessoryType tells, as a regular expression.
+[[nodiscard]] const char *accessoryNames();
+
 // Only of commands that need a row.
 [[nodiscard]] const std::vector<CommandSample> &commandSamples();
 // Empty for a command that needs none.

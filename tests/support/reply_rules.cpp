@@ -21,8 +21,8 @@ struct NotificationRule
     const char *command;
     const char *values; // a regular expression for the whole value
 };
-constexpr NotificationRule notificationRules[] = {
-    {"changeAccessoryType", "dock|graphics|k_vane|disconnected"},
+const NotificationRule notificationRules[] = {
+    {"changeAccessoryType", accessoryNames()},
     {"getKVaneLedLight", R"(-1|\d{1,3})"},
     {"getKvaneChargingStatus", "0|1"},
     {"getKvaneBatteryNum", R"(\d{1,3})"},
