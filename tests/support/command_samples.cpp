@@ -19,13 +19,12 @@ namespace {
 
 using L = QLatin1StringView;
 
-constexpr char version[] = R"(|\d{1,3}\.\d{2,6})";
+constexpr char version[] = R"(\d{1,3}\.\d{2,6})";
 constexpr char byte[] = R"(\d{1,3})";
-constexpr char byteOrNothing[] = R"(|\d{1,3})";
+constexpr char nothing[] = "";
 constexpr char byteOrNotRead[] = R"(-1|\d{1,3})";
 constexpr char charging[] = "0|1|251";
 constexpr char colour[] = "white|red|yellow|green|cyan|blue|purplishred";
-constexpr char colourOrOff[] = "white|red|yellow|green|cyan|blue|purplishred|shutdown";
 
 // What "first" is answered with: the number of a profile, or what went wrong.
 const char *profileRestored()
@@ -106,32 +105,44 @@ const std::vector<CommandSample> &commandSamples()
     static const QByteArray accessoryOrUnknown = QByteArray("|") + accessoryNames();
     static const std::vector<CommandSample> rows {
         {.command = L("getAccessoryType"), .answers = {{L("data"), accessoryOrUnknown.constData()}}},
-        {.command = L("getMcuVersion"), .answers = {{L("data"), version}}},
-        {.command = L("getHardwareVersion"), .answers = {{L("data"), byteOrNothing}}},
-        {.command = L("getAccessoryCode"), .answers = {{L("data"), byteOrNothing}}},
+        {.command = L("getMcuVersion"),
+            .answers = {{.key = L("data"), .values = version, .withoutEc = nothing}}},
+        {.command = L("getHardwareVersion"),
+            .answers = {{.key = L("data"), .values = byte, .withoutEc = nothing}}},
+        {.command = L("getAccessoryCode"),
+            .answers = {{.key = L("data"), .values = byte, .withoutEc = nothing}}},
         {.command = L("getMcuUpdateParameters"),
-            .answers = {{L("mcuVer"), version}, {L("hardwareVer"), byteOrNothing},
-                {L("accessoryCode"), byteOrNothing}}},
+            .answers = {{.key = L("mcuVer"), .values = version, .withoutEc = nothing},
+                {.key = L("hardwareVer"), .values = byte, .withoutEc = nothing},
+                {.key = L("accessoryCode"), .values = byte, .withoutEc = nothing}}},
         {.command = L("powerModeControl"),
             .answers = {{L("result"), profileRestored(), L("first")}},
             .kinds = {"first", "high", "balance", "low", "last"}},
-        {.command = L("getDockLedStatus"), .answers = {{L("data"), "on|off|unknown"}}},
-        {.command = L("getGraphicsRGB"), .answers = {{L("data"), colourOrOff}}},
+        {.command = L("getDockLedStatus"),
+            .answers = {{.key = L("data"), .values = "on|off", .withoutEc = "unknown"}}},
+        {.command = L("getGraphicsRGB"),
+            .answers = {{.key = L("data"), .values = colour, .withoutEc = "shutdown"}}},
         // Each colour is another than the last, so it has to be saved.
         {.command = L("setGraphicsRGB"),
             .answers = {{L("data"), colour, L("on")}},
             .kinds = {"red", "blue", "on"}},
         {.command = L("requestMcuUpdate"),
-            .answers = {{.key = L("mcuVer"), .values = version, .onlyAfterSuccess = true}}},
+            .answers =
+                {{.key = L("mcuVer"), .values = version, .onlyAfterSuccess = true, .withoutEc = nothing}}},
         {.command = L("requestEnterMcuUpdateMode"), .hold = EcHold::Begins},
-        {.command = L("requestLeaveMcuUpdateMode"), .answers = {{L("data"), version}}, .hold = EcHold::Ends},
+        {.command = L("requestLeaveMcuUpdateMode"),
+            .answers = {{.key = L("data"), .values = version, .withoutEc = nothing}},
+            .hold = EcHold::Ends},
         {.command = L("requestStartEcUpdate"), .hold = EcHold::ForGood},
         {.command = L("requestEcUpdate"), .hold = EcHold::ForGood},
         // They stop and start the five days.
         {.command = L("setSmartChargingStatus"), .kinds = {"ON", "OFF"}},
-        {.command = L("getSmartChargingStatus"), .answers = {{L("data"), "ON|OFF|failed"}}},
-        {.command = L("getTarnPowerMode"), .answers = {{L("data"), "high|balance|low|hide"}}},
-        {.command = L("getTarnKvaneSnCode"), .answers = {{L("data"), "default|[0-9A-F]{14}"}}},
+        {.command = L("getSmartChargingStatus"),
+            .answers = {{.key = L("data"), .values = "ON|OFF", .withoutEc = "failed"}}},
+        {.command = L("getTarnPowerMode"),
+            .answers = {{.key = L("data"), .values = "high|balance|low", .withoutEc = "hide"}}},
+        {.command = L("getTarnKvaneSnCode"),
+            .answers = {{.key = L("data"), .values = "[0-9A-F]{14}", .withoutEc = "default"}}},
         {.command = L("getKVaneLedLight"), .answers = {{L("data"), byteOrNotRead}}},
         {.command = L("getKvaneChargingStatus"), .answers = {{L("data"), charging}}},
         {.command = L("getKvaneBatteryNum"), .answers = {{L("data"), byte}}},

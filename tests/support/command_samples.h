@@ -22,6 +22,8 @@ struct AnswerValues
     const char *values; // a regular expression for the whole value
     QLatin1StringView data {}; // for requests with these data only; empty: for all others
     bool onlyAfterSuccess = false;
+    // What it says instead when the EC cannot be had; null: one of the values.
+    const char *withoutEc = nullptr;
 };
 
 // What a command does with the EC beyond its own end.

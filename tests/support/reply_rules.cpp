@@ -37,6 +37,18 @@ bool matches(const QString &value, const char *values)
     return QRegularExpression(pattern).match(value).hasMatch();
 }
 
+enum class Ec {
+    MayAnswer,
+    CannotBeHad,
+};
+
+bool allows(const AnswerValues &rule, const QString &value, Ec ec)
+{
+    if (rule.withoutEc && value == QLatin1String(rule.withoutEc))
+        return true;
+    return (!rule.withoutEc || ec == Ec::MayAnswer) && matches(value, rule.values);
+}
+
 // What the command may add to a request with these data, or change in it: the rows for the data, then the
 // other rows, then what follows from the catalogue. The first of a key holds.
 std::vector<AnswerValues> answersOf(const CommandEntry &command, const QString &data)
@@ -59,13 +71,11 @@ std::vector<AnswerValues> answersOf(const CommandEntry &command, const QString &
             add(row);
     }
     if (!command.outcomeKey.isEmpty())
-        add({command.outcomeKey, outcomes});
+        add({.key = command.outcomeKey, .values = outcomes, .withoutEc = failed});
     return answers;
 }
 
-} // namespace
-
-QString faultOfReply(const QJsonObject &request, const QString &reply)
+QString faultOf(const QJsonObject &request, const QString &reply, Ec ec)
 {
     const QString data = request.value("data").toString();
     const CommandEntry *command = tarnClient::findCommand(request.value("cmd").toString());
@@ -83,13 +93,24 @@ QString faultOfReply(const QJsonObject &request, const QString &reply)
         if (answer.contains(rule.key) == isAbsent)
             return QStringLiteral("field ") + rule.key;
         if (!isAbsent
-            && (!answer.value(rule.key).isString()
-                || !matches(answer.value(rule.key).toString(), rule.values)))
+            && (!answer.value(rule.key).isString() || !allows(rule, answer.value(rule.key).toString(), ec)))
             return QStringLiteral("value of ") + rule.key;
         answer.remove(rule.key);
         rest.remove(rule.key);
     }
     return answer == rest ? QString() : QStringLiteral("fields that differ from the request's");
+}
+
+} // namespace
+
+QString faultOfReply(const QJsonObject &request, const QString &reply)
+{
+    return faultOf(request, reply, Ec::MayAnswer);
+}
+
+QString faultOfReplyWithoutEc(const QJsonObject &request, const QString &reply)
+{
+    return faultOf(request, reply, Ec::CannotBeHad);
 }
 
 QString faultOfNotification(const QString &message)

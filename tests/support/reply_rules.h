@@ -9,6 +9,9 @@ namespace tarnTest {
 // data are good or bad data of the command's samples.
 [[nodiscard]] QString faultOfReply(const QJsonObject &request, const QString &reply);
 
+// The same when the EC could not be had: nothing of it is known, and nothing is done.
+[[nodiscard]] QString faultOfReplyWithoutEc(const QJsonObject &request, const QString &reply);
+
 // The same for a message that was not asked for.
 [[nodiscard]] QString faultOfNotification(const QString &message);
 

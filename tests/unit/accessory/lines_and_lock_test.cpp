@@ -9,7 +9,8 @@ using tarnAccessoryManager::EcPowerModeManager;
 using tarnAccessoryManager::GraphicsAccessoryManager;
 using tarnAccessoryManager::KvaneAccessoryManager;
 
-// An operation, and how many lines it logs before it has the EC: they show in the log that it waits.
+// An operation, and how many lines it logs before it has the EC: they show in the log that it waits. No rule
+// says how many these are, so each row states what log readers know of its operation.
 struct LoggedOperation
 {
     const char *name;

@@ -165,3 +165,30 @@ INSTANTIATE_TEST_SUITE_P(OfActions, ReplyRules,
             R"({"cmd":"requestEcUpdate","data":"failed","id":5})", true},
         ReplyCase {request("requestEcUpdate", "missing.rom"),
             R"({"cmd":"requestEcUpdate","data":"successed","id":5})", false}));
+
+TEST(ReplyRulesWithoutEc, AllowNothingThatTheEcWouldHaveTold)
+{
+    const ReplyCase cases[] = {
+        {request("getMcuVersion"), R"({"cmd":"getMcuVersion","data":"","id":5})", true},
+        {request("getMcuVersion"), R"({"cmd":"getMcuVersion","data":"1.23","id":5})", false},
+        {request("getDockLedStatus"), R"({"cmd":"getDockLedStatus","data":"unknown","id":5})", true},
+        {request("getDockLedStatus"), R"({"cmd":"getDockLedStatus","data":"off","id":5})", false},
+        {request("setDockLedStatus", "on"),
+            R"({"cmd":"setDockLedStatus","data":"on","id":5,"result":"failed"})", true},
+        {request("setDockLedStatus", "on"),
+            R"({"cmd":"setDockLedStatus","data":"on","id":5,"result":"successed"})", false},
+        {request("setKVaneLedLight", "5"), R"({"cmd":"setKVaneLedLight","data":"5","id":5})", true},
+        {request("powerModeControl", "last"), "", true},
+        {request("powerModeControl", "first"),
+            R"({"cmd":"powerModeControl","data":"first","id":5,"result":"-10"})", true},
+        {request("setGraphicsRGB", "on"), R"({"cmd":"setGraphicsRGB","data":"red","id":5,"result":"failed"})",
+            true},
+        {request("requestMcuUpdate", "fw.bin"), R"({"cmd":"requestMcuUpdate","data":"failed","id":5})", true},
+        {request("requestMcuUpdate", "fw.bin"),
+            R"({"cmd":"requestMcuUpdate","data":"successed","id":5,"mcuVer":""})", false},
+    };
+    for (const ReplyCase &one : cases) {
+        const QString fault = tarnTest::faultOfReplyWithoutEc(one.request, one.reply);
+        EXPECT_EQ(fault.isEmpty(), one.isAllowed) << one.reply << ": " << fault.toStdString();
+    }
+}

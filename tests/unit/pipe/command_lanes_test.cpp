@@ -1,57 +1,18 @@
-#include "../update/update_fixture.h"
-#include "pipe/tarn_pipe_server.h"
-#include "support/command_samples.h"
+#include "command_fixture.h"
 #include "support/pipe_peer.h"
 #include "support/process_ending.h"
 #include "support/queued_messages.h"
 
-#include <algorithm>
 #include <thread>
-#include <vector>
 
 using tarnClient::CommandEntry;
 using tarnDeviceInfos::ecAccessMutex;
 using tarnPipeServer::Lane;
-using tarnPipeServer::TarnPipeServer;
+using tarnTest::fullRequest;
 
-namespace {
-
-// A request whose handler takes its longest path.
-QByteArray fullRequest(const CommandEntry &command)
-{
-    return tarnTest::requestOf(command, tarnTest::goodData(command).first());
-}
-
-std::vector<CommandEntry> commandsThatNeverWait()
-{
-    std::vector<CommandEntry> commands;
-    const auto &all = tarnClient::commandCatalogue();
-    std::copy_if(all.begin(), all.end(), std::back_inserter(commands),
-        [](const CommandEntry &command) { return !command.needsEc; });
-    return commands;
-}
-
-std::string rowName(const ::testing::TestParamInfo<CommandEntry> &info)
-{
-    return info.param.name.toString().toStdString();
-}
-
-} // namespace
-
-// A KVane, tools that do nothing and a file for each of them.
-class CommandLanes : public tarnTest::UpdateTest, public ::testing::WithParamInterface<CommandEntry>
+class CommandLanes : public tarnTest::CommandTest, public ::testing::WithParamInterface<CommandEntry>
 {
 protected:
-    CommandLanes()
-        : server(TarnPipeServer::instance())
-    {
-        machine.folder.write("function/EC/uiset.ini", "BinName=old\n");
-        installTool("function/EC/IFU_XE.exe", "exit 0");
-        installFlasher("exit 0");
-        download("new", tarnTest::sampleFirmware);
-        forgetPast();
-    }
-
     // Whether anything of it is done under the lock of the EC.
     bool takesEc(const QByteArray &request)
     {
@@ -63,11 +24,10 @@ protected:
         machine.clock.onWait = nullptr;
         return taken || ecAccessMutex.isLocked() || !machine.traffic().isEmpty();
     }
-
-    TarnPipeServer *server;
 };
 
-INSTANTIATE_TEST_SUITE_P(Of, CommandLanes, ::testing::ValuesIn(tarnClient::commandCatalogue()), rowName);
+INSTANTIATE_TEST_SUITE_P(
+    Of, CommandLanes, ::testing::ValuesIn(tarnClient::commandCatalogue()), tarnTest::commandName);
 
 TEST_P(CommandLanes, AreThoseOfTheEcForWhatTakesIt)
 {
@@ -80,7 +40,8 @@ TEST_P(CommandLanes, AreThoseOfTheEcForWhatTakesIt)
 class LaneThatNeverWaits : public CommandLanes
 { };
 
-INSTANTIATE_TEST_SUITE_P(Of, LaneThatNeverWaits, ::testing::ValuesIn(commandsThatNeverWait()), rowName);
+INSTANTIATE_TEST_SUITE_P(Of, LaneThatNeverWaits, ::testing::ValuesIn(tarnTest::commandsThatNeedTheEc(false)),
+    tarnTest::commandName);
 
 TEST_P(LaneThatNeverWaits, FinishesWhileTheEcIsHeld)
 {
