@@ -8,7 +8,8 @@
 using tarnTest::Sightings;
 
 // check_texts CATALOGUE RECORDINGS REPORT: which tests saw which text of the service. The list goes to the
-// report; fails when a text was seen by none.
+// report; fails when a text was seen by none, or a line of the log that a test caught is no text of
+// the catalogue.
 namespace {
 
 constexpr qsizetype namedTests = 3;

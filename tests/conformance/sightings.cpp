@@ -4,6 +4,7 @@
 #include <QFile>
 
 #include <algorithm>
+#include <iterator>
 
 namespace tarnTest {
 namespace {
@@ -22,6 +23,19 @@ bool shows(const QString &recorded, const QString &kind)
     if (recorded == QStringLiteral("message"))
         return kind == QStringLiteral("notification");
     return recorded == kind;
+}
+
+// Qt's own warnings begin with the class that gives them; the other lines that the service never logs begin
+// as listed here.
+bool isOfTheService(const QString &kind, const QString &text)
+{
+    static const QRegularExpression qtClass(QStringLiteral("^Q[A-Z]\\w+(::|: )"));
+    static const QString others[] = {
+        QStringLiteral("There is no simulated computer: "), QStringLiteral("TarnServiceGui (simulated) ")};
+    if (text.isEmpty() || (kind != QStringLiteral("debug") && qtClass.match(text).hasMatch()))
+        return false;
+    return std::none_of(std::begin(others), std::end(others),
+        [&text](const QString &beginning) { return text.startsWith(beginning); });
 }
 
 } // namespace
@@ -100,7 +114,12 @@ void Sightings::joinOne(const QString &kind, const QString &text, const Tests &t
         lookAt(*at);
     for (const std::size_t index : textsWithValues)
         lookAt(index);
-    if (!rightKind && otherLevel)
+    // Not what a process said: there the lines of two threads may be mixed.
+    if (rightKind || !isLogLevel(kind))
+        return;
+    if (!otherLevel && isOfTheService(kind, text))
+        unlisted << QStringLiteral("in no list: %1 \"%2\" (%3)").arg(kind, text, *tests.begin());
+    if (otherLevel)
         wrongKinds << QStringLiteral("%1: %2, not %3: \"%4\" (%5)")
                           .arg(otherLevel->group, kind, otherLevel->kind, text, *tests.begin());
 }
@@ -124,7 +143,7 @@ QStringList Sightings::complaints() const
             lines << QStringLiteral("%1 is said not to be seen here, but was, by %2")
                          .arg(named, testsOf(i).first());
     }
-    return lines + wrongKinds;
+    return lines + wrongKinds + unlisted;
 }
 
 } // namespace tarnTest

@@ -29,7 +29,8 @@ public:
     // Names of the tests that saw the text of this index, sorted.
     [[nodiscard]] QStringList testsOf(std::size_t index) const;
     // One line for each text that should have been seen and was not, or that was seen and should not, or at
-    // another level of the log.
+    // another level of the log, and for each line of the log, or of a process, that is no text of the
+    // catalogue.
     [[nodiscard]] QStringList complaints() const;
 
 private:
@@ -42,6 +43,7 @@ private:
     std::map<std::pair<QString, QString>, Tests> recorded; // by kind and text
     std::vector<Tests> seenBy;
     QStringList wrongKinds;
+    QStringList unlisted;
 };
 
 } // namespace tarnTest

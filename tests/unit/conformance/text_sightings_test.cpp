@@ -110,6 +110,33 @@ TEST_F(TextSightings, ComplainAboutAnotherLevelOfTheLog)
         QStringList());
 }
 
+TEST_F(TextSightings, NameTheLinesOfTheLogThatAreInNoList)
+{
+    const struct
+    {
+        const char *recorded;
+        bool isMissing;
+    } cases[] = {
+        {"debug\tset to  5 now", false},
+        {"debug\tset to  x now", true},
+        {"warning\tnever heard of", true},
+        {"fatal\tnever heard of", true},
+        {"warning\tQtService: never heard of", true},
+        {"warning\tQProcess: Destroyed while it runs", false},
+        {"warning\tQLocalSocket::connectToServer: refused", false},
+        {"warning\tThere is no simulated computer: no folder", false},
+        {"debug\tQProcess: never heard of", true},
+        {"said\tnever heard of", false},
+        {"reply\tnever heard of", false},
+    };
+    for (const auto &[recorded, isMissing] : cases) {
+        const QStringList lines = complaints({"debug \"set to  {number} now\"", "debug \"seen\""},
+            QString("test\tA.a\ndebug\tset to  1 now\ndebug\tseen\n%1\n").arg(recorded));
+        const QString line = QString("in no list: %1\" (A.a)").arg(QString(recorded).replace('\t', " \""));
+        EXPECT_EQ(lines, isMissing ? QStringList(line) : QStringList()) << recorded;
+    }
+}
+
 TEST_F(TextSightings, RefuseAnExcuseForATextThatWasSeen)
 {
     const QStringList catalogue {"debug \"text\" not here: only elsewhere"};
