@@ -3,6 +3,7 @@
 #include "device/ec_registers.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace tarnSimulator {
 
@@ -53,8 +54,12 @@ void PowerLimits::apply(MachineState &machine)
         machine.xdata[limit.checkAddress].store(limitInForce(machine, limit));
 }
 
-std::uint8_t PowerLimits::readBack(std::uint8_t value) const
+std::uint8_t PowerLimits::readBack(std::uint16_t address, std::uint8_t value) const
 {
+    const bool reportsLimit = std::any_of(std::begin(limits), std::end(limits),
+        [address](const Limit &limit) { return limit.checkAddress == address; });
+    if (!reportsLimit)
+        return value;
     const int offset = faults.value(Fault::ReadbackOffset).value_or(0);
     return static_cast<std::uint8_t>(std::clamp(value + offset, 0, 255));
 }

@@ -19,8 +19,9 @@ public:
     static void restore(MachineState &machine);
     // To be called when the mode or a limit has been written.
     static void apply(MachineState &machine);
-    // What the host gets for a read-back byte that holds `value`, within 0 to 255 W.
-    [[nodiscard]] std::uint8_t readBack(std::uint8_t value) const;
+    // What the host gets for a register that holds `value`: in a byte that reports a limit, a fault may
+    // change it within 0 to 255 W.
+    [[nodiscard]] std::uint8_t readBack(std::uint16_t address, std::uint8_t value) const;
 
 private:
     const FaultPanel &faults;

@@ -5,6 +5,7 @@
 #include "simulator/desktop.h"
 #include "simulator/device_tree.h"
 #include "simulator/power_limits.h"
+#include "simulator/register_table.h"
 
 namespace tarnSimulator {
 
@@ -15,22 +16,6 @@ namespace {
 constexpr std::uint8_t erasedEepromByte = 0xFF;
 constexpr std::uint32_t white = 0xFFFFFF;
 constexpr std::uint32_t dockLightOn = 0x010000; // only red 1 or 0 carries the dock's LED state
-
-struct RegisterDefault
-{
-    std::uint16_t address;
-    std::uint8_t value;
-};
-
-constexpr RegisterDefault registerDefaults[] = {
-    {EEP_STATUS, EEP_STATUS_DONE},
-    {EC_TARN_BATTERY_NUM, 80},
-    {EC_TARN_CHARGING_STATUS, TARN_CHARGING_BIT},
-    {EC_KVANE_BATTERY_NUM, 60},
-    {EC_KVANE_CHARGING_STATUS, 0},
-    {EC_POWER_SUPPLY_MODE, 0},
-    {EC_TARN_POWER_MODE, TARN_POWER_MODE_BALANCE},
-};
 
 constexpr std::array<std::uint8_t, serialNumberLength> serialNumber {
     0x01, 0x23, 0x45, 0x67, 0x89, 0xAB, 0xCD};
@@ -50,8 +35,10 @@ template <std::size_t size> void fill(std::array<SharedByte, size> &bytes, std::
 void resetMemories(MachineState &state)
 {
     fill(state.xdata, 0);
-    for (const RegisterDefault &preset : registerDefaults)
-        state.xdata[preset.address].store(preset.value);
+    for (const Register &row : registerTable()) {
+        if (row.atPowerOn != 0) // else a further name of a register would clear it again
+            state.xdata[row.address].store(row.atPowerOn);
+    }
     PowerLimits::restore(state);
     fill(state.eeprom, erasedEepromByte);
     state.eeprom[EEP_SMART_CHARGING].store(SMART_CHARGING_ON);

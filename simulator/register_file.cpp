@@ -1,9 +1,7 @@
 #include "simulator/register_file.h"
 
 #include "device/ec_registers.h"
-
-#include <algorithm>
-#include <iterator>
+#include "simulator/register_table.h"
 
 namespace tarnSimulator {
 
@@ -35,40 +33,6 @@ const RegisterFile::WriteEffect RegisterFile::writeEffects[] = {
     {EC_MCU_UPDATE_CTRL, &RegisterFile::controlMcu},
 };
 
-namespace {
-
-// What the EC measures or reports; the host's writes are taken and have no effect.
-constexpr std::uint16_t readOnly[] = {
-    EEP_STATUS,
-    MCU_LINK_STATUS,
-    MCU_VERSION_MAJOR,
-    MCU_VERSION_MINOR,
-    MCU_VERSION_PATCH,
-    ACCESSORY_CODE,
-    HARDWARE_VERSION,
-    EC_POWERMODE_PL1_CHECK,
-    EC_POWERMODE_PL2_CHECK,
-    EC_POWERMODE_PL4_CHECK,
-    EC_POWER_SUPPLY_MODE,
-    EC_TARN_BATTERY_NUM,
-    EC_TARN_CHARGING_STATUS,
-    EC_KVANE_BATTERY_NUM,
-    EC_KVANE_CHARGING_STATUS,
-};
-
-constexpr std::uint16_t limitReadBacks[] = {
-    EC_POWERMODE_PL1_CHECK,
-    EC_POWERMODE_PL2_CHECK,
-    EC_POWERMODE_PL4_CHECK,
-};
-
-template <std::size_t size> bool contains(const std::uint16_t (&addresses)[size], std::uint16_t address)
-{
-    return std::find(std::begin(addresses), std::end(addresses), address) != std::end(addresses);
-}
-
-} // namespace
-
 RegisterFile::RegisterFile(MachineState &machine, const NowMs &clock, const FaultPanel &panel)
     : state(machine)
     , eepromMailbox(machine, clock, panel)
@@ -85,14 +49,14 @@ std::uint8_t RegisterFile::read(std::uint16_t address)
         if (effect.address == address)
             (this->*effect.before)(address);
     }
-    const std::uint8_t value = state.xdata[address].load();
-    return contains(limitReadBacks, address) ? powerLimits.readBack(value) : value;
+    return powerLimits.readBack(address, state.xdata[address].load());
 }
 
 void RegisterFile::write(std::uint16_t address, std::uint8_t value)
 {
     advance();
-    if (contains(readOnly, address))
+    const Register *known = findRegister(address);
+    if (known != nullptr && known->hostWrites == HostWrites::Ignored)
         return;
     state.xdata[address].store(value);
     for (const WriteEffect &effect : writeEffects) {

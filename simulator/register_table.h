@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulator/value_group.h"
+
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -8,14 +10,43 @@
 
 namespace tarnSimulator {
 
-struct RegisterName
-{
-    std::string_view name;
-    std::uint16_t address;
+enum class HostWrites : std::uint8_t {
+    Kept,
+    Ignored, // what the EC measures or reports: writes are taken and have no effect
 };
 
-// Every register of the map in address order. Registers with two names are listed under both.
-[[nodiscard]] std::span<const RegisterName> registerNames();
+// What `tarnsim set` takes for the value of a register.
+enum class ValueSetting : std::uint8_t {
+    Nothing, // the value can only be read
+    Byte,
+    Switch, // "on" and "off" beside plain numbers, for registers in which one bit is the switch
+};
+
+// A register as one of the values of `tarnsim`.
+struct RegisterValue
+{
+    std::string_view name; // empty: the register is none of them
+    ValueGroup group = ValueGroup::Other;
+    ValueSetting setting = ValueSetting::Nothing;
+    std::string_view help {};
+    std::uint8_t onValue = 0; // of a Switch
+};
+
+struct Register
+{
+    std::string_view name;
+    std::uint16_t address = 0;
+    HostWrites hostWrites = HostWrites::Kept;
+    std::uint8_t atPowerOn = 0; // PowerLimits sets its own registers
+    RegisterValue value {};
+};
+
+// Every register of the map, in the order in which `tarnsim` lists the values of a group. Registers with
+// several names are listed under each; only the first row of an address tells more than the name.
+[[nodiscard]] std::span<const Register> registerTable();
+
+// The first row of the address; null when the register has no name.
+[[nodiscard]] const Register *findRegister(std::uint16_t address);
 
 // "EC_POWERMODE_PL1", or for the later serial number bytes "KVANE_SN_BYTES+3"; empty when the register has no
 // name.

@@ -15,6 +15,10 @@ namespace tarnSimulator {
 [[nodiscard]] std::optional<std::int64_t> parseNumber(std::string_view text);
 [[nodiscard]] std::optional<std::uint8_t> parseByte(std::string_view text);
 
+// What may be written for a byte, and for one that is a switch.
+inline constexpr std::string_view aByte = "0 to 255";
+inline constexpr std::string_view aSwitch = "on, off or 0 to 255";
+
 // "RED,GREEN,BLUE", each 0 to 255.
 [[nodiscard]] std::optional<Colour> parseColour(std::string_view text);
 [[nodiscard]] std::string colourText(Colour colour);

@@ -6,8 +6,6 @@
 #include "simulator/tool/verbs.h"
 #include "simulator/value_text.h"
 
-#include <initializer_list>
-
 namespace tarnSimulator {
 
 using namespace tarnDeviceInfos;
@@ -16,22 +14,22 @@ namespace {
 
 constexpr int labelWidth = 20;
 
-struct Line
+struct GroupLine
 {
+    ValueGroup group;
     const char *label;
-    std::initializer_list<std::string_view> values; // names of machine values
 };
 
-const Line lines[] = {
-    {"Host battery", {"battery", "charging"}},
-    {"KVane", {"kvane-battery", "kvane-charging", "kvane-led", "kvane-serial"}},
-    {"Lights", {"dock-light", "graphics-light"}},
-    {"GPU", {"gpu-state", "gpu-reports"}},
-    {"Desktop", {"session", "gui-answer", "gui-window", "gui-shown", "gui-open"}},
-    {"Power", {"supply-mode", "power-mode", "smart-charging"}},
-    {"Limits", {"pl-control", "pl1", "pl2", "pl4", "fan-mode"}},
-    {"MCU update", {"mcu-update", "mcu-mode"}},
-    {"Timing", {"eeprom-ms", "mailbox-ms", "acceptance-polls"}},
+constexpr GroupLine groupLines[] = {
+    {ValueGroup::HostBattery, "Host battery"},
+    {ValueGroup::Kvane, "KVane"},
+    {ValueGroup::Lights, "Lights"},
+    {ValueGroup::Gpu, "GPU"},
+    {ValueGroup::Desktop, "Desktop"},
+    {ValueGroup::Power, "Power"},
+    {ValueGroup::Limits, "Limits"},
+    {ValueGroup::McuUpdate, "MCU update"},
+    {ValueGroup::Timing, "Timing"},
 };
 
 void printLine(QTextStream &out, const QString &label, const QString &text)
@@ -53,6 +51,16 @@ QString accessoryText(const ComputerControl &computer)
         .arg(computer.peek(MCU_VERSION_MAJOR))
         .arg(computer.peek(MCU_VERSION_MINOR))
         .arg(computer.peek(MCU_VERSION_PATCH));
+}
+
+QString groupText(const ComputerControl &computer, ValueGroup group)
+{
+    QStringList values;
+    for (const MachineValue &value : machineValues()) {
+        if (value.group == group)
+            values << QStringLiteral("%1 %2").arg(toQString(value.name), toQString(value.read(computer)));
+    }
+    return values.join(QLatin1String(", "));
 }
 
 QString eventsText(const ComputerControl &computer)
@@ -105,14 +113,8 @@ ExitCode showMachine(ToolContext &context, const QStringList &)
     printLine(
         context.out, QStringLiteral("State file"), QString::fromStdU16String(context.stateFile.u16string()));
     printLine(context.out, QStringLiteral("Accessory"), accessoryText(computer));
-    for (const Line &line : lines) {
-        QStringList parts;
-        for (const std::string_view name : line.values) {
-            const MachineValue *value = findMachineValue(name);
-            parts << QStringLiteral("%1 %2").arg(toQString(name), toQString(value->read(computer)));
-        }
-        printLine(context.out, QString::fromLatin1(line.label), parts.join(QLatin1String(", ")));
-    }
+    for (const GroupLine &line : groupLines)
+        printLine(context.out, QString::fromLatin1(line.label), groupText(computer, line.group));
     printLine(context.out, QStringLiteral("Devices"), devicesText(computer));
     printLine(context.out, QStringLiteral("Armed events"), eventsText(computer));
     printLine(context.out, QStringLiteral("Faults"), faultsText(computer));

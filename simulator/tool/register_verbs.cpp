@@ -1,5 +1,5 @@
 #include "simulator/clock.h"
-#include "simulator/register_names.h"
+#include "simulator/register_table.h"
 #include "simulator/tool/tool_text.h"
 #include "simulator/tool/verbs.h"
 #include "simulator/value_text.h"

@@ -2,10 +2,11 @@
 
 #include "simulator/accessory_catalog.h"
 #include "simulator/machine_values.h"
-#include "simulator/register_names.h"
+#include "simulator/register_table.h"
 #include "simulator/value_text.h"
 
 #include <algorithm>
+#include <vector>
 
 namespace tarnSimulator {
 
@@ -62,7 +63,9 @@ QStringList faultNames()
 
 QStringList allRegisterNames()
 {
-    return namesOf(registerNames());
+    std::vector<Register> rows(registerTable().begin(), registerTable().end());
+    std::ranges::stable_sort(rows, {}, &Register::address);
+    return namesOf(rows);
 }
 
 qsizetype columnWidth(const QStringList &names)

@@ -1,32 +1,12 @@
 #include "ec_host.h"
 
-#include "simulator/register_names.h"
-
 #include <gtest/gtest.h>
 
 #include <optional>
-#include <set>
 #include <vector>
 
 using namespace tarnDeviceInfos;
 using tarnSimulatorTest::EcHost;
-
-class SimulatedReadOnlyRegister : public ::testing::TestWithParam<std::uint16_t>
-{ };
-
-TEST_P(SimulatedReadOnlyRegister, IgnoresTheHostsWrite)
-{
-    EcHost host;
-    host.computer.poke(GetParam(), 33);
-    ASSERT_TRUE(host.write(GetParam(), 99));
-    EXPECT_EQ(host.read(GetParam()), 33);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, SimulatedReadOnlyRegister,
-    ::testing::Values(EEP_STATUS, MCU_LINK_STATUS, MCU_VERSION_MAJOR, MCU_VERSION_MINOR, MCU_VERSION_PATCH,
-        ACCESSORY_CODE, HARDWARE_VERSION, EC_POWERMODE_PL1_CHECK, EC_POWERMODE_PL2_CHECK,
-        EC_POWERMODE_PL4_CHECK, EC_POWER_SUPPLY_MODE, EC_TARN_BATTERY_NUM, EC_TARN_CHARGING_STATUS,
-        EC_KVANE_BATTERY_NUM, EC_KVANE_CHARGING_STATUS));
 
 class SimulatedPlainRegister : public ::testing::TestWithParam<std::uint16_t>
 { };
@@ -88,21 +68,4 @@ TEST(SimulatedPowerLimits, AreTheEcsOwnUnlessTheHostHasControl)
     EXPECT_EQ(inForce(), ofHost);
     host.computer.reset();
     EXPECT_EQ(inForce(), automatic);
-}
-
-TEST(SimulatedRegisterNames, EveryNameLeadsToItsAddressAndBack)
-{
-    std::set<std::uint16_t> shown;
-    for (const auto &row : tarnSimulator::registerNames()) {
-        EXPECT_EQ(tarnSimulator::registerAddress(row.name), row.address);
-        const std::string name = tarnSimulator::registerName(row.address);
-        EXPECT_EQ(tarnSimulator::registerAddress(name), row.address);
-        shown.insert(row.address);
-    }
-    EXPECT_EQ(tarnSimulator::registerName(XEC_APP_CMD), "XEC_APP_CMD");
-    EXPECT_EQ(tarnSimulator::registerName(XEC_RGB_GREEN), "XEC_RGB_GREEN");
-    EXPECT_EQ(tarnSimulator::registerName(KVANE_SN_BYTES + 3), "KVANE_SN_BYTES+3");
-    EXPECT_EQ(tarnSimulator::registerName(KVANE_SN_BYTES + 6), "KVANE_SN_BYTES+6");
-    EXPECT_EQ(tarnSimulator::registerName(KVANE_SN_BYTES + 7), "");
-    EXPECT_EQ(tarnSimulator::registerAddress("NO_SUCH_REGISTER"), std::nullopt);
 }

@@ -14,6 +14,7 @@ set(SIMULATOR_TEST_SOURCES
     simulated_mcu_test.cpp
     simulated_port_library_test.cpp
     simulated_register_log_test.cpp
+    simulated_register_table_test.cpp
     simulated_registers_test.cpp
     simulated_state_file_test.cpp
     simulated_values_test.cpp

@@ -7,6 +7,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QRegularExpression>
 
 using namespace tarnDeviceInfos;
 
@@ -137,6 +138,29 @@ TEST_F(Tarnsim, ShowsTheMachine)
     EXPECT_FALSE(said("slow"));
 }
 
+TEST_F(Tarnsim, ShowsTheValuesOfAGroupInOneLine)
+{
+    EXPECT_EQ(run(QStringLiteral("show")), 0);
+    EXPECT_TRUE(said("\nHost battery        battery 80, charging 1"));
+    EXPECT_TRUE(said("\nKVane               kvane-battery 60, kvane-charging 0, "));
+    EXPECT_TRUE(said("\nPower               supply-mode 0, power-mode 1, "));
+    EXPECT_TRUE(said("\nLimits              pl-control 0, pl1 28, pl2 30, pl4 55, "));
+    EXPECT_TRUE(said("\nMCU update          mcu-update 0, "));
+}
+
+// Those of the accessory are in words, and Other is what it leaves out.
+TEST_F(Tarnsim, ShowsEveryValueOnce)
+{
+    EXPECT_EQ(run(QStringLiteral("show")), 0);
+    for (const tarnSimulator::MachineValue &value : tarnSimulator::machineValues()) {
+        const bool shown = value.group != tarnSimulator::ValueGroup::Accessory
+            && value.group != tarnSimulator::ValueGroup::Other;
+        const QString name = QString::fromLatin1(value.name.data(), qsizetype(value.name.size()));
+        const QRegularExpression asWord(QStringLiteral("[ ]%1 \\S").arg(name));
+        EXPECT_EQ(output.count(asWord), shown ? 1 : 0) << value.name;
+    }
+}
+
 // Authors of another host see their mistakes on the channel here.
 TEST_F(Tarnsim, ShowTellsWhatAHostDidToTheChannel)
 {
@@ -180,7 +204,8 @@ TEST_F(Tarnsim, ListsNamesOnePerLine)
     EXPECT_EQ(runBare({QStringLiteral("list faults")}), 0);
     EXPECT_TRUE(said("fail-after\n"));
     EXPECT_EQ(runBare({QStringLiteral("list registers")}), 0);
-    EXPECT_TRUE(said("XEC_RGB_CMD\n"));
+    EXPECT_TRUE(output.startsWith("EC_FAN_MODE\nXEC_APP_EVENT\n"));
+    EXPECT_TRUE(said("\nXEC_APP_CMD\nXEC_RGB_CMD\nXEC_APP_CMD_DATA0\n"));
     EXPECT_EQ(runBare({QStringLiteral("list colours")}), 2);
     EXPECT_TRUE(complained("verbs, accessories, values, faults, registers"));
 }
