@@ -39,7 +39,7 @@ public:
     // power_control_mode.cpp. 0 verified; -1 write or read-back failed, -2 the EC reports another mode.
     int setEcPowerCtrlMode(quint8 mode);
 
-    // power_mode_persistence.cpp. 0 applied, even if the file could not be written; -1 not applied, file
+    // saved_power_mode.cpp. 0 applied, even if the file could not be written; -1 not applied, file
     // untouched; -2 no such profile.
     int setEcPowerMode(quint32 number);
     // 0 restored; -1 applied but not saved, -2 not applied.

@@ -1,6 +1,6 @@
 #include "platform/service_run.h"
 
-#include "platform/process_end.h"
+#include "platform/end_budget.h"
 #include "platform/service_manager.h"
 
 #include <QCoreApplication>

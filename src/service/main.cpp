@@ -1,7 +1,7 @@
 #include "platform/process_end.h"
 #include "platform/version.h"
-#include "service/process_end.h"
 #include "service/running_check.h"
+#include "service/service_end.h"
 #include "service/start_delay.h"
 #include "service/tarn_service.h"
 

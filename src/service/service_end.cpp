@@ -1,10 +1,11 @@
-#include "service/process_end.h"
+#include "service/service_end.h"
 
 #include "device/ec_access_lock.h"
 #include "device/monitor/ec_dirver_reader.h"
 #include "pipe/handler_threads.h"
 #include "pipe/outbox/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
+#include "platform/end_budget.h"
 #include "platform/process_end.h"
 #include "platform/process_wide.h"
 #include "update/tool_run.h"

@@ -7,7 +7,7 @@
 #include "pipe/outbox/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
 #include "platform/process_end.h"
-#include "service/process_end.h"
+#include "service/service_end.h"
 #include "support/pipe_peer.h"
 #include "support/queued_messages.h"
 #include "support/seen_texts.h"
