@@ -13,73 +13,17 @@ using tarnTest::waitUntil;
 
 using Dialogue = tarnTest::RunningService;
 
-TEST_F(Dialogue, FollowsADockFromAttachToDetach)
-{
-    // What first detection said waited for the first client.
-    EXPECT_TRUE(client.waitForNotification("getTarnChargingStatus", "1"));
-    EXPECT_TRUE(client.waitForNotification("getTarnBatteryNum", "80"));
-    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
-
-    service.attach(ACCESSORY_DOCK);
-    service.computer().setMcuVersion(1, 2, 3);
-    service.computer().setHardwareVersion(7);
-    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "dock"));
-    EXPECT_EQ(client.answer("getAccessoryType"), "dock");
-    EXPECT_EQ(client.answer("getMcuVersion"), "1.23");
-    EXPECT_EQ(client.answer("getHardwareVersion"), "7");
-    EXPECT_EQ(client.answer("getAccessoryCode"), "1");
-    const QJsonObject parameters = client.ask({{"cmd", "getMcuUpdateParameters"}});
-    EXPECT_EQ(parameters,
-        (QJsonObject {{"cmd", "getMcuUpdateParameters"}, {"mcuVer", "1.23"}, {"hardwareVer", "7"},
-            {"accessoryCode", "1"}}));
-
-    service.computer().detach();
-    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "disconnected"));
-    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
-    EXPECT_EQ(client.notificationCount("changeAccessoryType", "disconnected"), 1);
-}
-
-TEST_F(Dialogue, FollowsTheValuesOfAKVane)
-{
-    service.attach(ACCESSORY_KVANE);
-    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "k_vane"));
-    service.computer().setKvaneBattery(42);
-    EXPECT_TRUE(client.waitForNotification("getKvaneBatteryNum", "42"));
-    EXPECT_EQ(client.answer("getKvaneBatteryNum"), "42");
-    service.computer().setHostBattery(17);
-    EXPECT_TRUE(client.waitForNotification("getTarnBatteryNum", "17"));
-    EXPECT_EQ(client.answer("getTarnBatteryNum"), "17");
-    service.computer().setHostCharging(0);
-    EXPECT_TRUE(client.waitForNotification("getTarnChargingStatus", "0"));
-    EXPECT_EQ(client.answer("getTarnChargingStatus"), "0");
-}
-
-TEST_F(Dialogue, AnnouncesBothGraphicsBoxes)
-{
-    service.attach(ACCESSORY_GRAPHICS);
-    EXPECT_TRUE(client.waitForNotification("changeAccessoryType", "graphics"));
-    service.attach(ACCESSORY_GRAPHICS_16G);
-    EXPECT_TRUE(
-        waitUntil([this] { return client.notificationCount("changeAccessoryType", "graphics") == 2; }));
-    EXPECT_EQ(client.answer("getAccessoryType"), "graphics");
-}
-
 TEST_F(Dialogue, SurvivesWhateverArrives)
 {
-    const QByteArrayList rubbish = {"", "x", "{", "}", "[]", "{}", R"({"cmd":5})", R"({"cmd":"nothing"})",
-        QByteArray("\0\0\0", 3), QByteArray(8000, '{'), QByteArray(8000, 'a'), "\xff\xfe\xfd",
-        R"({"cmd":"getAccessoryType"}{"cmd":"getAccessoryType"})"};
+    const QByteArrayList rubbish = {
+        QByteArray("\0\0\0", 3), QByteArray(8000, '{'), QByteArray(8000, 'a'), "\xff\xfe\xfd"};
     for (const QByteArray &bytes : rubbish) {
         const auto sent = service.logCount("\nsend");
         client.write(bytes);
-        if (!bytes.isEmpty()) {
-            EXPECT_TRUE(waitUntil([&] { return service.logCount("\nsend") > sent; }, 20000))
-                << bytes.left(50).toStdString();
-        }
+        EXPECT_TRUE(waitUntil([&] { return service.logCount("\nsend") > sent; }, 20000))
+            << bytes.left(50).toStdString();
     }
     EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
-    EXPECT_TRUE(service.log().contains("cmd is not a string."));
-    EXPECT_TRUE(service.log().contains("Unknown command:  \"nothing\""));
 }
 
 TEST_F(Dialogue, KeepsHalfASecondBetweenMessages)

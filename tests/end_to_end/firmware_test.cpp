@@ -197,16 +197,6 @@ TEST_F(McuFirmware, IsFlashedByTheClientItselfInUpdateMode)
     EXPECT_EQ(again.answer("getHardwareVersion"), "4");
 }
 
-TEST_F(FirmwareUpdate, OfTheMcuNeedsAKVane)
-{
-    download("x");
-    service.attach(ACCESSORY_DOCK);
-    ASSERT_TRUE(client.waitForNotification("changeAccessoryType", "dock"));
-    EXPECT_EQ(client.answer("requestMcuUpdate", "fw.bin"), "failed");
-    EXPECT_TRUE(service.log().contains("MCU and base handshake failed!"));
-    EXPECT_EQ(client.answer("requestEnterMcuUpdateMode"), "failed");
-}
-
 TEST_F(FirmwareUpdate, RefusesNamesThatLeaveTheFolders)
 {
     service.write("fw.bin", "outside");
