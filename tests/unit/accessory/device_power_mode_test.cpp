@@ -5,12 +5,8 @@ using tarnAccessoryManager::noProfile;
 using tarnAccessoryManager::PowerProfile;
 using tarnAccessoryManager::powerProfiles;
 using tarnSimulator::Fault;
-using tarnTest::balanceProfile;
 using tarnTest::highProfile;
-using tarnTest::lowProfile;
-using tarnTest::neverRestored;
 using tarnTest::numberBeyondProfiles;
-using tarnTest::usualPl1;
 
 using DevicePowerMode = tarnTest::PowerModeTest;
 
@@ -152,15 +148,4 @@ TEST_F(DevicePowerMode, AnECThatDropsAnUnknownFlagFails)
 {
     machine.clock.at(tarnTest::milliseconds(25), [this] { setRegister(EC_TARN_POWER_MODE, 0); });
     EXPECT_FALSE(manager->setTarnPowerMode(numberBeyondProfiles));
-}
-
-TEST_F(DevicePowerMode, IsIndependentOfTheLimits)
-{
-    ASSERT_TRUE(manager->setTarnPowerMode(highProfile));
-    ASSERT_EQ(manager->setEcPowerModeLow(), 0);
-    EXPECT_EQ(manager->getTarnPowerMode(), highProfile);
-    ASSERT_TRUE(manager->setTarnPowerMode(balanceProfile));
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), usualPl1(lowProfile));
-    EXPECT_EQ(manager->currentPowerMode(), neverRestored);
-    EXPECT_FALSE(QFile::exists(machine.folder.path(tarnTest::profileFileName)));
 }

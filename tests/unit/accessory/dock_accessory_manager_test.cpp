@@ -125,15 +125,6 @@ TEST_F(DockLed, AMailboxThatNeverClearsIsGivenUpAndTheStateReadAllTheSame)
     EXPECT_TRUE(lockHeldThroughout());
 }
 
-TEST_F(DockLed, AMailboxThatClearsAtTheLastPollIsEnough)
-{
-    constexpr int accessesBefore = 19; // the command and 18 looks
-    machine.state->timing.mailboxBusyMs = 620; // between the 20th look at 620 and the 21st at 650
-    EXPECT_EQ(manager->getDockLedStatus(), 1);
-    EXPECT_EQ(machine.timeline().mid(accessesBefore),
-        QStringList({"590 R 04B0 11", "620 R 04B0 11", "650 R 04B0 00", "680 R 04B1 01"}));
-}
-
 TEST_F(DockLed, AMailboxThatIsNeverAnsweredIsPolledToTheEnd)
 {
     machine.faults().switchOn(Fault::FailRead, XEC_RGB_CMD);
@@ -213,14 +204,6 @@ TEST_F(DockLed, OnlyTheLowByteOfTheValueIsWritten)
     // The log tells what was written, and at the end what was asked for.
     EXPECT_EQ(machine.log.lines().at(1), "Success to write rgbColorRedDock:  247 to XEC_RGB_RED.");
     EXPECT_EQ(machine.log.lines().last(), QString::fromUtf8("Set dock led status successed\xEF\xBC\x9A 503"));
-}
-
-TEST_F(DockLed, ASetDoesNotWaitForAStuckMailbox)
-{
-    machine.faults().switchOn(Fault::MailboxStuck);
-    EXPECT_EQ(manager->setDockLedStatus(0), 0);
-    EXPECT_EQ(elapsed(), 110);
-    EXPECT_EQ(light(), 0);
 }
 
 struct FailedLedWrite

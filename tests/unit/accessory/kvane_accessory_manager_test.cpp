@@ -263,10 +263,3 @@ TEST_P(KvaneReaders, WorkWhileTheCallerHoldsTheEC)
 
 INSTANTIATE_TEST_SUITE_P(All, KvaneReaders, ::testing::ValuesIn(plainReaders),
     [](const auto &row) { return std::string(row.param.name); });
-
-TEST_F(Kvane, AByteOfOneIsChargingForTheProfilesOnly)
-{
-    setRegister(EC_KVANE_CHARGING_STATUS, 1);
-    EXPECT_EQ(manager->getKvaneChargingStatus(), 0);
-    EXPECT_NE(tarnAccessoryManager::EcPowerModeManager::instance()->readKvaneChargingStatus(), 0);
-}

@@ -103,14 +103,6 @@ TEST_F(PowerControlMode, AFailedReadBackFails)
     EXPECT_TRUE(lockHeldThroughout());
 }
 
-TEST_F(PowerControlMode, WorksAgainAfterAFailure)
-{
-    machine.faults().switchOn(Fault::FailRegister, EC_POWERMODE_PL_CTRL);
-    ASSERT_EQ(manager->setEcPowerCtrlMode(PL_CTRL_MANUAL), -1);
-    machine.faults().clear();
-    EXPECT_EQ(manager->setEcPowerCtrlMode(1), 0);
-}
-
 using UnexpectedControlModeResults = tarnTest::UnexpectedResultsTest;
 
 TEST_F(UnexpectedControlModeResults, OfTheWrite)

@@ -228,34 +228,6 @@ TEST_F(PowerProfiles, SomeHaveACallOfTheirOwn)
     }
 }
 
-TEST_F(PowerProfiles, TheFirstProfileTakesExactlyThisLong)
-{
-    EXPECT_EQ(manager->setEcPowerModeHigh(), 0);
-    EXPECT_EQ(machine.timeline(),
-        QStringList({"20 R 04FC 00", "50 W 04A8 2D", "75 R 04AB 2D", "105 W 04A9 37", "130 R 04AC 37",
-            "160 W 04AA 4B", "185 R 04AD 4B", "215 W 046E 01"}));
-    EXPECT_EQ(elapsed(), 215);
-}
-
-TEST_F(PowerProfiles, AnotherProfileReplacesTheFanModeToo)
-{
-    ASSERT_EQ(manager->setEcPowerModeHigh(), 0);
-    EXPECT_EQ(reg(EC_FAN_MODE), 1);
-    ASSERT_EQ(manager->setEcPowerModeLow(), 0);
-    EXPECT_EQ(reg(EC_FAN_MODE), 0);
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), 15);
-}
-
-TEST_F(PowerProfiles, ASupplyChangeCountsFromTheNextApplication)
-{
-    ASSERT_EQ(manager->setEcPowerModeHigh(), 0);
-    setRegister(EC_POWER_SUPPLY_MODE, 3);
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), 45);
-    ASSERT_EQ(manager->setEcPowerModeHigh(), 0);
-    EXPECT_EQ(reg(EC_POWERMODE_PL1), 15);
-    EXPECT_EQ(reg(EC_FAN_MODE), 0);
-}
-
 TEST_F(PowerProfiles, ApplyingDoesNotTouchTheProfileFileOrTheKnownProfile)
 {
     ASSERT_EQ(manager->setEcPowerModeLow(), 0);

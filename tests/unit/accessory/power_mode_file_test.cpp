@@ -47,13 +47,6 @@ TEST_P(EachPowerMode, IsAppliedAndSaved)
     EXPECT_EQ(manager->lastRestoreResult(), 0);
 }
 
-TEST_P(EachPowerMode, ReplacesWhateverWasSaved)
-{
-    save("a much longer text\n");
-    EXPECT_EQ(apply(), 0);
-    EXPECT_EQ(savedBytes(), ownBytes());
-}
-
 TEST_P(EachPowerMode, IsNotSavedWhenTheECDoesNotTakeIt)
 {
     save("x");
@@ -101,16 +94,6 @@ TEST_F(PowerModeSaving, TouchesTheFileOnlyAfterTheECHasTakenTheProfile)
     EXPECT_EQ(savedBytes(), savedHigh);
 }
 
-TEST_F(PowerModeSaving, AReadOnlyFolderIsNoFailure)
-{
-    tarnTest::setMode(machine.folder.path("."), 0555);
-    const Unprivileged unprivileged;
-    EXPECT_EQ(manager->setEcPowerMode(highProfile), 0);
-    EXPECT_FALSE(profileFileExists());
-    EXPECT_EQ(linesAfterApplication().last(),
-        "W: Failed to create the configuration file but set ec powermode to high successed.");
-}
-
 TEST_F(PowerModeSaving, AReadOnlyFileIsNoFailureAndKeepsItsContent)
 {
     save(savedLow);
@@ -143,15 +126,6 @@ INSTANTIATE_TEST_SUITE_P(
 
 // The file by itself.
 using ProfileFile = ProfileFileTest;
-
-TEST_F(ProfileFile, HoldsOneCharacter)
-{
-    EXPECT_EQ(PowerModeFile::write(lowProfile), PowerModeFile::Write::Done);
-    EXPECT_EQ(savedBytes(), savedLow);
-    QString content;
-    EXPECT_EQ(PowerModeFile::read(&content), PowerModeFile::Read::Done);
-    EXPECT_EQ(content, savedLow);
-}
 
 TEST_F(ProfileFile, IsTrimmedAtItsEndsOnly)
 {

@@ -151,32 +151,6 @@ TEST_F(PowerModeRestore, IsNotMadeUnasked)
     EXPECT_TRUE(machine.traffic().isEmpty());
 }
 
-// Killed between opening the file and writing to it.
-TEST_F(PowerModeRestore, AnEmptyFileIsRepaired)
-{
-    save("");
-    EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
-    EXPECT_EQ(savedBytes(), savedBalance);
-    EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
-    machine.log.clear();
-    EXPECT_EQ(manager->restorePowerModeAtStart(), 0);
-    EXPECT_EQ(linesBeforeApplication(), QStringList({"begin to set ec powermode."})); // now it is good
-}
-
-TEST_F(PowerModeRestore, AFolderThatStaysInTheWayIsReportedEachTime)
-{
-    replaceProfileFile(InItsPlace::Folder);
-    for (int start = 0; start < 2; ++start) {
-        machine.log.clear();
-        EXPECT_EQ(manager->restorePowerModeAtStart(), -1);
-        EXPECT_EQ(manager->currentPowerMode(), balanceProfile);
-        EXPECT_EQ(machine.log.lines().first(), "W: The configuration file exists but failed to open.");
-        EXPECT_EQ(machine.log.lines().last(),
-            "W: Failed to create the configuration file but set ec powermode to balance when app begin "
-            "successed.");
-    }
-}
-
 TEST_F(PowerModeRestore, AFileThatMayBeWrittenButNotReadIsRepaired)
 {
     save(savedHigh);

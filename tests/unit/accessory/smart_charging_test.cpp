@@ -82,29 +82,50 @@ TEST_P(SmartChargingNonsense, IsAFailedReadAndCountsAsOff)
 
 INSTANTIATE_TEST_SUITE_P(Bytes, SmartChargingNonsense, ::testing::Values(0x01, 0x05, 0x4F, 0x51, 0x80, 0xFF));
 
-TEST_F(SmartCharging, ABusyMailboxIsAFailedRead)
+struct MailboxFault
+{
+    const char *name;
+    Fault fault;
+    int status;
+    QStringList readLines;
+    QString writeLine;
+};
+
+class SmartChargingMailbox : public SmartCharging, public ::testing::WithParamInterface<MailboxFault>
+{ };
+
+TEST_P(SmartChargingMailbox, ThatFailsIsAFailedRead)
 {
     ASSERT_TRUE(manager->getSmartChargingStatus());
     machine.log.clear();
-    machine.faults().switchOn(Fault::EepromBusy);
+    machine.faults().switchOn(GetParam().fault, GetParam().status);
     EXPECT_FALSE(manager->getSmartChargingStatus());
     EXPECT_FALSE(manager->isSmartChargingOn());
-    EXPECT_EQ(machine.log.lines(),
-        QStringList({beginToGet, getAnswered, "Get smart charge status failed with  -1"}));
+    EXPECT_EQ(machine.log.lines(), QStringList({beginToGet, getAnswered}) + GetParam().readLines);
     EXPECT_TRUE(lockHeldThroughout());
 }
 
-TEST_F(SmartCharging, AMailboxErrorIsAFailedRead)
+TEST_P(SmartChargingMailbox, ThatFailsKeepsTheKnownState)
 {
-    ASSERT_TRUE(manager->getSmartChargingStatus());
-    machine.log.clear();
-    machine.faults().switchOn(Fault::EepromError, 2);
-    EXPECT_FALSE(manager->getSmartChargingStatus());
-    EXPECT_FALSE(manager->isSmartChargingOn());
-    EXPECT_EQ(machine.log.lines(),
-        QStringList(
-            {beginToGet, getAnswered, "W: read eeprom error", "Get smart charge status failed with  -2"}));
+    for (const bool on : {true, false}) {
+        ASSERT_TRUE(manager->setSmartChargingStatus(!on));
+        machine.log.clear();
+        machine.faults().switchOn(GetParam().fault, GetParam().status);
+        EXPECT_FALSE(manager->setSmartChargingStatus(on));
+        EXPECT_EQ(manager->isSmartChargingOn(), !on);
+        EXPECT_EQ(stored(), on ? 0 : 0x50);
+        EXPECT_EQ(machine.log.lines(), setLines(on, {"wait eep_status ", GetParam().writeLine}, "failed."));
+        machine.faults().clear();
+    }
+    EXPECT_TRUE(lockHeldThroughout());
 }
+
+INSTANTIATE_TEST_SUITE_P(Faults, SmartChargingMailbox,
+    ::testing::Values(MailboxFault {"Busy", Fault::EepromBusy, 0, {"Get smart charge status failed with  -1"},
+                          "W: write eeprom fail after 10 attempts"},
+        MailboxFault {"Error", Fault::EepromError, 2,
+            {"W: read eeprom error", "Get smart charge status failed with  -2"}, "W: write eeprom fail"}),
+    [](const auto &row) { return std::string(row.param.name); });
 
 TEST_F(SmartCharging, DataThatDoesNotComeIsAFailedRead)
 {
@@ -132,40 +153,5 @@ TEST_P(SmartChargingSwitch, IsStored)
     EXPECT_TRUE(lockHeldThroughout());
 }
 
-TEST_P(SmartChargingSwitch, KeepsTheKnownStateWhenTheMailboxStaysBusy)
-{
-    const bool on = GetParam();
-    ASSERT_TRUE(manager->setSmartChargingStatus(!on));
-    machine.log.clear();
-    machine.faults().switchOn(Fault::EepromBusy);
-    EXPECT_FALSE(manager->setSmartChargingStatus(on));
-    EXPECT_EQ(manager->isSmartChargingOn(), !on);
-    EXPECT_EQ(stored(), on ? 0 : 0x50);
-    EXPECT_EQ(machine.log.lines(),
-        setLines(on, {"wait eep_status ", "W: write eeprom fail after 10 attempts"}, "failed."));
-    EXPECT_TRUE(lockHeldThroughout());
-}
-
-TEST_P(SmartChargingSwitch, KeepsTheKnownStateWhenTheMailboxReportsAnError)
-{
-    const bool on = GetParam();
-    ASSERT_TRUE(manager->setSmartChargingStatus(!on));
-    machine.log.clear();
-    machine.faults().switchOn(Fault::EepromError, 3);
-    EXPECT_FALSE(manager->setSmartChargingStatus(on));
-    EXPECT_EQ(manager->isSmartChargingOn(), !on);
-    EXPECT_EQ(machine.log.lines(), setLines(on, {"wait eep_status ", "W: write eeprom fail"}, "failed."));
-    machine.faults().clear();
-    EXPECT_TRUE(manager->setSmartChargingStatus(on));
-    EXPECT_EQ(manager->isSmartChargingOn(), on);
-}
-
 INSTANTIATE_TEST_SUITE_P(Both, SmartChargingSwitch, ::testing::Bool(),
     [](const auto &row) { return std::string(row.param ? "On" : "Off"); });
-
-TEST_F(SmartCharging, IsReadFromTheECAndNotFromTheKnownState)
-{
-    ASSERT_TRUE(manager->setSmartChargingStatus(true));
-    store(0);
-    EXPECT_EQ(manager->readSmartCharging(), std::optional(false));
-}

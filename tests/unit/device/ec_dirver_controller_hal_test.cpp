@@ -237,13 +237,6 @@ TEST_F(EcDriver, RemembersThatTheEcHasAnsweredWhenItFallsSilent)
     EXPECT_TRUE(driver->hasEcAnswered());
 }
 
-TEST_F(EcDriver, EndsTheProcessWhenTheReloadFails)
-{
-    quint8 value = 0;
-    ports.folder.removePortLibrary();
-    EXPECT_DEATH(driver->readXdata(0x06A4, &value), "Cannot load library second\n");
-}
-
 TEST_F(EcDriver, TheReloadSlotReloadsByItself)
 {
     ASSERT_TRUE(QMetaObject::invokeMethod(driver, "reloadDLL"));

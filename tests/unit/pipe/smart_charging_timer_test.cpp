@@ -111,6 +111,10 @@ TEST_F(SmartChargingTimer, IsStopped)
     EXPECT_FALSE(timer->isActive());
     EXPECT_EQ(machine.log.lines(),
         QStringList({"smart changing timer is active, now stop it.", "stop smart changing timer."}));
+    machine.log.clear();
+    Q_EMIT server->startChangingTimer();
+    EXPECT_EQ(timer->interval(), fiveDays); // from the beginning
+    EXPECT_EQ(machine.log.lines(), countdownStarted);
 }
 
 TEST_F(SmartChargingTimer, CanBeStoppedWhileIdle)
@@ -119,17 +123,6 @@ TEST_F(SmartChargingTimer, CanBeStoppedWhileIdle)
     EXPECT_FALSE(timer->isActive());
     EXPECT_EQ(machine.log.lines(),
         QStringList({"smart changing timer is not active.", "stop smart changing timer."}));
-}
-
-TEST_F(SmartChargingTimer, CountsFromTheBeginningAfterAStop)
-{
-    Q_EMIT server->startChangingTimer();
-    Q_EMIT server->stopChangingTimer();
-    machine.log.clear();
-    Q_EMIT server->startChangingTimer();
-    EXPECT_EQ(timer->interval(), fiveDays);
-    EXPECT_TRUE(timer->isActive());
-    EXPECT_EQ(machine.log.lines(), countdownStarted);
 }
 
 // Handlers run on other threads; the timer is started and stopped on its own thread.

@@ -157,16 +157,6 @@ TEST(ServiceHost, AnythingElseNeedsAManager)
     }
 }
 
-TEST(ServiceHost, RunsAsAnApplication)
-{
-    for (const char *option : {"-e", "-exec"}) {
-        NotingService service({"tarn", option});
-        service.loopResult = 7;
-        EXPECT_EQ(service.exec(), 7);
-        EXPECT_EQ(service.calls, QStringList({"start", "loop"}));
-    }
-}
-
 TEST(ServiceHost, WarnsWhenTheApplicationCannotRun)
 {
     const tarnTest::LogCapture log;

@@ -282,9 +282,12 @@ TEST(CommandLineCutShort, IsDoneOnlyWhereTheServiceItselfWasToRun)
 TEST_F(CommandLine, RunsWithoutTheManagerWhenItIsToldTo)
 {
     loopResult = 7;
-    EXPECT_EQ(std::get<int>(run({"-exec", "-install"})), loopResult);
-    EXPECT_EQ(hostCalls, QStringList({"start", "loop"}));
-    EXPECT_TRUE(manager.calls.isEmpty());
+    for (const std::vector<std::string> &words :
+        {std::vector<std::string> {"-e"}, {"-exec"}, {"-exec", "-install"}}) {
+        EXPECT_EQ(std::get<int>(run(words)), loopResult);
+        EXPECT_EQ(hostCalls, QStringList({"start", "loop"}));
+        EXPECT_TRUE(manager.calls.isEmpty());
+    }
 }
 
 TEST_F(CommandLine, AnythingElseIsTheManagersStart)

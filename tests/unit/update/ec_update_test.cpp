@@ -96,22 +96,6 @@ TEST_F(EcSettingsFile, EndsItsLastLine)
     EXPECT_EQ(rewritten("\n\n"), "\n\n");
 }
 
-TEST_F(EcSettingsFile, GetsEachOfItsSettings)
-{
-    EXPECT_EQ(
-        rewritten("ACPI PORT=\nFW VERSION SHOW=\nHEX DISPLAY=\nRead Method=\nIO=\nBRAM BANK=\nRead BYTES=\n"
-                  "BRAM Start index=\nFlashEnd CMD=\nAutoFlash=\nWarring Show=\nSilentRun=\nBinName=\n"
-                  "Shutdown=\n"),
-        "ACPI PORT=0x68\nFW VERSION SHOW=0\nHEX DISPLAY=0\nRead Method=0\nIO=1\nBRAM BANK=0\nRead BYTES=3\n"
-        "BRAM Start index=0x7\nFlashEnd CMD=0xFC\nAutoFlash=1\nWarring Show=0\nSilentRun=1\nBinName=fw.bin\n"
-        "Shutdown=1\n");
-}
-
-TEST_F(EcSettingsFile, GetsNoKeysThatItDidNotHave)
-{
-    EXPECT_EQ(rewritten("Speed=3\n"), "Speed=3\n");
-}
-
 TEST_F(EcSettingsFile, SurvivesNastyBytes)
 {
     EXPECT_EQ(rewritten(QByteArray("\xFF\xFE\0a\nIO", 7)), QByteArray("\xFF\xFE\0a\nIO=1\n", 10));

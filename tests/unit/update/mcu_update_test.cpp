@@ -485,21 +485,6 @@ TEST_F(McuUpdateMode, PausesTheMonitor)
     loop.join();
 }
 
-TEST_F(McuUpdateMode, MakesAnUpdateWait)
-{
-    EXPECT_EQ(updater->enterMcuUpdateMode(), 0);
-    std::atomic<bool> done {false};
-    std::thread update([&] {
-        EXPECT_EQ(updater->mcuUpdate("fw.bin"), 0);
-        done = true;
-    });
-    EXPECT_TRUE(tarnTest::waitUntil([this] { return machine.log.contains("mcuUpdate Enter |"); }));
-    EXPECT_FALSE(done);
-    EXPECT_EQ(updater->leaveMcuUpdateMode(), 0);
-    update.join();
-    EXPECT_TRUE(done);
-}
-
 TEST_F(McuUpdateMode, FailsWhenTheProcessEnds)
 {
     tarnTest::letProcessEnd();

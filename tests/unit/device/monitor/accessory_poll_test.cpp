@@ -90,13 +90,6 @@ TEST_F(AccessoryPoll, ReadsTheCodeOnlyBehindALink)
     EXPECT_EQ(machine.timeline(), QStringList({"20 R 06A0 04", "40 R 06A6 01"}));
 }
 
-TEST_F(AccessoryPoll, ActivatesTheGraphicsBoxAfterTellingTheClient)
-{
-    poll(MCU_LINKED, ACCESSORY_GRAPHICS_16G);
-    EXPECT_TRUE(machine.log.contains(
-        "GraphicsActive_log: Received graphics connected signal, begin active process."));
-}
-
 TEST_F(AccessoryPoll, TellsTheClientBeforeTheGraphicsBoxTakesItsTime)
 {
     QStringList toldBefore;

@@ -155,12 +155,6 @@ TEST_F(MonitorLoop, ReadsTheKVaneValuesInTheirOrderInEveryCycle)
         QStringList({"R 06A0", "R 06A6", "W 04B0", "R 04B1", "R 06CC", "R 06CD", "R 0570", "R 050F"}));
 }
 
-TEST_F(MonitorLoop, FetchesEventsOnlyWhileAGraphicsBoxIsAttached)
-{
-    runUntil(3s);
-    EXPECT_TRUE(machine.traffic().filter("04A4").isEmpty());
-}
-
 TEST_F(MonitorLoop, FetchesAndClearsTheEventsOfAGraphicsBox)
 {
     machine.attach(ACCESSORY_GRAPHICS);
