@@ -42,29 +42,32 @@ protected:
     }
     static QStringList report(int state) { return {stateWritten(state), "W 04B0 10"}; }
 
-    // The activation fails, and its report of this state too, first the state and then the command.
-    void expectFailedReportsLogged(int state)
+    // The activation is reported as ever, but not shown while the client application runs.
+    void expectLeftToTheClient(
+        tarnAccessoryManager::GraphicsAccessoryManager &activated, int state, const char *popup)
     {
-        machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
-        EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-        EXPECT_TRUE(machine.traffic().isEmpty());
-        EXPECT_EQ(steps().last(),
-            QString("W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  %1 to XEC_APP_CMD_DATA0. ")
-                .arg(state));
-        machine.faults().clear();
-        machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
-        EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-        EXPECT_EQ(machine.traffic(), QStringList({stateWritten(state)}));
-        EXPECT_EQ(
-            steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
+        processes.programs << "TARN.EXE";
+        session.shown.clear();
+        EXPECT_EQ(activated.graphicsActiveProcess(), -1);
+        EXPECT_EQ(machine.traffic(), report(state));
+        EXPECT_TRUE(session.shown.isEmpty());
+        EXPECT_TRUE(machine.log.contains("\"Tarn.exe\"  is running."));
+        EXPECT_TRUE(
+            machine.log.contains(QString("Tarn.exe is running, don't shou the %1 error popup.").arg(popup)));
     }
 };
 
 TEST_F(GpuActivation, BringsTheGpuUpAndTellsTheEc)
 {
+    std::vector<qint64> times;
+    machine.log.onLine = [&](const QString &) {
+        times.push_back(machine.clock.now().count());
+    };
     EXPECT_EQ(manager->graphicsActiveProcess(), 0);
     EXPECT_TRUE(device("gpu").started);
     EXPECT_EQ(machine.timeline(), QStringList({"3020 W 04B1 07", "3040 W 04B0 10"}));
+    // The log shows the wait apart from the steps after it.
+    EXPECT_EQ(times.at(1) - times.at(0), 3000);
     EXPECT_EQ(machine.clock.waits().front(), 3000);
     EXPECT_EQ(steps(),
         beginning(gpuNotStarted)
@@ -104,17 +107,7 @@ TEST_F(GpuActivation, ShowsThatTheDriverIsMissing)
             + QStringList({"W: GraphicsActive_log: Gpu driver does not exist!",
                 "Tarn.exe is not running, shou the driver error popup.", reported(gpuWithoutDriver),
                 commandWritten}));
-}
-
-TEST_F(GpuActivation, LeavesTheMissingDriverToTheClientWhileItRuns)
-{
-    processes.programs << "TARN.EXE";
-    rename("gpu", "Microsoft Basic Display Adapter");
-    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report(gpuWithoutDriver));
-    EXPECT_TRUE(session.shown.isEmpty());
-    EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the driver error popup."));
-    EXPECT_TRUE(machine.log.contains("\"Tarn.exe\"  is running."));
+    expectLeftToTheClient(*manager, gpuWithoutDriver, "driver");
 }
 
 // A manager that finds no graphics device at all.
@@ -135,15 +128,7 @@ TEST_F(AbsentDevice, IsShownAndReported)
     EXPECT_EQ(session.shown, QStringList({"detached --graphics-device-error"}));
     EXPECT_TRUE(machine.log.contains("W: GraphicsActive_log: Graphics does not exist!"));
     EXPECT_TRUE(machine.log.contains("Tarn.exe is not running, shou the device error popup."));
-}
-
-TEST_F(AbsentDevice, IsLeftToTheClientWhileItRuns)
-{
-    processes.programs << "Tarn.exe";
-    EXPECT_EQ(absent.graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report(noGpu));
-    EXPECT_TRUE(session.shown.isEmpty());
-    EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the device error popup."));
+    expectLeftToTheClient(absent, noGpu, "device");
 }
 
 class FailedDriver : public GpuActivation, public ::testing::WithParamInterface<std::uint32_t>
@@ -159,19 +144,10 @@ TEST_P(FailedDriver, NeedsThePatchAndIsReportedAsNotStarted)
         beginning(gpuActive)
             + QStringList({"W: GraphicsActive_log: Gpu driver status error!",
                 "Tarn.exe is not running, shou the patch error popup.", commandWritten}));
+    expectLeftToTheClient(*manager, gpuNotStarted, "patch");
 }
 
 INSTANTIATE_TEST_SUITE_P(Problems, FailedDriver, ::testing::Values(43U, 31U));
-
-TEST_F(GpuActivation, LeavesTheFailedDriverToTheClientWhileItRuns)
-{
-    processes.programs << "Tarn.exe";
-    setCondition("gpu", false, failedPostStart);
-    EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), report(gpuNotStarted));
-    EXPECT_TRUE(session.shown.isEmpty());
-    EXPECT_TRUE(machine.log.contains("Tarn.exe is running, don't shou the patch error popup."));
-}
 
 TEST_F(GpuActivation, EndsWithoutAReportWhenTheStateCannotBeTold)
 {
@@ -200,47 +176,38 @@ TEST_F(GpuActivation, EndsWithoutAReportWhenTheStateCannotBeToldAfterwards)
         "W: GraphicsActive_log: failed to get gpu driver data  after active gpu driver: -1 .");
 }
 
-TEST_F(GpuActivation, WritesNoCommandAfterFailedData)
+struct FailedReport
 {
+    const char *description;
+    std::uint32_t problem;
+    int state;
+};
+
+class FailedGpuReport : public GpuActivation, public ::testing::WithParamInterface<FailedReport>
+{ };
+
+// Whatever it is about, a report that fails is logged: first that of the state, then the command.
+TEST_P(FailedGpuReport, IsLogged)
+{
+    rename("gpu", GetParam().description);
+    setCondition("gpu", false, GetParam().problem);
     machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD_DATA0);
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
     EXPECT_TRUE(machine.traffic().isEmpty());
     EXPECT_EQ(steps().last(),
-        "W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  7 to XEC_APP_CMD_DATA0. ");
-}
-
-TEST_F(GpuActivation, FailsWhenTheCommandCannotBeWritten)
-{
+        QString("W: GraphicsActive_log: Failed to write gpuDriverDataFirst:  %1 to XEC_APP_CMD_DATA0. ")
+            .arg(GetParam().state));
+    machine.faults().clear();
     machine.faults().switchOn(Fault::FailWrite, XEC_APP_CMD);
     EXPECT_EQ(manager->graphicsActiveProcess(), -1);
-    EXPECT_EQ(machine.traffic(), QStringList({"W 04B1 07"}));
+    EXPECT_EQ(machine.traffic(), QStringList({stateWritten(GetParam().state)}));
     EXPECT_EQ(steps().last(), "W: GraphicsActive_log: Failed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ");
 }
 
-// The log shows the wait apart from the steps after it.
-TEST_F(GpuActivation, SaysWhatItWaitsForBeforeItWaits)
-{
-    const auto begun = machine.clock.now();
-    std::vector<qint64> times;
-    machine.log.onLine = [&](const QString &) {
-        times.push_back((machine.clock.now() - begun).count());
-    };
-    EXPECT_EQ(manager->graphicsActiveProcess(), 0);
-    EXPECT_EQ(std::vector<qint64>(times.begin(), times.begin() + 2), std::vector<qint64>({0, 3000}));
-}
-
-// A failed report about a failure logs the texts of its own path.
-TEST_F(GpuActivation, AFailedReportOfAMissingDriverIsLogged)
-{
-    rename("gpu", "Microsoft Basic Display Adapter");
-    expectFailedReportsLogged(gpuWithoutDriver);
-}
-
-TEST_F(GpuActivation, AFailedReportOfAFailedDriverIsLogged)
-{
-    setCondition("gpu", false, failedPostStart);
-    expectFailedReportsLogged(gpuNotStarted);
-}
+INSTANTIATE_TEST_SUITE_P(States, FailedGpuReport,
+    ::testing::Values(FailedReport {"NVIDIA GeForce RTX 4060 Ti", 22, 7},
+        FailedReport {"Microsoft Basic Display Adapter", 22, 1},
+        FailedReport {"NVIDIA GeForce RTX 4060 Ti", 43, 3}));
 
 // The end of the process waits for an unfinished step, so the EC hears of a GPU that has been enabled.
 TEST_F(GpuActivation, AStopDuringTheEnablingIsHeardAfterTheReport)

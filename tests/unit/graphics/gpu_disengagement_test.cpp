@@ -284,8 +284,9 @@ TEST_F(Disengagement, ABanBeforeAnUpdateSaysWhatItWaitsForBeforeItWaits)
     manager->banGpuForMcuUpdate();
     EXPECT_EQ(times, std::vector<qint64>({0, 3000, 3000}));
     times.clear();
+    setCondition("gpu", true, noProblem);
     manager->banGpu();
-    EXPECT_EQ(times, std::vector<qint64>({3000, 5000}));
+    EXPECT_EQ(times, std::vector<qint64>({3000, 5000, 5000})); // the client gets two seconds
 }
 
 TEST_F(Disengagement, TheEndOfTheProcessCountsAsAFailedDisable)

@@ -1,6 +1,5 @@
 #include "graphics_fixture.h"
 
-#include "device/monitor/ec_dirver_reader.h"
 #include "graphics/keyboard_listener.h"
 
 using namespace tarnDeviceInfos;
@@ -82,17 +81,6 @@ TEST_F(GraphicsEvents, ABanDisablesWithoutAQuestionOrAReport)
     EXPECT_TRUE(session.shown.isEmpty());
 }
 
-TEST_F(GraphicsEvents, ABanGivesTheClientTwoSeconds)
-{
-    setCondition("gpu", true, noProblem);
-    bool startedUntilThen = false;
-    const auto begun = machine.clock.now();
-    machine.clock.at(begun + tarnTest::milliseconds(1999), [&] { startedUntilThen = device("gpu").started; });
-    manager->banGpu();
-    EXPECT_TRUE(startedUntilThen);
-    EXPECT_EQ(machine.clock.waits(), std::vector<int>({2000}));
-}
-
 TEST_F(GraphicsEvents, ABanMayFail)
 {
     setCondition("gpu", true, noProblem);
@@ -159,22 +147,4 @@ TEST_F(GraphicsEvents, TheSlotsAndSignalsHaveTheirNames)
     EXPECT_GE(
         tarnAccessoryManager::KeyboardListener::staticMetaObject.indexOfSignal("graphicsDisengagedSignal()"),
         0);
-}
-
-TEST_F(GraphicsEvents, TheMonitorActivatesABoxThatIsPluggedIn)
-{
-    machine.computer.detach();
-    auto *monitor = EcDirverReader::instance();
-    monitor->pollAccessory();
-    machine.attach(ACCESSORY_GRAPHICS_16G);
-    monitor->pollAccessory();
-    EXPECT_TRUE(device("gpu").started);
-    EXPECT_EQ(machine.computer.gpuReports().gpuDriverData, gpuActive);
-}
-
-TEST_F(GraphicsEvents, TheMonitorActivatesABoxThatIsThereAtTheStart)
-{
-    EcDirverReader::instance()->getAccessoryTypeForFirst();
-    EXPECT_TRUE(device("gpu").started);
-    EXPECT_TRUE(machine.log.contains("GraphicsActive_log: Successed to active graphics for first."));
 }
