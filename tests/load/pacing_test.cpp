@@ -84,19 +84,6 @@ TEST_F(Pacing, OfManyRequestsInARowAnswersEachOnceAndInTurn)
             .arg(timer.elapsed()));
 }
 
-TEST_F(Pacing, OfABacklogKeepsItsOrder)
-{
-    QByteArray expected;
-    for (int number = 0; number < messageCount; ++number) {
-        expected += numbered(number).toUtf8();
-        SendQueueThread::instance()->enqueueMessage(numbered(number));
-    }
-    ASSERT_TRUE(client.connectToService());
-    ASSERT_TRUE(client.waitForBytes(expected.size()));
-    EXPECT_EQ(client.received(), expected);
-    expectAllPauses();
-}
-
 TEST_F(Pacing, OfABacklogLosesOneMessageALeaveAtMost)
 {
     const int backlog = tarnLoad::scaled(2000, messageCount);

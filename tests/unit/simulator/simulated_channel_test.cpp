@@ -22,17 +22,12 @@ std::vector<int> looksAtTheStatus(EcHost &host, int count)
 
 } // namespace
 
-TEST(SimulatedChannel, IsIdleAfterPowerOn)
-{
-    EcHost host;
-    EXPECT_EQ(host.status(), 0);
-}
-
 TEST(SimulatedChannel, ReadAnswersTheByteAtTheAddressHighByteFirst)
 {
     EcHost host;
     host.computer.poke(someRegister, 0x5A);
     host.computer.poke(otherRegister, 0xA5);
+    EXPECT_EQ(host.status(), 0);
 
     host.sendCommand(XDATA_READ_CMD);
     EXPECT_EQ(host.status(), 0);

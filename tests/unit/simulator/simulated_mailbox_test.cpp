@@ -39,17 +39,6 @@ constexpr Colour otherColour {30, 149, 212};
 
 } // namespace
 
-TEST(SimulatedMailbox, CommandByteClearsAfterItsTime)
-{
-    EcHost host;
-    host.computer.timing().mailboxBusyMs.store(40);
-    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_READ));
-    host.nowMs += 39;
-    EXPECT_EQ(host.read(XEC_RGB_CMD), APP_EC_RGB_READ);
-    host.nowMs += 1;
-    EXPECT_EQ(host.read(XEC_RGB_CMD), 0);
-}
-
 TEST(SimulatedMailbox, AnswersWithinTenMillisecondsByDefault)
 {
     EcHost host;
@@ -76,38 +65,30 @@ TEST(SimulatedMailbox, EachAccessoryHasItsOwnLight)
     struct
     {
         std::uint8_t code;
+        std::uint8_t linkStatus;
+        Colour loaded;
         Colour dock;
         Colour graphics;
     } const rows[] = {
-        {ACCESSORY_DOCK, otherColour, {2, 2, 2}},
-        {ACCESSORY_GRAPHICS, {1, 1, 1}, otherColour},
-        {ACCESSORY_GRAPHICS_16G, {1, 1, 1}, otherColour},
-        {ACCESSORY_KVANE, {1, 1, 1}, {2, 2, 2}},
+        {ACCESSORY_DOCK, MCU_LINKED, {1, 1, 1}, otherColour, {2, 2, 2}},
+        {ACCESSORY_DOCK, 3, {0, 0, 0}, {1, 1, 1}, {2, 2, 2}}, // out of reach
+        {ACCESSORY_GRAPHICS, MCU_LINKED, {2, 2, 2}, {1, 1, 1}, otherColour},
+        {ACCESSORY_GRAPHICS_16G, MCU_LINKED, {2, 2, 2}, {1, 1, 1}, otherColour},
+        {ACCESSORY_KVANE, MCU_LINKED, {0, 0, 0}, {1, 1, 1}, {2, 2, 2}},
     };
     for (const auto &row : rows) {
         EcHost host;
         host.computer.setDockLight({1, 1, 1});
         host.computer.setGraphicsLight({2, 2, 2});
         attachCode(host, row.code);
+        host.computer.setLinkStatus(row.linkStatus);
+        command(host, APP_EC_RGB_READ);
+        expectColourBytes(host, row.loaded);
         writeColourBytes(host, otherColour);
         ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
         EXPECT_EQ(host.computer.dockLight(), row.dock) << int(row.code);
         EXPECT_EQ(host.computer.graphicsLight(), row.graphics) << int(row.code);
     }
-}
-
-TEST(SimulatedMailbox, LoadsTheColourOfTheAttachedAccessory)
-{
-    EcHost host;
-    host.computer.setDockLight(someColour);
-    host.computer.setGraphicsLight(otherColour);
-    attachCode(host, ACCESSORY_DOCK);
-    command(host, APP_EC_RGB_READ);
-    expectColourBytes(host, someColour);
-
-    attachCode(host, ACCESSORY_GRAPHICS_16G);
-    command(host, APP_EC_RGB_READ);
-    expectColourBytes(host, otherColour);
 }
 
 TEST(SimulatedMailbox, WithoutALightTheColourIsBlackAndNothingIsApplied)
@@ -120,24 +101,6 @@ TEST(SimulatedMailbox, WithoutALightTheColourIsBlackAndNothingIsApplied)
 
     command(host, APP_EC_RGB_READ);
     expectColourBytes(host, {0, 0, 0});
-}
-
-TEST(SimulatedMailbox, LightOfAnAccessoryWithoutLinkIsOutOfReach)
-{
-    EcHost host;
-    attachCode(host, ACCESSORY_DOCK);
-    host.computer.setLinkStatus(3);
-    writeColourBytes(host, someColour);
-    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_RGB_WRITE));
-    EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
-}
-
-TEST(SimulatedMailbox, ColourBytesAloneChangeNoLight)
-{
-    EcHost host;
-    attachCode(host, ACCESSORY_DOCK);
-    writeColourBytes(host, someColour);
-    EXPECT_EQ(host.computer.dockLight(), (Colour {1, 0, 0}));
 }
 
 TEST(SimulatedMailbox, AcceptsACommandWhileTheLastIsStillThere)
@@ -199,30 +162,6 @@ TEST(SimulatedMailbox, ACommandThatIsReplacedLeavesNoAnswer)
     ASSERT_TRUE(host.write(XEC_RGB_CMD, 0));
     host.nowMs += 2000;
     EXPECT_EQ(host.read(XEC_RGB_RED), 9);
-}
-
-TEST(SimulatedMailbox, DeliversTheKvaneSerialNumber)
-{
-    EcHost host;
-    host.computer.setKvaneSerialNumber({0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x0A});
-    attachCode(host, ACCESSORY_KVANE);
-    command(host, APP_EC_KVANE_SN_READ);
-    const std::uint8_t expected[] = {0x11, 0x22, 0x33, 0x44, 0x55, 0x66, 0x0A};
-    for (std::uint16_t i = 0; i < KVANE_SN_LENGTH; ++i)
-        EXPECT_EQ(host.read(static_cast<std::uint16_t>(KVANE_SN_BYTES + i)), expected[i]);
-}
-
-TEST(SimulatedMailbox, WritesAndReadsTheKvaneLed)
-{
-    EcHost host;
-    attachCode(host, ACCESSORY_KVANE);
-    ASSERT_TRUE(host.write(XEC_RGB_RED, 3));
-    ASSERT_TRUE(host.write(XEC_RGB_CMD, APP_EC_KVANE_LED_WRITE));
-    EXPECT_EQ(host.computer.kvaneLed(), 3);
-
-    host.computer.setKvaneLed(5);
-    command(host, APP_EC_KVANE_LED_READ);
-    EXPECT_EQ(host.read(XEC_RGB_RED), 5);
 }
 
 // Neither with another accessory nor behind a link that is down.

@@ -138,6 +138,11 @@ protected:
     }
     void TearDown() override { qunsetenv("TARN_SIMULATOR_STATE"); }
 
+    void waitForWindow()
+    {
+        while (computer->desktop().windowsOpen() == 0)
+            std::this_thread::yield();
+    }
     int show(const char *programSwitch) { return runStandIn(programSwitch, "TarnServiceGui.exe", terminal); }
 
     std::ostringstream terminal;
@@ -160,8 +165,7 @@ TEST_F(GuiStandIn, WaitsForAnAnswer)
 {
     computer->desktop().setAnswer(Desktop::waits);
     std::thread user([this] {
-        while (computer->desktop().windowsOpen() == 0)
-            std::this_thread::yield();
+        waitForWindow();
         computer->desktop().setAnswer(1);
     });
     EXPECT_EQ(show("--disengaged-graphics"), 1);
@@ -173,8 +177,7 @@ TEST_F(GuiStandIn, EndsWhenItsMachineGoesAway)
 {
     computer->desktop().setAnswer(Desktop::waits);
     std::thread user([this] {
-        while (computer->desktop().windowsOpen() == 0)
-            std::this_thread::yield();
+        waitForWindow();
         QFile::remove(stateFile);
     });
     EXPECT_EQ(show("--disengaged-graphics"), 0);
@@ -185,8 +188,7 @@ TEST_F(GuiStandIn, SurvivesAResetOfTheMachine)
 {
     computer->desktop().setAnswer(Desktop::waits);
     std::thread user([this] {
-        while (computer->desktop().windowsOpen() == 0)
-            std::this_thread::yield();
+        waitForWindow();
         computer->reset();
     });
     EXPECT_EQ(show("--disengaged-graphics"), 1);
@@ -215,11 +217,9 @@ TEST_F(GuiStandIn, IsCountedForAsLongAsItWaits)
 {
     computer->desktop().setAnswer(Desktop::waits);
     std::thread user([this] {
-        while (computer->desktop().windowsOpen() == 0)
-            std::this_thread::yield();
+        waitForWindow();
         machine->state().guiSeenMs.store(1); // long ago
-        while (computer->desktop().windowsOpen() == 0)
-            std::this_thread::yield();
+        waitForWindow();
         computer->desktop().setAnswer(1);
     });
     EXPECT_EQ(show("--disengaged-graphics"), 1);
