@@ -96,15 +96,6 @@ TEST_F(GraphicsBox, PopupsTellThatTheDriverIsMissing)
     EXPECT_TRUE(service.waitForLog("GraphicsActive_log: Failed to active graphics."));
 }
 
-TEST_F(GraphicsBox, PopupsTellThatTheDriverHasFailed)
-{
-    changeGpu([](auto &changed) { changed.problem = failedPostStart; });
-    plugIn();
-    EXPECT_TRUE(waitForReport(1));
-    EXPECT_EQ(reported(), notStarted);
-    EXPECT_TRUE(waitForWindow("--graphics-patch-error"));
-}
-
 TEST_F(GraphicsBox, PopupsTellThatTheGpuCouldNotBeReleased)
 {
     plugInAndActivate();
@@ -185,6 +176,8 @@ TEST_F(GraphicsBox, PopupsGoWithTheService)
     changeGpu([](auto &changed) { changed.problem = failedPostStart; });
     desktop().setAnswer(tarnSimulator::Desktop::waits);
     plugIn();
+    EXPECT_TRUE(waitForReport(1));
+    EXPECT_EQ(reported(), notStarted);
     expectWindowToGoWithTheService("--graphics-patch-error");
     ASSERT_TRUE(service.start());
     // This one came with the start.
