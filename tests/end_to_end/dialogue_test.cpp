@@ -9,22 +9,8 @@
 
 using namespace tarnDeviceInfos;
 using tarnTest::ServiceClient;
-using tarnTest::waitUntil;
 
 using Dialogue = tarnTest::RunningService;
-
-TEST_F(Dialogue, SurvivesWhateverArrives)
-{
-    const QByteArrayList rubbish = {
-        QByteArray("\0\0\0", 3), QByteArray(8000, '{'), QByteArray(8000, 'a'), "\xff\xfe\xfd"};
-    for (const QByteArray &bytes : rubbish) {
-        const auto sent = service.logCount("\nsend");
-        client.write(bytes);
-        EXPECT_TRUE(waitUntil([&] { return service.logCount("\nsend") > sent; }, 20000))
-            << bytes.left(50).toStdString();
-    }
-    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
-}
 
 TEST_F(Dialogue, KeepsHalfASecondBetweenMessages)
 {
@@ -46,20 +32,6 @@ TEST_F(Dialogue, KeepsNewsForTheNextClient)
     ServiceClient next;
     ASSERT_TRUE(next.connectToService());
     EXPECT_TRUE(next.waitForNotification("changeAccessoryType", "dock"));
-}
-
-TEST_F(Dialogue, GivesTheLateReplyOfALeftClientToTheNext)
-{
-    EXPECT_EQ(client.answer("getAccessoryType"), "disconnected");
-    service.breakDown("ibf-stuck");
-    client.write(R"({"cmd":"getAccessoryCode","from":"the first"})");
-    ASSERT_TRUE(service.waitForLog("\"getAccessoryCode\""));
-    client.leave();
-    ASSERT_TRUE(service.waitForLog("send Thread is quit!"));
-    service.repair();
-    ServiceClient next;
-    ASSERT_TRUE(next.connectToService());
-    EXPECT_TRUE(waitUntil([&next] { return next.documents().join().contains("the first"); }, 30000));
 }
 
 struct FaultCase

@@ -131,7 +131,22 @@ protected:
     static constexpr char ecSettings[] = "function/EC/uiset.ini";
 };
 
-class FlashingTool : public FlashingTools, public ::testing::WithParamInterface<Tool>
+// How the service ends.
+struct End
+{
+    const char *name;
+    void (*cause)(tarnTest::Terminal &, tarnTest::ServiceProcess &);
+    bool isInOrder;
+};
+
+constexpr End ends[] = {
+    {"CtrlCInTheTerminal", [](auto &terminal, auto &) { terminal.interrupt(); }, true},
+    {"TheTerminalsEnd", [](auto &terminal, auto &) { terminal.close(); }, true},
+    {"AStop", [](auto &, auto &service) { tarnTest::requestStop(service.process); }, true},
+    {"AKill", [](auto &, auto &service) { service.kill(); }, false},
+};
+
+class FlashingTool : public FlashingTools, public ::testing::WithParamInterface<std::tuple<Tool, End>>
 {
 protected:
     FlashingTool()
@@ -139,52 +154,30 @@ protected:
     { }
     void TearDown() override
     {
-        letFinish(GetParam());
+        letFinish(tool);
         if (HasFailure())
             std::cerr << "the service said last:\n" << service.log().right(3000).toStdString() << '\n';
     }
 
+    const Tool &tool = std::get<Tool>(GetParam());
+    const End &end = std::get<End>(GetParam());
     std::unique_ptr<tarnTest::Terminal> terminal;
 };
 
-INSTANTIATE_TEST_SUITE_P(Tools, FlashingTool, ::testing::Values(ecTool, flasher),
-    [](const auto &tool) { return std::string(tool.param.request); });
+INSTANTIATE_TEST_SUITE_P(Tools, FlashingTool,
+    ::testing::Combine(::testing::Values(ecTool, flasher), ::testing::ValuesIn(ends)), [](const auto &row) {
+        return std::string(std::get<Tool>(row.param).request) + std::get<End>(row.param).name;
+    });
 
-TEST_P(FlashingTool, OutlivesCtrlCInTheTerminal)
+TEST_P(FlashingTool, OutlivesItsService)
 {
-    begin(GetParam());
+    begin(tool);
     QElapsedTimer timer;
     timer.start();
-    terminal->interrupt();
-    expectPromptEnd(timer);
-    expectToDoItsWork(GetParam());
-}
-
-TEST_P(FlashingTool, OutlivesTheTerminal)
-{
-    begin(GetParam());
-    QElapsedTimer timer;
-    timer.start();
-    terminal->close();
-    expectPromptEnd(timer);
-    expectToDoItsWork(GetParam());
-}
-
-TEST_P(FlashingTool, OutlivesAStop)
-{
-    begin(GetParam());
-    QElapsedTimer timer;
-    timer.start();
-    tarnTest::requestStop(service.process);
-    expectPromptEnd(timer);
-    expectToDoItsWork(GetParam());
-}
-
-TEST_P(FlashingTool, OutlivesAServiceThatIsKilled)
-{
-    begin(GetParam());
-    service.kill();
-    expectToDoItsWork(GetParam());
+    end.cause(*terminal, service);
+    if (end.isInOrder)
+        expectPromptEnd(timer);
+    expectToDoItsWork(tool);
 }
 
 TEST_F(FlashingTools, OfTheEcKeepTheNextServiceFromTheEc)

@@ -1,4 +1,3 @@
-#include "client/command_catalogue.h"
 #include "device/ec_registers.h"
 #include "end_to_end/running_service.h"
 #include "support/time_bound.h"
@@ -47,23 +46,6 @@ protected:
 
     static constexpr int moreThanThreads = 70;
 };
-
-TEST_F(WaitingRequests, LeaveAloneWhatNeedsNoEc)
-{
-    ASSERT_EQ(client.answer("requestStartEcUpdate"), "successed");
-    send("getMcuVersion", moreThanThreads);
-    EXPECT_EQ(promptAnswer("getAccessoryType"), "k_vane");
-    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
-        if (!command.needsEc && !command.answerKeys.isEmpty()) {
-            EXPECT_NE(promptAnswer(command.name.data()), "") << command.name.data();
-        }
-    }
-    client.write(R"({"cmd":"noSuchThing"})");
-    EXPECT_TRUE(service.waitForLog("Unknown command:  \"noSuchThing\"\n", 1, promptAnswerMs));
-    client.write("nonsense");
-    EXPECT_TRUE(service.waitForLog("cmd is not a string.\n", 1, promptAnswerMs));
-    expectPromptStop();
-}
 
 TEST_F(WaitingRequests, DoNotHoldUpTheLeaveThatFreesTheEc)
 {

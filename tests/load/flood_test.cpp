@@ -1,4 +1,3 @@
-#include "device/ec_registers.h"
 #include "end_to_end/test_system.h"
 #include "load/figure_table.h"
 #include "load/loaded_service.h"
@@ -163,29 +162,6 @@ TEST_F(RequestFlood, OfManyClientsGoesToTheOneWhoAskedLast)
     crowd.clear();
     client.leave();
     expectAsIdleAs(before, "clients that ask at once");
-}
-
-// A client that polls during the update of its own accessory must not lock itself out.
-TEST_F(RequestFlood, OfHandlersThatWaitForTheEcDoesNotHoldUpTheOneThatFreesIt)
-{
-    service.attach(tarnDeviceInfos::ACCESSORY_KVANE);
-    ASSERT_TRUE(client.waitForNotification("changeAccessoryType", "k_vane"));
-    ASSERT_EQ(client.answer("requestEnterMcuUpdateMode"), "successed");
-    const int count = scaled(70, 300);
-    constexpr int mostThreads = 64 + 16; // waiting handlers; other handlers and the service's own
-    for (int mark = 1; mark <= count; ++mark) {
-        client.write(R"({"cmd":"getHardwareVersion"})");
-        ASSERT_TRUE(waitUntil([&] {
-            return linesThatBegin(R"("{\"cmd\":\"getHardwareVersion\"}")") >= mark;
-        })) << mark;
-    }
-    client.write(R"({"cmd":"requestLeaveMcuUpdateMode"})");
-    EXPECT_TRUE(service.waitForLog("Enter Leave Mcu Update Mode", 1, 10000))
-        << "the EC stays reserved for good";
-    EXPECT_LE(figures().threads, mostThreads);
-    EXPECT_GE(msUntilObeyed(client), 0); // behind all of them, at the EC
-    report(
-        "handlers that wait for the EC", QStringLiteral("%1, threads %2").arg(count).arg(figures().threads));
 }
 
 // After an EC update the EC stays reserved, but a client that knows nothing of it goes on polling, for an

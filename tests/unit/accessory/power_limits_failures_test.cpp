@@ -127,15 +127,6 @@ protected:
     }
 };
 
-TEST_F(PowerLimitOperations, WritesALimit)
-{
-    EXPECT_EQ(manager->setEcPowerLimit(EC_POWERMODE_PL2, 99), 0);
-    EXPECT_EQ(machine.timeline(), QStringList({"20 W 04A9 63"}));
-    EXPECT_EQ(machine.log.lines(),
-        QStringList({"ready to set ec powerlimit.", "begin to set ec powerlimit. 99",
-            "write ecPowerLimit:  99 to EC_POWERMODE_PL."}));
-}
-
 TEST_F(PowerLimitOperations, ReportsAFailedWrite)
 {
     machine.faults().switchOn(Fault::FailWrite, EC_POWERMODE_PL2);

@@ -84,12 +84,6 @@ TEST_P(AccessoryPollOf, AnnouncesTheAccessoryOnceAndItsLeaveOnce)
     EXPECT_TRUE(messages.isEmpty());
 }
 
-TEST_F(AccessoryPoll, ReadsTheCodeOnlyBehindALink)
-{
-    poll(MCU_LINKED, ACCESSORY_DOCK);
-    EXPECT_EQ(machine.timeline(), QStringList({"20 R 06A0 04", "40 R 06A6 01"}));
-}
-
 TEST_F(AccessoryPoll, TellsTheClientBeforeTheGraphicsBoxTakesItsTime)
 {
     QStringList toldBefore;
