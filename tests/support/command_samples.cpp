@@ -11,6 +11,7 @@
 
 namespace tarnTest {
 
+using namespace tarnAccessoryManager;
 using namespace tarnDeviceInfos;
 using tarnClient::CommandEntry;
 using tarnClient::DataKind;
@@ -26,12 +27,26 @@ constexpr char byteOrNotRead[] = R"(-1|\d{1,3})";
 constexpr char charging[] = "0|1|251";
 constexpr char colour[] = "white|red|yellow|green|cyan|blue|purplishred";
 
+QStringList profileNames()
+{
+    QStringList names;
+    for (const PowerProfile &profile : powerProfiles)
+        names << QLatin1String(profile.name);
+    return names;
+}
+
+const char *anyProfile()
+{
+    static const QByteArray values = profileNames().join('|').toLatin1();
+    return values.constData();
+}
+
 // What "first" is answered with: the number of a profile, or what went wrong.
 const char *profileRestored()
 {
     static const QByteArray values = [] {
         QByteArrayList all {"-2", "-10"};
-        for (const auto &profile : tarnAccessoryManager::powerProfiles)
+        for (const PowerProfile &profile : powerProfiles)
             all << QByteArray::number(profile.number);
         return all.join('|');
     }();
@@ -117,7 +132,7 @@ const std::vector<CommandSample> &commandSamples()
                 {.key = L("accessoryCode"), .values = byte, .withoutEc = nothing}}},
         {.command = L("powerModeControl"),
             .answers = {{L("result"), profileRestored(), L("first")}},
-            .kinds = {"first", "high", "balance", "low", "last"}},
+            .kinds = QStringList("first") + profileNames() + QStringList("last")},
         {.command = L("getDockLedStatus"),
             .answers = {{.key = L("data"), .values = "on|off", .withoutEc = "unknown"}}},
         {.command = L("getGraphicsRGB"),
@@ -140,7 +155,7 @@ const std::vector<CommandSample> &commandSamples()
         {.command = L("getSmartChargingStatus"),
             .answers = {{.key = L("data"), .values = "ON|OFF", .withoutEc = "failed"}}},
         {.command = L("getTarnPowerMode"),
-            .answers = {{.key = L("data"), .values = "high|balance|low", .withoutEc = "hide"}}},
+            .answers = {{.key = L("data"), .values = anyProfile(), .withoutEc = "hide"}}},
         {.command = L("getTarnKvaneSnCode"),
             .answers = {{.key = L("data"), .values = "[0-9A-F]{14}", .withoutEc = "default"}}},
         {.command = L("getKVaneLedLight"), .answers = {{L("data"), byteOrNotRead}}},
