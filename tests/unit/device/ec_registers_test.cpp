@@ -139,9 +139,8 @@ TEST(EcRegisters, AreAllInTheTable)
     const std::regex constant("constexpr std::uint\\d+_t (\\w+) =");
     for (std::sregex_iterator found(header.begin(), header.end(), constant), end; found != end; ++found)
         inHeader.insert((*found)[1]);
-    std::set<std::string> inTable;
-    for (const RegisterRow &row : rows)
-        inTable.insert(row.name);
-    EXPECT_EQ(inTable, inHeader);
     EXPECT_GT(inHeader.size(), 80U);
+    for (const RegisterRow &row : rows)
+        EXPECT_EQ(inHeader.erase(row.name), 1U) << row.name << " is not in the header";
+    EXPECT_EQ(inHeader, std::set<std::string>()) << "not in the table";
 }
