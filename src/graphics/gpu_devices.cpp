@@ -129,32 +129,26 @@ bool isOfSeries(Device &adapter)
     return description && description->contains(seriesName);
 }
 
-struct SwitchResult
+// Every adapter of the series is handled, even if another one fails. -1 if the list could not be opened or an
+// adapter refused. `onDone` is called after each that was switched.
+template <typename OnDone> int switchAdapters(Switch to, const SwitchWords &words, const OnDone &onDone)
 {
-    int switched = 0; // adapters
-    bool failed = false; // the list could not be opened, or an adapter refused
-};
-
-// Every adapter of the series is handled, even if another one fails.
-SwitchResult switchAdapters(Switch to, const SwitchWords &words)
-{
-    SwitchResult result;
     const auto adapters = openAdapters();
     if (!adapters) {
         qDebug() << words.noList;
-        result.failed = true;
-        return result;
+        return -1;
     }
+    int result = 0;
     int index = 0;
     for (Device *adapter = adapters->next(); adapter; adapter = adapters->next(), ++index) {
         if (!isOfSeries(*adapter) || isOn(*adapter) == (to == Switch::On))
             continue;
         if (to == Switch::On ? adapter->enable() : adapter->disable()) {
             qDebug() << words.done << index;
-            ++result.switched;
+            onDone();
         } else {
             qDebug() << words.failed << index;
-            result.failed = true;
+            result = -1;
         }
     }
     return result;
@@ -203,15 +197,13 @@ bool GraphicsAccessoryManager::checkNvidiaAdapterStatus()
 
 int GraphicsAccessoryManager::enableGpu()
 {
-    return switchAdapters(Switch::On, switchOnWords).failed ? -1 : 0;
+    return switchAdapters(Switch::On, switchOnWords, [] {});
 }
 
 int GraphicsAccessoryManager::disableGpu()
 {
-    const SwitchResult result = switchAdapters(Switch::Off, switchOffWords);
-    if (result.switched > 0)
-        gpuActive = false;
-    return result.failed ? -1 : 0;
+    // At once after each adapter: the monitor may ask meanwhile.
+    return switchAdapters(Switch::Off, switchOffWords, [this] { gpuActive = false; });
 }
 
 } // namespace tarnAccessoryManager

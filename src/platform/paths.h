@@ -10,9 +10,9 @@ inline const QString portLibrary = QStringLiteral("./function/inpoutx64.dll");
 
 // The external tools that flash, and the folders that they and their firmware lie in.
 inline const QString mcuTool = QStringLiteral("./function/MCU/stm32flash.exe");
-inline const QString mcuFolder = QStringLiteral("./function/MCU/");
+inline const QString mcuFolder = QStringLiteral("./function/MCU");
 inline const QString ecTool = QStringLiteral("./function/EC/IFU_XE.exe");
-inline const QString ecFolder = QStringLiteral("./function/EC/");
+inline const QString ecFolder = QStringLiteral("./function/EC");
 inline const QString ecSettings = QStringLiteral("./function/EC/uiset.ini");
 
 // Firmware is copied beside a tool's folder before it is moved into it, so that an interrupted copy never

@@ -34,7 +34,7 @@ int moveDownload(const Download &source, const ToolFolder &folder, const QString
         return copyFailed;
     }
     qDebug() << "file is exist!";
-    const QString destination = folder.path + fileName;
+    const QString destination = folder.path + QLatin1Char('/') + fileName;
     QString error = source.copyTo(folder.part);
     const bool contentIsSafe = error.isEmpty() && tarnPlatform::flushToDisk(folder.part);
     if (error.isEmpty() && !tarnPlatform::replaceFile(folder.part, destination))
