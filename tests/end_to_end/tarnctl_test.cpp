@@ -126,7 +126,7 @@ TEST_F(TarnctlUpdate, OfAnMcuWithoutAKVaneIsToldUntouched)
 {
     service.attach(ACCESSORY_DOCK);
     ASSERT_TRUE(service.waitForLog("now Accessory is dock"));
-    const Outcome asked = tarnctl(update("update-mcu", {"--timeout", "2"}));
+    const Outcome asked = tarnctl(update("update-mcu", {"--timeout", "5"}));
     EXPECT_EQ(asked.exitCode, 1);
     EXPECT_TRUE(asked.err.contains("the service sees \"dock\". Nothing has been touched."))
         << asked.err.toStdString();

@@ -210,16 +210,29 @@ TEST_F(PowerProfiles, HaveTheirNamesAndFlags)
 
 TEST_F(PowerProfiles, SomeHaveACallOfTheirOwn)
 {
-    const std::pair<int (EcPowerModeManager::*)(), const char *> calls[] = {
-        {&EcPowerModeManager::setEcPowerModeHigh, "high"},
-        {&EcPowerModeManager::setEcPowerModeBalance, "balance"},
-        {&EcPowerModeManager::setEcPowerModeLow, "low"}};
-    for (const auto &[apply, name] : calls) {
+    struct Call
+    {
+        const char *name;
+        int (*apply)(EcPowerModeManager &manager);
+    };
+    const Call calls[] = {{"high",
+                              [](EcPowerModeManager &powerMode) {
+                                  return powerMode.setEcPowerModeHigh();
+                              }},
+        {"balance",
+            [](EcPowerModeManager &powerMode) {
+                return powerMode.setEcPowerModeBalance();
+            }},
+        {"low", [](EcPowerModeManager &powerMode) {
+             return powerMode.setEcPowerModeLow();
+         }}};
+    for (const Call &call : calls) {
+        const char *name = call.name;
         const auto expected = std::find_if(std::begin(expectedProfiles), std::end(expectedProfiles),
-            [name = name](const ExpectedProfile &profile) { return profile.name == QLatin1String(name); });
+            [name](const ExpectedProfile &profile) { return profile.name == QLatin1String(name); });
         ASSERT_NE(expected, std::end(expectedProfiles)) << name;
         machine.log.clear();
-        EXPECT_EQ((manager->*apply)(), 0) << name;
+        EXPECT_EQ(call.apply(*manager), 0) << name;
         EXPECT_EQ(machine.log.lines().first(), QString("set ec powermode to %1 begin.").arg(name));
         EXPECT_EQ(reg(EC_POWERMODE_PL1), expected->fullSupply.pl1) << name;
         EXPECT_EQ(reg(EC_POWERMODE_PL2), expected->fullSupply.pl2) << name;
