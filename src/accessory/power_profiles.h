@@ -75,7 +75,7 @@ template <typename Predicate>
     return findProfile([ecFlag](const PowerProfile &profile) { return profile.ecFlag == ecFlag; });
 }
 
-// In words that are constant for UBSan's checks of pointers too.
+// For the assertions below: under UBSan GCC does not take a comparison with a null pointer for a constant.
 [[nodiscard]] constexpr bool isProfile(int number)
 {
     return std::any_of(std::begin(powerProfiles), std::end(powerProfiles),
