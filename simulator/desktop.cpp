@@ -1,6 +1,5 @@
 #include "simulator/desktop.h"
 
-#include "simulator/clock.h"
 #include "simulator/shared_text.h"
 
 #include <chrono>
@@ -12,7 +11,7 @@ namespace {
 constexpr std::uint64_t forgottenAfterMs = 1000;
 
 // The time of day, because the steady clocks of a native program and of one under Wine drift apart. When it
-// is set, the number of open windows is wrong until the next windowStaysOpen().
+// is set by more than forgottenAfterMs, the number of open windows is wrong until the next windowStaysOpen().
 std::uint64_t timeOfDayMs()
 {
     const auto sinceEpoch = std::chrono::system_clock::now().time_since_epoch();
@@ -51,7 +50,10 @@ void Desktop::windowStaysOpen()
 std::uint32_t Desktop::windowsOpen() const
 {
     const std::uint64_t seen = seenMs.load();
-    const bool isForgotten = seen != 0 && hasElapsed(timeOfDayMs(), seen, forgottenAfterMs);
+    // A time that lies a little ahead is no old one: the time of day is corrected now and then.
+    const std::uint64_t now = timeOfDayMs();
+    const std::uint64_t apartMs = now > seen ? now - seen : seen - now;
+    const bool isForgotten = seen != 0 && apartMs >= forgottenAfterMs;
     return isForgotten ? 0 : shared.guiOpen.load();
 }
 

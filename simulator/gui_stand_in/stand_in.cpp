@@ -72,9 +72,11 @@ int runStandIn(std::string_view programSwitch, std::string_view program, std::os
     }
 
     Desktop desktop(machine->state());
+    // Before the window is open, because the answer may come as soon as it is.
+    const bool waitsForAnswer = desktop.answer() == Desktop::waits;
     desktop.windowOpened(programSwitch);
     terminal << "TarnServiceGui (simulated) " << window->text;
-    if (desktop.answer() == Desktop::waits)
+    if (waitsForAnswer)
         terminal << "; answer with: tarnsim set gui-answer yes|no";
     terminal << std::endl;
     const std::int32_t answer = awaitAnswer(desktop, file);

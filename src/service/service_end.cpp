@@ -72,8 +72,11 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
         manager.reportStopped(exitCode);
         tarnPlatform::exitAtOnce(exitCode); // a normal end would wait for the threads that are held up
     }
+    // A thread for which isRunning() is false may still have its last steps to do, with its object.
     if (sender)
-        sender->wait(); // a thread for which isRunning() is false may still have its last steps to do
+        sender->wait();
+    if (monitor)
+        monitor->wait();
     delete monitor;
     QThread::msleep(threadDataMs);
     manager.reportStopped(exitCode);

@@ -22,6 +22,11 @@ const char *kindOf(QtMsgType type)
     }
 }
 
+QString shown(const LogLine &line)
+{
+    return (line.type == QtWarningMsg ? QStringLiteral("W: ") : QString()) + line.text;
+}
+
 } // namespace
 
 LogCapture::LogCapture()
@@ -41,7 +46,18 @@ QStringList LogCapture::lines() const
     const QMutexLocker locker(&mutex);
     QStringList texts;
     for (const LogLine &line : collected)
-        texts << (line.type == QtWarningMsg ? QStringLiteral("W: ") : QString()) + line.text;
+        texts << shown(line);
+    return texts;
+}
+
+QStringList LogCapture::ownLines() const
+{
+    const QMutexLocker locker(&mutex);
+    QStringList texts;
+    for (const LogLine &line : collected) {
+        if (line.thread == QThread::currentThreadId())
+            texts << shown(line);
+    }
     return texts;
 }
 
@@ -64,7 +80,7 @@ void LogCapture::collect(QtMsgType type, const QMessageLogContext &, const QStri
     if (capture->onLine)
         capture->onLine(text);
     const QMutexLocker locker(&capture->mutex);
-    capture->collected.push_back({type, text});
+    capture->collected.push_back({type, text, QThread::currentThreadId()});
 }
 
 } // namespace tarnTest

@@ -5,6 +5,7 @@
 #include <QMutex>
 #include <QString>
 #include <QStringList>
+#include <QThread>
 
 #include <functional>
 #include <vector>
@@ -15,6 +16,7 @@ struct LogLine
 {
     QtMsgType type;
     QString text;
+    Qt::HANDLE thread;
 };
 
 // Collects what is logged for as long as it lives; nothing is printed. Fatal messages still end the process.
@@ -26,6 +28,8 @@ public:
 
     // All lines so far; warnings are marked with "W: ".
     [[nodiscard]] QStringList lines() const;
+    // Only those of the calling thread: others may log in between.
+    [[nodiscard]] QStringList ownLines() const;
     [[nodiscard]] bool contains(const QString &line) const { return lines().contains(line); }
     [[nodiscard]] qsizetype count(const QString &line) const { return lines().count(line); }
     void clear();

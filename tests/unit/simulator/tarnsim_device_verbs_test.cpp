@@ -213,6 +213,16 @@ TEST_F(GuiStandIn, IsNotCountedWhenItWasKilled)
     EXPECT_EQ(openWindows(), "0");
 }
 
+TEST_F(GuiStandIn, IsCountedWhenTheTimeOfDayIsPutBackALittle)
+{
+    Desktop desktop = computer->desktop();
+    desktop.windowOpened("--disengaged-graphics");
+    machine->state().guiSeenMs.fetch_add(500);
+    EXPECT_EQ(desktop.windowsOpen(), 1U);
+    machine->state().guiSeenMs.fetch_add(10000); // so far back that it says nothing any more
+    EXPECT_EQ(desktop.windowsOpen(), 0U);
+}
+
 TEST_F(GuiStandIn, IsCountedForAsLongAsItWaits)
 {
     computer->desktop().setAnswer(Desktop::waits);
