@@ -1,20 +1,12 @@
 #include "command_catalogue.h"
 
-#include "name_distance.h"
-
 #include <algorithm>
 
-namespace tarnClient {
+namespace tarn {
 
 namespace {
 
-constexpr int mostSuggestions = 3;
-
-// The number of wrong letters that is tolerated: one in three, but at least two.
-qsizetype toleranceFor(qsizetype length)
-{
-    return std::max<qsizetype>(2, length / 3);
-}
+constexpr std::chrono::seconds unknownCommandLimit(10);
 
 } // namespace
 
@@ -26,28 +18,16 @@ const CommandEntry *findCommand(const QString &name)
     return found == catalogue.cend() ? nullptr : &*found;
 }
 
-QStringList nearestCommands(const QString &name)
+std::chrono::milliseconds usualLimit(const QString &command)
 {
-    struct Candidate
-    {
-        qsizetype distance;
-        QString name;
-    };
-    QList<Candidate> candidates;
-    const QString wanted = name.toLower();
-    for (const CommandEntry &entry : commandCatalogue()) {
-        const QString known = entry.name.toString();
-        const qsizetype distance = nameDistance(wanted, known.toLower());
-        const bool isPart = wanted.size() >= 3 && known.contains(wanted, Qt::CaseInsensitive);
-        if (isPart || distance <= toleranceFor(wanted.size()))
-            candidates.append({distance, known});
-    }
-    std::stable_sort(candidates.begin(), candidates.end(),
-        [](const Candidate &a, const Candidate &b) { return a.distance < b.distance; });
-    QStringList names;
-    for (const Candidate &candidate : candidates.mid(0, mostSuggestions))
-        names << candidate.name;
-    return names;
+    const CommandEntry *entry = findCommand(command);
+    return entry == nullptr ? unknownCommandLimit : entry->timeout;
 }
 
-} // namespace tarnClient
+bool isNeverAnswered(const QString &command, const QString &data)
+{
+    const CommandEntry *entry = findCommand(command);
+    return entry != nullptr && !entry->unansweredData.isEmpty() && data == entry->unansweredData;
+}
+
+} // namespace tarn

@@ -4,11 +4,10 @@
 
 #include <QList>
 #include <QString>
-#include <QStringList>
 
 #include <chrono>
 
-namespace tarnClient {
+namespace tarn {
 
 // One command of the service as this tool knows it. All that the tool does with a command follows from its
 // row.
@@ -37,7 +36,9 @@ struct CommandEntry
 [[nodiscard]] const QList<CommandEntry> &commandCatalogue();
 // Null when there is no command of that name.
 [[nodiscard]] const CommandEntry *findCommand(const QString &name);
-// The commands that the user may have meant, the nearest first; at most three.
-[[nodiscard]] QStringList nearestCommands(const QString &name);
+// How long its answer is waited for, also for a command that is not in the catalogue.
+[[nodiscard]] std::chrono::milliseconds usualLimit(const QString &command);
+// True for a request to which the service never sends an answer.
+[[nodiscard]] bool isNeverAnswered(const QString &command, const QString &data);
 
-} // namespace tarnClient
+} // namespace tarn

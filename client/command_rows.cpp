@@ -1,8 +1,10 @@
 #include "command_catalogue.h"
 
+#include "value_words.h"
+
 #include <utility>
 
-namespace tarnClient {
+namespace tarn {
 
 namespace {
 
@@ -22,8 +24,6 @@ constexpr milliseconds modeTimeout = seconds(45);
 constexpr milliseconds deviceTimeout = seconds(60);
 // About 9 s of switching and up to three runs of a flasher over a serial line.
 constexpr milliseconds firmwareTimeout = minutes(15);
-
-const QList<L> profileWords {L("high"), L("balance"), L("low")};
 
 DataRule choice(QList<QLatin1StringView> words)
 {
@@ -82,10 +82,12 @@ const QList<CommandEntry> rows {
         .name = L("powerModeControl"),
         .summary = L("Applies a power profile (package power limits and fan mode)"),
         .concerns = L("this computer"),
-        .data = choice(QList<L> {L("first"), L("last")} + profileWords),
+        .data = choice(QList<L> {L("first"), L("last")} + profileNames()),
         .answerKeys = {L("result")},
-        .answerMeaning = L("successed or failed; for \"first\" the number of the profile in force: 0 "
-                           "high, 1 balance, 2 low, negative when restoring it failed"),
+        .answerMeaning =
+            L("successed or failed; for \"first\" the number of the saved profile that was applied: 0 "
+              "high, 1 balance, 2 low, negative when none was; when the EC refuses manual control, that of "
+              "the last \"first\""),
         .outcomeKey = L("result"),
         .unansweredData = L("last"),
         .timeout = ecTimeout,
@@ -127,8 +129,7 @@ const QList<CommandEntry> rows {
         .name = L("setGraphicsRGB"),
         .summary = L("Sets the colour of the graphics box's light"),
         .concerns = L("graphics box"),
-        .data = choice({L("on"), L("white"), L("red"), L("yellow"), L("green"), L("cyan"), L("blue"),
-            L("purplishred"), L("shutdown")}),
+        .data = choice(QList<L> {L("on")} + colourNames()),
         .answerKeys = {L("result")},
         .answerMeaning = L("successed or failed"),
         .outcomeKey = L("result"),
@@ -234,7 +235,7 @@ const QList<CommandEntry> rows {
         .name = L("setTarnPowerMode"),
         .summary = L("Selects the power mode in the EC"),
         .concerns = L("this computer"),
-        .data = choice(profileWords),
+        .data = choice(profileNames()),
         .answerKeys = {L("result")},
         .answerMeaning = L("successed or failed"),
         .outcomeKey = L("result"),
@@ -330,4 +331,4 @@ const QList<CommandEntry> &commandCatalogue()
     return rows;
 }
 
-} // namespace tarnClient
+} // namespace tarn

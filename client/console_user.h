@@ -4,7 +4,7 @@
 
 #include <optional>
 
-namespace tarnClient {
+namespace tarn {
 
 // This process's user and the user at the computer's console, where they differ: the service looks for files
 // in the download folder of the user at the console.
@@ -17,4 +17,4 @@ struct OtherUser
 // Nothing when both are the same, when no user is logged on at the console, or when that cannot be found out.
 [[nodiscard]] std::optional<OtherUser> otherUserAtConsole();
 
-} // namespace tarnClient
+} // namespace tarn

@@ -1,6 +1,6 @@
 #include "console_user.h"
 
-namespace tarnClient {
+namespace tarn {
 
 // The service runs as the user who started it and looks in that user's folder only.
 std::optional<OtherUser> otherUserAtConsole()
@@ -8,4 +8,4 @@ std::optional<OtherUser> otherUserAtConsole()
     return std::nullopt;
 }
 
-} // namespace tarnClient
+} // namespace tarn

@@ -8,7 +8,7 @@
 
 #include <string>
 
-namespace tarnClient {
+namespace tarn {
 
 namespace {
 
@@ -94,4 +94,4 @@ std::optional<OtherUser> otherUserAtConsole()
     return OtherUser {accountOf(ownSid), atConsole};
 }
 
-} // namespace tarnClient
+} // namespace tarn

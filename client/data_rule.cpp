@@ -1,12 +1,12 @@
 #include "data_rule.h"
 
-#include "firmware_name.h"
+#include "tarn/firmware_name.h"
 
 #include <QStringList>
 
 #include <algorithm>
 
-namespace tarnClient {
+namespace tarn {
 
 namespace {
 
@@ -98,4 +98,4 @@ QString DataRule::placeholder() const
     return {};
 }
 
-} // namespace tarnClient
+} // namespace tarn

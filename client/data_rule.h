@@ -5,7 +5,7 @@
 
 #include <optional>
 
-namespace tarnClient {
+namespace tarn {
 
 enum class DataKind {
     None,
@@ -37,4 +37,4 @@ private:
     [[nodiscard]] std::optional<QString> choiceObjection(const QString &command, const QString &data) const;
 };
 
-} // namespace tarnClient
+} // namespace tarn

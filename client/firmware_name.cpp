@@ -1,9 +1,9 @@
-#include "firmware_name.h"
+#include "tarn/firmware_name.h"
 
 #include "update/ec_settings.h"
 #include "update/firmware_file_name.h"
 
-namespace tarnClient {
+namespace tarn {
 
 std::optional<QString> firmwareNameObjection(const QString &name, FirmwareKind kind)
 {
@@ -24,4 +24,4 @@ std::optional<QString> firmwareNameObjection(const QString &name, FirmwareKind k
         .arg(QString::fromLatin1(key.data(), qsizetype(key.size())));
 }
 
-} // namespace tarnClient
+} // namespace tarn

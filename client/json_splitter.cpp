@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace tarnClient {
+namespace tarn {
 
 namespace {
 
@@ -95,4 +95,4 @@ void JsonSplitter::takeInString(char byte, Harvest &harvest)
         inString = false;
 }
 
-} // namespace tarnClient
+} // namespace tarn

@@ -4,7 +4,7 @@
 #include <QByteArrayList>
 #include <QByteArrayView>
 
-namespace tarnClient {
+namespace tarn {
 
 // Cuts a byte stream into top-level JSON objects. The service separates its messages by time only, so one
 // read can bring several of them or a part of one.
@@ -42,4 +42,4 @@ private:
     bool escaped = false;
 };
 
-} // namespace tarnClient
+} // namespace tarn

@@ -3,7 +3,7 @@
 #include <QLatin1StringView>
 #include <QString>
 
-namespace tarnClient {
+namespace tarn {
 
 // The full name of a pipe on this system, and whether it is too long.
 struct PipeAddress
@@ -22,4 +22,4 @@ struct PipeAddress
 // For the pipe with this name, which need not exist.
 [[nodiscard]] PipeAddress pipeAddress(const QString &name);
 
-} // namespace tarnClient
+} // namespace tarn

@@ -5,7 +5,7 @@
 
 #include <sys/un.h>
 
-namespace tarnClient {
+namespace tarn {
 
 PipeAddress pipeAddress(const QString &name)
 {
@@ -22,4 +22,4 @@ PipeAddress pipeAddress(const QString &name)
             : QLatin1StringView("Give --pipe a shorter name.")};
 }
 
-} // namespace tarnClient
+} // namespace tarn

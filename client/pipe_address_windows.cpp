@@ -1,6 +1,6 @@
 #include "pipe_address.h"
 
-namespace tarnClient {
+namespace tarn {
 
 PipeAddress pipeAddress(const QString &name)
 {
@@ -11,4 +11,4 @@ PipeAddress pipeAddress(const QString &name)
         QLatin1StringView("Give --pipe a shorter name.")};
 }
 
-} // namespace tarnClient
+} // namespace tarn

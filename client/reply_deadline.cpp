@@ -1,6 +1,6 @@
 #include "reply_deadline.h"
 
-namespace tarnClient {
+namespace tarn {
 
 namespace {
 
@@ -8,21 +8,24 @@ using std::chrono::milliseconds;
 
 // The service's 500 ms between two messages and a margin for a busy computer.
 constexpr milliseconds messagePeriod(600);
+// A timer that comes this much too late shows that the thread was busy.
+constexpr milliseconds delayOfABusyThread(100);
 
 } // namespace
 
 ReplyDeadline::ReplyDeadline(QObject *parent)
     : QObject(parent)
+    , timer(this)
 {
     timer.setSingleShot(true);
     timer.setTimerType(Qt::PreciseTimer);
-    connect(&timer, &QTimer::timeout, this, &ReplyDeadline::expired);
+    connect(&timer, &QTimer::timeout, this, &ReplyDeadline::handleTimeout);
 }
 
 void ReplyDeadline::start(milliseconds timeout)
 {
     limit = timeout;
-    timer.start(timeout);
+    run(timeout);
 }
 
 void ReplyDeadline::stop()
@@ -33,12 +36,22 @@ void ReplyDeadline::stop()
 void ReplyDeadline::extend()
 {
     if (timer.isActive())
-        timer.start(timer.remainingTimeAsDuration() + messagePeriod);
+        run(milliseconds(due.remainingTime()) + messagePeriod);
 }
 
-bool ReplyDeadline::isRunning() const
+void ReplyDeadline::run(milliseconds time)
 {
-    return timer.isActive();
+    due = QDeadlineTimer(time);
+    timer.start(time);
+}
+
+void ReplyDeadline::handleTimeout()
+{
+    const milliseconds delay(QDeadlineTimer::current().deadline() - due.deadline());
+    if (delay > delayOfABusyThread)
+        run(delayOfABusyThread);
+    else
+        emit expired();
 }
 
 milliseconds ReplyDeadline::timeout() const
@@ -55,4 +68,4 @@ QString durationText(milliseconds duration)
     return QString::number(std::chrono::duration<double>(duration).count()) + QStringLiteral(" s");
 }
 
-} // namespace tarnClient
+} // namespace tarn

@@ -1,14 +1,16 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QObject>
 #include <QTimer>
 
 #include <chrono>
 
-namespace tarnClient {
+namespace tarn {
 
 // The time limit for an answer. The service sends its messages in order, one every 500 ms, so each
-// notification queued before the answer delays it; extend() moves the deadline by as much.
+// notification queued before the answer delays it; extend() moves the deadline by as much. A thread that was
+// busy when the time was over first gets to read what has come meanwhile.
 class ReplyDeadline : public QObject
 {
     Q_OBJECT
@@ -20,7 +22,6 @@ public:
     void stop();
     // Another message came before the answer.
     void extend();
-    [[nodiscard]] bool isRunning() const;
     // As given to start(), without extensions.
     [[nodiscard]] std::chrono::milliseconds timeout() const;
 
@@ -28,11 +29,15 @@ signals:
     void expired();
 
 private:
+    void handleTimeout();
+    void run(std::chrono::milliseconds time);
+
     QTimer timer;
+    QDeadlineTimer due;
     std::chrono::milliseconds limit {0};
 };
 
 // "30 s", "0.2 s" or "15 min".
 [[nodiscard]] QString durationText(std::chrono::milliseconds duration);
 
-} // namespace tarnClient
+} // namespace tarn

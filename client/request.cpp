@@ -7,7 +7,7 @@
 
 #include <atomic>
 
-namespace tarnClient {
+namespace tarn {
 
 namespace {
 
@@ -24,17 +24,17 @@ QString nextTag()
 
 } // namespace
 
-Request buildRequest(const TypedCommand &command)
+Request buildRequest(const QString &command, const std::optional<QString> &data)
 {
     Request request;
     request.tag = nextTag();
     QJsonObject object;
-    object.insert(QLatin1StringView("cmd"), command.name);
-    if (command.data)
-        object.insert(QLatin1StringView("data"), *command.data);
+    object.insert(QLatin1StringView("cmd"), command);
+    if (data)
+        object.insert(QLatin1StringView("data"), *data);
     object.insert(tagKey, request.tag);
     request.bytes = QJsonDocument(object).toJson(QJsonDocument::Compact);
     return request;
 }
 
-} // namespace tarnClient
+} // namespace tarn

@@ -6,7 +6,9 @@
 #include <QFileInfo>
 #include <QScopeGuard>
 
-namespace tarnClient {
+#include <atomic>
+
+namespace tarn {
 
 namespace {
 
@@ -34,6 +36,14 @@ bool haveSameContent(const QString &one, const QString &other)
             return false;
     }
     return true;
+}
+
+// No other copy has it, of this process or another.
+QString partialName()
+{
+    static std::atomic<int> counter = 0;
+    return QStringLiteral("tarn-%1-%2.part")
+        .arg(QString::number(QCoreApplication::applicationPid()), QString::number(++counter));
 }
 
 } // namespace
@@ -114,8 +124,7 @@ void StagedFirmware::leave()
 // Under another name first, because an incomplete copy must not be flashed.
 std::optional<QString> StagedFirmware::copy(const QString &file)
 {
-    const QString partial =
-        folder + QStringLiteral("/tarnctl-%1.part").arg(QCoreApplication::applicationPid());
+    const QString partial = folder + u'/' + partialName();
     const auto removePartial = qScopeGuard([&partial] { QFile::remove(partial); });
     QFile::remove(partial);
     QFile source(file);
@@ -146,4 +155,4 @@ void StagedFirmware::withdraw()
     copied = false;
 }
 
-} // namespace tarnClient
+} // namespace tarn

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "firmware_name.h"
+#include "tarn/firmware_name.h"
 
 #include <QDateTime>
 #include <QString>
 
 #include <optional>
 
-namespace tarnClient {
+namespace tarn {
 
 // A firmware file in the download folder, out of which the service moves it. A file from elsewhere is copied
 // there; the destructor removes the copy unless the service has taken it.
@@ -46,4 +46,4 @@ private:
     QDateTime copyTime;
 };
 
-} // namespace tarnClient
+} // namespace tarn

@@ -1,6 +1,6 @@
 #include "update_plan.h"
 
-namespace tarnClient {
+namespace tarn {
 
 namespace {
 
@@ -32,6 +32,8 @@ constexpr UpdatePhase mcuPhases[] = {
 };
 constexpr UpdatePhase ecPhases[] = {{milliseconds(0), L("running the EC tool")}};
 
+constexpr L nothingTouched("Nothing has been touched.");
+
 constexpr UpdateStep mcuSteps[] = {
     // The version comes first, because a service that cannot reach the EC does not notice a change of
     // accessory. Also, while the EC is reserved the update would wait, with the file already taken and wrong
@@ -42,10 +44,10 @@ constexpr UpdateStep mcuSteps[] = {
         .tellsVersion = true,
         .wanted = {},
         .phases = versionPhases,
-        .refusedText = {},
-        .untouchedText = {},
-        .goesOnText = L("Nothing has been touched."),
-        .serviceGoneText = L("Nothing has been touched."),
+        .refused = {},
+        .untouched = {},
+        .goesOnAdvice = nothingTouched,
+        .serviceGoneAdvice = nothingTouched,
     },
     {
         .command = L("getAccessoryType"),
@@ -53,34 +55,47 @@ constexpr UpdateStep mcuSteps[] = {
         .wanted = L("k_vane"),
         .repeatedFor = accessoryWait,
         .phases = accessoryPhases,
-        .refusedText = L("The update needs a KVane, and the service sees \"%1\". Nothing has been touched.\n"
-                         "Attach a KVane and try again.\n--force sends the request all the same."),
-        .untouchedText = {},
-        .goesOnText = L("Nothing has been touched."),
-        .serviceGoneText = L("Nothing has been touched."),
+        .refused =
+            {
+                L("The update needs a KVane, and the service sees \"%1\". Nothing has been touched."),
+                L("Attach a KVane and try again."),
+            },
+        .untouched = {},
+        .goesOnAdvice = nothingTouched,
+        .serviceGoneAdvice = nothingTouched,
     },
     {
         .command = L("requestMcuUpdate"),
         .takesFile = true,
         .wanted = L("successed"),
         .phases = mcuPhases,
-        .refusedText = L("The update failed: the flasher complained three times, or the service saw no "
-                         "KVane; its log tells which.\nThe MCU's firmware may be incomplete now. Its boot "
-                         "loader cannot be damaged: leave the KVane attached and update again."),
-        .untouchedText =
-            L("The service refused the update before it touched the MCU: it found no such file, "
-              "could not take it, saw no KVane, or a flasher of an earlier update still runs. "
-              "Its log tells which.\n"
-              "It looks in the download folder of the user it runs as, on Windows also in that "
-              "of the user at the console: run tarnctl as that user.\n"
-              "If a flasher runs, leave the KVane attached, wait for its end, and update again."),
+        .refused =
+            {
+                L("The update failed: the flasher complained three times, or the service saw no KVane; its "
+                  "log "
+                  "tells which."),
+                L("The MCU's firmware may be incomplete now. Its boot loader cannot be damaged: leave the "
+                  "KVane "
+                  "attached and update again."),
+            },
+        .untouched =
+            {
+                L("The service refused the update before it touched the MCU: it found no such file, could "
+                  "not "
+                  "take it, saw no KVane, or a flasher of an earlier update still runs. Its log tells "
+                  "which."),
+                L("It looks in the download folder of the user it runs as, on Windows also in that of the "
+                  "user "
+                  "at the console: run %2 as that user.\n"
+                  "If a flasher runs, leave the KVane attached, wait for its end, and update again."),
+            },
         .untouchedBefore = shortestSwitching,
-        .goesOnText = L("The service goes on with the update. Keep the computer on and the KVane attached, "
-                        "and start nothing else before the service's log says \"mcuUpdate Leave |\"."),
-        .serviceGoneText =
-            L("The MCU may be left in its boot loader or with an incomplete firmware. The boot "
-              "loader cannot be damaged: leave the KVane attached, wait until no stm32flash "
-              "runs any more, and update again."),
+        .goesOnAdvice = L("The service goes on with the update. Keep the computer on and the KVane attached, "
+                          "and start nothing else before the service's log says \"mcuUpdate Leave |\"."),
+        .serviceGoneAdvice =
+            L("The MCU may be left in its boot loader or with an incomplete firmware. The boot loader cannot "
+              "be "
+              "damaged: leave the KVane attached, wait until no stm32flash runs any more, and update again."),
     },
 };
 
@@ -92,82 +107,91 @@ constexpr UpdateStep ecSteps[] = {
         .takesFile = true,
         .wanted = L("successed"),
         .phases = ecPhases,
-        .refusedText = L("The service refused the update before it ran the EC tool: this update has flashed "
-                         "nothing.\n"
-                         "It found no such file, could not take it, cannot rewrite function/EC/uiset.ini, "
-                         "or an EC tool of an earlier update still runs. Its log tells which.\n"
-                         "It looks in the download folder of the user it runs as, on Windows also in that "
-                         "of the user at the console: run tarnctl as that user.\n"
-                         "If an EC tool runs, keep the computer on, wait for its end, and update again."),
-        .untouchedText = {},
-        .goesOnText = L("The service goes on with the update. Keep the computer on until the service's log "
-                        "says \"ecUpdate Leave |\"; then restart the computer."),
-        .serviceGoneText =
-            L("If the EC tool runs, it goes on until it is done: keep the computer on. A service "
-              "that you start meanwhile waits for its end by itself; then restart the computer.\n"
-              "If no IFU_XE.exe runs and the log of the service that went away has no "
-              "\"ecUpdate Enter |\", the tool was not started: update again."),
+        .refused = {},
+        .untouched =
+            {
+                L("The service refused the update before it ran the EC tool: this update has flashed "
+                  "nothing."),
+                L("It found no such file, could not take it, cannot rewrite function/EC/uiset.ini, or an EC "
+                  "tool of an earlier update still runs. Its log tells which.\n"
+                  "It looks in the download folder of the user it runs as, on Windows also in that of the "
+                  "user "
+                  "at the console: run %2 as that user.\n"
+                  "If an EC tool runs, keep the computer on, wait for its end, and update again."),
+            },
+        // Once the tool has run, the answer is never a refusal.
+        .untouchedBefore = milliseconds::max(),
+        .goesOnAdvice = L("The service goes on with the update. Keep the computer on until the service's log "
+                          "says \"ecUpdate Leave |\"; then restart the computer."),
+        .serviceGoneAdvice = L("If the EC tool runs, it goes on until it is done: keep the computer on. A "
+                               "service that you start "
+                               "meanwhile waits for its end by itself; then restart the computer.\n"
+                               "If no IFU_XE.exe runs and the log of the service that went away has no "
+                               "\"ecUpdate Enter |\", the tool was not started: update again."),
     },
 };
 
 constexpr UpdatePlan mcuPlan {
-    .verb = L("update-mcu"),
     .kind = FirmwareKind::Mcu,
     .steps = mcuSteps,
     .notice = L("Keep the computer on and the KVane attached. The service reports nothing before the end:\n"
                 "the phases shown are those of its schedule."),
     .versionKey = L("mcuVer"),
-    .doneText = L("The KVane's MCU now runs version %1."),
+    .done =
+        {
+            L("The KVane's MCU now runs version %1."),
+            L("If that is not the version of the file, the flasher failed without a complaint:\n"
+              "see the service's log and update again."),
+        },
     .noVersionText =
         L("The service calls the update done, but the MCU's version cannot be read.\nAsk for it with "
           "getMcuVersion."),
     .nothingRunsVersion = L("0.00"),
-    .nothingRunsText =
-        L("The service calls the update done, but no firmware runs on the MCU (version %1): the "
-          "flasher failed without a complaint, or the file is none for a KVane.\nThe MCU's boot "
-          "loader cannot be damaged: leave the KVane attached and update again."),
-    .otherVersionText =
-        L("The service calls the update done, but the MCU's version is \"%1\", not \"%2\": the "
-          "flasher failed without a complaint, or the file is of another version.\nThe MCU's boot "
-          "loader cannot be damaged: leave the KVane attached, see the service's log, and update "
-          "again."),
-    .adviceText = L("If that is not the version of the file, the flasher failed without a complaint:\n"
-                    "see the service's log and update again."),
-    .sameVersionText =
-        L("It ran that version before, too. If the file is of another one, the flasher failed without "
-          "a complaint:\nsee the service's log and update again."),
+    .nothingRuns =
+        {
+            L("The service calls the update done, but no firmware runs on the MCU (version %1): the flasher "
+              "failed without a complaint, or the file is none for a KVane."),
+            L("The MCU's boot loader cannot be damaged: leave the KVane attached and update again."),
+        },
+    .otherVersion =
+        {
+            L("The service calls the update done, but the MCU's version is \"%1\", not \"%2\": the flasher "
+              "failed without a complaint, or the file is of another version."),
+            L("The MCU's boot loader cannot be damaged: leave the KVane attached, see the service's log, and "
+              "update again."),
+        },
+    .sameVersionAdvice =
+        L("It ran that version before, too. If the file is of another one, the flasher failed without a "
+          "complaint:\nsee the service's log and update again."),
 };
 
 constexpr UpdatePlan ecPlan {
-    .verb = L("update-ec"),
     .kind = FirmwareKind::Ec,
     .steps = ecSteps,
     .notice = L("Save your work and keep the computer on: the EC tool may shut it down by itself.\n"
                 "The service reports nothing before the tool has ended."),
     .versionKey = {},
-    .doneText =
-        L("The service is done with the EC tool. Whether it ran and succeeded only the service's log and the "
-          "tool know."),
+    .done =
+        {
+            L("The service is done with the EC tool. Whether it ran and succeeded only the service's log and "
+              "the "
+              "tool know."),
+            L("Restart the computer now: until then the EC stays reserved, and commands that need it wait.\n"
+              "Then check that getTarnBatteryNum, getTarnPowerMode and getSmartChargingStatus answer as they "
+              "did before."),
+        },
     .noVersionText = {},
     .nothingRunsVersion = {},
-    .nothingRunsText = {},
-    .otherVersionText = {},
-    .adviceText = L("Restart the computer now: until then the EC stays reserved, and commands that need it "
-                    "wait.\nThen check that getTarnBatteryNum, getTarnPowerMode and getSmartChargingStatus "
-                    "answer as they did before."),
-    .sameVersionText = {},
+    .nothingRuns = {},
+    .otherVersion = {},
+    .sameVersionAdvice = {},
 };
 
 } // namespace
 
-const UpdatePlan &mcuUpdatePlan()
+const UpdatePlan &updatePlan(FirmwareKind kind)
 {
-    return mcuPlan;
+    return kind == FirmwareKind::Mcu ? mcuPlan : ecPlan;
 }
 
-const UpdatePlan &ecUpdatePlan()
-{
-    return ecPlan;
-}
-
-} // namespace tarnClient
+} // namespace tarn

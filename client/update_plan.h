@@ -1,20 +1,28 @@
 #pragma once
 
-#include "firmware_name.h"
+#include "tarn/firmware_name.h"
 
 #include <QLatin1StringView>
 
 #include <chrono>
 #include <span>
 
-namespace tarnClient {
+namespace tarn {
 
-// What the service does from this time of its schedule on, counted from the start of the step. An estimate:
-// the service sends nothing before its answer.
+// What the service does from this time of its schedule on, counted from the writing of the request. An
+// estimate: the service sends nothing before its answer.
 struct UpdatePhase
 {
     std::chrono::milliseconds begins;
     QLatin1StringView text;
+};
+
+// A text for the user: what happened, and what that means for the device and what to do. "%1" stands for
+// what came, "%2" for what was wanted or for the program's name.
+struct UpdateText
+{
+    QLatin1StringView what;
+    QLatin1StringView advice;
 };
 
 // One request of an update, and the texts for an update that ends at it.
@@ -23,7 +31,7 @@ struct UpdateStep
     QLatin1StringView command;
     // The request carries the file's name; once it is sent, the service may take the file.
     bool takesFile = false;
-    // Left out with --force.
+    // Only asks; left out when the precautions are skipped.
     bool isPrecaution = false;
     // Its answer is the version that runs before the update.
     bool tellsVersion = false;
@@ -32,41 +40,39 @@ struct UpdateStep
     // How long the request is repeated while another value comes.
     std::chrono::milliseconds repeatedFor {0};
     std::span<const UpdatePhase> phases;
-    // Shown when another value came, for which "%1" stands.
-    QLatin1StringView refusedText;
-    // Shown instead when it came within `untouchedBefore` after the request: too soon for the service to have
-    // touched the device.
-    QLatin1StringView untouchedText;
+    // When another value came, for which "%1" stands. "%2" is the program's name.
+    UpdateText refused;
+    // Instead when it came within `untouchedBefore` after the request was written: too soon for the service
+    // to have touched the device.
+    UpdateText untouched;
     std::chrono::milliseconds untouchedBefore {0};
-    // Shown when tarnctl stops waiting, but the service goes on.
-    QLatin1StringView goesOnText;
-    QLatin1StringView serviceGoneText;
+    // When nobody waits for the answer any more, but the service goes on.
+    QLatin1StringView goesOnAdvice;
+    QLatin1StringView serviceGoneAdvice;
 };
 
 // One kind of firmware update from a user's point of view.
 struct UpdatePlan
 {
-    QLatin1StringView verb;
     FirmwareKind kind;
     std::span<const UpdateStep> steps;
-    // Shown at the start.
+    // For the user at the start.
     QLatin1StringView notice;
-    // "%1" stands for the value of this key in the last answer.
+    // The key of the version in the last answer; empty: it has none.
     QLatin1StringView versionKey;
-    QLatin1StringView doneText;
-    // Shown instead when the answer should have a version but has none.
+    // "%1" stands for the version.
+    UpdateText done;
+    // Instead when the answer should have a version but has none.
     QLatin1StringView noVersionText;
     // The version that an MCU without a working firmware has, and what it means.
     QLatin1StringView nothingRunsVersion;
-    QLatin1StringView nothingRunsText;
-    // Shown when version "%1" runs, but "%2" should.
-    QLatin1StringView otherVersionText;
-    // What to do after the update; sameVersionText when the version has not changed.
-    QLatin1StringView adviceText;
-    QLatin1StringView sameVersionText;
+    UpdateText nothingRuns;
+    // When version "%1" runs, but "%2" should.
+    UpdateText otherVersion;
+    // The advice when the version has not changed.
+    QLatin1StringView sameVersionAdvice;
 };
 
-[[nodiscard]] const UpdatePlan &mcuUpdatePlan();
-[[nodiscard]] const UpdatePlan &ecUpdatePlan();
+[[nodiscard]] const UpdatePlan &updatePlan(FirmwareKind kind);
 
-} // namespace tarnClient
+} // namespace tarn

@@ -1,8 +1,22 @@
 #include "command_check.h"
 
+#include "name_distance.h"
+
 #include <algorithm>
 
-namespace tarnClient {
+namespace tarnctl {
+
+namespace {
+
+constexpr int mostSuggestions = 3;
+
+// The number of wrong letters that is tolerated: one in three, but at least two.
+qsizetype toleranceFor(qsizetype length)
+{
+    return std::max<qsizetype>(2, length / 3);
+}
+
+} // namespace
 
 TypedCommand parseTypedLine(const QString &line)
 {
@@ -12,6 +26,30 @@ TypedCommand parseTypedLine(const QString &line)
         return {trimmed};
     const auto nameLength = blank - trimmed.cbegin();
     return {trimmed.left(nameLength), trimmed.mid(nameLength).trimmed()};
+}
+
+QStringList nearestCommands(const QString &name)
+{
+    struct Candidate
+    {
+        qsizetype distance;
+        QString name;
+    };
+    QList<Candidate> candidates;
+    const QString wanted = name.toLower();
+    for (const tarn::CommandEntry &entry : tarn::commandCatalogue()) {
+        const QString known = entry.name.toString();
+        const qsizetype distance = nameDistance(wanted, known.toLower());
+        const bool isPart = wanted.size() >= 3 && known.contains(wanted, Qt::CaseInsensitive);
+        if (isPart || distance <= toleranceFor(wanted.size()))
+            candidates.append({distance, known});
+    }
+    std::stable_sort(candidates.begin(), candidates.end(),
+        [](const Candidate &a, const Candidate &b) { return a.distance < b.distance; });
+    QStringList names;
+    for (const Candidate &candidate : candidates.mid(0, mostSuggestions))
+        names << candidate.name;
+    return names;
 }
 
 QString unknownCommandText(const QString &name)
@@ -25,7 +63,7 @@ QString unknownCommandText(const QString &name)
 
 std::optional<QString> commandObjection(const TypedCommand &command)
 {
-    const CommandEntry *entry = findCommand(command.name);
+    const tarn::CommandEntry *entry = tarn::findCommand(command.name);
     if (entry == nullptr)
         return unknownCommandText(command.name);
     const std::optional<QString> objection = entry->data.objection(command.name, command.data);
@@ -35,4 +73,4 @@ std::optional<QString> commandObjection(const TypedCommand &command)
         + QStringLiteral("\nSee \"tarnctl help %1\"; --force sends it as it is.").arg(command.name);
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

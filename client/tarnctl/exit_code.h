@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tarnClient {
+namespace tarnctl {
 
 // The exit codes of tarnctl, for scripts.
 enum class ExitCode {
@@ -11,4 +11,4 @@ enum class ExitCode {
     NoAnswer = 4,
 };
 
-} // namespace tarnClient
+} // namespace tarnctl

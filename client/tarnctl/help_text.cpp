@@ -1,12 +1,12 @@
 #include "help_text.h"
 
-#include "reply_deadline.h"
+#include "client/reply_deadline.h"
 
 #include <QStringList>
 
 #include <algorithm>
 
-namespace tarnClient {
+namespace tarnctl {
 
 namespace {
 
@@ -31,7 +31,7 @@ constexpr QLatin1StringView optionsAndCodes(R"(Options:
   -v, --verbose      show on the error output what else arrives
   --count N          watch, raw: end after N notifications (raw: messages)
   --for SECONDS      watch, raw: end after this time
-  --reconnect        watch: wait for the service when it is not there
+  --reconnect        watch: wait for the service when it is not there, and come back after another client
   --expect VERSION   update-mcu: it has failed unless this version runs afterwards
   -h, --help         this text
   --version          the version of tarnctl
@@ -44,11 +44,12 @@ constexpr QLatin1StringView watchText(R"(tarnctl watch
 Prints the service's notifications with their local time until Ctrl+C, --count N notifications or --for SECONDS.
 With both, it ends with code 4 if fewer have come in time; also if typed commands are left unsent or unanswered.
 
-The service serves one client at a time: another tarnctl meanwhile takes the notifications away, and none come back
-when it ends. So type commands right here, or pipe them in, one per line:
+The service serves one client at a time: another tarnctl meanwhile takes the notifications away. With --reconnect
+watch asks for them when it has heard nothing for a minute, which takes the service from a program that is still
+connected, so end it before an update. Type commands right here, or pipe them in, one per line:
   getMcuVersion          any command, with its data
   help [COMMAND]         what can be typed
-  reconnect              connect again after another client has come and gone
+  reconnect              connect again at once after another client has come and gone
   quit                   end
 Each command is sent when the one before it has been answered. At the end of a piped input watching goes on.
 
@@ -125,14 +126,14 @@ constexpr int nameColumnWidth = 31;
 QString commandTable()
 {
     QStringList lines;
-    for (const CommandEntry &entry : commandCatalogue()) {
+    for (const tarn::CommandEntry &entry : tarn::commandCatalogue()) {
         lines << QStringLiteral("  ") + entry.name.toString().leftJustified(nameColumnWidth)
                 + entry.summary.toString();
     }
     return lines.join(u'\n');
 }
 
-QString joinedKeys(const CommandEntry &entry)
+QString joinedKeys(const tarn::CommandEntry &entry)
 {
     QStringList keys;
     for (const QLatin1StringView key : entry.answerKeys)
@@ -161,7 +162,7 @@ QString generalHelp()
         .arg(usageText(), optionsAndCodes.toString(), commandTable());
 }
 
-QString commandHelp(const CommandEntry &entry)
+QString commandHelp(const tarn::CommandEntry &entry)
 {
     const QString placeholder = entry.data.placeholder();
     QStringList lines {
@@ -173,7 +174,7 @@ QString commandHelp(const CommandEntry &entry)
         QStringLiteral("Data:     ") + entry.data.description(),
         QStringLiteral("Answer:   ") + entry.answerMeaning,
         QStringLiteral("In JSON:  ") + joinedKeys(entry),
-        QStringLiteral("Waits:    up to ") + durationText(entry.timeout),
+        QStringLiteral("Waits:    up to ") + tarn::durationText(entry.timeout),
         QStringLiteral("Example:  ") + entry.example,
     };
     if (!entry.note.isEmpty())
@@ -183,7 +184,7 @@ QString commandHelp(const CommandEntry &entry)
 
 std::optional<QString> topicHelp(const QString &topic)
 {
-    if (const CommandEntry *entry = findCommand(topic))
+    if (const tarn::CommandEntry *entry = tarn::findCommand(topic))
         return commandHelp(*entry);
     const auto *const found = std::find_if(
         std::begin(topics), std::end(topics), [&topic](const Topic &known) { return known.word == topic; });
@@ -200,9 +201,9 @@ QString typingHelp()
 QString commandNames()
 {
     QStringList names;
-    for (const CommandEntry &entry : commandCatalogue())
+    for (const tarn::CommandEntry &entry : tarn::commandCatalogue())
         names << entry.name.toString();
     return names.join(u'\n');
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

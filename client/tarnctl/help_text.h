@@ -1,14 +1,14 @@
 #pragma once
 
-#include "command_catalogue.h"
+#include "client/command_catalogue.h"
 
 #include <optional>
 
-namespace tarnClient {
+namespace tarnctl {
 
 [[nodiscard]] QString usageText();
 [[nodiscard]] QString generalHelp();
-[[nodiscard]] QString commandHelp(const CommandEntry &entry);
+[[nodiscard]] QString commandHelp(const tarn::CommandEntry &entry);
 // Help on a command or on one of the tool's own words; nothing for anything else.
 [[nodiscard]] std::optional<QString> topicHelp(const QString &topic);
 // What can be typed while watching.
@@ -16,4 +16,4 @@ namespace tarnClient {
 // The commands' names, one per line.
 [[nodiscard]] QString commandNames();
 
-} // namespace tarnClient
+} // namespace tarnctl

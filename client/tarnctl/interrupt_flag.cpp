@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-namespace tarnClient {
+namespace tarnctl {
 
 namespace {
 
@@ -33,4 +33,4 @@ bool InterruptFlag::isRaised() const
     return raised != 0;
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -1,6 +1,6 @@
 #pragma once
 
-namespace tarnClient {
+namespace tarnctl {
 
 // While an object exists, Ctrl+C (SIGINT) and SIGTERM set a flag instead of ending the process.
 class InterruptFlag
@@ -20,4 +20,4 @@ private:
     Handler formerTerminate;
 };
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -2,7 +2,7 @@
 
 #include <chrono>
 
-namespace tarnClient {
+namespace tarnctl {
 
 namespace {
 
@@ -30,4 +30,4 @@ void InterruptPoll::look()
     }
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -5,7 +5,7 @@
 #include <QObject>
 #include <QTimer>
 
-namespace tarnClient {
+namespace tarnctl {
 
 // While an object exists, it reports Ctrl+C and SIGTERM by a signal in the event loop.
 class InterruptPoll : public QObject
@@ -28,4 +28,4 @@ private:
     QTimer timer;
 };
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -4,7 +4,7 @@
 #include <numeric>
 #include <vector>
 
-namespace tarnClient {
+namespace tarnctl {
 
 qsizetype nameDistance(QStringView left, QStringView right)
 {
@@ -30,4 +30,4 @@ qsizetype nameDistance(QStringView left, QStringView right)
     return last[columns - 1];
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

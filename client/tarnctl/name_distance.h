@@ -2,10 +2,10 @@
 
 #include <QStringView>
 
-namespace tarnClient {
+namespace tarnctl {
 
 // The number of single-letter slips (a letter too many, missing, wrong, or two swapped) between two words
 // (optimal string alignment).
 [[nodiscard]] qsizetype nameDistance(QStringView left, QStringView right);
 
-} // namespace tarnClient
+} // namespace tarnctl

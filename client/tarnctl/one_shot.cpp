@@ -1,10 +1,18 @@
 #include "one_shot.h"
 
-#include "request.h"
+#include "answer_text.h"
+#include "client/command_catalogue.h"
+#include "client/reply_deadline.h"
+#include "no_answer_text.h"
 
-namespace tarnClient {
+#include <QTimer>
+
+namespace tarnctl {
 
 namespace {
+
+using tarn::Client;
+using tarn::Outcome;
 
 // At a terminal: after this time the user is told how long the answer can take.
 constexpr std::chrono::milliseconds remarkAfter(3000);
@@ -12,28 +20,18 @@ constexpr std::chrono::milliseconds remarkAfter(3000);
 } // namespace
 
 OneShot::OneShot(const ToolOptions &toolOptions, ToolStreams &toolStreams, TypedCommand typedCommand)
-    : Session(toolOptions, toolStreams)
+    : ClientTask(toolOptions, toolStreams)
     , command(std::move(typedCommand))
-    , entry(findCommand(command.name))
 {
-    connect(&client, &PipeClient::documentReceived, this, &OneShot::handleDocument);
-    connect(&client, &PipeClient::serviceGone, this, &OneShot::handleServiceGone);
-    connect(&deadline, &ReplyDeadline::expired, this, &OneShot::handleExpiry);
+    connect(&client, &Client::connectingFailed, this, &OneShot::finishWithoutService);
     if (options.verbose)
-        connect(&client, &PipeClient::garbageReceived, this, &OneShot::remarkGarbage);
+        remarkOtherMessages();
 }
 
 ExitCode OneShot::run()
 {
-    if (!connectService())
-        return ExitCode::NoService;
-    const Request request = buildRequest(command);
-    tag = request.tag;
-    deadline.start(timeoutFor(entry));
-    if (!client.send(request.bytes))
-        handleServiceGone();
-    else if (getsNoAnswer(command))
-        return runSilently();
+    client.open();
+    send(command).then(this, [this](const tarn::Reply &reply) { handleReply(reply); });
     if (streams.interactive)
         QTimer::singleShot(remarkAfter, this, &OneShot::remarkWaiting);
     return waitForFinish();
@@ -41,54 +39,48 @@ ExitCode OneShot::run()
 
 void OneShot::remarkWaiting()
 {
-    if (!isFinished()) {
-        streams.remark(QStringLiteral("Waiting for the answer to %1, up to %2.")
-                           .arg(command.name, durationText(deadline.timeout())));
+    if (isFinished())
+        return;
+    const std::chrono::milliseconds limit = options.timeout.value_or(tarn::usualLimit(command.name));
+    streams.remark(QStringLiteral("Waiting for the answer to %1, up to %2.")
+                       .arg(command.name, tarn::durationText(limit)));
+}
+
+void OneShot::handleReply(const tarn::Reply &reply)
+{
+    if (isFinished())
+        return;
+    switch (reply.outcome()) {
+    case Outcome::Answered:
+    case Outcome::Failed:
+    case Outcome::Sent:
+        showAnswer(reply);
+        finish(reply.outcome() == Outcome::Failed ? ExitCode::ServiceFailed : ExitCode::Done);
+        return;
+    case Outcome::NoAnswer:
+        streams.complain(noAnswerText(reply.command(), reply.reason()));
+        finish(ExitCode::NoAnswer);
+        return;
+    case Outcome::ServiceGone:
+        streams.complain(reply.reason()
+            + QStringLiteral("\nStart it again (./run, or the service \"Tarn Service\" on Windows) and "
+                             "repeat the command."));
+        finish(ExitCode::NoService);
+        return;
+    case Outcome::Refused:
+        streams.complain(reply.reason());
+        finish(ExitCode::Usage);
+        return;
     }
 }
 
-ExitCode OneShot::runSilently()
+void OneShot::showAnswer(const tarn::Reply &reply)
 {
-    const auto linger = [this] {
-        deadline.stop();
-        QTimer::singleShot(unansweredPause, this, [this] {
-            if (!isFinished() && !options.json)
-                print(sentText.toString());
-            finish(ExitCode::Done);
-        });
-    };
-    if (client.isDrained())
-        linger();
-    else
-        connect(&client, &PipeClient::drained, this, linger, Qt::SingleShotConnection);
-    return waitForFinish();
+    const bool isSent = reply.outcome() == Outcome::Sent;
+    if (!options.json)
+        print(isSent ? sentText.toString() : answerText(reply.command(), reply.answer()));
+    else if (!isSent)
+        print(compactJson(reply.answer()));
 }
 
-void OneShot::handleDocument(const QByteArray &bytes)
-{
-    if (isFinished())
-        return;
-    const std::optional<Message> message = takeAnswer(tag, bytes);
-    if (!message)
-        return;
-    printAnswer(*message, entry);
-    finish(message->tellsFailure(entry) ? ExitCode::ServiceFailed : ExitCode::Done);
-}
-
-void OneShot::handleExpiry()
-{
-    streams.complain(noAnswerText(command.name, deadline.timeout()));
-    finish(ExitCode::NoAnswer);
-}
-
-void OneShot::handleServiceGone()
-{
-    if (isFinished())
-        return;
-    streams.complain(QStringLiteral("The service went away before it answered %1.\nStart it again (./run, or "
-                                    "the service \"Tarn Service\" on Windows) and repeat the command.")
-                         .arg(command.name));
-    finish(ExitCode::NoService);
-}
-
-} // namespace tarnClient
+} // namespace tarnctl

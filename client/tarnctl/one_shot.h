@@ -1,12 +1,11 @@
 #pragma once
 
-#include "command_check.h"
-#include "session.h"
+#include "client_task.h"
 
-namespace tarnClient {
+namespace tarnctl {
 
 // Sends one command and waits for its answer.
-class OneShot : public Session
+class OneShot : public ClientTask
 {
     Q_OBJECT
 
@@ -16,16 +15,11 @@ public:
     [[nodiscard]] ExitCode run();
 
 private:
-    [[nodiscard]] ExitCode runSilently();
     void remarkWaiting();
-    void handleDocument(const QByteArray &bytes);
-    void handleExpiry();
-    void handleServiceGone();
+    void handleReply(const tarn::Reply &reply);
+    void showAnswer(const tarn::Reply &reply);
 
     TypedCommand command;
-    // Null for an unknown command, sent because of --force.
-    const CommandEntry *entry;
-    QString tag;
 };
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -1,29 +1,57 @@
 #include "raw_exchange.h"
 
+#include "client/command_catalogue.h"
+#include "client/pipe_problem.h"
+#include "client/request.h"
+#include "connect_failure.h"
+
 #include <QJsonDocument>
 
-namespace tarnClient {
+namespace tarnctl {
+
+bool echoes(const QJsonObject &message, const QJsonObject &request)
+{
+    for (auto field = request.constBegin(); field != request.constEnd(); ++field) {
+        if (message.value(field.key()) != field.value())
+            return false;
+    }
+    return !request.isEmpty();
+}
 
 RawExchange::RawExchange(const ToolOptions &toolOptions, ToolStreams &toolStreams, QByteArray givenBytes)
-    : Session(toolOptions, toolStreams)
+    : Task(toolOptions, toolStreams)
+    , connection(options.pipeName)
     , bytes(std::move(givenBytes))
     , request(QJsonDocument::fromJson(bytes).object())
 {
-    connect(&client, &PipeClient::documentReceived, this, &RawExchange::handleDocument);
-    connect(&client, &PipeClient::garbageReceived, this, &RawExchange::remarkGarbage);
-    connect(&client, &PipeClient::serviceGone, this, &RawExchange::handleServiceGone);
-    connect(&deadline, &ReplyDeadline::expired, this, &RawExchange::handleExpiry);
+    connect(&connection, &tarn::PipeConnection::opened, this, &RawExchange::handleOpened);
+    connect(&connection, &tarn::PipeConnection::openFailed, this, &RawExchange::handleOpenFailed);
+    connect(&connection, &tarn::PipeConnection::documentReceived, this, &RawExchange::handleDocument);
+    connect(&connection, &tarn::PipeConnection::garbageReceived, this, &RawExchange::remarkGarbage);
+    connect(&connection, &tarn::PipeConnection::serviceGone, this, &RawExchange::handleServiceGone);
+    connect(&deadline, &tarn::ReplyDeadline::expired, this, &RawExchange::handleExpiry);
+    connect(this, &Task::finished, &deadline, &tarn::ReplyDeadline::stop);
+    connect(this, &Task::finished, &connection, &tarn::PipeConnection::close);
 }
 
 ExitCode RawExchange::run()
 {
-    if (!connectService())
-        return ExitCode::NoService;
-    const CommandEntry *entry = findCommand(request.value(QLatin1StringView("cmd")).toString());
-    deadline.start(options.duration.value_or(timeoutFor(entry)));
-    if (!client.send(bytes))
-        handleServiceGone();
+    connection.open();
     return waitForFinish();
+}
+
+void RawExchange::handleOpened()
+{
+    const std::chrono::milliseconds usual = tarn::usualLimit(request.value(tarn::commandKey).toString());
+    deadline.start(options.duration.value_or(options.timeout.value_or(usual)));
+    if (!connection.send(bytes))
+        handleServiceGone();
+}
+
+void RawExchange::handleOpenFailed(const tarn::PipeFailure &failure)
+{
+    streams.complain(connectFailureText(options.pipeName, tarn::problemOf(failure.kind), failure.text));
+    finish(ExitCode::NoService);
 }
 
 void RawExchange::handleDocument(const QByteArray &document)
@@ -44,12 +72,13 @@ bool RawExchange::isLast(const QByteArray &document) const
         return received >= *options.count;
     if (options.duration)
         return false;
-    const std::optional<Message> message = Message::parse(document);
-    return message && message->echoes(request);
+    return echoes(QJsonDocument::fromJson(document).object(), request);
 }
 
 void RawExchange::handleExpiry()
 {
+    if (isFinished())
+        return;
     const bool asPlanned = options.duration && !options.count;
     if (asPlanned) {
         finish(ExitCode::Done);
@@ -61,7 +90,7 @@ void RawExchange::handleExpiry()
     streams.complain(
         QStringLiteral("%1 within %2.\nThe service does not answer malformed requests and unknown "
                        "commands; see its log.")
-            .arg(got, durationText(deadline.timeout())));
+            .arg(got, tarn::durationText(deadline.timeout())));
     finish(ExitCode::NoAnswer);
 }
 
@@ -75,4 +104,4 @@ void RawExchange::handleServiceGone()
     finish(ExitCode::NoService);
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -7,7 +7,7 @@
 #include <mutex>
 #include <string>
 
-namespace tarnClient {
+namespace tarnctl {
 
 namespace {
 
@@ -128,4 +128,4 @@ bool StdinReader::hasThreadLeftBehind()
     return readingThreads > 0;
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

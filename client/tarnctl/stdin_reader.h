@@ -9,7 +9,7 @@
 #include <optional>
 #include <thread>
 
-namespace tarnClient {
+namespace tarnctl {
 
 // Reads lines on a thread of its own: there is no portable way to wait for standard input and for a socket in
 // one event loop.
@@ -44,4 +44,4 @@ private:
     QTimer poll;
 };
 
-} // namespace tarnClient
+} // namespace tarnctl

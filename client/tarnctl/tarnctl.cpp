@@ -1,9 +1,9 @@
 #include "tarnctl.h"
 
-#include "firmware_update.h"
 #include "help_text.h"
 #include "one_shot.h"
 #include "raw_exchange.h"
+#include "update_command.h"
 #include "watch.h"
 
 #include <QStandardPaths>
@@ -12,7 +12,7 @@
 #include <iterator>
 #include <string>
 
-namespace tarnClient {
+namespace tarnctl {
 
 namespace {
 
@@ -71,21 +71,21 @@ ExitCode runRaw(const ToolOptions &options, const QStringList &arguments, ToolSt
 
 // The service looks for the file in the download folder.
 ExitCode runUpdate(
-    const UpdatePlan &plan, const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
+    tarn::FirmwareKind kind, const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
 {
-    const DownloadPlace place {
-        QStandardPaths::writableLocation(QStandardPaths::DownloadLocation), otherUserAtConsole()};
-    return FirmwareUpdate(options, streams, plan, place).run(arguments.first());
+    return UpdateCommand(options, streams, {tarn::updatePlan(kind)},
+        QStandardPaths::writableLocation(QStandardPaths::DownloadLocation))
+        .run(arguments.first());
 }
 
 ExitCode runUpdateMcu(const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
 {
-    return runUpdate(mcuUpdatePlan(), options, arguments, streams);
+    return runUpdate(tarn::FirmwareKind::Mcu, options, arguments, streams);
 }
 
 ExitCode runUpdateEc(const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
 {
-    return runUpdate(ecUpdatePlan(), options, arguments, streams);
+    return runUpdate(tarn::FirmwareKind::Ec, options, arguments, streams);
 }
 
 constexpr Verb verbs[] = {
@@ -169,4 +169,4 @@ int runTarnctl(const QStringList &arguments, ToolStreams streams)
     return static_cast<int>(code);
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

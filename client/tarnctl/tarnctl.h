@@ -4,10 +4,10 @@
 
 #include <QStringList>
 
-namespace tarnClient {
+namespace tarnctl {
 
 // The whole tool: the first argument is the program's name, the result the process's exit code. A
 // QCoreApplication must exist.
 [[nodiscard]] int runTarnctl(const QStringList &arguments, ToolStreams streams);
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -2,7 +2,7 @@
 
 #include <unistd.h>
 
-namespace tarnClient {
+namespace tarnctl {
 
 bool inputIsTerminal()
 {
@@ -14,4 +14,4 @@ bool errorsAreTerminal()
     return isatty(STDERR_FILENO) == 1;
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <io.h>
 
-namespace tarnClient {
+namespace tarnctl {
 
 bool inputIsTerminal()
 {
@@ -15,4 +15,4 @@ bool errorsAreTerminal()
     return _isatty(_fileno(stderr)) != 0;
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

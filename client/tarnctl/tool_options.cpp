@@ -3,7 +3,7 @@
 #include <QCommandLineParser>
 #include <QRegularExpression>
 
-namespace tarnClient {
+namespace tarnctl {
 
 namespace {
 
@@ -119,4 +119,4 @@ ParsedOptions parseOptions(const QStringList &arguments)
     return parsed;
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -6,7 +6,7 @@
 #include <chrono>
 #include <optional>
 
-namespace tarnClient {
+namespace tarnctl {
 
 // The parsed command line.
 struct ToolOptions
@@ -37,4 +37,4 @@ struct ParsedOptions
 // The first argument is the program's own name.
 [[nodiscard]] ParsedOptions parseOptions(const QStringList &arguments);
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -1,6 +1,6 @@
 #include "tool_streams.h"
 
-namespace tarnClient {
+namespace tarnctl {
 
 bool ToolStreams::printLine(const QByteArray &line)
 {
@@ -24,4 +24,4 @@ void ToolStreams::remark(const QString &text)
     errors << text.toStdString() << std::endl;
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

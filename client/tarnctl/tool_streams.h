@@ -7,7 +7,7 @@
 #include <memory>
 #include <ostream>
 
-namespace tarnClient {
+namespace tarnctl {
 
 // Where the tool reads and writes. Standard output carries answers only, so that it can be piped; messages to
 // the user go to the error output.
@@ -31,4 +31,4 @@ struct ToolStreams
     void remark(const QString &text);
 };
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -1,6 +1,6 @@
 #include "update_progress.h"
 
-namespace tarnClient {
+namespace tarnctl {
 
 namespace {
 
@@ -16,6 +16,11 @@ QString clockText(milliseconds time)
     return QStringLiteral("%1:%2").arg(wholeMinutes.count()).arg(rest.count(), 2, 10, QLatin1Char('0'));
 }
 
+QString lineOf(const QString &phase, milliseconds time)
+{
+    return clockText(time) + QLatin1StringView("  ") + phase;
+}
+
 } // namespace
 
 UpdateProgress::UpdateProgress(ToolStreams &toolStreams, bool quiet)
@@ -23,26 +28,22 @@ UpdateProgress::UpdateProgress(ToolStreams &toolStreams, bool quiet)
     , isQuiet(quiet)
 { }
 
-void UpdateProgress::begin(std::span<const UpdatePhase> phasesOfStep, milliseconds now)
+void UpdateProgress::begin(const QString &phaseText, milliseconds now)
 {
-    phases = phasesOfStep;
-    stepBegan = now;
-    show(now);
+    phase = phaseText;
+    if (streams.errorsAreTerminal)
+        show(now);
+    else if (!isQuiet)
+        streams.remark(lineOf(phase, now));
 }
 
 void UpdateProgress::show(milliseconds now)
 {
-    const UpdatePhase *phase = phaseAt(now);
-    if (isQuiet || phase == nullptr)
+    if (isQuiet || phase.isEmpty() || !streams.errorsAreTerminal)
         return;
-    const QString line = clockText(now) + QLatin1StringView("  ") + phase->text;
-    if (streams.errorsAreTerminal) {
-        if (line != lineShown)
-            write(line);
-    } else if (phase != shown) {
-        streams.remark(line);
-    }
-    shown = phase;
+    const QString line = lineOf(phase, now);
+    if (line != lineShown)
+        write(line);
 }
 
 void UpdateProgress::clear()
@@ -54,17 +55,7 @@ void UpdateProgress::clear()
 void UpdateProgress::end()
 {
     clear();
-    phases = {};
-}
-
-const UpdatePhase *UpdateProgress::phaseAt(milliseconds now) const
-{
-    const UpdatePhase *found = nullptr;
-    for (const UpdatePhase &phase : phases) {
-        if (phase.begins <= now - stepBegan)
-            found = &phase;
-    }
-    return found;
+    phase.clear();
 }
 
 // Erases with blanks and not with an escape sequence, which older Windows consoles would print.
@@ -78,4 +69,4 @@ void UpdateProgress::write(const QString &text)
     lineShown = text;
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

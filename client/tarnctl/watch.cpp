@@ -1,38 +1,26 @@
 #include "watch.h"
 
-#include "help_text.h"
+#include "answer_text.h"
+#include "client/reply_deadline.h"
 #include "interrupt_poll.h"
-#include "request.h"
+#include "typed_line.h"
+#include "watch_text.h"
 
 #include <QDateTime>
 
-namespace tarnClient {
+namespace tarnctl {
 
 namespace {
 
-using std::chrono::milliseconds;
+using tarn::Client;
+using tarn::Outcome;
 
-constexpr milliseconds retryPeriod(1000);
-// When the service notices a disconnection, it sends nothing to any client until the next connection. So it
-// must notice the end of the old connection before the new one comes, also on a busy computer; else it would
-// send nothing on the new one.
-constexpr milliseconds leavePause(800);
+// In which a command is written, unless a question of the client's own is before it.
+constexpr std::chrono::milliseconds writingTime(500);
 
 constexpr QLatin1StringView eventKind("event");
 constexpr QLatin1StringView answerKind("answer");
 constexpr QLatin1StringView lateAnswerKind("late-answer");
-
-constexpr QLatin1StringView helpWord("help");
-constexpr QLatin1StringView reconnectWord("reconnect");
-constexpr QLatin1StringView quitWord("quit");
-constexpr QLatin1StringView exitWord("exit");
-
-// The words that the tool itself carries out, and the empty line; all others are sent as commands.
-bool isOwnWord(const QString &word)
-{
-    return word.isEmpty() || word == helpWord || word == reconnectWord || word == quitWord
-        || word == exitWord;
-}
 
 QString timeStamp()
 {
@@ -41,14 +29,23 @@ QString timeStamp()
 
 } // namespace
 
-Watch::Watch(const ToolOptions &toolOptions, ToolStreams &toolStreams)
-    : Session(toolOptions, toolStreams)
+Watch::Watch(const ToolOptions &toolOptions, ToolStreams &toolStreams, const tarn::ClientTimes &times)
+    : ClientTask(toolOptions, toolStreams, times)
+    , silence(times.lossMemory)
+    , writingTimer(this)
 {
-    connect(&client, &PipeClient::documentReceived, this, &Watch::handleDocument);
-    connect(&client, &PipeClient::serviceGone, this, &Watch::handleServiceGone);
-    connect(&deadline, &ReplyDeadline::expired, this, &Watch::handleExpiry);
+    // To be the service's client at any price is for those who ask for it: the answer for which an update by
+    // another tarnctl waits would come here.
+    client.setLooksForSilence(options.reconnect);
+    connect(&client, &Client::stateChanged, this, &Watch::handleState);
+    connect(&client, &Client::connectingFailed, this, &Watch::handleConnectingFailed);
+    connect(&client, &Client::notificationReceived, this, &Watch::showNotification);
+    connect(&client, &Client::otherMessageReceived, this, &Watch::showLateAnswer);
+    connect(&sending, &QFutureWatcherBase::progressValueChanged, this, &Watch::handleNextLines);
+    writingTimer.setSingleShot(true);
+    connect(&writingTimer, &QTimer::timeout, this, &Watch::handleNextLines);
     if (options.verbose)
-        connect(&client, &PipeClient::garbageReceived, this, &Watch::remarkGarbage);
+        connect(&client, &Client::garbageReceived, this, &Watch::remarkGarbage);
 }
 
 ExitCode Watch::run()
@@ -57,101 +54,96 @@ ExitCode Watch::run()
     connect(&interrupt, &InterruptPoll::raised, this, [this] { finish(ExitCode::Done); });
     if (options.duration)
         QTimer::singleShot(*options.duration, this, &Watch::handleDurationEnd);
-    tryConnect();
-    if (!isFinished()) {
-        announceStart();
-        reader = std::make_unique<StdinReader>(streams.input);
-        connect(reader.get(), &StdinReader::changed, this, &Watch::handleNextLines);
-        handleNextLines();
-    }
+    client.open();
     return waitForFinish();
 }
 
-void Watch::announceStart()
-{
-    if (streams.interactive && client.isOpen()) {
-        streams.remark(
-            QStringLiteral("Watching the pipe \"%1\". Type a command, help or quit.").arg(options.pipeName));
-    }
-}
-
-void Watch::tryConnect()
+void Watch::handleState(Client::State state)
 {
     if (isFinished())
         return;
-    if (client.open()) {
-        handleNextLines();
-        return;
+    if (state == Client::State::Connected) {
+        silence.noteConnection();
+        beginReading();
+    } else if (client.problem() == Client::Problem::ServiceGone) {
+        handleServiceGone();
+    } else if (client.problem() == Client::Problem::Silence) {
+        if (const std::optional<QString> text = silence.takeText(state == Client::State::TakenOver))
+            streams.complain(*text);
     }
-    if (!options.reconnect || !client.canEverOpen()) {
-        streams.complain(client.openFailureText());
-        finish(ExitCode::NoService);
-        return;
-    }
-    retryLater(retryPeriod);
-}
-
-void Watch::retryLater(milliseconds pause)
-{
-    QTimer::singleShot(pause, this, &Watch::tryConnect);
 }
 
 void Watch::handleServiceGone()
 {
-    if (isFinished())
-        return;
-    const QString unanswered =
-        pendingTag.isEmpty() ? QString() : QStringLiteral(" before it answered ") + pending.name;
-    pendingTag.clear();
-    deadline.stop();
-    if (options.reconnect) {
-        streams.complain(
-            QStringLiteral("The service went away%1; waiting for it to come back.").arg(unanswered));
-        retryLater(leavePause);
+    silence.forget();
+    if (!options.reconnect) {
+        streams.complain(lastGoneText(pending, isWritten()));
+        finish(ExitCode::NoService);
         return;
     }
-    streams.complain(QStringLiteral("The service went away%1.\nStart it again (./run, or the service \"Tarn "
-                                    "Service\" on Windows); --reconnect waits for it.")
-                         .arg(unanswered));
-    finish(ExitCode::NoService);
+    // With a command that waits for its answer, handleReply() tells it.
+    if (!pending || !isWritten())
+        streams.complain(QStringLiteral("The service went away; waiting for it to come back."));
 }
 
-void Watch::handleDocument(const QByteArray &bytes)
+void Watch::handleConnectingFailed(Client::Problem problem)
+{
+    if (problem == Client::Problem::NoService)
+        silence.forget();
+    if (!options.reconnect || problem == Client::Problem::NameTooLong)
+        finishWithoutService();
+    else
+        beginReading();
+}
+
+void Watch::showNotification(const tarn::Notification &notification)
 {
     if (isFinished())
         return;
-    const std::optional<Message> message = Message::parse(bytes);
-    if (!message) {
-        if (options.verbose)
-            remarkGarbage(bytes);
-        return;
-    }
-    if (message->answers(pendingTag)) {
-        showAnswer(*message);
-        return;
-    }
-    deadline.extend();
-    if (message->hasTag()) {
-        show(lateAnswerKind, message->lineText(findCommand(message->command())), message->json());
-        return;
-    }
-    showNotification(*message);
-}
-
-void Watch::showNotification(const Message &message)
-{
-    show(eventKind, message.notificationText(), message.json());
+    show(eventKind, notificationLine(notification), compactJson(notification));
     ++notifications;
     if (options.count && notifications >= *options.count)
         endWatching();
 }
 
-void Watch::showAnswer(const Message &message)
+void Watch::showLateAnswer(const QJsonObject &answer)
 {
-    pendingTag.clear();
-    deadline.stop();
-    show(answerKind, message.lineText(findCommand(pending.name)), message.json());
+    if (!isFinished())
+        show(lateAnswerKind, lateAnswerLine(answer), compactJson(answer));
+}
+
+void Watch::handleReply(const tarn::Reply &reply)
+{
+    if (!pending || isFinished())
+        return;
+    if (mustSendAgain(reply)) {
+        isHeld = true;
+        handleNextLines();
+        return;
+    }
+    const TypedCommand command = *std::exchange(pending, std::nullopt);
+    switch (reply.outcome()) {
+    case Outcome::Answered:
+    case Outcome::Failed:
+        show(answerKind, answerLine(reply.command(), reply.answer()), compactJson(reply.answer()));
+        break;
+    case Outcome::Sent:
+        if (!options.json)
+            show(answerKind, reply.command() + u' ' + sentText, {});
+        break;
+    case Outcome::NoAnswer:
+    case Outcome::ServiceGone:
+    case Outcome::Refused:
+        streams.complain(complaintText(reply, command, client.state() == Client::State::Connected));
+        break;
+    }
     handleNextLines();
+}
+
+// Nobody is there to type a script's command once more.
+bool Watch::mustSendAgain(const tarn::Reply &reply) const
+{
+    return !streams.interactive && reply.outcome() == Outcome::ServiceGone && !reply.wasSent();
 }
 
 void Watch::show(QLatin1StringView kind, const QString &text, const QByteArray &json)
@@ -162,18 +154,36 @@ void Watch::show(QLatin1StringView kind, const QString &text, const QByteArray &
         print(timeStamp() + u' ' + kind + u' ' + text);
 }
 
+void Watch::beginReading()
+{
+    const bool isConnected = client.state() == Client::State::Connected;
+    if (isConnected && streams.interactive && !std::exchange(isGreeted, true)) {
+        streams.remark(
+            QStringLiteral("Watching the pipe \"%1\". Type a command, help or quit.").arg(options.pipeName));
+    }
+    if (!reader) {
+        reader = std::make_unique<StdinReader>(streams.input);
+        connect(reader.get(), &StdinReader::changed, this, &Watch::handleNextLines);
+    }
+    handleNextLines();
+}
+
 void Watch::handleNextLines()
 {
-    while (reader && client.isOpen() && !pausing && !isFinished()) {
-        const bool isWaiting = !pendingTag.isEmpty();
-        const std::optional<QString> line = isWaiting ? takeUrgentLine() : reader->takeLine();
+    const bool isConnected = client.state() == Client::State::Connected;
+    if (isConnected && std::exchange(isHeld, false))
+        sendPending();
+    while (reader && !isFinished()) {
+        // A script's commands wait for the connection; a user is told when there is none.
+        const bool isHeard = streams.interactive || client.state() == Client::State::Connected;
+        const std::optional<QString> line = isHeard && !pending ? reader->takeLine() : takeUrgentLine();
         if (line) {
             handleLine(*line);
             continue;
         }
         // A user who ends the input at a terminal wants to quit; a script without further commands may want
         // to go on watching.
-        if (!isWaiting && streams.interactive && reader->isExhausted())
+        if (!pending && streams.interactive && reader->isExhausted())
             finish(ExitCode::Done);
         return;
     }
@@ -186,107 +196,90 @@ std::optional<QString> Watch::takeUrgentLine()
     const std::optional<QString> line = streams.interactive ? reader->nextLine() : std::nullopt;
     if (!line)
         return std::nullopt;
-    const QString word = parseTypedLine(*line).name;
-    return word == helpWord || word == reconnectWord ? reader->takeLine() : std::nullopt;
+    const TypedAction action = typedAction(parseTypedLine(*line));
+    const bool isUrgent = action == TypedAction::Help || (action == TypedAction::Reconnect && mayReconnect());
+    return isUrgent ? reader->takeLine() : std::nullopt;
+}
+
+// A command that is just being sent shall reach the service first, and so shall one to which no answer tells
+// that it did.
+bool Watch::mayReconnect() const
+{
+    if (!pending || client.state() != Client::State::Connected)
+        return true;
+    return isWritten() ? !isNeverAnswered(*pending) : !writingTimer.isActive();
+}
+
+bool Watch::isWritten() const
+{
+    return sending.progressValue() > 0;
 }
 
 void Watch::handleLine(const QString &line)
 {
     const TypedCommand command = parseTypedLine(line);
-    if (command.name.isEmpty())
+    switch (typedAction(command)) {
+    case TypedAction::Nothing:
         return;
-    if (command.name == quitWord || command.name == exitWord)
-        finish(ExitCode::Done);
-    else if (command.name == helpWord)
-        showHelp(command);
-    else if (command.name == reconnectWord)
+    case TypedAction::Help:
+        streams.remark(typedHelp(command));
+        return;
+    case TypedAction::Reconnect:
         connectAnew();
-    else
+        return;
+    case TypedAction::Quit:
+        finish(ExitCode::Done);
+        return;
+    case TypedAction::Send:
         sendCommand(command);
-}
-
-void Watch::showHelp(const TypedCommand &command)
-{
-    if (!command.data) {
-        streams.remark(typingHelp());
         return;
     }
-    const std::optional<QString> text = topicHelp(*command.data);
-    streams.remark(text.value_or(unknownCommandText(*command.data)));
 }
 
 void Watch::sendCommand(const TypedCommand &command)
 {
-    std::optional<QString> objection = options.force ? std::nullopt : commandObjection(command);
-    if (objection && findCommand(command.name) == nullptr && topicHelp(command.name)) {
-        objection =
-            QStringLiteral("\"%1\" cannot be typed here; run \"tarnctl %1\" by itself.").arg(command.name);
-    }
+    const std::optional<QString> objection = options.force ? std::nullopt : typedObjection(command);
     if (objection) {
         streams.complain(*objection);
         return;
     }
-    const Request request = buildRequest(command);
-    if (!client.send(request.bytes)) {
-        // The lost connection is reported by serviceGone().
-        return;
-    }
-    if (!getsNoAnswer(command)) {
-        pending = command;
-        pendingTag = request.tag;
-        deadline.start(timeoutFor(findCommand(command.name)));
-        return;
-    }
-    pausing = true;
-    QTimer::singleShot(unansweredPause, this, [this, name = command.name] {
-        pausing = false;
-        if (!options.json)
-            show(answerKind, name + u' ' + sentText, {});
-        handleNextLines();
-    });
+    pending = command;
+    sendPending();
+}
+
+void Watch::sendPending()
+{
+    writingTimer.start(writingTime);
+    QFuture<tarn::Reply> future = send(*pending);
+    sending.setFuture(future);
+    future.then(this, [this](const tarn::Reply &reply) { handleReply(reply); });
 }
 
 void Watch::connectAnew()
 {
+    const bool isConnected = client.state() == Client::State::Connected;
+    streams.remark(reconnectText(pending, isWritten(), isConnected));
+    const bool isKept = isConnected && !isWritten();
+    const std::optional<TypedCommand> kept = isKept ? pending : std::nullopt;
+    pending.reset();
+    silence.forget();
     client.close();
-    streams.remark(pendingTag.isEmpty()
-            ? QStringLiteral("Connecting again.")
-            : QStringLiteral("Connecting again; if %1 is still answered, it shows as a late answer.")
-                  .arg(pending.name));
-    pendingTag.clear();
-    deadline.stop();
-    retryLater(leavePause);
-}
-
-void Watch::handleExpiry()
-{
-    streams.complain(noAnswerText(pending.name, deadline.timeout())
-        + QStringLiteral("\nIf another client has come and gone, type reconnect."));
-    pendingTag.clear();
-    handleNextLines();
+    client.open();
+    pending = kept;
+    if (pending)
+        sendPending();
 }
 
 // Reports commands without an answer and commands not sent, so that a script does not take them for done.
 void Watch::endWatching()
 {
-    QStringList left;
-    if (!pendingTag.isEmpty())
-        left << QStringLiteral("No answer to %1 has come yet.").arg(pending.name);
-    int unsent = 0;
-    QString first;
-    while (const std::optional<QString> line = reader ? reader->takeLine() : std::nullopt) {
-        const TypedCommand command = parseTypedLine(*line);
-        if (!isOwnWord(command.name) && unsent++ == 0)
-            first = line->trimmed();
-    }
-    if (unsent > 0) {
-        left << (unsent == 1
-                ? QStringLiteral("Not sent any more: %1").arg(first)
-                : QStringLiteral("Not sent any more: %1, and %2 after it.").arg(first).arg(unsent - 1));
-    }
-    if (!left.isEmpty())
-        streams.complain(QStringLiteral("The watching ends.\n") + left.join(u'\n'));
-    finish(left.isEmpty() ? ExitCode::Done : ExitCode::NoAnswer);
+    QStringList lines;
+    while (const std::optional<QString> line = reader ? reader->takeLine() : std::nullopt)
+        lines << *line;
+    const std::optional<QString> left = unfinishedText(pending, isWritten(), lines);
+    if (left)
+        streams.complain(QStringLiteral("The watching ends.\n") + *left);
+    finish(left ? ExitCode::NoAnswer : ExitCode::Done);
 }
 
 void Watch::handleDurationEnd()
@@ -298,8 +291,8 @@ void Watch::handleDurationEnd()
     streams.complain(QStringLiteral("%1 of %2 notifications came within %3.")
                          .arg(notifications)
                          .arg(*options.count)
-                         .arg(durationText(*options.duration)));
+                         .arg(tarn::durationText(*options.duration)));
     finish(ExitCode::NoAnswer);
 }
 
-} // namespace tarnClient
+} // namespace tarnctl

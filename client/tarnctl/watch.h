@@ -1,51 +1,63 @@
 #pragma once
 
-#include "session.h"
+#include "client_task.h"
+#include "silence_report.h"
 #include "stdin_reader.h"
+
+#include <QFutureWatcher>
+#include <QTimer>
 
 #include <memory>
 
-namespace tarnClient {
+namespace tarnctl {
 
 // Shows notifications as they come and sends the commands that are typed meanwhile, one at a time. The
 // service serves one client, so notifications and commands share a connection.
-class Watch : public Session
+class Watch : public ClientTask
 {
     Q_OBJECT
 
 public:
-    Watch(const ToolOptions &options, ToolStreams &streams);
+    Watch(const ToolOptions &options, ToolStreams &streams,
+        const tarn::ClientTimes &times = tarn::ClientTimes());
 
     [[nodiscard]] ExitCode run();
 
 private:
-    void announceStart();
-    void tryConnect();
-    void retryLater(std::chrono::milliseconds pause);
+    void handleState(tarn::Client::State state);
     void handleServiceGone();
+    void handleConnectingFailed(tarn::Client::Problem problem);
 
-    void handleDocument(const QByteArray &bytes);
-    void showNotification(const Message &message);
-    void showAnswer(const Message &message);
+    void showNotification(const tarn::Notification &notification);
+    void showLateAnswer(const QJsonObject &answer);
+    void handleReply(const tarn::Reply &reply);
+    [[nodiscard]] bool mustSendAgain(const tarn::Reply &reply) const;
     void show(QLatin1StringView kind, const QString &text, const QByteArray &json);
 
+    void beginReading();
     void handleNextLines();
     [[nodiscard]] std::optional<QString> takeUrgentLine();
+    [[nodiscard]] bool mayReconnect() const;
+    [[nodiscard]] bool isWritten() const;
     void handleLine(const QString &line);
-    void showHelp(const TypedCommand &command);
     void sendCommand(const TypedCommand &command);
+    void sendPending();
     void connectAnew();
-    void handleExpiry();
     void handleDurationEnd();
     void endWatching();
 
+    SilenceReport silence;
+    // Null until the first attempt to connect has ended.
     std::unique_ptr<StdinReader> reader;
-    // The command that waits for its answer; an empty tag: none.
-    TypedCommand pending;
-    QString pendingTag;
-    // A request that gets no answer has just been sent; the next must wait for `unansweredPause`.
-    bool pausing = false;
+    // The command that waits for its answer.
+    std::optional<TypedCommand> pending;
+    QFutureWatcher<tarn::Reply> sending;
+    // Since it was typed.
+    QTimer writingTimer;
+    // It has found no connection and is sent on the next one.
+    bool isHeld = false;
+    bool isGreeted = false;
     int notifications = 0;
 };
 
-} // namespace tarnClient
+} // namespace tarnctl

@@ -19,8 +19,8 @@
 
 using namespace tarnBench;
 using namespace tarnDeviceInfos;
-using tarnClient::CommandEntry;
-using tarnClient::DataKind;
+using tarn::CommandEntry;
+using tarn::DataKind;
 
 namespace {
 
@@ -70,7 +70,7 @@ std::vector<Group> everyCommand(tarnCampaign::CampaignMachine &machine, bool isQ
 {
     std::vector<Group> groups;
     std::vector<Group> last;
-    for (const CommandEntry &entry : tarnClient::commandCatalogue()) {
+    for (const CommandEntry &entry : tarn::commandCatalogue()) {
         const tarnTest::EcHold hold = tarnTest::sampleOf(entry.name).hold;
         std::vector<Command> commands = commandsOf(entry, machine);
         if (hold == tarnTest::EcHold::ForGood)

@@ -39,9 +39,8 @@ constexpr milliseconds absence = 2h;
 std::vector<QByteArray> everyQuery()
 {
     std::vector<QByteArray> queries;
-    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
-        const bool changesNothing = command.data.kind == tarnClient::DataKind::None
-            && !command.answerKeys.isEmpty()
+    for (const tarn::CommandEntry &command : tarn::commandCatalogue()) {
+        const bool changesNothing = command.data.kind == tarn::DataKind::None && !command.answerKeys.isEmpty()
             && tarnTest::sampleOf(command.name).hold == tarnTest::EcHold::None;
         if (changesNothing)
             queries.push_back(tarnTest::requestOf(command, {}));

@@ -16,8 +16,8 @@
 
 using namespace tarnBench;
 using namespace tarnDeviceInfos;
-using tarnClient::CommandEntry;
-using tarnClient::DataKind;
+using tarn::CommandEntry;
+using tarn::DataKind;
 using tarnTest::ServiceProcess;
 
 namespace {
@@ -173,7 +173,7 @@ void measureCommands(ServiceProcess &place, double budgetMs)
     printHeading("Commands: time beside their waits");
     Table table({"command", "data", "waits ms", "median ms", "more %", "busy ms", "busy %", "runs"});
     Figures busyPercents;
-    for (const CommandEntry &command : tarnClient::commandCatalogue()) {
+    for (const CommandEntry &command : tarn::commandCatalogue()) {
         if (!isMeasured(command))
             continue;
         place.attach(tarnTest::accessoryFor(command).value_or(ACCESSORY_DOCK));

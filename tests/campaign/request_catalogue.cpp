@@ -20,7 +20,7 @@ struct RequestRow
 std::vector<RequestRow> knownCommands()
 {
     std::vector<RequestRow> rows;
-    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+    for (const tarn::CommandEntry &command : tarn::commandCatalogue()) {
         const EcHold hold = tarnTest::sampleOf(command.name).hold;
         QStringList data = tarnTest::badData(command);
         if (hold != EcHold::ForGood)

@@ -42,7 +42,7 @@ TEST(ConformanceDialogues, AskForEveryCommand)
         }
     }
     QSet<QString> commands;
-    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue())
+    for (const tarn::CommandEntry &command : tarn::commandCatalogue())
         commands += QString(command.name);
     EXPECT_EQ(answered, commands);
 }

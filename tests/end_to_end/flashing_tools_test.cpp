@@ -152,12 +152,7 @@ protected:
     FlashingTool()
         : terminal(std::make_unique<tarnTest::Terminal>(service.process))
     { }
-    void TearDown() override
-    {
-        letFinish(tool);
-        if (HasFailure())
-            std::cerr << "the service said last:\n" << service.log().right(3000).toStdString() << '\n';
-    }
+    void TearDown() override { letFinish(tool); }
 
     const Tool &tool = std::get<Tool>(GetParam());
     const End &end = std::get<End>(GetParam());

@@ -5,8 +5,6 @@
 
 #include <QElapsedTimer>
 
-#include <iostream>
-
 namespace tarnTest {
 namespace {
 
@@ -38,8 +36,6 @@ void InstalledService::TearDown()
 {
     remove();
     EXPECT_FALSE(isInstalled());
-    if (HasFailure())
-        std::cerr << "the program said last:\n" << program.log().right(3000).toStdString() << '\n';
 }
 
 int InstalledService::command(const QStringList &arguments)

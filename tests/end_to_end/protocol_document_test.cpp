@@ -1,8 +1,12 @@
 #include "accessory/power_profiles.h"
+#include "client/command_catalogue.h"
+#include "client/notification_table.h"
+#include "client/reply_deadline.h"
 #include "device/monitor/accessory_table.h"
 #include "end_to_end/dialogue_script.h"
 
 #include <QFile>
+#include <QHash>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -62,6 +66,20 @@ QString lineOfLimits(const QString &title, PowerLimits PowerProfile::*limits)
     });
 }
 
+// The commands of the table of time limits that have a row of their own, with the limit.
+QHash<QString, QString> limitsOfCommands(const QString &page)
+{
+    const QRegularExpression row(
+        "^\\| ([0-9]+ (?:s|min)) \\| (.*) \\|$", QRegularExpression::MultilineOption);
+    const QRegularExpression command("`([A-Za-z]+)`");
+    QHash<QString, QString> limits;
+    for (const auto &found : row.globalMatch(page.section("\n## Asking\n", 1).section("\n## ", 0, 0))) {
+        for (const auto &name : command.globalMatch(found.captured(2)))
+            limits.insert(name.captured(1), found.captured(1));
+    }
+    return limits;
+}
+
 } // namespace
 
 TEST(ProtocolDocument, HasEachAccessory)
@@ -89,6 +107,35 @@ TEST(ProtocolDocument, HasEachProfileWithItsLimits)
     };
     for (const QString &line : lines)
         EXPECT_TRUE(page.contains(line)) << qPrintable(line);
+}
+
+TEST(ProtocolDocument, HasTheTimeLimitOfEachCommand)
+{
+    const QString page = readPage();
+    const QString others = QStringLiteral("30 s");
+    EXPECT_TRUE(page.contains("\n| " + others + " | all others |\n"));
+    QHash<QString, QString> limits = limitsOfCommands(page);
+    for (const tarn::CommandEntry &entry : tarn::commandCatalogue()) {
+        const QString limit = limits.contains(entry.name) ? limits.take(entry.name) : others;
+        EXPECT_EQ(limit.toStdString(), tarn::durationText(entry.timeout).toStdString()) << entry.name.data();
+    }
+    EXPECT_TRUE(limits.isEmpty()) << "no commands: " << limits.keys().join(' ').toStdString();
+}
+
+TEST(ProtocolDocument, HasEachNotification)
+{
+    const QString section = readPage().section("\n## Notifications\n", 1).section("\n## ", 0, 0);
+    static const QRegularExpression cell("^\\| (`.*?) \\|", QRegularExpression::MultilineOption);
+    QStringList listed;
+    for (auto row = cell.globalMatch(section); row.hasNext();)
+        listed << row.next().captured(1).remove('`').split(", ");
+    listed.removeAll("cmd"); // the head of the table
+    QStringList known;
+    for (const QLatin1StringView name : tarn::notificationNames())
+        known << name;
+    listed.sort();
+    known.sort();
+    EXPECT_EQ(listed, known);
 }
 
 // The page is followed from top to bottom as one conversation.

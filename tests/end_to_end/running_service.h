@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <iostream>
-
 namespace tarnTest {
 
 // A service with one client, which ends well.
@@ -18,12 +16,7 @@ protected:
         ASSERT_TRUE(service.start()) << service.log().toStdString();
         ASSERT_TRUE(client.connectToService());
     }
-    void TearDown() override
-    {
-        EXPECT_EQ(service.stop(), 0);
-        if (HasFailure())
-            std::cerr << "the service said last:\n" << service.log().right(6000).toStdString() << '\n';
-    }
+    void TearDown() override { EXPECT_EQ(service.stop(), 0); }
 
     ServiceProcess service;
     ServiceClient client;

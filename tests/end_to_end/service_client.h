@@ -37,7 +37,7 @@ private:
     void noteMessage(const QByteArray &document) const;
 
     PipePeer peer;
-    tarnClient::JsonSplitter splitter;
+    tarn::JsonSplitter splitter;
     qsizetype taken = 0;
     QByteArrayList arrived;
     QByteArray unmarked; // requests that were written as they were

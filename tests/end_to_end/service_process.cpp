@@ -3,6 +3,7 @@
 #include "end_to_end/test_system.h"
 #include "simulator/accessory_catalog.h"
 #include "simulator/fault_table.h"
+#include "support/child_process.h"
 #include "support/pipe_peer.h"
 #include "support/seen_texts.h"
 #include "support/whole_exchanges.h"
@@ -13,6 +14,8 @@
 #include <QFile>
 
 #include <gtest/gtest.h>
+
+#include <iostream>
 
 namespace tarnTest {
 namespace {
@@ -120,9 +123,14 @@ ServiceProcess::ServiceProcess()
 
 ServiceProcess::~ServiceProcess()
 {
+    const bool stillRan = process.state() != QProcess::NotRunning;
     kill();
     noteSeenLines("said", log());
     EXPECT_EQ(brokenExchanges(state(), kills), QString());
+    if (testing::Test::HasFailure()) {
+        std::cerr << "the service " << (stillRan ? "still ran" : "had ended") << "; it said last:\n"
+                  << log().right(6000).toStdString() << '\n';
+    }
 }
 
 bool ServiceProcess::start(const QStringList &arguments)
@@ -153,7 +161,7 @@ void ServiceProcess::kill()
     if (process.state() == QProcess::NotRunning)
         return;
     process.kill();
-    process.waitForFinished(endTimeoutMs);
+    tarnTest::waitForEnd(process, endTimeoutMs);
 }
 
 bool ServiceProcess::waitForLog(const QString &text, int times, int boundMs)
@@ -163,7 +171,7 @@ bool ServiceProcess::waitForLog(const QString &text, int times, int boundMs)
 
 bool ServiceProcess::waitForEnd(int boundMs)
 {
-    return waitUntil([this] { return process.state() == QProcess::NotRunning; }, boundMs);
+    return tarnTest::waitForEnd(process, boundMs);
 }
 
 QString ServiceProcess::log()

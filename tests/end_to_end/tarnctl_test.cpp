@@ -1,10 +1,12 @@
 #include "end_to_end/service_process.h"
 
 #include "device/ec_registers.h"
+#include "support/child_process.h"
 
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
@@ -20,25 +22,40 @@ struct Outcome
     QString err;
 };
 
-void startTarnctl(QProcess &process, const QStringList &arguments)
+QString contentOf(const QString &path)
 {
-    process.start(tarnTest::builtProgram(QStringLiteral("tarnctl")), arguments);
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).remove(QLatin1Char('\r'))
+                                          : QString();
 }
 
-Outcome outcomeOf(QProcess &process)
+// It writes into files and not into pipes, because under Wine the last words of a program that ends may not
+// come out of its pipe.
+class RunningTarnctl
 {
-    process.waitForFinished(60000);
-    const auto text = [](const QByteArray &bytes) {
-        return QString::fromUtf8(bytes).remove(QLatin1Char('\r'));
-    };
-    return {process.exitCode(), text(process.readAllStandardOutput()), text(process.readAllStandardError())};
-}
+public:
+    explicit RunningTarnctl(const QStringList &arguments)
+    {
+        process.setStandardOutputFile(folder.filePath("out"));
+        process.setStandardErrorFile(folder.filePath("err"));
+        process.start(tarnTest::builtProgram(QStringLiteral("tarnctl")), arguments);
+    }
+
+    [[nodiscard]] Outcome outcome()
+    {
+        if (!tarnTest::waitForEnd(process, 60000))
+            return {};
+        return {process.exitCode(), contentOf(folder.filePath("out")), contentOf(folder.filePath("err"))};
+    }
+
+private:
+    QTemporaryDir folder;
+    QProcess process;
+};
 
 Outcome tarnctl(const QStringList &arguments)
 {
-    QProcess process;
-    startTarnctl(process, arguments);
-    return outcomeOf(process);
+    return RunningTarnctl(arguments).outcome();
 }
 
 // A service whose download folder is also that of tarnctl, and a firmware file.
@@ -109,11 +126,10 @@ TEST_F(TarnctlUpdate, OfAnMcuThatFailedLateIsNotToldUntouched)
 {
     const QString flasher = service.path("function/MCU/stm32flash.exe");
     ASSERT_TRUE(QFile::rename(flasher, flasher + ".away"));
-    QProcess process;
-    startTarnctl(process, update("update-mcu"));
+    RunningTarnctl running(update("update-mcu"));
     ASSERT_TRUE(service.waitForLog("\"getAccessoryType\""));
     service.attach(ACCESSORY_KVANE);
-    const Outcome outcome = outcomeOf(process);
+    const Outcome outcome = running.outcome();
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_TRUE(service.log().contains("mcuUpdateProcess failed 3 times."));
     EXPECT_TRUE(outcome.err.contains("The MCU's firmware may be incomplete now."))

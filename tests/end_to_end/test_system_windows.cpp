@@ -1,5 +1,7 @@
 #include "end_to_end/test_system.h"
 
+#include "support/child_process.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -19,9 +21,10 @@ bool interruptUnderWine(const QProcess &process)
         return false;
     // On the host the process has its Windows command line; the folder of the test is unique in it.
     const QString testFolder = QFileInfo(process.program()).dir().dirName();
-    return QProcess::execute(hostShell,
-               {QStringLiteral("-c"), QStringLiteral("pkill -INT -f '%1.TarnService'").arg(testFolder)})
-        == 0;
+    QProcess shell;
+    shell.start(
+        hostShell, {QStringLiteral("-c"), QStringLiteral("pkill -INT -f '%1.TarnService'").arg(testFolder)});
+    return waitForEnd(shell, 10000) && shell.exitStatus() == QProcess::NormalExit && shell.exitCode() == 0;
 }
 
 } // namespace

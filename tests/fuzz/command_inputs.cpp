@@ -35,7 +35,7 @@ int main(int argc, char **argv)
     const QString seeds = folder + QStringLiteral("/request");
     QDir().mkpath(seeds);
     QStringList words;
-    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+    for (const tarn::CommandEntry &command : tarn::commandCatalogue()) {
         words << command.name;
         for (const QLatin1StringView key : command.answerKeys)
             words << key;

@@ -162,9 +162,9 @@ constexpr int mostAccesses = 40; // of a command
 std::vector<QByteArray> requestsToTheEc()
 {
     std::vector<QByteArray> requests;
-    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+    for (const tarn::CommandEntry &command : tarn::commandCatalogue()) {
         const bool isUpdate = tarnTest::sampleOf(command.name).hold != tarnTest::EcHold::None
-            || command.data.kind == tarnClient::DataKind::McuFileName;
+            || command.data.kind == tarn::DataKind::McuFileName;
         if (!command.needsEc || isUpdate)
             continue;
         for (const QString &data : tarnTest::kindsOfData(command))

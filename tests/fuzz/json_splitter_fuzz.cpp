@@ -5,7 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-using tarnClient::JsonSplitter;
+using tarn::JsonSplitter;
 using tarnFuzz::require;
 
 namespace {

@@ -25,7 +25,7 @@ bool isAnswerKey(const QString &key)
 {
     static const QSet<QString> keys = [] {
         QSet<QString> all;
-        for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+        for (const tarn::CommandEntry &command : tarn::commandCatalogue()) {
             for (const QLatin1StringView key : command.answerKeys)
                 all += key;
         }

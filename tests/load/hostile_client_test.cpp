@@ -45,7 +45,7 @@ public:
     QLocalSocket socket;
 
 private:
-    tarnClient::JsonSplitter splitter;
+    tarn::JsonSplitter splitter;
     QByteArrayList documents;
 };
 

@@ -34,7 +34,7 @@ constexpr int restTimeoutMs = 150000; // 20,000 requests that have waited are an
 std::vector<QByteArray> requestsOfAllKinds()
 {
     std::vector<QByteArray> requests;
-    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue()) {
+    for (const tarn::CommandEntry &command : tarn::commandCatalogue()) {
         const bool takesEc = tarnTest::sampleOf(command.name).hold == tarnTest::EcHold::ForGood;
         for (const QString &data : takesEc ? tarnTest::badData(command) : tarnTest::kindsOfData(command))
             requests.push_back(tarnTest::requestOf(command, data));

@@ -10,8 +10,6 @@
 #include <QJsonDocument>
 #include <QRegularExpression>
 
-#include <iostream>
-
 namespace tarnLoad {
 
 using tarnTest::waitUntil;
@@ -41,8 +39,6 @@ void LoadedService::SetUp()
 void LoadedService::TearDown()
 {
     EXPECT_EQ(service.stop(), 0);
-    if (HasFailure())
-        std::cerr << "the service said last:\n" << service.log().right(3000).toStdString() << '\n';
 }
 
 int LoadedService::msUntilObeyed(tarnTest::ServiceClient &client)

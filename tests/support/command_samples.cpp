@@ -13,8 +13,8 @@ namespace tarnTest {
 
 using namespace tarnAccessoryManager;
 using namespace tarnDeviceInfos;
-using tarnClient::CommandEntry;
-using tarnClient::DataKind;
+using tarn::CommandEntry;
+using tarn::DataKind;
 
 namespace {
 

@@ -53,14 +53,14 @@ struct CommandSample
 [[nodiscard]] const CommandSample &sampleOf(const QString &command);
 
 // Data that the command takes; a null string stands for a request without data.
-[[nodiscard]] QStringList goodData(const tarnClient::CommandEntry &command);
+[[nodiscard]] QStringList goodData(const tarn::CommandEntry &command);
 // Data with which nothing is done. Commands that have an outcome answer "failed".
-[[nodiscard]] QStringList badData(const tarnClient::CommandEntry &command);
-[[nodiscard]] QStringList kindsOfData(const tarnClient::CommandEntry &command);
+[[nodiscard]] QStringList badData(const tarn::CommandEntry &command);
+[[nodiscard]] QStringList kindsOfData(const tarn::CommandEntry &command);
 
 // The accessory that has to be attached; nothing when the command does without.
-[[nodiscard]] std::optional<std::uint8_t> accessoryFor(const tarnClient::CommandEntry &command);
+[[nodiscard]] std::optional<std::uint8_t> accessoryFor(const tarn::CommandEntry &command);
 
-[[nodiscard]] QByteArray requestOf(const tarnClient::CommandEntry &command, const QString &data);
+[[nodiscard]] QByteArray requestOf(const tarn::CommandEntry &command, const QString &data);
 
 } // namespace tarnTest

@@ -9,7 +9,7 @@
 
 namespace tarnTest {
 
-using tarnClient::CommandEntry;
+using tarn::CommandEntry;
 
 namespace {
 
@@ -78,7 +78,7 @@ std::vector<AnswerValues> answersOf(const CommandEntry &command, const QString &
 QString faultOf(const QJsonObject &request, const QString &reply, Ec ec)
 {
     const QString data = request.value("data").toString();
-    const CommandEntry *command = tarnClient::findCommand(request.value("cmd").toString());
+    const CommandEntry *command = tarn::findCommand(request.value("cmd").toString());
     const bool isSilent = command && !command->unansweredData.isEmpty() && data == command->unansweredData;
     if (!command || isSilent)
         return reply.isEmpty() ? QString() : QStringLiteral("an answer where none is due");

@@ -4,11 +4,11 @@
 
 #include <optional>
 
-namespace tarnClient {
+namespace tarn {
 
 enum class FirmwareKind { Mcu, Ec };
 
 // Why a firmware file must not be flashed under this name, in whole sentences; nothing when it may.
 [[nodiscard]] std::optional<QString> firmwareNameObjection(const QString &name, FirmwareKind kind);
 
-} // namespace tarnClient
+} // namespace tarn

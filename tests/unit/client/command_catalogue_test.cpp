@@ -1,15 +1,15 @@
 #include "accessory/power_profiles.h"
-#include "client/command_check.h"
-#include "client/help_text.h"
+#include "client/tarnctl/command_check.h"
+#include "client/tarnctl/help_text.h"
 #include "device/monitor/accessory_table.h"
-#include "tool_run.h"
+#include "unit/client/tarnctl/tool_run.h"
 
 #include <gtest/gtest.h>
 
 using namespace tarnClientTest;
-using tarnClient::commandCatalogue;
-using tarnClient::CommandEntry;
-using tarnClient::DataKind;
+using tarn::commandCatalogue;
+using tarn::CommandEntry;
+using tarn::DataKind;
 
 namespace {
 
@@ -25,7 +25,7 @@ TEST(TarnctlCatalogueTest, IsListedByTheTool)
     QStringList expected;
     for (const CommandEntry &entry : commandCatalogue())
         expected << fromRow(entry.name);
-    EXPECT_EQ(tarnClient::commandNames().split('\n'), expected);
+    EXPECT_EQ(tarnctl::commandNames().split('\n'), expected);
     const ToolRun run = runTool({"commands"});
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(run.output, expected.join('\n').toUtf8() + '\n');
@@ -43,8 +43,8 @@ TEST(TarnctlCatalogueTest, EveryRowIsConsistent)
         // The example is a command line that the tool accepts.
         const QString example = fromRow(entry.example);
         ASSERT_TRUE(example.startsWith("tarnctl " + fromRow(entry.name)));
-        const auto objection = tarnClient::commandObjection(
-            tarnClient::parseTypedLine(example.mid(qsizetype(qstrlen("tarnctl ")))));
+        const auto objection =
+            tarnctl::commandObjection(tarnctl::parseTypedLine(example.mid(qsizetype(qstrlen("tarnctl ")))));
         EXPECT_FALSE(objection.has_value()) << objection.value_or(QString()).toStdString();
     }
 }
@@ -65,7 +65,7 @@ TEST(TarnctlCatalogueTest, OutcomeKeysFollowTheKindOfCommand)
     }
     for (const char *name : {"requestMcuUpdate", "requestEnterMcuUpdateMode", "requestStartEcUpdate",
              "requestEcUpdate", "getSmartChargingStatus"}) {
-        EXPECT_EQ(tarnClient::findCommand(name)->outcomeKey, QLatin1StringView("data")) << name;
+        EXPECT_EQ(tarn::findCommand(name)->outcomeKey, QLatin1StringView("data")) << name;
     }
 }
 
@@ -78,11 +78,11 @@ TEST(TarnctlCatalogueTest, KnowsTheProfilesOfTheService)
         names << QLatin1StringView(profile.name);
         numbered << QString("%1 %2").arg(profile.number).arg(profile.name);
     }
-    EXPECT_EQ(tarnClient::findCommand("setTarnPowerMode")->data.choices, names);
-    const CommandEntry &control = *tarnClient::findCommand("powerModeControl");
+    EXPECT_EQ(tarn::findCommand("setTarnPowerMode")->data.choices, names);
+    const CommandEntry &control = *tarn::findCommand("powerModeControl");
     EXPECT_EQ(control.data.choices, QList({QLatin1StringView("first"), QLatin1StringView("last")}) + names);
     EXPECT_TRUE(fromRow(control.answerMeaning).contains(numbered.join(", ")));
-    const QString meaning = fromRow(tarnClient::findCommand("getTarnPowerMode")->answerMeaning);
+    const QString meaning = fromRow(tarn::findCommand("getTarnPowerMode")->answerMeaning);
     for (const QLatin1StringView &name :
         names + QList({QLatin1StringView(tarnAccessoryManager::noProfileName)}))
         EXPECT_TRUE(meaning.contains(name)) << name.data();
@@ -90,8 +90,8 @@ TEST(TarnctlCatalogueTest, KnowsTheProfilesOfTheService)
 
 TEST(TarnctlCatalogueTest, KnowsTheAccessoriesOfTheService)
 {
-    const QString types = fromRow(tarnClient::findCommand("getAccessoryType")->answerMeaning);
-    const QString codes = fromRow(tarnClient::findCommand("getAccessoryCode")->answerMeaning);
+    const QString types = fromRow(tarn::findCommand("getAccessoryType")->answerMeaning);
+    const QString codes = fromRow(tarn::findCommand("getAccessoryCode")->answerMeaning);
     EXPECT_TRUE(types.contains(tarnDeviceInfos::noAccessoryName));
     for (const auto &kind : tarnDeviceInfos::accessoryTable) {
         EXPECT_TRUE(types.contains(kind.name)) << kind.name;
@@ -160,7 +160,7 @@ class TarnctlSuggestions : public ::testing::TestWithParam<SuggestionCase>
 
 TEST_P(TarnctlSuggestions, NamesWhatWasMeant)
 {
-    const QStringList near = tarnClient::nearestCommands(GetParam().typed);
+    const QStringList near = tarnctl::nearestCommands(GetParam().typed);
     EXPECT_LE(near.size(), 3);
     EXPECT_EQ(near.value(0), QString(GetParam().nearest));
 }

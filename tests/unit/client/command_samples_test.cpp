@@ -8,9 +8,9 @@
 
 #include <algorithm>
 
-using tarnClient::commandCatalogue;
-using tarnClient::CommandEntry;
-using tarnClient::DataKind;
+using tarn::commandCatalogue;
+using tarn::CommandEntry;
+using tarn::DataKind;
 using tarnTest::AnswerValues;
 using tarnTest::CommandSample;
 using tarnTest::commandSamples;
@@ -35,7 +35,7 @@ TEST(CommandSamples, AreOfCommandsInTheCatalogue)
         SCOPED_TRACE(name.toStdString());
         EXPECT_FALSE(seen.contains(name));
         seen += name;
-        const CommandEntry *command = tarnClient::findCommand(name);
+        const CommandEntry *command = tarn::findCommand(name);
         ASSERT_TRUE(command);
         for (const QString &data : sample.kinds)
             EXPECT_FALSE(command->data.objection(name, data)) << data.toStdString();

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-using tarnClient::DataKind;
-using tarnClient::DataRule;
+using tarn::DataKind;
+using tarn::DataRule;
 
 namespace {
 

@@ -50,6 +50,11 @@ int FakeService::connections() const
     return connectionCount;
 }
 
+int FakeService::openConnections() const
+{
+    return openCount;
+}
+
 void FakeService::onRequest(std::function<void(const QJsonObject &)> handler)
 {
     requestHandler = std::move(handler);
@@ -105,6 +110,8 @@ void FakeService::takeConnection()
 {
     QLocalSocket *socket = server.nextPendingConnection();
     ++connectionCount;
+    ++openCount;
+    connect(socket, &QLocalSocket::disconnected, this, [this] { --openCount; });
     client = socket;
     connect(socket, &QLocalSocket::readyRead, this, [this, socket] { takeRequest(socket); });
     connect(socket, &QLocalSocket::disconnected, socket, &QObject::deleteLater);

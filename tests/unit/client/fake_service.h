@@ -23,6 +23,7 @@ public:
     [[nodiscard]] QByteArrayList requests() const;
     [[nodiscard]] QStringList commands() const;
     [[nodiscard]] int connections() const;
+    [[nodiscard]] int openConnections() const;
 
     void onRequest(std::function<void(const QJsonObject &)> handler);
     void onConnection(std::function<void()> handler);
@@ -46,6 +47,7 @@ private:
     QPointer<QLocalSocket> client;
     QByteArrayList receivedRequests;
     int connectionCount = 0;
+    int openCount = 0;
     std::function<void(const QJsonObject &)> requestHandler;
     std::function<void()> connectionHandler;
 };

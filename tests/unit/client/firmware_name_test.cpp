@@ -1,9 +1,9 @@
-#include "client/firmware_name.h"
+#include "tarn/firmware_name.h"
 
 #include <gtest/gtest.h>
 
-using tarnClient::FirmwareKind;
-using tarnClient::firmwareNameObjection;
+using tarn::FirmwareKind;
+using tarn::firmwareNameObjection;
 
 TEST(TarnctlFirmwareNameTest, NamesThatTheServiceRefusesAreRefusedForBoth)
 {

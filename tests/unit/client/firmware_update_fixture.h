@@ -1,94 +1,125 @@
 #pragma once
 
-#include "update_run.h"
+#include "client/update_setting.h"
+#include "unit/client/client_fixture.h"
+#include "unit/client/updating_service.h"
 
-#include <gtest/gtest.h>
+#include "tarn/firmware_update.h"
 
-#include <QFile>
-
-#include <csignal>
-#include <utility>
+#include <vector>
 
 namespace tarnClientTest {
 
-enum class Take { Yes, No };
-
-// A service with an update in it, as far as a client sees one.
-class TarnctlUpdateTest : public ::testing::Test
+// Updates of tarn::FirmwareUpdate against a fake service.
+class FirmwareUpdateTest : public ::testing::Test
 {
 protected:
-    TarnctlUpdateTest()
+    using Milliseconds = std::chrono::milliseconds;
+
+    FirmwareUpdateTest()
     {
-        service.onRequest([this](const QJsonObject &request) {
+        options.downloadFolder = folders.downloads();
+        setting.findOtherUser = [] {
+            return std::nullopt;
+        };
+        client = std::make_unique<tarn::Client>(service.pipe.pipeName(), times());
+        client->open();
+    }
+
+    // The wait for a connection outlasts any pause of the machine; those who want its end shorten it.
+    static tarn::ClientTimes times(Milliseconds connectionWait = Milliseconds(patienceMs))
+    {
+        tarn::ClientTimes shortened;
+        shortened.firstRetry = Milliseconds(20);
+        shortened.longestRetry = Milliseconds(100);
+        shortened.connectionWait = connectionWait;
+        return shortened;
+    }
+
+    // The update that the next calls work with.
+    tarn::FirmwareUpdate &make(tarn::FirmwareKind kind = tarn::FirmwareKind::Mcu)
+    {
+        setting.plan = tarn::updatePlan(kind);
+        return makePlanned();
+    }
+
+    // The same with the plan in `setting`.
+    tarn::FirmwareUpdate &makePlanned()
+    {
+        update = std::make_unique<tarn::FirmwareUpdate>(client.get(), setting);
+        QObject::connect(update.get(), &tarn::FirmwareUpdate::finished, &service.pipe,
+            [this](const tarn::FirmwareResult &result) { results << result; });
+        QObject::connect(update.get(), &tarn::FirmwareUpdate::phaseChanged, &service.pipe,
+            [this](const QString &text, Milliseconds) { phases << text; });
+        QObject::connect(update.get(), &tarn::FirmwareUpdate::requestFollows, &service.pipe,
+            [this](const QString &command) { announced << command; });
+        return *update;
+    }
+
+    void start() { update->start(file.isEmpty() ? folders.firmware() : file, options); }
+
+    // The end of the update that has been started.
+    tarn::FirmwareResult end()
+    {
+        EXPECT_TRUE(tarnTest::waitUntil([this] { return !results.isEmpty(); }, patienceMs));
+        EXPECT_EQ(results.size(), 1);
+        return results.isEmpty() ? tarn::FirmwareResult() : results.takeFirst();
+    }
+
+    tarn::FirmwareResult run(tarn::FirmwareKind kind = tarn::FirmwareKind::Mcu)
+    {
+        make(kind);
+        start();
+        return end();
+    }
+
+    // An MCU update whose every answer comes late enough for the device to have been touched.
+    tarn::FirmwareResult runLate()
+    {
+        planRefusalTime(Milliseconds(0));
+        makePlanned();
+        start();
+        return end();
+    }
+
+    void planRefusalTime(Milliseconds untouchedBefore)
+    {
+        const auto &planned = tarn::updatePlan(tarn::FirmwareKind::Mcu).steps;
+        steps.assign(planned.begin(), planned.end());
+        steps.back().untouchedBefore = untouchedBefore;
+        setting.plan = tarn::updatePlan(tarn::FirmwareKind::Mcu);
+        setting.plan.steps = steps;
+    }
+
+    // The client reads both at once; the file stays.
+    void answerTogetherWithANotification(const QString &last)
+    {
+        service.pipe.onRequest([this, last](const QJsonObject &request) {
             const QString command = request.value("cmd").toString();
-            present << folders.downloadNames();
-            if (command == silentAt)
-                return;
-            if (command == leavingAt) {
-                service.dropClient();
-                return;
-            }
-            if (request.contains("data") && take == Take::Yes) {
-                taken = readFile(folders.downloaded());
-                QFile::remove(folders.downloaded());
-            }
-            answer(command, request);
+            QByteArray bytes = compact(withField(request, "data", service.answers.value(command)));
+            if (command == last)
+                bytes += compact({{"cmd", "changeAccessoryType"}, {"data", "dock"}});
+            service.pipe.write(bytes);
         });
     }
 
-    void answer(const QString &command, QJsonObject request)
+    [[nodiscard]] bool isAsked(const QString &command) const
     {
-        if (command == "requestMcuUpdate" && !version.isEmpty())
-            request = withField(request, "mcuVer", version);
-        if (command == interruptedAt)
-            std::raise(SIGINT);
-        if (command == "getAccessoryType" && !firstAccessory.isEmpty()) {
-            service.answer(request, "data", std::exchange(firstAccessory, {}));
-            return;
-        }
-        service.answer(request, "data", answers.value(command));
+        return tarnTest::waitUntil([&] { return service.pipe.commands().contains(command); }, patienceMs);
     }
-
-    ToolRun update(
-        const tarnClient::UpdatePlan &plan, const QStringList &options = {}, bool errorsAreTerminal = false)
-    {
-        return runUpdate(service, plan, file.isEmpty() ? folders.firmware() : file,
-            {folders.downloads(), otherUser}, options, errorsAreTerminal);
-    }
-
-    // An update whose every answer comes late enough for the device to have been touched.
-    ToolRun updateMcuLate(const QStringList &options = {})
-    {
-        std::vector<tarnClient::UpdateStep> steps(
-            tarnClient::mcuUpdatePlan().steps.begin(), tarnClient::mcuUpdatePlan().steps.end());
-        steps.back().untouchedBefore = std::chrono::milliseconds(0);
-        tarnClient::UpdatePlan plan = tarnClient::mcuUpdatePlan();
-        plan.steps = steps;
-        return update(plan, options);
-    }
-
-    // Of the fake service.
-    QMap<QString, QString> answers {{"getAccessoryType", "k_vane"}, {"getMcuVersion", "2.05"},
-        {"requestMcuUpdate", "successed"}, {"requestEcUpdate", "successed"}};
-    QString version = "3.14";
-    QString firstAccessory {}; // what the first question gets; empty: as all others
-    QString silentAt {};
-    QString leavingAt {};
-    QString interruptedAt {};
-    Take take = Take::Yes;
-    // The file that is given to tarnctl; empty: the one outside the download folder.
-    QString file {};
-    std::optional<tarnClient::OtherUser> otherUser {};
 
     FirmwareFolders folders;
-    FakeService service;
-    // What lay in the download folder at each request.
-    QList<QStringList> present;
-    QByteArray taken;
+    UpdatingService service {folders};
+    tarn::UpdateSetting setting {tarn::updatePlan(tarn::FirmwareKind::Mcu)};
+    std::vector<tarn::UpdateStep> steps;
+    tarn::FirmwareUpdateOptions options;
+    // The file that is flashed; empty: the one outside the download folder.
+    QString file {};
+    std::unique_ptr<tarn::Client> client;
+    std::unique_ptr<tarn::FirmwareUpdate> update;
+    QList<tarn::FirmwareResult> results;
+    QStringList phases;
+    QStringList announced;
 };
-
-inline const QStringList mcuCommands {"getMcuVersion", "getAccessoryType", "requestMcuUpdate"};
-inline const QStringList ecCommands {"requestEcUpdate"};
-inline const QStringList placed {"fw.bin"};
 
 } // namespace tarnClientTest

@@ -1,337 +1,477 @@
-#include "firmware_update_fixture.h"
+#include "unit/client/firmware_update_fixture.h"
 
+#include <QCoreApplication>
 #include <QDir>
-#include <QFileInfo>
 #include <QJsonDocument>
+#include <QThreadPool>
+
+#include <utility>
 
 using namespace tarnClientTest;
-using tarnClient::ecUpdatePlan;
-using tarnClient::mcuUpdatePlan;
+using std::chrono::milliseconds;
+using tarn::FirmwareKind;
+using tarn::FirmwareOutcome;
+using tarn::FirmwareResult;
+using tarn::FirmwareUpdate;
 
-TEST_F(TarnctlUpdateTest, McuIsAskedForThenUpdated)
+namespace {
+
+QString dataOf(const QByteArray &request)
 {
-    const ToolRun run = update(mcuUpdatePlan());
-    EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(run.output, "The KVane's MCU now runs version 3.14.\n");
-    EXPECT_EQ(service.commands(), mcuCommands);
+    return QJsonDocument::fromJson(request).object().value("data").toString();
+}
+
+} // namespace
+
+TEST_F(FirmwareUpdateTest, AsksForTheMcuThenUpdatesIt)
+{
+    const FirmwareResult result = run();
+    EXPECT_EQ(result.outcome, FirmwareOutcome::Done);
+    EXPECT_FALSE(result.isUntouched);
+    EXPECT_EQ(result.text, "The KVane's MCU now runs version 3.14.");
+    EXPECT_TRUE(result.advice.startsWith("If that is not the version of the file, the flasher"));
+    EXPECT_EQ(result.command, "requestMcuUpdate");
+    EXPECT_TRUE(result.wasSent);
+    EXPECT_EQ(result.versionBefore, "2.05");
+    EXPECT_EQ(result.versionAfter, "3.14");
     EXPECT_EQ(
-        QJsonDocument::fromJson(service.requests().value(2)).object().value("data").toString(), "fw.bin");
-    EXPECT_EQ(present.value(2), placed);
-    EXPECT_EQ(taken, "new firmware");
+        compact(result.answer), "{\"cmd\":\"requestMcuUpdate\",\"data\":\"successed\",\"mcuVer\":\"3.14\"}");
+    EXPECT_EQ(service.pipe.commands(), mcuCommands);
+    EXPECT_EQ(dataOf(service.pipe.requests().value(2)), "fw.bin");
+    EXPECT_EQ(service.present.value(2), placed);
+    EXPECT_EQ(service.taken, "new firmware");
     EXPECT_EQ(readFile(folders.firmware()), "new firmware");
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 }
 
 // requestStartEcUpdate would leave the EC reserved when the service then refuses the file.
-TEST_F(TarnctlUpdateTest, EcIsUpdatedWithOneRequest)
+TEST_F(FirmwareUpdateTest, UpdatesTheEcWithOneRequest)
 {
-    const ToolRun run = update(ecUpdatePlan());
-    EXPECT_EQ(run.code, 0);
-    EXPECT_TRUE(run.output.startsWith("The service is done with the EC tool. Whether it ran and succeeded "
-                                      "only the service's log and the tool know."));
-    EXPECT_TRUE(run.errors.contains("Restart the computer now")) << run.errors.toStdString();
-    EXPECT_EQ(service.commands(), ecCommands);
-    EXPECT_EQ(
-        QJsonDocument::fromJson(service.requests().value(0)).object().value("data").toString(), "fw.bin");
-    EXPECT_EQ(present.value(0), placed);
-    EXPECT_EQ(taken, "new firmware");
+    options.expectedVersion = "1.00"; // of an MCU
+    const FirmwareResult result = run(FirmwareKind::Ec);
+    EXPECT_EQ(result.outcome, FirmwareOutcome::Done);
+    EXPECT_FALSE(result.isUntouched);
+    EXPECT_TRUE(result.text.startsWith("The service is done with the EC tool. Whether it ran and succeeded"));
+    EXPECT_TRUE(result.advice.startsWith("Restart the computer now"));
+    EXPECT_FALSE(result.versionBefore.has_value());
+    EXPECT_EQ(result.versionAfter, "");
+    EXPECT_EQ(service.pipe.commands(), ecCommands);
+    EXPECT_EQ(dataOf(service.pipe.requests().value(0)), "fw.bin");
+    EXPECT_EQ(service.taken, "new firmware");
 }
 
-TEST_F(TarnctlUpdateTest, ShowsThePhasesOnTheErrorOutput)
+TEST_F(FirmwareUpdateTest, TellsWhatToKnowBeforeTheStart)
 {
-    const QByteArray mcu = update(mcuUpdatePlan()).errors;
-    EXPECT_TRUE(mcu.startsWith("Keep the computer on and the KVane attached.")) << mcu.toStdString();
-    EXPECT_TRUE(mcu.contains("\n0:00  asking for the version\n0:00  asking for the accessory\n"
-                             "0:00  starting the boot loader\n"))
-        << mcu.toStdString();
-    const QByteArray ec = update(ecUpdatePlan()).errors;
-    EXPECT_TRUE(ec.startsWith("Save your work")) << ec.toStdString();
-    EXPECT_TRUE(ec.contains("\n0:00  running the EC tool\n")) << ec.toStdString();
+    EXPECT_TRUE(make(FirmwareKind::Mcu).notice().startsWith("Keep the computer on and the KVane attached."));
+    EXPECT_TRUE(make(FirmwareKind::Ec).notice().startsWith("Save your work"));
 }
 
-TEST_F(TarnctlUpdateTest, CountsTheSecondsOnATerminal)
+// The service's own schedule.
+TEST_F(FirmwareUpdateTest, ThePhasesOfBothPlans)
 {
-    silentAt = "requestMcuUpdate";
-    const ToolRun run = update(mcuUpdatePlan(), {"--timeout", "1.4"}, true);
-    EXPECT_TRUE(run.errors.contains("\r0:01  starting the boot loader")) << run.errors.toStdString();
-    // The line is gone before the message.
-    EXPECT_TRUE(run.errors.contains(" \rtarnctl: No answer to requestMcuUpdate")) << run.errors.toStdString();
+    const auto phasesOf = [](FirmwareKind kind) {
+        QStringList lines;
+        for (const tarn::UpdateStep &step : tarn::updatePlan(kind).steps) {
+            for (const tarn::UpdatePhase &phase : step.phases)
+                lines << QString("%1 %2 %3").arg(step.command).arg(phase.begins.count()).arg(phase.text);
+        }
+        return lines;
+    };
+    EXPECT_EQ(phasesOf(FirmwareKind::Mcu),
+        (QStringList {
+            "getMcuVersion 0 asking for the version",
+            "getMcuVersion 3000 waiting for the EC",
+            "getAccessoryType 0 asking for the accessory",
+            "getAccessoryType 2000 waiting for a KVane",
+            "requestMcuUpdate 0 starting the boot loader",
+            "requestMcuUpdate 5000 flashing, then starting the new firmware",
+        }));
+    EXPECT_EQ(phasesOf(FirmwareKind::Ec), QStringList {"requestEcUpdate 0 running the EC tool"});
 }
 
-TEST_F(TarnctlUpdateTest, McuWithoutAVersionIsSaidSo)
+TEST_F(FirmwareUpdateTest, StartsBeforeThePhasesAndFinishesAfterThem)
 {
-    version.clear();
-    const ToolRun run = update(mcuUpdatePlan());
-    EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(run.output,
-        "The service calls the update done, but the MCU's version cannot be read.\n"
-        "Ask for it with getMcuVersion.\n");
-    EXPECT_FALSE(run.errors.contains("version of the file"));
-
-    const ToolRun checked = update(mcuUpdatePlan(), {"--expect", "3.14"});
-    EXPECT_EQ(checked.code, 1);
-    EXPECT_TRUE(checked.errors.contains("the MCU's version cannot be read."));
+    make();
+    QStringList events;
+    QObject::connect(update.get(), &FirmwareUpdate::started, [&] { events << "started"; });
+    QObject::connect(update.get(), &FirmwareUpdate::phaseChanged,
+        [&](const QString &text, milliseconds) { events << text; });
+    QObject::connect(update.get(), &FirmwareUpdate::finished, [&] {
+        EXPECT_FALSE(update->isRunning());
+        events << "finished";
+    });
+    start();
+    EXPECT_TRUE(update->isRunning());
+    EXPECT_TRUE(events.isEmpty());
+    static_cast<void>(end());
+    EXPECT_EQ(events,
+        (QStringList {"started", "asking for the version", "asking for the accessory",
+            "starting the boot loader", "finished"}));
 }
 
-TEST_F(TarnctlUpdateTest, McuWithoutAFirmwareIsAFailure)
+TEST_F(FirmwareUpdateTest, ThePhasesCountFromTheirStepAndTheTimeFromTheStart)
 {
-    version = "0.00";
-    const ToolRun run = update(mcuUpdatePlan());
-    EXPECT_EQ(run.code, 1);
-    EXPECT_TRUE(run.output.isEmpty());
-    EXPECT_TRUE(run.errors.contains("no firmware runs on the MCU (version 0.00)"))
-        << run.errors.toStdString();
-    EXPECT_TRUE(run.errors.contains("leave the KVane attached and update again."));
-
-    const ToolRun json = update(mcuUpdatePlan(), {"--json"});
-    EXPECT_EQ(json.code, 1);
-    EXPECT_EQ(json.output, "{\"cmd\":\"requestMcuUpdate\",\"data\":\"successed\",\"mcuVer\":\"0.00\"}\n");
+    static constexpr tarn::UpdatePhase early[] = {{milliseconds(0), QLatin1StringView("one")}};
+    static constexpr tarn::UpdatePhase late[] = {
+        {milliseconds(0), QLatin1StringView("two")}, {milliseconds(300), QLatin1StringView("three")}};
+    planRefusalTime(milliseconds(0));
+    steps.front().phases = early;
+    steps.erase(steps.begin() + 1);
+    steps.back().phases = late;
+    setting.plan.steps = steps;
+    makePlanned();
+    QList<milliseconds> times;
+    QObject::connect(update.get(), &FirmwareUpdate::phaseChanged,
+        [&](const QString &, milliseconds time) { times << time; });
+    // The first step takes longer than the first phase of the second.
+    service.pipe.onRequest([&](const QJsonObject &request) {
+        if (request.value("cmd") == "getMcuVersion")
+            service.pipe.later(milliseconds(400), [&, request] {
+                EXPECT_EQ(phases, QStringList {"one"});
+                service.pipe.answer(request, "data", "2.05");
+            });
+    });
+    start();
+    ASSERT_TRUE(tarnTest::waitUntil([&] { return phases.size() == 3; }, patienceMs));
+    EXPECT_EQ(phases, (QStringList {"one", "two", "three"}));
+    // Both count their time in whole milliseconds.
+    EXPECT_GE(times[1], times[0] + milliseconds(399));
+    EXPECT_GE(times[2], times[1] + milliseconds(299));
+    EXPECT_GE(update->elapsed(), times[2]);
+    update->abandon();
+    EXPECT_EQ(update->elapsed(), milliseconds(0));
 }
 
-TEST_F(TarnctlUpdateTest, TheExpectedVersionDecides)
+// Another request of the application holds it up.
+TEST_F(FirmwareUpdateTest, ThePhasesBeginWhenTheRequestHasBeenWritten)
 {
-    const ToolRun right = update(mcuUpdatePlan(), {"--expect", "3.14"});
-    EXPECT_EQ(right.code, 0);
-    EXPECT_EQ(right.output, "The KVane's MCU now runs version 3.14.\n");
-    EXPECT_FALSE(right.errors.contains("version of the file"));
-
-    const ToolRun wrong = update(mcuUpdatePlan(), {"--expect", "3.15"});
-    EXPECT_EQ(wrong.code, 1);
-    EXPECT_TRUE(wrong.output.isEmpty());
-    EXPECT_TRUE(wrong.errors.contains("the MCU's version is \"3.14\", not \"3.15\""))
-        << wrong.errors.toStdString();
+    static constexpr tarn::UpdatePhase stepPhases[] = {
+        {milliseconds(0), QLatin1StringView("one")}, {milliseconds(300), QLatin1StringView("two")}};
+    planRefusalTime(milliseconds(0));
+    steps.back().phases = stepPhases;
+    setting.plan.steps = steps;
+    options.skipPrecautions = true;
+    service.pipe.onRequest([&](const QJsonObject &request) {
+        if (request.value("cmd") == "getHardwareVersion") {
+            service.pipe.later(
+                milliseconds(600), [&, request] { service.pipe.answer(request, "data", "2"); });
+        }
+    });
+    const auto other = client->send("getHardwareVersion");
+    makePlanned();
+    QList<milliseconds> times;
+    QObject::connect(update.get(), &FirmwareUpdate::phaseChanged, [&](const QString &, milliseconds time) {
+        EXPECT_TRUE(other.isFinished());
+        times << time;
+    });
+    start();
+    ASSERT_TRUE(tarnTest::waitUntil([&] { return phases.size() == 2; }, patienceMs));
+    EXPECT_EQ(phases, (QStringList {"one", "two"}));
+    EXPECT_EQ(service.pipe.commands(), (QStringList {"getHardwareVersion", "requestMcuUpdate"}));
+    EXPECT_GE(times[1], times[0] + milliseconds(299));
 }
 
-TEST_F(TarnctlUpdateTest, TheVersionOfBeforeIsPointedOut)
+// Without this a KVane that the service does not see at once after its own restart would be missing.
+TEST_F(FirmwareUpdateTest, TheQuestionIsRepeatedForAsLongAfterItsFirstWriting)
 {
-    EXPECT_TRUE(
-        update(mcuUpdatePlan()).errors.contains("If that is not the version of the file, the flasher"));
-    answers["getMcuVersion"] = "3.14";
-    const ToolRun run = update(mcuUpdatePlan());
-    EXPECT_EQ(run.code, 0);
-    EXPECT_TRUE(run.errors.contains("It ran that version before, too.")) << run.errors.toStdString();
-    EXPECT_FALSE(run.errors.contains("If that is not the version of the file"));
+    options.limit = milliseconds(1200);
+    service.firstAccessory = "disconnected";
+    make();
+    // It takes longer to connect again than the question may be repeated.
+    QObject::connect(update.get(), &FirmwareUpdate::requestFollows, [this](const QString &command) {
+        if (command != "getAccessoryType")
+            return;
+        service.pipe.stopListening();
+        client->close();
+        client->open();
+        service.pipe.later(milliseconds(1400), [this] { service.pipe.startListening(); });
+    });
+    start();
+    EXPECT_EQ(end().outcome, FirmwareOutcome::Done);
+    EXPECT_EQ(service.pipe.connections(), 2);
+    EXPECT_EQ(service.pipe.commands().count("getAccessoryType"), 2);
+}
+
+TEST_F(FirmwareUpdateTest, AnMcuWithoutAFirmwareIsAFailure)
+{
+    service.version = "0.00";
+    const FirmwareResult result = run();
+    EXPECT_EQ(result.outcome, FirmwareOutcome::Failed);
+    EXPECT_FALSE(result.isUntouched);
+    EXPECT_TRUE(result.text.contains("no firmware runs on the MCU (version 0.00)"))
+        << result.text.toStdString();
+    EXPECT_TRUE(result.advice.endsWith("leave the KVane attached and update again."));
+    EXPECT_EQ(result.versionAfter, "0.00");
+    EXPECT_EQ(result.answer.value("mcuVer"), "0.00");
+
+    options.expectedVersion = "0.00";
+    EXPECT_EQ(run().outcome, FirmwareOutcome::Failed);
+}
+
+TEST_F(FirmwareUpdateTest, TheExpectedVersionDecides)
+{
+    options.expectedVersion = "3.14";
+    const FirmwareResult right = run();
+    EXPECT_EQ(right.outcome, FirmwareOutcome::Done);
+    EXPECT_EQ(right.advice, "");
+
+    options.expectedVersion = "3.15";
+    const FirmwareResult wrong = run();
+    EXPECT_EQ(wrong.outcome, FirmwareOutcome::Failed);
+    EXPECT_FALSE(wrong.isUntouched);
+    EXPECT_TRUE(wrong.text.contains("the MCU's version is \"3.14\", not \"3.15\""))
+        << wrong.text.toStdString();
+
+    service.version.clear();
+    const FirmwareResult unknown = run();
+    EXPECT_EQ(unknown.outcome, FirmwareOutcome::Failed);
+    EXPECT_TRUE(unknown.text.contains("the MCU's version cannot be read."));
+
+    options.expectedVersion.reset();
+    const FirmwareResult unchecked = run();
+    EXPECT_EQ(unchecked.outcome, FirmwareOutcome::Done);
+    EXPECT_TRUE(unchecked.text.endsWith("cannot be read.\nAsk for it with getMcuVersion."));
+    EXPECT_EQ(unchecked.advice, "");
+}
+
+TEST_F(FirmwareUpdateTest, PointsOutTheVersionOfBefore)
+{
+    service.answers["getMcuVersion"] = "3.14";
+    EXPECT_TRUE(run().advice.startsWith("It ran that version before, too."));
 
     // The first question was not answered by this KVane.
-    firstAccessory = "dock";
-    EXPECT_FALSE(update(mcuUpdatePlan()).errors.contains("It ran that version before, too."));
+    service.firstAccessory = "dock";
+    const FirmwareResult other = run();
+    EXPECT_FALSE(other.versionBefore.has_value());
+    EXPECT_TRUE(other.advice.startsWith("If that is not the version of the file"));
 }
 
-TEST_F(TarnctlUpdateTest, McuNeedsAKVane)
+TEST_F(FirmwareUpdateTest, TheMcuNeedsAKVane)
 {
-    for (const char *accessory : {"dock", "graphics", "disconnected", ""}) {
-        answers["getAccessoryType"] = accessory;
-        const ToolRun run = update(mcuUpdatePlan(), {"--timeout", "1.5"});
-        EXPECT_EQ(run.code, 1) << accessory;
-        EXPECT_TRUE(run.output.isEmpty());
-        EXPECT_TRUE(
-            run.errors.contains(QByteArray("needs a KVane, and the service sees \"") + accessory + '"'))
-            << run.errors.toStdString();
-        EXPECT_TRUE(run.errors.contains("Attach a KVane"));
-    }
-    EXPECT_FALSE(service.commands().contains("requestMcuUpdate"));
+    options.limit = milliseconds(1500);
+    service.answers["getAccessoryType"] = "dock";
+    const FirmwareResult result = run();
+    EXPECT_EQ(result.outcome, FirmwareOutcome::NoKvane);
+    EXPECT_TRUE(result.isUntouched);
+    EXPECT_EQ(
+        result.text, "The update needs a KVane, and the service sees \"dock\". Nothing has been touched.");
+    EXPECT_EQ(result.advice, "Attach a KVane and try again.");
+    EXPECT_EQ(result.answer.value("data"), "dock");
+    // The limit holds for asking again, too.
+    EXPECT_GE(service.pipe.commands().count("getAccessoryType"), 2);
+    EXPECT_LE(service.pipe.commands().count("getAccessoryType"), 5);
+    EXPECT_FALSE(service.pipe.commands().contains("requestMcuUpdate"));
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 }
 
-// The service sees an accessory some time after it has been attached.
-TEST_F(TarnctlUpdateTest, WaitsSomeSecondsForTheKVane)
+TEST_F(FirmwareUpdateTest, WaitsForTheKVaneToBeSeen)
 {
-    answers["getAccessoryType"] = "disconnected";
-    service.later(std::chrono::milliseconds(700), [this] { answers["getAccessoryType"] = "k_vane"; });
-    const ToolRun run = update(mcuUpdatePlan());
-    EXPECT_EQ(run.code, 0);
-    EXPECT_GE(service.commands().count("getAccessoryType"), 2);
-    EXPECT_EQ(service.commands().count("getMcuVersion"), 1);
-    EXPECT_EQ(service.commands().count("requestMcuUpdate"), 1);
-    const std::chrono::milliseconds repeatedFor = mcuUpdatePlan().steps[1].repeatedFor;
-    EXPECT_GE(repeatedFor, std::chrono::seconds(5)); // a service that has just been started needs 4 s
-    EXPECT_LE(repeatedFor, std::chrono::seconds(10));
+    service.answers["getAccessoryType"] = "disconnected";
+    service.pipe.later(milliseconds(700), [this] { service.answers["getAccessoryType"] = "k_vane"; });
+    EXPECT_EQ(run().outcome, FirmwareOutcome::Done);
+    EXPECT_GE(service.pipe.commands().count("getAccessoryType"), 2);
+    EXPECT_EQ(service.pipe.commands().count("getMcuVersion"), 1);
+    EXPECT_EQ(phases.count("asking for the accessory"), 1);
 }
 
-TEST_F(TarnctlUpdateTest, ForceLeavesOutTheQuestionsOnly)
+TEST_F(FirmwareUpdateTest, SkippedPrecautionsLeaveOutTheQuestionsOnly)
 {
-    EXPECT_EQ(update(mcuUpdatePlan(), {"--force"}).code, 0);
-    EXPECT_EQ(service.commands(), QStringList {"requestMcuUpdate"});
-    EXPECT_EQ(update(ecUpdatePlan(), {"--force"}).code, 0);
-    EXPECT_EQ(service.commands().mid(1), ecCommands);
-}
-
-TEST_F(TarnctlUpdateTest, McuThatFailedCanBeRepeated)
-{
-    answers["requestMcuUpdate"] = "failed";
-    const ToolRun run = updateMcuLate();
-    EXPECT_EQ(run.code, 1);
-    EXPECT_TRUE(run.output.isEmpty());
-    EXPECT_TRUE(run.errors.contains("tarnctl: The update failed: the flasher complained three times"));
-    EXPECT_TRUE(run.errors.contains("Its boot loader cannot be damaged"));
-    EXPECT_FALSE(run.errors.contains("has left the download folder"));
+    options.skipPrecautions = true;
+    EXPECT_EQ(run().outcome, FirmwareOutcome::Done);
+    EXPECT_EQ(service.pipe.commands(), QStringList {"requestMcuUpdate"});
+    EXPECT_EQ(run(FirmwareKind::Ec).outcome, FirmwareOutcome::Done);
+    EXPECT_EQ(service.pipe.commands().mid(1), ecCommands);
 }
 
 // The service leaves the file also when it could copy it and not delete it.
-TEST_F(TarnctlUpdateTest, AFileThatIsStillThereDoesNotTellThatNothingWasTouched)
+TEST_F(FirmwareUpdateTest, ALateFailureMayHaveTouchedTheMcuWhereverTheFileIs)
 {
-    take = Take::No;
-    answers["requestMcuUpdate"] = "failed";
-    const ToolRun run = updateMcuLate();
-    EXPECT_EQ(run.code, 1);
-    EXPECT_TRUE(run.errors.contains("The MCU's firmware may be incomplete now.")) << run.errors.toStdString();
-    EXPECT_FALSE(run.errors.contains("before it touched the MCU"));
-    EXPECT_TRUE(folders.downloadNames().isEmpty());
+    service.answers["requestMcuUpdate"] = "failed";
+    for (const Take way : {Take::No, Take::Yes}) {
+        service.take = way;
+        const FirmwareResult result = runLate();
+        EXPECT_EQ(result.outcome, FirmwareOutcome::Failed);
+        EXPECT_FALSE(result.isUntouched);
+        EXPECT_TRUE(result.text.startsWith("The update failed: the flasher complained three times"));
+        EXPECT_TRUE(
+            result.advice.startsWith("The MCU's firmware may be incomplete now. Its boot loader cannot be"));
+        EXPECT_FALSE(result.advice.contains("has left the download folder"));
+        EXPECT_TRUE(folders.downloadNames().isEmpty());
+    }
 }
 
 // Its own pauses keep the service from answering so soon once it has touched the MCU.
-TEST_F(TarnctlUpdateTest, ARefusalThatComesSoonHasTouchedNothing)
+TEST_F(FirmwareUpdateTest, AnEarlyFailureHasTouchedNothingWhereverTheFileIs)
 {
+    service.answers["requestMcuUpdate"] = "failed";
+    options.programName = "Firmware Centre";
     for (const Take way : {Take::No, Take::Yes}) {
-        take = way;
-        answers["requestMcuUpdate"] = "failed";
-        const ToolRun mcu = update(mcuUpdatePlan());
-        EXPECT_EQ(mcu.code, 1);
-        EXPECT_TRUE(mcu.errors.contains("refused the update before it touched the MCU"))
-            << mcu.errors.toStdString();
-        EXPECT_FALSE(mcu.errors.contains("may be incomplete"));
+        service.take = way;
+        const FirmwareResult result = run();
+        EXPECT_EQ(result.outcome, FirmwareOutcome::Refused);
+        EXPECT_TRUE(result.isUntouched);
+        EXPECT_TRUE(result.text.startsWith("The service refused the update before it touched the MCU"));
+        EXPECT_FALSE(result.advice.contains("may be incomplete"));
+        EXPECT_TRUE(result.advice.contains(": run Firmware Centre as that user.\n"));
         EXPECT_TRUE(folders.downloadNames().isEmpty());
     }
-    // Five pauses of 1 s before the flasher, the first before any write, and five after it.
-    EXPECT_LT(mcuUpdatePlan().steps.back().untouchedBefore, std::chrono::seconds(10));
-    // 2 s without a KVane, and 0.5 s before each message.
-    EXPECT_GT(mcuUpdatePlan().steps.back().untouchedBefore, std::chrono::seconds(3));
+    // Five pauses of 1 s before the flasher, the first before any write, and five after it; 2 s without a
+    // KVane, and 0.5 s before each message.
+    const milliseconds bound = tarn::updatePlan(FirmwareKind::Mcu).steps.back().untouchedBefore;
+    EXPECT_LT(bound, std::chrono::seconds(10));
+    EXPECT_GT(bound, std::chrono::seconds(3));
 }
 
-TEST_F(TarnctlUpdateTest, ARefusedEcUpdateHasFlashedNothing)
+// Another request of the application holds it up, and the service has not seen it yet.
+TEST_F(FirmwareUpdateTest, WhatIsEarlyCountsFromTheWritingOfTheRequest)
 {
-    for (const Take way : {Take::No, Take::Yes}) {
-        take = way;
-        answers["requestEcUpdate"] = "failed";
-        const ToolRun ec = update(ecUpdatePlan());
-        EXPECT_EQ(ec.code, 1);
-        EXPECT_TRUE(ec.errors.contains("before it ran the EC tool: this update has flashed nothing."))
-            << ec.errors.toStdString();
-        // The update has not come so far.
-        EXPECT_FALSE(ec.errors.contains("reserved"));
-        EXPECT_TRUE(folders.downloadNames().isEmpty());
-    }
-    EXPECT_EQ(service.commands(), ecCommands + ecCommands);
+    planRefusalTime(milliseconds(2000));
+    options.skipPrecautions = true;
+    service.answers["requestMcuUpdate"] = "failed";
+    service.pipe.onRequest([&](const QJsonObject &request) {
+        const bool isUpdate = request.value("cmd") == "requestMcuUpdate";
+        service.pipe.later(milliseconds(isUpdate ? 0 : 2200),
+            [&, request] { service.pipe.answer(request, "data", "failed"); });
+    });
+    const auto other = client->send("getHardwareVersion");
+    makePlanned();
+    start();
+    EXPECT_EQ(end().outcome, FirmwareOutcome::Refused);
+
+    service.pipe.onRequest([&](const QJsonObject &request) {
+        service.pipe.later(
+            milliseconds(2200), [&, request] { service.pipe.answer(request, "data", "failed"); });
+    });
+    start();
+    EXPECT_EQ(end().outcome, FirmwareOutcome::Failed);
 }
 
-TEST_F(TarnctlUpdateTest, SomebodyElseAtTheConsoleIsToldWhatToDo)
+TEST_F(FirmwareUpdateTest, ARefusedEcUpdateHasFlashedNothing)
 {
-    otherUser = tarnClient::OtherUser {"PC\\admin", "PC\\anna"};
-    const ToolRun mcu = update(mcuUpdatePlan());
-    EXPECT_EQ(mcu.code, 2);
+    service.answers["requestEcUpdate"] = "failed";
+    const FirmwareResult result = run(FirmwareKind::Ec);
+    EXPECT_EQ(result.outcome, FirmwareOutcome::Refused);
+    EXPECT_TRUE(result.isUntouched);
+    EXPECT_TRUE(result.text.endsWith("before it ran the EC tool: this update has flashed nothing."));
+    EXPECT_TRUE(result.advice.contains(": run this program as that user.\n"));
+    EXPECT_EQ(service.pipe.commands(), ecCommands);
+}
+
+TEST_F(FirmwareUpdateTest, SomebodyElseAtTheConsoleIsToldWhatToDo)
+{
+    setting.findOtherUser = [] {
+        return tarn::OtherUser {"PC\\admin", "PC\\anna"};
+    };
+    const FirmwareResult result = run();
+    EXPECT_EQ(result.outcome, FirmwareOutcome::OtherUser);
+    EXPECT_TRUE(result.isUntouched);
+    EXPECT_EQ(result.ownUser, "PC\\admin");
+    EXPECT_EQ(result.consoleUser, "PC\\anna");
     EXPECT_TRUE(
-        mcu.errors.startsWith("tarnctl: tarnctl runs as PC\\admin, but the user at the console is PC\\anna,"))
-        << mcu.errors.toStdString();
-    EXPECT_TRUE(mcu.errors.contains("\nPut it there and send: tarnctl requestMcuUpdate \"fw.bin\"\n"));
-    EXPECT_TRUE(update(ecUpdatePlan()).errors.contains("send: tarnctl requestEcUpdate \"fw.bin\"\n"));
-    EXPECT_EQ(service.connections(), 0);
+        result.text.startsWith("The user at the console is PC\\anna, but this program runs as PC\\admin."));
+    EXPECT_EQ(result.advice,
+        "Run this program as PC\\anna, or put the file there and send requestMcuUpdate with its name "
+        "\"fw.bin\".");
+    EXPECT_TRUE(service.pipe.requests().isEmpty());
     EXPECT_TRUE(folders.downloadNames().isEmpty());
+    const auto objection = update->objection(folders.firmware(), options);
+    ASSERT_TRUE(objection.has_value());
+    EXPECT_EQ(objection->text, result.text);
 
-    EXPECT_EQ(update(ecUpdatePlan(), {"--force"}).code, 0);
-    EXPECT_EQ(service.commands(), ecCommands);
+    options.skipPrecautions = true;
+    EXPECT_FALSE(update->objection(folders.firmware(), options).has_value());
+    EXPECT_EQ(run(FirmwareKind::Ec).outcome, FirmwareOutcome::Done);
+    EXPECT_EQ(service.pipe.commands(), ecCommands);
 }
 
-TEST_F(TarnctlUpdateTest, SaysThatAFileOfTheDownloadFolderIsTakenAway)
+TEST_F(FirmwareUpdateTest, AFileThatCannotBeFlashedIsNotTouched)
 {
-    file = folders.downloaded();
+    file = folders.downloaded("BIOS.bin");
     writeFile(file, "own");
-    const ToolRun run = update(mcuUpdatePlan());
-    EXPECT_EQ(run.code, 0);
-    EXPECT_EQ(taken, "own");
-    EXPECT_TRUE(run.errors.startsWith("The service takes this file out of the download folder"));
-    EXPECT_TRUE(run.errors.contains(QDir::toNativeSeparators(file).toUtf8()));
-
-    writeFile(file, "own");
-    answers["requestMcuUpdate"] = "failed";
-    EXPECT_TRUE(update(mcuUpdatePlan()).errors.contains("The file has left the download folder"));
-
-    writeFile(file, "own");
-    take = Take::No;
-    EXPECT_FALSE(update(mcuUpdatePlan()).errors.contains("The file has left the download folder"));
+    const FirmwareResult result = run(FirmwareKind::Ec);
+    EXPECT_EQ(result.outcome, FirmwareOutcome::BadFile);
+    EXPECT_TRUE(result.isUntouched);
+    EXPECT_TRUE(result.text.contains("The name holds \"IO\", which is a setting of the EC tool."));
     EXPECT_EQ(readFile(file), "own");
+    EXPECT_EQ(update->objection(file, options)->text, result.text);
+    // Also with the precautions skipped.
+    options.skipPrecautions = true;
+    EXPECT_EQ(run(FirmwareKind::Ec).outcome, FirmwareOutcome::BadFile);
+    EXPECT_TRUE(service.pipe.requests().isEmpty());
+
+    EXPECT_FALSE(make(FirmwareKind::Mcu).objection(file, options).has_value());
 }
 
-TEST_F(TarnctlUpdateTest, AnotherFileOfTheNameKeepsItFromStarting)
+TEST_F(FirmwareUpdateTest, AnotherFileOfTheNameIsNotOverwritten)
 {
     writeFile(folders.downloaded(), "own");
-    const ToolRun run = update(ecUpdatePlan());
-    EXPECT_EQ(run.code, 2);
-    EXPECT_TRUE(run.errors.startsWith("tarnctl: There is another file of that name"));
-    EXPECT_TRUE(service.commands().isEmpty());
+    const FirmwareResult result = run(FirmwareKind::Ec);
+    EXPECT_EQ(result.outcome, FirmwareOutcome::BadFile);
+    EXPECT_TRUE(result.text.startsWith("There is another file of that name"));
+    EXPECT_TRUE(service.pipe.requests().isEmpty());
     EXPECT_EQ(readFile(folders.downloaded()), "own");
 }
 
-TEST_F(TarnctlUpdateTest, AFileThatCannotBeUsedMakesNoConnection)
+TEST_F(FirmwareUpdateTest, TellsThatAFileOfTheDownloadFolderIsTakenAway)
 {
-    file = folders.downloaded("none.bin");
-    const ToolRun run = update(ecUpdatePlan());
-    EXPECT_EQ(run.code, 2);
-    EXPECT_TRUE(run.errors.startsWith("tarnctl: There is no file"));
-    EXPECT_EQ(service.connections(), 0);
-}
-
-TEST_F(TarnctlUpdateTest, JsonIsTheLastAnswerAndNothingElse)
-{
-    const ToolRun mcu = update(mcuUpdatePlan(), {"--json"}, true);
-    EXPECT_EQ(mcu.code, 0);
-    EXPECT_EQ(mcu.output, "{\"cmd\":\"requestMcuUpdate\",\"data\":\"successed\",\"mcuVer\":\"3.14\"}\n");
-    EXPECT_EQ(mcu.errors, "");
-    const ToolRun ec = update(ecUpdatePlan(), {"--json"});
-    EXPECT_EQ(ec.output, "{\"cmd\":\"requestEcUpdate\",\"data\":\"successed\"}\n");
-    EXPECT_EQ(ec.errors, "");
-}
-
-TEST_F(TarnctlUpdateTest, JsonOfAFailureIsTheAnswerThatEndedIt)
-{
-    answers["requestMcuUpdate"] = "failed";
-    const ToolRun flashed = updateMcuLate({"--json"});
-    EXPECT_EQ(flashed.code, 1);
-    EXPECT_TRUE(flashed.output.contains("\"data\":\"failed\""));
-    EXPECT_TRUE(flashed.errors.startsWith("tarnctl: The update failed"));
-    answers["getAccessoryType"] = "dock";
-    EXPECT_EQ(update(mcuUpdatePlan(), {"--json", "--timeout", "1.5"}).output,
-        "{\"cmd\":\"getAccessoryType\",\"data\":\"dock\"}\n");
-}
-
-TEST_F(TarnctlUpdateTest, OtherMessagesAreNotTheAnswer)
-{
-    service.onConnection([this] {
-        service.notify("getAccessoryType", "dock");
-        service.notify("changeAccessoryType", "dock");
+    file = folders.downloaded();
+    writeFile(file, "own");
+    QStringList warnings;
+    make();
+    QObject::connect(update.get(), &FirmwareUpdate::ownFileUsed, [&](const QString &path) {
+        EXPECT_TRUE(service.pipe.requests().isEmpty());
+        warnings << path;
     });
-    const ToolRun quiet = update(mcuUpdatePlan());
-    EXPECT_EQ(quiet.code, 0);
-    EXPECT_FALSE(quiet.errors.contains("meanwhile"));
-    const ToolRun verbose = update(mcuUpdatePlan(), {"--verbose"});
-    EXPECT_EQ(verbose.code, 0);
-    EXPECT_TRUE(verbose.errors.contains("meanwhile: changeAccessoryType dock\n"));
+    start();
+    EXPECT_EQ(end().outcome, FirmwareOutcome::Done);
+    EXPECT_EQ(service.taken, "own");
+    EXPECT_EQ(warnings, QStringList {QDir::toNativeSeparators(file)});
+
+    writeFile(file, "own");
+    service.answers["requestMcuUpdate"] = "failed";
+    EXPECT_TRUE(run().advice.contains("\nThe file has left the download folder"));
+
+    // What the service leaves is the user's, and not removed here either.
+    writeFile(file, "own");
+    service.take = Take::No;
+    EXPECT_FALSE(run().advice.contains("has left the download folder"));
+    EXPECT_EQ(readFile(file), "own");
 }
 
-TEST_F(TarnctlUpdateTest, TheVerbsUseTheUsersDownloadFolder)
+TEST_F(FirmwareUpdateTest, OtherMessagesAreNotTheAnswer)
 {
-    // The download folder of FirmwareFolders lies in this home folder.
-    const QByteArray home = qgetenv("HOME");
-    qputenv("HOME", QFile::encodeName(QFileInfo(folders.firmware()).path()));
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(QFileInfo(folders.firmware()).path()));
-    const ToolRun mcu = runTool(service, {"update-mcu", folders.firmware()});
-    const ToolRun ec = runTool(service, {"update-ec", folders.firmware()});
-    qputenv("HOME", home);
-    qunsetenv("XDG_CONFIG_HOME");
-    EXPECT_EQ(mcu.code, 0);
-    EXPECT_EQ(ec.code, 0);
-    EXPECT_EQ(service.commands(), mcuCommands + ecCommands);
-    EXPECT_EQ(present.value(2), placed);
-    EXPECT_EQ(present.value(3), placed);
+    service.pipe.onConnection([this] {
+        service.pipe.notify("getAccessoryType", "dock");
+        service.pipe.notify("changeAccessoryType", "dock");
+    });
+    EXPECT_EQ(run().outcome, FirmwareOutcome::Done);
 }
 
-TEST(TarnctlUpdateUsageTest, TakesOneFileAndNoLimits)
+TEST_F(FirmwareUpdateTest, OneUpdateRunsAtATime)
 {
-    for (const char *verb : {"update-mcu", "update-ec"}) {
-        EXPECT_EQ(runTool({verb}).code, 2);
-        EXPECT_EQ(runTool({verb, "a.bin", "b.bin"}).code, 2);
-        const ToolRun limited = runTool({verb, "a.bin", "--for", "5"});
-        EXPECT_EQ(limited.code, 2);
-        EXPECT_TRUE(limited.errors.contains("--count and --for belong to watch and raw."));
-        EXPECT_EQ(runTool({verb, "--help"}).output, runTool({"help", verb}).output);
-    }
+    int starts = 0;
+    make();
+    QObject::connect(update.get(), &FirmwareUpdate::started, [&] { ++starts; });
+    start();
+    update->start(folders.downloaded("none.bin"), options);
+    EXPECT_EQ(end().outcome, FirmwareOutcome::Done);
+    EXPECT_FALSE(update->isRunning());
+    EXPECT_EQ(starts, 1);
+    EXPECT_TRUE(QThreadPool::globalInstance()->waitForDone(patienceMs));
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(results.isEmpty());
+}
+
+TEST_F(FirmwareUpdateTest, TheNextUpdateMayBeginWhenOneHasFinished)
+{
+    make();
+    bool isSecond = false;
+    QObject::connect(update.get(), &FirmwareUpdate::finished, [&] {
+        if (!std::exchange(isSecond, true))
+            start();
+    });
+    start();
+    ASSERT_TRUE(tarnTest::waitUntil([&] { return results.size() == 2; }, patienceMs));
+    EXPECT_EQ(results[1].outcome, FirmwareOutcome::Done);
+    EXPECT_EQ(service.pipe.commands(), mcuCommands + mcuCommands);
 }

@@ -6,7 +6,7 @@
 #include <random>
 #include <string>
 
-using tarnClient::JsonSplitter;
+using tarn::JsonSplitter;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "client/pipe_address.h"
-#include "fake_service.h"
-#include "tool_run.h"
+#include "unit/client/fake_service.h"
+#include "unit/client/tarnctl/tool_run.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 
 using namespace tarnClientTest;
-using tarnClient::pipeAddress;
+using tarn::pipeAddress;
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "client/staged_firmware.h"
 #include "support/unprivileged.h"
-#include "update_run.h"
+#include "unit/client/firmware_folders.h"
 
 #include <gtest/gtest.h>
 
@@ -8,9 +8,12 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <atomic>
+#include <thread>
+
 using namespace tarnClientTest;
-using tarnClient::FirmwareKind;
-using tarnClient::StagedFirmware;
+using tarn::FirmwareKind;
+using tarn::StagedFirmware;
 
 namespace {
 
@@ -190,5 +193,28 @@ TEST(TarnctlStagedFirmwareTest, AFailedCopyLeavesNothing)
     StagedFirmware staged(folders.downloads());
     EXPECT_TRUE(staged.place(missing).value_or(QString()).startsWith("The file cannot be copied"));
     EXPECT_FALSE(staged.isCopy());
+    EXPECT_TRUE(folders.downloadNames().isEmpty());
+}
+
+// As two updates of one program do.
+TEST(TarnctlStagedFirmwareTest, CopiesMadeAtOnceDoNotDisturbEachOther)
+{
+    const FirmwareFolders folders;
+    const QString names[] = {"one.bin", "two.bin"};
+    for (const QString &name : names)
+        writeFile(folders.firmware() + name, name.toUtf8().repeated(100000));
+    std::atomic<int> wrong = 0;
+    const auto copyOften = [&](const QString &name) {
+        for (int round = 0; round < 100; ++round) {
+            StagedFirmware staged(folders.downloads());
+            const bool isPlaced = !staged.place(folders.firmware() + name).has_value();
+            if (!isPlaced || readFile(staged.path()) != readFile(folders.firmware() + name))
+                ++wrong;
+        }
+    };
+    std::thread other(copyOften, names[1]);
+    copyOften(names[0]);
+    other.join();
+    EXPECT_EQ(wrong, 0);
     EXPECT_TRUE(folders.downloadNames().isEmpty());
 }

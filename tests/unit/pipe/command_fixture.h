@@ -29,21 +29,21 @@ protected:
 };
 
 // A request whose handler takes its longest path.
-inline QByteArray fullRequest(const tarnClient::CommandEntry &command)
+inline QByteArray fullRequest(const tarn::CommandEntry &command)
 {
     return requestOf(command, goodData(command).first());
 }
 
-[[nodiscard]] inline std::vector<tarnClient::CommandEntry> commandsThatNeedTheEc(bool needed)
+[[nodiscard]] inline std::vector<tarn::CommandEntry> commandsThatNeedTheEc(bool needed)
 {
-    std::vector<tarnClient::CommandEntry> commands;
-    const auto &all = tarnClient::commandCatalogue();
+    std::vector<tarn::CommandEntry> commands;
+    const auto &all = tarn::commandCatalogue();
     std::copy_if(all.begin(), all.end(), std::back_inserter(commands),
-        [needed](const tarnClient::CommandEntry &command) { return command.needsEc == needed; });
+        [needed](const tarn::CommandEntry &command) { return command.needsEc == needed; });
     return commands;
 }
 
-inline std::string commandName(const ::testing::TestParamInfo<tarnClient::CommandEntry> &info)
+inline std::string commandName(const ::testing::TestParamInfo<tarn::CommandEntry> &info)
 {
     return info.param.name.toString().toStdString();
 }

@@ -5,7 +5,7 @@
 
 #include <thread>
 
-using tarnClient::CommandEntry;
+using tarn::CommandEntry;
 using tarnDeviceInfos::ecAccessMutex;
 using tarnPipeServer::Lane;
 using tarnTest::fullRequest;
@@ -27,7 +27,7 @@ protected:
 };
 
 INSTANTIATE_TEST_SUITE_P(
-    Of, CommandLanes, ::testing::ValuesIn(tarnClient::commandCatalogue()), tarnTest::commandName);
+    Of, CommandLanes, ::testing::ValuesIn(tarn::commandCatalogue()), tarnTest::commandName);
 
 TEST_P(CommandLanes, AreThoseOfTheEcForWhatTakesIt)
 {
@@ -61,7 +61,7 @@ TEST_F(CommandLanes, OfWhatBeginsOrEndsAWaitAreTheirOwn)
     EXPECT_EQ(server->laneOf(R"({"cmd":"requestLeaveMcuUpdateMode"})"), Lane::LeavesMcuUpdateMode);
     EXPECT_EQ(server->laneOf(R"({"cmd":"requestEcUpdate"})"), Lane::UpdatesEc);
     QStringList others;
-    for (const CommandEntry &command : tarnClient::commandCatalogue()) {
+    for (const CommandEntry &command : tarn::commandCatalogue()) {
         const Lane lane = server->laneOf(fullRequest(command));
         if (lane != Lane::WaitsForEc && lane != Lane::NeverWaits)
             others << command.name;

@@ -9,7 +9,7 @@
 TEST(CommandTable, HoldsTheCommandsThatClientsKnow)
 {
     QStringList known;
-    for (const tarnClient::CommandEntry &command : tarnClient::commandCatalogue())
+    for (const tarn::CommandEntry &command : tarn::commandCatalogue())
         known << command.name;
     known.sort();
     EXPECT_EQ(tarnPipeServer::commandNames(), known);

@@ -4,7 +4,7 @@
 
 #include <QJsonDocument>
 
-using tarnClient::CommandEntry;
+using tarn::CommandEntry;
 using tarnDeviceInfos::ecAccessMutex;
 
 namespace {

@@ -9,7 +9,8 @@ import unittest
 SCRIPT = pathlib.Path(__file__).resolve().parents[3] / "scripts/check_includes"
 HEADERS = ["src/service/end.h", "src/pipe/server.h", "src/pipe/outbox/queue.h", "src/device/lock.h",
            "src/device/ec_registers.h", "src/platform/waits.h", "src/platform/windows/handle.h", "src/update/updater.h",
-           "simulator/machine.h"]
+           "src/update/ec_settings.h", "simulator/machine.h", "client/splitter.h", "client/include/tarn/reply.h",
+           "client/tarnctl/session.h"]
 
 
 class CheckIncludes(unittest.TestCase):
@@ -64,6 +65,35 @@ class CheckIncludes(unittest.TestCase):
         self.write("client/main.cpp", '#include "src/update/updater.h"')
         self.assertIn("simulator/ec.cpp:1:", self.said())
         self.assertIn("client/main.cpp:1:", self.said())
+
+    def test_lets_the_client_include_itself_and_the_rules_of_firmware(self):
+        self.write("client/splitter.cpp", '#include "splitter.h"', '#include "client/splitter.h"',
+                   '#include "tarn/reply.h"', '#include "update/ec_settings.h"', "#include <windows.h>")
+        self.write("client/tarnctl/main.cpp", '#include "client/splitter.h"', '#include "client/tarnctl/session.h"',
+                   "#include <tarn/reply.h>")
+        self.assertEqual(self.said(), "")
+
+    def test_keeps_the_client_library_free_of_its_tool_and_of_other_programs(self):
+        self.write("client/splitter.cpp", '#include "client/tarnctl/session.h"', '#include "tarnctl/session.h"',
+                   '#include "simulator/machine.h"', '#include "../simulator/machine.h"',
+                   '#include "update/updater.h"')
+        self.write("client/tarnctl/main.cpp", '#include "simulator/machine.h"')
+        for line in ("splitter.cpp:1", "splitter.cpp:2", "splitter.cpp:3", "splitter.cpp:4", "splitter.cpp:5",
+                     "tarnctl/main.cpp:1"):
+            self.assertIn(f"client/{line}:", self.said())
+
+    def test_lets_applications_see_public_headers_qt_and_the_standard_library(self):
+        for name in ("client/include/tarn/client.h", "examples/cpp/main.cpp"):
+            self.write(name, "#include <tarn/reply.h>", "#include <QObject>", "#include <QtCore/QObject>",
+                       "#include <chrono>")
+        self.assertEqual(self.said(), "")
+
+    def test_refuses_to_applications_what_is_not_installed(self):
+        for name in ("client/include/tarn/client.h", "examples/cpp/main.cpp"):
+            self.write(name, '#include "splitter.h"', "#include <tarn/splitter.h>", '#include "client/splitter.h"',
+                       "#include <windows.h>", '#include "update/ec_settings.h"')
+            for line in range(1, 6):
+                self.assertIn(f"{name}:{line}: ", self.said())
 
     def test_asks_for_the_place_of_a_new_folder(self):
         self.write("src/fan/fan.cpp")

@@ -1,6 +1,7 @@
 #include "client/pipe_address.h"
-#include "fake_service.h"
-#include "tool_run.h"
+#include "support/pipe_peer.h"
+#include "unit/client/fake_service.h"
+#include "unit/client/tarnctl/tool_run.h"
 
 #include <gtest/gtest.h>
 
@@ -30,7 +31,7 @@ TEST(TarnctlOneShotTest, PrintsTheAnswerOfAQuery)
     EXPECT_EQ(run.output, "1.23\n");
     EXPECT_TRUE(run.errors.isEmpty());
     const QJsonObject request = QJsonDocument::fromJson(service.requests().value(0)).object();
-    EXPECT_EQ(request.keys(), (QStringList {"cmd", "tarnctl"}));
+    EXPECT_EQ(request.keys(), (QStringList {"cmd", "id"}));
     EXPECT_EQ(request.value("cmd").toString(), "getMcuVersion");
 }
 
@@ -70,7 +71,7 @@ TEST(TarnctlOneShotTest, ForeignMessagesAreNotTheAnswer)
     service.onRequest([&service](const QJsonObject &request) {
         // The same command name pushed, and the late answer to an earlier process.
         service.notify("getTarnBatteryNum", "11");
-        service.answer(withField(request, "tarnctl", "1-1"), "data", "22");
+        service.answer(withField(request, "id", "1-1"), "data", "22");
         service.later(milliseconds(20), [&service, request] { service.answer(request, "data", "33"); });
     });
     const ToolRun run = runTool(service, {"getTarnBatteryNum"});
@@ -93,6 +94,18 @@ TEST(TarnctlOneShotTest, VerboseShowsWhatElseArrives)
     EXPECT_TRUE(run.errors.contains("meanwhile: changeAccessoryType dock\n"));
     EXPECT_TRUE(run.errors.contains("no JSON (5 bytes): {abc}\n")) << run.errors.toStdString();
     EXPECT_TRUE(run.errors.contains("no JSON (1 bytes): %3F\n")) << run.errors.toStdString();
+}
+
+TEST(TarnctlOneShotTest, VerboseShowsAnswersToOthersInFull)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) {
+        service.answer(withField(request, "id", "1-1"), "data", "22");
+        service.answer(request, "data", "33");
+    });
+    const ToolRun run = runTool(service, {"--verbose", "getTarnBatteryNum"});
+    EXPECT_EQ(run.output, "33\n");
+    EXPECT_EQ(run.errors, "meanwhile: {\"cmd\":\"getTarnBatteryNum\",\"data\":\"22\"}\n");
 }
 
 TEST(TarnctlOneShotTest, GluedDocuments)
@@ -215,6 +228,24 @@ TEST(TarnctlOneShotTest, DataMayLookLikeAnOption)
     EXPECT_EQ(request.value("data").toString(), "-1");
 }
 
+TEST(TarnctlOneShotTest, EmptyDataIsSent)
+{
+    FakeService service;
+    answerAll(service, "result", "failed");
+    EXPECT_EQ(runTool(service, {"--force", "setDockLedStatus", ""}).code, 1);
+    const QJsonObject request = QJsonDocument::fromJson(service.requests().value(0)).object();
+    EXPECT_EQ(request.keys(), (QStringList {"cmd", "data", "id"}));
+}
+
+TEST(TarnctlOneShotTest, MoreThanTheServiceTakesInOnePieceIsAMistake)
+{
+    const FakeService service;
+    const ToolRun run = runTool(service, {"--force", "requestMcuUpdate", QString(5000, u'a')});
+    EXPECT_EQ(run.code, 2);
+    EXPECT_TRUE(run.errors.startsWith("tarnctl: The request has 5")) << run.errors.toStdString();
+    EXPECT_TRUE(service.requests().isEmpty());
+}
+
 TEST(TarnctlOneShotTest, NoService)
 {
     const ToolRun run = runTool({"--pipe", "tarnctlTestNobody", "getMcuVersion"});
@@ -222,7 +253,7 @@ TEST(TarnctlOneShotTest, NoService)
     EXPECT_TRUE(run.output.isEmpty());
     EXPECT_EQ(run.errors,
         "tarnctl: No service answers on the pipe \"tarnctlTestNobody\" ("
-            + tarnClient::pipeAddress("tarnctlTestNobody").text.toUtf8()
+            + tarn::pipeAddress("tarnctlTestNobody").text.toUtf8()
             + ").\nStart it first: ./run on the simulated computer, or the service \"Tarn Service\" on "
               "Windows.\n");
 }
@@ -263,6 +294,14 @@ TEST(TarnctlOneShotTest, NoAnswerInTime)
         << run.errors.toStdString();
 }
 
+TEST(TarnctlOneShotTest, WithoutAnAnswerItAsksNothingElse)
+{
+    FakeService service;
+    // Longer than the pause in which nothing would be sent anyway.
+    EXPECT_EQ(runTool(service, {"--timeout", "1.05", "getMcuVersion"}).code, 4);
+    EXPECT_FALSE(tarnTest::waitUntil([&service] { return service.requests().size() > 1; }, 100));
+}
+
 TEST(TarnctlOneShotTest, WithoutAnAnswerTheReasonsFitTheCommand)
 {
     const FakeService service;
@@ -281,9 +320,9 @@ TEST(TarnctlOneShotTest, MessagesAheadOfTheAnswerMoveTheDeadline)
     service.onRequest([&service](const QJsonObject &request) {
         for (int message = 0; message < 4; ++message) // half a second each
             service.notify("getTarnBatteryNum", "1");
-        service.later(milliseconds(1000), [&service, request] { service.answer(request, "data", "1.23"); });
+        service.later(milliseconds(1700), [&service, request] { service.answer(request, "data", "1.23"); });
     });
-    EXPECT_EQ(runTool(service, {"--timeout", "0.3", "getMcuVersion"}).output, "1.23\n");
+    EXPECT_EQ(runTool(service, {"--timeout", "1", "getMcuVersion"}).output, "1.23\n");
 }
 
 TEST(TarnctlOneShotTest, MessagesDoNotPutOffTheEndForever)

@@ -1,7 +1,12 @@
-#include "fake_service.h"
-#include "tool_run.h"
+#include "client/tarnctl/raw_exchange.h"
+#include "unit/client/fake_service.h"
+#include "unit/client/tarnctl/tool_run.h"
 
 #include <gtest/gtest.h>
+
+#include <QTimer>
+
+#include <sstream>
 
 using namespace tarnClientTest;
 using std::chrono::milliseconds;
@@ -18,6 +23,15 @@ void notifyAfterAnswer(FakeService &service)
 }
 
 } // namespace
+
+TEST(TarnctlRawTest, AnEchoHasEveryField)
+{
+    const QJsonObject request {{"cmd", "a"}, {"n", 1}};
+    EXPECT_TRUE(tarnctl::echoes({{"cmd", "a"}, {"data", "x"}, {"n", 1}}, request));
+    EXPECT_FALSE(tarnctl::echoes({{"cmd", "a"}, {"data", "x"}}, request));
+    EXPECT_FALSE(tarnctl::echoes({{"cmd", "a"}, {"n", 2}}, request));
+    EXPECT_FALSE(tarnctl::echoes({{"cmd", "a"}}, {}));
+}
 
 TEST(TarnctlRawTest, SendsTheBytesAndPrintsWhatComesBack)
 {
@@ -51,6 +65,15 @@ TEST(TarnctlRawTest, TakesTheTextFromTheInput)
     const ToolRun run = runTool(service, {"raw", "-"}, typed("{\"cmd\":\n\"a\"}\n"));
     EXPECT_EQ(run.code, 0);
     EXPECT_EQ(service.requests(), QByteArrayList {"{\"cmd\":\n\"a\"}\n"});
+}
+
+TEST(TarnctlRawTest, SendsMoreThanTheServiceTakesInOnePiece)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) { service.answer(request, "data", "x"); });
+    const QString text = "{\"cmd\":\"" + QString(5000, u'a') + "\"}";
+    EXPECT_EQ(runTool(service, {"raw", text}).code, 0);
+    EXPECT_EQ(service.requests(), QByteArrayList {text.toUtf8()});
 }
 
 TEST(TarnctlRawTest, NoBytesAreAMistake)
@@ -108,4 +131,27 @@ TEST(TarnctlRawTest, ServiceAbsentOrLeaving)
     FakeService service;
     service.onRequest([&service](const QJsonObject &) { service.dropClient(); });
     EXPECT_EQ(runTool(service, {"raw", "{}"}).code, 3);
+}
+
+TEST(TarnctlRawTest, NothingFollowsItsEnd)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &request) { service.answer(request, "data", "x"); });
+    const tarnctl::ToolOptions options =
+        tarnctl::parseOptions({"tarnctl", "--pipe", service.pipeName(), "--timeout", "0.5", "raw", "{}"})
+            .options;
+    std::ostringstream output;
+    std::ostringstream errors;
+    tarnctl::ToolStreams streams {std::make_shared<std::istringstream>(), output, errors, false};
+    tarnctl::RawExchange exchange(options, streams, R"({"cmd":"a"})");
+    int connectionsAfterwards = -1;
+    QObject::connect(&exchange, &tarnctl::Task::finished, &service, [&] {
+        QEventLoop loop;
+        QTimer::singleShot(1000, &loop, &QEventLoop::quit); // the time limit passes
+        loop.exec();
+        connectionsAfterwards = service.openConnections();
+    });
+    EXPECT_EQ(exchange.run(), tarnctl::ExitCode::Done);
+    EXPECT_EQ(errors.str(), "");
+    EXPECT_EQ(connectionsAfterwards, 0);
 }

@@ -1,4 +1,4 @@
-#include "client/stdin_reader.h"
+#include "client/tarnctl/stdin_reader.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 #include <sstream>
 
-using tarnClient::StdinReader;
+using tarnctl::StdinReader;
 
 namespace {
 

@@ -1,15 +1,15 @@
-#include "client/tool_options.h"
-#include "tool_run.h"
+#include "client/tarnctl/tool_options.h"
+#include "unit/client/tarnctl/tool_run.h"
 
 #include <gtest/gtest.h>
 
 using namespace tarnClientTest;
 using std::chrono::milliseconds;
-using tarnClient::parseOptions;
+using tarnctl::parseOptions;
 
 TEST(TarnctlOptionsTest, Defaults)
 {
-    const tarnClient::ParsedOptions parsed = parseOptions({"tarnctl", "getMcuVersion"});
+    const tarnctl::ParsedOptions parsed = parseOptions({"tarnctl", "getMcuVersion"});
     EXPECT_TRUE(parsed.error.isEmpty());
     EXPECT_EQ(parsed.options.pipeName, "tarnPipe");
     EXPECT_EQ(parsed.options.words, QStringList {"getMcuVersion"});
@@ -20,7 +20,7 @@ TEST(TarnctlOptionsTest, Defaults)
 
 TEST(TarnctlOptionsTest, EveryOption)
 {
-    const tarnClient::ParsedOptions parsed =
+    const tarnctl::ParsedOptions parsed =
         parseOptions({"tarnctl", "--json", "-v", "watch", "--force", "--reconnect", "--timeout", "0.25",
             "--for=2", "--count", "3", "--pipe", "p", "--version", "-h", "--expect", "1.23"});
     EXPECT_TRUE(parsed.error.isEmpty());
@@ -90,7 +90,7 @@ TEST(TarnctlUsageTest, NamesTheWayOn)
 
 TEST(TarnctlUsageTest, ATimeOutOfRangeIsToldTheRange)
 {
-    const tarnClient::ParsedOptions longest = parseOptions({"tarnctl", "--timeout", "604800"});
+    const tarnctl::ParsedOptions longest = parseOptions({"tarnctl", "--timeout", "604800"});
     EXPECT_TRUE(longest.error.isEmpty());
     EXPECT_EQ(longest.options.timeout, std::chrono::hours(7 * 24));
     for (const char *wrong : {"0", "604801", "1000000"}) {

@@ -1,7 +1,7 @@
-#include "tool_run.h"
+#include "unit/client/tarnctl/tool_run.h"
 
-#include "client/tarnctl.h"
-#include "fake_service.h"
+#include "client/tarnctl/tarnctl.h"
+#include "unit/client/fake_service.h"
 
 #include <sstream>
 
@@ -14,7 +14,7 @@ ToolRun runTool(const QStringList &arguments, const ToolInput &input)
     std::ostringstream output;
     std::ostringstream errors;
     ToolRun run;
-    run.code = tarnClient::runTarnctl(
+    run.code = tarnctl::runTarnctl(
         QStringList {QStringLiteral("tarnctl")} + arguments, {stream, output, errors, input.interactive});
     run.output = QByteArray::fromStdString(output.str());
     run.errors = QByteArray::fromStdString(errors.str());

@@ -1,20 +1,14 @@
-#include "client/update_progress.h"
+#include "client/tarnctl/update_progress.h"
 
 #include <gtest/gtest.h>
 
 #include <sstream>
 
 using std::chrono::milliseconds;
-using tarnClient::ToolStreams;
-using tarnClient::UpdatePhase;
-using tarnClient::UpdateProgress;
+using tarnctl::ToolStreams;
+using tarnctl::UpdateProgress;
 
 namespace {
-
-constexpr UpdatePhase phases[] = {
-    {milliseconds(0), QLatin1StringView("a long beginning")},
-    {milliseconds(5000), QLatin1StringView("the end")},
-};
 
 struct Streams
 {
@@ -38,12 +32,11 @@ TEST(TarnctlUpdateProgressTest, AwayFromATerminalALineForEachPhase)
     UpdateProgress progress(streams.tool, false);
     progress.show(milliseconds(0));
     EXPECT_EQ(streams.takeErrors(), "");
-    progress.begin(phases, milliseconds(1000));
+    progress.begin("a long beginning", milliseconds(1000));
     EXPECT_EQ(streams.takeErrors(), "0:01  a long beginning\n");
     progress.show(milliseconds(5999));
     EXPECT_EQ(streams.takeErrors(), "");
-    // The phases count from the beginning of the step, the time shown from that of the update.
-    progress.show(milliseconds(6000));
+    progress.begin("the end", milliseconds(6000));
     EXPECT_EQ(streams.takeErrors(), "0:06  the end\n");
     progress.show(milliseconds(700000));
     progress.clear();
@@ -57,13 +50,15 @@ TEST(TarnctlUpdateProgressTest, OnATerminalOneLineIsWrittenOver)
     Streams streams;
     streams.tool.errorsAreTerminal = true;
     UpdateProgress progress(streams.tool, false);
-    progress.begin(phases, milliseconds(0));
+    progress.show(milliseconds(0));
+    EXPECT_EQ(streams.takeErrors(), "");
+    progress.begin("a long beginning", milliseconds(0));
     EXPECT_EQ(streams.takeErrors(), "\r0:00  a long beginning");
     progress.show(milliseconds(1000));
     EXPECT_EQ(streams.takeErrors(), "\r0:01  a long beginning");
     progress.show(milliseconds(1999));
     EXPECT_EQ(streams.takeErrors(), "");
-    progress.show(milliseconds(754321));
+    progress.begin("the end", milliseconds(754321));
     // The rest of the longer line before is blanked out.
     EXPECT_EQ(streams.takeErrors(), "\r12:34  the end        ");
     progress.clear();
@@ -83,7 +78,7 @@ TEST(TarnctlUpdateProgressTest, QuietShowsNothing)
     Streams streams;
     streams.tool.errorsAreTerminal = true;
     UpdateProgress progress(streams.tool, true);
-    progress.begin(phases, milliseconds(0));
+    progress.begin("a long beginning", milliseconds(0));
     progress.show(milliseconds(6000));
     progress.end();
     EXPECT_EQ(streams.takeErrors(), "");

@@ -1,8 +1,8 @@
-#include "fake_service.h"
-#include "tool_run.h"
+#include "unit/client/fake_service.h"
+#include "unit/client/tarnctl/tool_run.h"
 
-#include "client/stdin_reader.h"
-#include "client/tarnctl.h"
+#include "client/tarnctl/stdin_reader.h"
+#include "client/tarnctl/tarnctl.h"
 #include "support/time_bound.h"
 
 #include <gtest/gtest.h>
@@ -190,6 +190,26 @@ TEST(TarnctlWatchTest, LastIsFollowedByTheNextCommandInAReadOfItsOwn)
     EXPECT_EQ(service.commands(), (QStringList {"powerModeControl", "getMcuVersion"}));
 }
 
+TEST(TarnctlWatchTest, LastNeedsNoAnswerBeforeTheEnd)
+{
+    FakeService service;
+    service.onRequest([&service](const QJsonObject &) { service.notify("changeAccessoryType", "dock"); });
+    const ToolRun run = runTool(service, {"watch", "--count", "1"}, typed("powerModeControl last\n"));
+    EXPECT_EQ(run.code, 0);
+    EXPECT_TRUE(run.errors.isEmpty());
+}
+
+TEST(TarnctlWatchTest, AnswersToOthersAreNoNotifications)
+{
+    FakeService service;
+    service.onConnection([&service] {
+        service.write(R"({"cmd":"getMcuVersion","data":"1.23","id":"1-1"})");
+        service.notify("changeAccessoryType", "dock");
+    });
+    const ToolRun run = runTool(service, {"watch", "--count", "1"});
+    EXPECT_EQ(withoutTimes(run.output), "late-answer getMcuVersion 1.23\nevent changeAccessoryType dock\n");
+}
+
 TEST(TarnctlWatchTest, AnUnansweredCommandDoesNotEndIt)
 {
     FakeService service;
@@ -199,7 +219,8 @@ TEST(TarnctlWatchTest, AnUnansweredCommandDoesNotEndIt)
             unanswered = request;
             return;
         }
-        service.answer(unanswered, "data", "late");
+        if (request.value("cmd").toString() == "getHardwareVersion")
+            service.answer(unanswered, "data", "late");
         service.answer(request, "data", "2");
     });
     const ToolRun run =
@@ -239,7 +260,7 @@ TEST(TarnctlWatchTest, InterruptEndsItWithZeroWhileTheInputIsSilent)
     const ToolRun run = runTool(service, {"watch"}, {input, true});
     EXPECT_EQ(run.code, 0);
     EXPECT_LT(clock.elapsed(), tarnTest::allowedMs(3000));
-    EXPECT_TRUE(tarnClient::StdinReader::hasThreadLeftBehind());
+    EXPECT_TRUE(tarnctl::StdinReader::hasThreadLeftBehind());
     input->release();
 }
 
@@ -367,7 +388,7 @@ TEST(TarnctlWatchTest, EndsWhenNobodyReadsItsOutput)
     ClosedBuffer closed;
     std::ostream output(&closed);
     std::ostringstream errors;
-    const int code = tarnClient::runTarnctl({"tarnctl", "--pipe", service.pipeName(), "watch", "--for", "20"},
+    const int code = tarnctl::runTarnctl({"tarnctl", "--pipe", service.pipeName(), "watch", "--for", "20"},
         {std::make_shared<std::istringstream>(), output, errors, false});
     EXPECT_EQ(code, 0);
 }

@@ -1,15 +1,18 @@
-#include "client/message.h"
+#include "client/reply_maker.h"
+#include "client/tarnctl/answer_text.h"
 
 #include <gtest/gtest.h>
 
-using tarnClient::findCommand;
-using tarnClient::Message;
+#include <QJsonDocument>
+
+using namespace tarnctl;
+using tarn::Notification;
 
 namespace {
 
-Message parsed(const char *json)
+QJsonObject parsed(const char *json)
 {
-    return Message::parse(json).value();
+    return QJsonDocument::fromJson(json).object();
 }
 
 } // namespace
@@ -37,10 +40,9 @@ class TarnctlAnswers : public ::testing::TestWithParam<AnswerCase>
 
 TEST_P(TarnctlAnswers, ShowTheServicesValue)
 {
-    const Message message = parsed(GetParam().json);
-    const tarnClient::CommandEntry *entry = findCommand(GetParam().command);
-    EXPECT_EQ(message.answerText(entry).toStdString(), GetParam().text);
-    EXPECT_EQ(message.tellsFailure(entry), GetParam().failure);
+    const tarn::Reply reply = tarn::ReplyMaker(GetParam().command).answered(parsed(GetParam().json));
+    EXPECT_EQ(answerText(reply.command(), reply.answer()).toStdString(), GetParam().text);
+    EXPECT_EQ(reply.outcome() == tarn::Outcome::Failed, GetParam().failure);
 }
 
 INSTANTIATE_TEST_SUITE_P(Replies, TarnctlAnswers,
@@ -61,45 +63,25 @@ INSTANTIATE_TEST_SUITE_P(Replies, TarnctlAnswers,
         AnswerCase {"setKVaneLedLight", R"({"cmd":"setKVaneLedLight","data":"7"})", "done", false},
         AnswerCase {"setDockLedStatus", R"({"data":"failed","result":"successed"})", "successed", false},
         // Not as known: everything is shown.
-        AnswerCase {"getMcuVersion", R"({"cmd":"getMcuVersion","tarnctl":"t","v":1})",
+        AnswerCase {"getMcuVersion", R"({"cmd":"getMcuVersion","id":"t","v":1})",
             R"({"cmd":"getMcuVersion","v":1})", false},
-        AnswerCase {"somethingNew", R"({"cmd":"somethingNew","tarnctl":"t","x":"y"})",
+        AnswerCase {"somethingNew", R"({"cmd":"somethingNew","id":"t","x":"y"})",
             R"({"cmd":"somethingNew","x":"y"})", false},
         AnswerCase {"somethingNew", R"({"cmd":"somethingNew","result":"failed"})", "failed", true}));
 
-TEST(TarnctlMessageTest, RecognisesItsAnswerByTheTag)
+TEST(TarnctlAnswerTextTest, InOneLine)
 {
-    const Message answer = parsed(R"({"cmd":"a","data":"1","tarnctl":"7-1"})");
-    EXPECT_TRUE(answer.answers("7-1"));
-    EXPECT_FALSE(answer.answers("7-2"));
-    EXPECT_TRUE(answer.hasTag());
-    EXPECT_EQ(answer.json(), R"({"cmd":"a","data":"1"})");
-    const Message notification = parsed(R"({"cmd":"a","data":"1"})");
-    EXPECT_FALSE(notification.answers(""));
-    EXPECT_FALSE(notification.hasTag());
-}
-
-TEST(TarnctlMessageTest, Echoes)
-{
-    const QJsonObject request {{"cmd", "a"}, {"n", 1}};
-    EXPECT_TRUE(parsed(R"({"cmd":"a","data":"x","n":1})").echoes(request));
-    EXPECT_FALSE(parsed(R"({"cmd":"a","data":"x"})").echoes(request));
-    EXPECT_FALSE(parsed(R"({"cmd":"a","n":2})").echoes(request));
-    EXPECT_FALSE(parsed(R"({"cmd":"a"})").echoes({}));
-}
-
-TEST(TarnctlMessageTest, NotificationsInOneLine)
-{
+    const QJsonObject answer =
+        parsed(R"({"cmd":"getMcuUpdateParameters","hardwareVer":"2","mcuVer":"1.23"})");
     EXPECT_EQ(
-        parsed(R"({"cmd":"getTarnBatteryNum","data":"80"})").notificationText(), "getTarnBatteryNum 80");
-    EXPECT_EQ(parsed(R"({"cmd":"disengagedGraphics","data":""})").notificationText(), "disengagedGraphics");
-    EXPECT_EQ(
-        parsed(R"({"cmd":"a","data":"b","z":1})").notificationText(), R"({"cmd":"a","data":"b","z":1})");
+        answerLine("getMcuUpdateParameters", answer), "getMcuUpdateParameters mcuVer: 1.23, hardwareVer: 2");
+    EXPECT_EQ(lateAnswerLine(answer), "getMcuUpdateParameters mcuVer: 1.23, hardwareVer: 2");
 }
 
-TEST(TarnctlMessageTest, OnlyObjectsAreMessages)
+TEST(TarnctlAnswerTextTest, NotificationsInOneLine)
 {
-    EXPECT_FALSE(Message::parse("{abc}").has_value());
-    EXPECT_FALSE(Message::parse("[1]").has_value());
-    EXPECT_FALSE(Message::parse("").has_value());
+    EXPECT_EQ(notificationLine({"getTarnBatteryNum", "80"}), "getTarnBatteryNum 80");
+    EXPECT_EQ(notificationLine({"disengagedGraphics", ""}), "disengagedGraphics");
+    EXPECT_EQ(
+        compactJson(Notification {"disengagedGraphics", ""}), R"({"cmd":"disengagedGraphics","data":""})");
 }
