@@ -3,7 +3,8 @@
 
     robust_client.py [--every SECONDS] [--limit SECONDS] [--alive SECONDS]
 
-Prints the notifications, and asks for the MCU version every so many seconds. Needs Python 3.8 and nothing else;
+Prints the notifications, and asks for the MCU version every so many seconds. When another program keeps taking the
+service away, it tries again every minute, or when Enter is pressed. Needs Python 3.8 and nothing else;
 docs/protocol.md says why it does what it does.
 """
 import argparse
@@ -13,18 +14,28 @@ import json
 import os
 import sys
 import tempfile
+import threading
 import uuid
 
 MESSAGE_TIME = 0.6  # seconds more for each message that comes before the answer: the service pauses before each
-GIVE_UP = 600.0  # seconds after which an answer is taken to have gone to another client
-QUIET = 30.0  # seconds without a message, after which the connection is checked
-LONGEST_PAUSE = 10.0  # seconds between two attempts to connect
+GIVE_UP = 120.0  # seconds after which an answer is taken to have gone to another client, and a query asked again
+SECOND_LOOK = 5.0  # seconds
+QUIET = 60.0  # seconds without a message, after which the connection is checked
+FIRST_PAUSE = 1.0  # seconds between a connection and the next, and between two attempts to connect
+LONGEST_PAUSE = 10.0  # seconds between two attempts after many failures
+MOST_LOSSES = 3  # after so many in a row another program is taken to use the service
+LOSS_MEMORY = 300.0  # seconds after which a loss does not count together with the next one
+TAKEN_PAUSE = 60.0  # seconds until the next attempt while another program uses the service
 NOTIFICATIONS = {"changeAccessoryType", "getTarnChargingStatus", "getTarnBatteryNum", "getKVaneLedLight",
                  "getKvaneChargingStatus", "getKvaneBatteryNum", "disengagedGraphics", "getSmartChargingStatus"}
 
 
 class Lost(Exception):
     """The connection is of no use any more: connect anew."""
+
+
+class Silent(Lost):
+    """The service does not talk to us any more, although the connection is there."""
 
 
 class NoAnswer(Exception):
@@ -73,6 +84,7 @@ class Connection:
         self.awaited = {}  # id: future of the answer
         self.clock = asyncio.get_running_loop().time
         self.messages, self.last_message = 0, self.clock()
+        self.proven = False  # what comes before the first answer may have waited for a client for days
         self.reading = asyncio.ensure_future(self.read())
 
     async def read(self):
@@ -94,7 +106,7 @@ class Connection:
         if message.get("id") in self.awaited:
             self.awaited.pop(message["id"]).set_result(message)
         elif message.keys() == {"cmd", "data"} and message["cmd"] in NOTIFICATIONS:
-            say("event", message["cmd"], message["data"])
+            say("event" if self.proven else "old event", message["cmd"], message["data"])
         # else: an answer to another client, or a late one to us from before we connected anew
 
     def send(self, command, data=None):
@@ -126,7 +138,8 @@ class Connection:
         """What is attached. It needs no EC, so an answer must come as long as the service talks to us."""
         answer = self.send("getAccessoryType")
         if not await self.wait(answer, self.options.alive):
-            raise Lost("another client gets the service's messages")
+            raise Silent("another client gets the service's messages")
+        self.proven = True
         return answer.result()["data"]
 
     async def ask(self, command, data=None):
@@ -154,10 +167,28 @@ class Connection:
         self.writer.close()
 
 
+class Losses:
+    """Counts how often the service has fallen silent, so that two programs do not take it from each other for ever."""
+
+    def __init__(self):
+        self.count, self.last = 0, 0.0
+
+    def add(self, now):
+        self.count = self.count + 1 if self.count and now - self.last <= LOSS_MEMORY else 1
+        self.last = now
+
+    def pause(self):
+        return TAKEN_PAUSE if self.count >= MOST_LOSSES else FIRST_PAUSE
+
+
 async def serve(connection, options):
     # What is attached already is not announced, and the five days of smart charging begin when a client asks.
-    say("connected", await connection.prove())
+    attached = await connection.prove()
+    say("connected", attached)
     say("smart charging", (await connection.ask("getSmartChargingStatus"))["data"])
+    if attached == "disconnected":  # as a service says that has just started and has not looked yet
+        await connection.rest(SECOND_LOOK)
+        say("attached", await connection.prove())
     while True:
         try:
             say("version", (await connection.ask("getMcuVersion"))["data"])
@@ -170,27 +201,46 @@ def say(*words):
     print(*words, flush=True)
 
 
+def watch_keyboard(loop, asked):
+    while os.read(0, 4096):  # Enter: the user wants to connect now
+        loop.call_soon_threadsafe(asked.set)
+
+
 async def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--every", type=float, default=10.0)
     parser.add_argument("--limit", type=float, default=30.0, help="for what needs the EC")
     parser.add_argument("--alive", type=float, default=10.0, help="for what does not")
     options = parser.parse_args()
-    pause = 1.0
+    loop, asked = asyncio.get_running_loop(), asyncio.Event()
+    threading.Thread(target=watch_keyboard, args=(loop, asked), daemon=True).start()
+    losses, failure_pause = Losses(), FIRST_PAUSE
     while True:
-        connection = None
+        connection, pause = None, FIRST_PAUSE
         try:
             connection = Connection(*await open_pipe(), options)
-            await connection.prove()
-            pause = 1.0
+            failure_pause = FIRST_PAUSE
             await serve(connection, options)
-        except (OSError, Lost) as error:
-            if connection:
-                say("lost:", error)
+        except Silent as loss:
+            say("lost:", loss)
+            losses.add(loop.time())
+            pause = losses.pause()
+            if losses.count == MOST_LOSSES:
+                say("another program uses the service; Enter connects again")
+        except Lost as loss:
+            say("lost:", loss)
+        except PermissionError:
+            raise SystemExit("access denied: on Windows this needs an elevated prompt")
+        except OSError:  # no service, or it is in its first seconds
+            pause, failure_pause = failure_pause, min(failure_pause * 1.5, LONGEST_PAUSE)
         if connection:
             connection.close()  # before the next one is opened, not after
-        await asyncio.sleep(pause)
-        pause = min(pause * 1.5, LONGEST_PAUSE)
+        asked.clear()
+        try:
+            await asyncio.wait_for(asked.wait(), pause)
+            losses = Losses()
+        except asyncio.TimeoutError:
+            pass
 
 
 if __name__ == "__main__":
