@@ -253,6 +253,9 @@ void TarnPipeServer::sendDataToClient(QString message)
 
 void TarnPipeServer::writeToClient(const QByteArray &message)
 {
+    // To write to a client that has left closes its socket, and what it asked before would never be read.
+    if (clientOnline && clientSocket)
+        clientSocket->waitForReadyRead(0);
     if (!clientOnline) {
         qDebug() << "tarn client is exit!";
         return;

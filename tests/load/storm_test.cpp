@@ -46,15 +46,22 @@ protected:
     }
 
     // Each request is answered once at most. Only replies may be missing that had been taken from the queue
-    // when a client left.
+    // when a client left. On a busy machine a request that came earlier may be answered a little later.
     void expectNothingLostBeyondTheContract()
     {
+        const auto missing = [this] {
+            return asked.size() - tarnLoad::sentMarks(service.log()).size();
+        };
+        const auto mayBeMissing = [this] {
+            return service.logCount("tarn client is exit!");
+        };
+        EXPECT_TRUE(waitUntil([&] { return missing() <= mayBeMissing(); }))
+            << missing() << " are missing, of which only " << mayBeMissing() << " may be";
         const QList<int> sent = tarnLoad::sentMarks(service.log());
         const QSet<int> different(sent.begin(), sent.end());
         EXPECT_EQ(different.size(), sent.size()) << "a reply was sent twice";
         for (int mark : sent)
             EXPECT_TRUE(asked.contains(mark)) << mark;
-        EXPECT_LE(asked.size() - sent.size(), service.logCount("tarn client is exit!"));
         report("visits, replies",
             QStringLiteral("%1 asked, %2 sent, %3 halves").arg(asked.size()).arg(sent.size()).arg(halves));
     }
@@ -86,10 +93,10 @@ TEST_F(ClientStorm, OfShortVisitsDoesNotKeepTheNextClientOut)
     // The replies to the earlier clients come first.
     const int replyTimeoutMs = 20000 + 1000 * static_cast<int>(asked.size() + halves);
     EXPECT_EQ(normal.ask({{"cmd", "getAccessoryType"}}, replyTimeoutMs).value("data"), "disconnected");
+    expectNothingLostBeyondTheContract();
     const QList<int> received = tarnLoad::marksIn(normal.documents());
     const QList<int> sent = tarnLoad::sentMarks(service.log());
     EXPECT_EQ(received, sent.mid(sent.size() - received.size())) << "out of order";
-    expectNothingLostBeyondTheContract();
     normal.leave();
     expectAsIdleAs(before, "visits");
 }

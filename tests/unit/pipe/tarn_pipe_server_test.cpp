@@ -238,6 +238,19 @@ TEST_F(PipeServer, AClientThatLeftBeforeTheNextCameDoesNotSilenceIt)
     EXPECT_EQ(machine.log.lines().filter(QRegularExpression("exit!$|connection!$")).mid(1, 2), order);
 }
 
+// To write to a client that has left closes its socket, with all that was not yet read from it.
+TEST_F(PipeServer, ReadsWhatAClientWroteBeforeItLeftAlsoWhenItsNextMessageIsDue)
+{
+    ASSERT_TRUE(client.connectToService());
+    ASSERT_TRUE(waitUntil([this] { return machine.log.contains("is connection!"); }));
+    // Before the server runs: the client asks and leaves, and a message for it is sent.
+    client.write(R"({"cmd":"nothing"})");
+    client.socket.abort();
+    server->sendDataToClient("late");
+    EXPECT_TRUE(waitUntil([this] { return machine.log.contains("Unknown command:  \"nothing\""); }, 5000));
+    EXPECT_TRUE(waitUntil([this] { return machine.log.contains("Tarn pipe client is exit!"); }));
+}
+
 TEST_F(PipeServer, ALateReplyGoesToTheNextClient)
 {
     ASSERT_TRUE(tarnDeviceInfos::ecAccessMutex.lock()); // as a prompt or an update would
