@@ -11,6 +11,13 @@
 
 namespace tarnPlatform {
 
+// A process. Its program's path is empty when that cannot be read.
+struct RunningProgram
+{
+    QString path;
+    qint64 processId = 0;
+};
+
 // The processes of the computer. Any thread.
 class ProcessList : public Seam<ProcessList>
 {
@@ -19,9 +26,17 @@ public:
     // Whether `matches` is true of the file name of any of their programs, in a snapshot; ends at the first
     // match. False also when there is no snapshot.
     [[nodiscard]] virtual bool anyOf(const std::function<bool(const QString &)> &matches) = 0;
-    // The full paths of those programs that have this file name, in any spelling of upper and lower case. A
-    // path that cannot be read is empty; if the processes cannot be listed, the result is one empty path.
-    [[nodiscard]] virtual QStringList pathsOf(const QString &fileName) = 0;
+    // Those whose program has this file name, in any spelling of upper and lower case. If the processes
+    // cannot be listed, the result is one without path and with the number 0.
+    [[nodiscard]] virtual QList<RunningProgram> programsCalled(const QString &fileName) = 0;
+    // Their paths.
+    [[nodiscard]] QStringList pathsOf(const QString &fileName)
+    {
+        QStringList paths;
+        for (const RunningProgram &program : programsCalled(fileName))
+            paths << program.path;
+        return paths;
+    }
 
 private:
     friend class Seam<ProcessList>;

@@ -84,13 +84,19 @@ public:
     {
         return std::any_of(programs.begin(), programs.end(), matches);
     }
-    [[nodiscard]] QStringList pathsOf(const QString &fileName) override
+    [[nodiscard]] QList<tarnPlatform::RunningProgram> programsCalled(const QString &fileName) override
     {
-        return paths.filter(QRegularExpression('(' + fileName + ")?$"));
+        QList<tarnPlatform::RunningProgram> found;
+        for (const QString &path : paths.filter(QRegularExpression('(' + fileName + ")?$")))
+            found << tarnPlatform::RunningProgram {path, processId};
+        return found;
     }
 
     QStringList programs {"init", "explorer.exe"};
     QStringList paths;
+
+private:
+    static constexpr qint64 processId = 4711; // of each
 };
 
 } // namespace tarnTest

@@ -121,17 +121,17 @@ public:
         return false;
     }
 
-    QStringList pathsOf(const QString &fileName) override
+    QList<RunningProgram> programsCalled(const QString &fileName) override
     {
         const QStringList folders = processFolders();
         if (folders.isEmpty())
-            return {QString()}; // there is at least this process, so nothing could be read
-        QStringList paths;
+            return {RunningProgram()}; // there is at least this process, so nothing could be read
+        QList<RunningProgram> programs;
         for (const QString &folder : folders) {
             if (const auto path = ListedProcess(folder).pathAs(fileName))
-                paths << *path;
+                programs << RunningProgram {*path, folder.section(QLatin1Char('/'), -1).toLongLong()};
         }
-        return paths;
+        return programs;
     }
 };
 

@@ -47,17 +47,17 @@ public:
         return seenEnough.value_or(false);
     }
 
-    QStringList pathsOf(const QString &fileName) override
+    QList<RunningProgram> programsCalled(const QString &fileName) override
     {
-        QStringList paths;
+        QList<RunningProgram> programs;
         const auto seenEnough = visit([&](const PROCESSENTRY32W &entry) {
             if (QString::fromWCharArray(entry.szExeFile).compare(fileName, Qt::CaseInsensitive) == 0) {
                 if (const auto path = pathOf(entry.th32ProcessID))
-                    paths << *path;
+                    programs << RunningProgram {*path, static_cast<qint64>(entry.th32ProcessID)};
             }
             return false;
         });
-        return seenEnough ? paths : QStringList(QString());
+        return seenEnough ? programs : QList<RunningProgram> {RunningProgram()};
     }
 
 private:
