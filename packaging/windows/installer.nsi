@@ -37,6 +37,7 @@ VIAddVersionKey FileDescription "Installer of Tarn Service"
 VIAddVersionKey LegalCopyright ""
 
 !define PRODUCT_KEY "Software\Tarn Service"
+!define EVENT_SOURCE_KEY "System\CurrentControlSet\Services\EventLog\Application\Tarn Service"
 !define UNINSTALL_KEY "Software\Microsoft\Windows\CurrentVersion\Uninstall\Tarn Service"
 !define PORT_LIBRARY "$INSTDIR\function\inpoutx64.dll"
 
@@ -166,6 +167,9 @@ Section # registered and started when all files are in place
         Abort "The service could not be registered"
     ${EndIf}
     ${SetRecovery}
+    ; The program holds the sentences of its events; an update finds the same key.
+    WriteRegExpandStr HKLM "${EVENT_SOURCE_KEY}" EventMessageFile "$INSTDIR\TarnService.exe"
+    WriteRegDWORD HKLM "${EVENT_SOURCE_KEY}" TypesSupported 7 ; errors, warnings and information
     ${IfNot} ${FileExists} "${PORT_LIBRARY}"
         DetailPrint "Not started: copy the port library to ${PORT_LIBRARY}, then start Tarn Service"
         Return
@@ -173,7 +177,7 @@ Section # registered and started when all files are in place
     DetailPrint "Starting the service"
     ${StartTarnService} $0
     ${If} $0 = 0
-        DetailPrint "The service did not start; the event log may tell why"
+        DetailPrint "The service did not start; $INSTDIR\log and the event log may tell why"
         SetErrorLevel 3
     ${EndIf}
 SectionEnd
@@ -242,10 +246,13 @@ Section Uninstall
     Delete "$INSTDIR\graphicsRGB_config.ini"
     Delete "$INSTDIR\graphicsRGB_config.ini.lock"
     Delete "$INSTDIR\temp.ini"
+    Delete "$INSTDIR\log\TarnService*.log"
+    RMDir "$INSTDIR\log"
     RMDir /r "$INSTDIR\function" ; the port library, the flashing tools and what they left
     RMDir /r "$INSTDIR\update.new" ; left by an installer that was cut off
     RMDir /r "$INSTDIR\update.old"
     RMDir "$INSTDIR"
+    DeleteRegKey HKLM "${EVENT_SOURCE_KEY}"
     DeleteRegKey HKLM "${UNINSTALL_KEY}"
     DeleteRegKey HKLM "${PRODUCT_KEY}"
 SectionEnd

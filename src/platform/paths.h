@@ -28,6 +28,9 @@ inline const QString newEcSettings = QStringLiteral("temp.ini");
 inline const QString savedPowerProfile = QStringLiteral("./powermodeconfig.xml");
 inline const QString savedGraphicsColour = QStringLiteral("./graphicsRGB_config.ini");
 
+// What the service has logged.
+inline const QString logFolder = QStringLiteral("./log");
+
 // Appended to the folder of the program without a separator: Windows ignores the dot that the folder's name
 // then ends in, so this is a folder beside the program. The log shows the path in this form.
 inline const QString guiProgramSuffix = QStringLiteral("./TarnServiceGui/TarnServiceGui.exe");

@@ -67,6 +67,7 @@ void ServiceRun::start()
         enter(ServiceState::StartPending);
     }
     host.startService();
+    started = true;
     const std::scoped_lock lock(mutex);
     enter(ServiceState::Running);
 }

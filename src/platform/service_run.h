@@ -2,6 +2,7 @@
 
 #include "platform/service_manager.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <functional>
@@ -50,6 +51,8 @@ public:
     // and returns the exit code.
     void start();
     [[nodiscard]] int serve();
+    // From the return of start() on; any thread.
+    [[nodiscard]] bool hasStarted() const { return started; }
     // A control (ServiceControl) from the manager, on any thread; returns without waiting for its effect.
     void control(quint32 code);
     // The service has stopped and released everything. Only the first report counts.
@@ -79,6 +82,7 @@ private:
     ServiceHost &host;
     const quint32 acceptedControls;
     const Report report;
+    std::atomic<bool> started {false};
     std::mutex mutex; // guards all members below; held during each report
     std::condition_variable changed;
     ServiceStatus status;

@@ -1,3 +1,6 @@
+#include "platform/log_file.h"
+#include "platform/message_tap.h"
+#include "platform/paths.h"
 #include "platform/process_end.h"
 #include "platform/version.h"
 #include "service/running_check.h"
@@ -15,6 +18,15 @@ namespace {
 // installed under, because it asks about an installation under the older key.
 const QString serviceKey = QStringLiteral("\"TarnService\"");
 constexpr int bannerLines = 5;
+
+// Both live until the process has ended, because its threads log until then.
+void keepLog()
+{
+    static auto *file = new tarnPlatform::LogFile(tarnPlatform::path::logFolder);
+    static auto *tap = new tarnPlatform::MessageTap(
+        [](QtMsgType type, const QString &message) { file->write(type, message); });
+    Q_UNUSED(tap)
+}
 
 void logBanner()
 {
@@ -39,6 +51,9 @@ int main(int argc, char *argv[])
     // All relative paths of the service start in the folder of its program.
     QDir::setCurrent(QCoreApplication::applicationDirPath());
 
+    // The running service has the file; what is asked about it is answered to the user.
+    if (TarnService::isToRun(argc, argv))
+        keepLog();
     logBanner();
     if (!waitForSystem())
         return TarnService::exitCodeBeforeExec(argc, argv);

@@ -79,6 +79,12 @@ int QtServiceBase::exitCodeBeforeExec(int argc, char **argv)
     return option && option->action == &QtServiceBase::executeAsApplication ? 0 : exitFailed;
 }
 
+bool QtServiceBase::isToRun(int argc, char **argv)
+{
+    const Option *option = chosenOption(argc, argv);
+    return !option || option->action == &QtServiceBase::executeAsApplication;
+}
+
 quint32 QtServiceBase::acceptedControls(ServiceFlags flags)
 {
     quint32 controls = tarnPlatform::AcceptsNothing;

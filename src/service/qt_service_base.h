@@ -37,6 +37,8 @@ public:
     // The exit code of a process that was asked to end before exec(): an action that was not performed must
     // not look successful.
     [[nodiscard]] static int exitCodeBeforeExec(int argc, char **argv);
+    // False when the first argument is an action that is about the service, which another process may be.
+    [[nodiscard]] static bool isToRun(int argc, char **argv);
 
     [[nodiscard]] QString serviceName() const { return name; }
     [[nodiscard]] QString serviceDescription() const { return description; }

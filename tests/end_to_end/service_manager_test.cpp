@@ -14,6 +14,25 @@ namespace {
 
 constexpr int notStarted = -4;
 
+// The numbers of the events as the event log keeps them, with the severity in the highest bits. The viewer
+// shows their lowest 16 bits, 1 and 2.
+constexpr DWORD startFailed = 0xC0000001;
+constexpr DWORD endedFatally = 0xC0000002;
+
+// What an event viewer makes of an event: it finds the sentence in the program.
+QString shownEvent(const QString &program, DWORD number, const QString &insertion)
+{
+    const HMODULE table = LoadLibraryExW(
+        program.toStdWString().c_str(), nullptr, LOAD_LIBRARY_AS_DATAFILE | LOAD_LIBRARY_AS_IMAGE_RESOURCE);
+    const std::wstring wide = insertion.toStdWString();
+    DWORD_PTR insertions[] = {reinterpret_cast<DWORD_PTR>(wide.c_str())};
+    wchar_t text[1000] = {};
+    FormatMessageW(FORMAT_MESSAGE_FROM_HMODULE | FORMAT_MESSAGE_ARGUMENT_ARRAY, table, number, 0, text,
+        static_cast<DWORD>(std::size(text)), reinterpret_cast<va_list *>(insertions));
+    FreeLibrary(table);
+    return QString::fromWCharArray(text).trimmed();
+}
+
 class ServiceUnderManager : public tarnTest::InstalledService
 {
 protected:
@@ -33,11 +52,15 @@ protected:
         return QString::fromUtf8(program.read("calls.txt")).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
     [[nodiscard]] QStringList eventLog() const { return calls().filter("Event"); }
-    [[nodiscard]] static QStringList startFailure(const QString &reason)
+    [[nodiscard]] static QStringList errorEvent(DWORD number, const QString &sentence)
     {
         return {"RegisterEventSource Tarn Service",
-            "ReportEvent type 1 category 0 event 0 \"The Service failed to start [" + reason + "]\"",
+            QString("ReportEvent type 1 category 0 event %1 \"%2\"").arg(number).arg(sentence),
             "DeregisterEventSource"};
+    }
+    [[nodiscard]] static QStringList startFailure(const QString &reason)
+    {
+        return errorEvent(startFailed, "The Service failed to start [" + reason + "]");
     }
     void expectPromptStop()
     {
@@ -229,6 +252,32 @@ TEST_F(ServiceUnderManager, DoesNotStayWithoutItsPortLibrary)
     ASSERT_TRUE(waitUntil([this] { return state() == SERVICE_STOPPED; }));
     EXPECT_EQ(status().dwWin32ExitCode, DWORD(ERROR_SERVICE_SPECIFIC_ERROR));
     EXPECT_EQ(eventLog(), startFailure("Cannot load library"));
+}
+
+TEST_F(ServiceUnderManager, TellsTheEventLogOfAFatalEndWhileItRuns)
+{
+    install();
+    ASSERT_TRUE(start());
+    // Windows keeps a library that is in use from being deleted, but not from being renamed.
+    ASSERT_TRUE(QFile::rename(program.path("function/inpoutx64.dll"), program.path("function/moved.dll")));
+    program.breakDown("no-answer"); // the service then loads the library anew
+    ServiceClient client;
+    ASSERT_TRUE(client.connectToService());
+    client.write(R"({"cmd":"getMcuVersion"})");
+    ASSERT_TRUE(waitUntil([this] { return state() == SERVICE_STOPPED; }, 60000))
+        << program.read("log/TarnService.log").right(3000).toStdString();
+    EXPECT_EQ(status().dwWin32ExitCode, DWORD(ERROR_SERVICE_SPECIFIC_ERROR));
+    EXPECT_EQ(eventLog(),
+        errorEvent(endedFatally, "The Service ends because of an error [Cannot load library second]"));
+    EXPECT_TRUE(program.read("log/TarnService.log").contains(" Cannot load library second\n"));
+}
+
+TEST_F(ServiceUnderManager, HasTheSentencesOfItsEvents)
+{
+    for (const DWORD event : {startFailed, endedFatally})
+        EXPECT_EQ(
+            shownEvent(programPath(), event, "The Service 100 % [failed]"), "The Service 100 % [failed]");
+    EXPECT_EQ(shownEvent(programPath(), endedFatally + 1, "no such event"), "");
 }
 
 // A process of the service's own name is asked first whether the service runs under its older name.

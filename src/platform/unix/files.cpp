@@ -32,4 +32,19 @@ bool replaceFile(const QString &from, const QString &to)
     return std::rename(QFile::encodeName(from).constData(), QFile::encodeName(to).constData()) == 0;
 }
 
+bool renameFile(const QString &from, const QString &to)
+{
+    return replaceFile(from, to);
+}
+
+bool openToAppend(QFile &file)
+{
+    return file.open(QIODevice::Append | QIODevice::Unbuffered);
+}
+
+qint64 sizeOfOpened(const QFile &file)
+{
+    return file.size();
+}
+
 } // namespace tarnPlatform

@@ -1,9 +1,9 @@
 #include "platform/windows/service_dispatcher.h"
 
+#include "platform/message_tap.h"
 #include "platform/process_end.h"
 #include "platform/service_run.h"
 #include "platform/windows/event_log.h"
-#include "platform/windows/fatal_message_watch.h"
 #include "platform/windows/wide_text.h"
 
 #include <atomic>
@@ -110,15 +110,17 @@ bool runUnderServiceManager(const ServiceFunctions &functions, const QString &na
         reportStartFailure(functions, name, qt_error_string(static_cast<int>(error)));
         return false;
     }
-    {
-        // A start that cannot succeed ends the process with a fatal message, which is not visible for a
-        // service.
-        const FatalMessageWatch watch([](const QString &message) {
-            reportStartFailure(dispatcher->functions, dispatcher->name, message);
-            dispatcher->run.reportStopped(EXIT_FAILURE);
-        });
-        dispatcher->run.start();
-    }
+    // A fatal message ends the process, and is not visible for a service. Threads log until the process has
+    // ended, so this is never destroyed.
+    static auto *tap = new MessageTap([](QtMsgType type, const QString &message) {
+        if (type != QtFatalMsg)
+            return;
+        const auto reportFailure = dispatcher->run.hasStarted() ? reportFatalEnd : reportStartFailure;
+        reportFailure(dispatcher->functions, dispatcher->name, message);
+        dispatcher->run.reportStopped(EXIT_FAILURE);
+    });
+    Q_UNUSED(tap)
+    dispatcher->run.start();
     *exitCode = dispatcher->run.serve();
     return true;
 }
