@@ -57,7 +57,7 @@ QString unknownCommandText(const QString &name)
     const QString text = QStringLiteral("There is no command \"%1\".").arg(name);
     const QStringList near = nearestCommands(name);
     if (near.isEmpty())
-        return text + QStringLiteral("\n\"tarnctl commands\" lists them all.");
+        return text + QStringLiteral("\n\"tarnctl --help\" and \"tarnctl commands\" list them all.");
     return text + QStringLiteral(" Did you mean %1?").arg(near.join(QLatin1StringView(", ")));
 }
 

@@ -20,6 +20,7 @@ constexpr QLatin1StringView usage(R"(Usage: tarnctl [OPTIONS] COMMAND [DATA]
        tarnctl [OPTIONS] watch
        tarnctl [OPTIONS] raw TEXT
        tarnctl [OPTIONS] update-mcu|update-ec FILE
+       tarnctl [OPTIONS] diagnose
        tarnctl help [COMMAND])");
 
 constexpr QLatin1StringView optionsAndCodes(R"(Options:
@@ -33,11 +34,14 @@ constexpr QLatin1StringView optionsAndCodes(R"(Options:
   --for SECONDS      watch, raw: end after this time
   --reconnect        watch: wait for the service when it is not there, and come back after another client
   --expect VERSION   update-mcu: it has failed unless this version runs afterwards
+  --output FILE      diagnose: write a report to send to somebody
+  --connect          diagnose: ask the service as well
+  --serial-numbers   diagnose: leave the serial numbers in the report
   -h, --help         this text
   --version          the version of tarnctl
 
-Exit codes: 0 done, 1 the service answered "failed" or an update did not do what it should, 2 wrong usage,
-3 no service, 4 no answer in time.)");
+Exit codes: 0 done, 1 the service answered "failed", an update did not do what it should or something is bad, 2 wrong
+usage, 3 no service, 4 no answer in time.)");
 
 constexpr QLatin1StringView watchText(R"(tarnctl watch
 
@@ -112,11 +116,28 @@ console, 3 no service, 4 no answer in time or interrupted; the service then goes
 
 Example: tarnctl update-ec ec-0105.bin)");
 
+constexpr QLatin1StringView diagnoseText(R"(tarnctl diagnose [--output FILE [--serial-numbers]] [--connect]
+
+Looks at what the service needs and prints a line for each: good, bad or unknown, and what to do. Works also when the
+service does not run or hangs. As administrator it sees more.
+
+It opens no connection to the service, which would silence the application that uses it. With --connect it does, and
+asks for the accessory; a connected application then has to connect again.
+
+With --output it writes a text file to send to somebody: the same lines, versions of the system, the settings files and
+the last 2,000 lines of the log; no serial numbers unless --serial-numbers is given. It does name folders, and so
+perhaps users. FILE may be there already only if it is an earlier report.
+
+Exit codes: 0 nothing is bad, 1 something is, 2 the report could not be written.
+
+Example: tarnctl diagnose --output report.txt)");
+
 constexpr Topic topics[] = {
     {QLatin1StringView("watch"), watchText},
     {QLatin1StringView("raw"), rawText},
     {QLatin1StringView("update-mcu"), updateMcuText},
     {QLatin1StringView("update-ec"), updateEcText},
+    {QLatin1StringView("diagnose"), diagnoseText},
     {QLatin1StringView("help"), helpText},
     {QLatin1StringView("commands"), commandsText},
 };
@@ -157,6 +178,7 @@ QString generalHelp()
         "  raw        send bytes as they are\n"
         "  update-mcu flash a file into the KVane's MCU\n"
         "  update-ec  flash a file into the EC\n"
+        "  diagnose   look at what the service needs, and write a report\n"
         "  commands   list the service's commands, one per line\n"
         "  help       explain a command")
         .arg(usageText(), optionsAndCodes.toString(), commandTable());

@@ -1,5 +1,6 @@
 #include "tarnctl.h"
 
+#include "diagnose/diagnose_command.h"
 #include "help_text.h"
 #include "one_shot.h"
 #include "raw_exchange.h"
@@ -88,6 +89,11 @@ ExitCode runUpdateEc(const ToolOptions &options, const QStringList &arguments, T
     return runUpdate(tarn::FirmwareKind::Ec, options, arguments, streams);
 }
 
+ExitCode runDiagnose(const ToolOptions &options, const QStringList &, ToolStreams &streams)
+{
+    return runDiagnosis(options, streams, Computer::ofSystem());
+}
+
 constexpr Verb verbs[] = {
     {QLatin1StringView("help"), 0, 1, false, runHelp},
     {QLatin1StringView("commands"), 0, 0, false, runCommands},
@@ -95,6 +101,7 @@ constexpr Verb verbs[] = {
     {QLatin1StringView("raw"), 1, 1, true, runRaw},
     {QLatin1StringView("update-mcu"), 1, 1, false, runUpdateMcu},
     {QLatin1StringView("update-ec"), 1, 1, false, runUpdateEc},
+    {QLatin1StringView("diagnose"), 0, 0, false, runDiagnose},
 };
 
 const Verb *findVerb(const QString &name)
@@ -155,6 +162,12 @@ ExitCode runOptions(const ToolOptions &options, ToolStreams &streams)
         return refuse(streams, QStringLiteral("--reconnect belongs to watch."));
     if (options.expectedVersion && (verb == nullptr || verb->run != runUpdateMcu))
         return refuse(streams, QStringLiteral("--expect belongs to update-mcu."));
+    const bool hasDiagnosis = options.reportFile || options.connects || options.withSerialNumbers;
+    if (hasDiagnosis && (verb == nullptr || verb->run != runDiagnose))
+        return refuse(
+            streams, QStringLiteral("--output, --connect and --serial-numbers belong to diagnose."));
+    if (options.withSerialNumbers && !options.reportFile)
+        return refuse(streams, QStringLiteral("--serial-numbers belongs to --output."));
     return verb == nullptr ? runServiceCommand(options, streams) : runVerb(*verb, options, streams);
 }
 

@@ -22,6 +22,9 @@ const QString timeoutOption = QStringLiteral("timeout");
 const QString forOption = QStringLiteral("for");
 const QString countOption = QStringLiteral("count");
 const QString expectOption = QStringLiteral("expect");
+const QString outputOption = QStringLiteral("output");
+const QString connectOption = QStringLiteral("connect");
+const QString serialNumbersOption = QStringLiteral("serial-numbers");
 const QString pipeOption = QStringLiteral("pipe");
 const QString helpOption = QStringLiteral("help");
 const QString versionOption = QStringLiteral("version");
@@ -38,6 +41,9 @@ void declareOptions(QCommandLineParser &parser)
         {forOption, QString(), value},
         {countOption, QString(), value},
         {expectOption, QString(), value},
+        {outputOption, QString(), value},
+        {connectOption, QString()},
+        {serialNumbersOption, QString()},
         {pipeOption, QString(), value},
         {{QStringLiteral("h"), helpOption}, QString()},
         {versionOption, QString()},
@@ -107,6 +113,10 @@ ParsedOptions parseOptions(const QStringList &arguments)
     options.duration = readSeconds(parser, forOption, parsed.error);
     options.count = readCount(parser, parsed.error);
     options.expectedVersion = readVersion(parser, parsed.error);
+    if (parser.isSet(outputOption))
+        options.reportFile = parser.value(outputOption);
+    options.connects = parser.isSet(connectOption);
+    options.withSerialNumbers = parser.isSet(serialNumbersOption);
     options.json = parser.isSet(jsonOption);
     options.verbose = parser.isSet(verboseOption);
     options.force = parser.isSet(forceOption);
@@ -116,6 +126,8 @@ ParsedOptions parseOptions(const QStringList &arguments)
     options.words = parser.positionalArguments();
     if (options.pipeName.isEmpty())
         parsed.error = QStringLiteral("--pipe takes a name.");
+    if (options.reportFile && options.reportFile->isEmpty())
+        parsed.error = QStringLiteral("--output takes the name of a file.");
     return parsed;
 }
 

@@ -17,6 +17,11 @@ struct ToolOptions
     std::optional<int> count {};
     // Version of the MCU's firmware, in the form of the service's answer, such as 1.23.
     std::optional<QString> expectedVersion {};
+    // diagnose: where a report is to be written, whether it may connect, and whether the report may hold
+    // serial numbers.
+    std::optional<QString> reportFile {};
+    bool connects = false;
+    bool withSerialNumbers = false;
     bool json = false;
     bool verbose = false;
     bool force = false;

@@ -1,4 +1,6 @@
+#include "client/tarnctl/diagnose/service_entry_windows.h"
 #include "end_to_end/installed_service.h"
+#include "end_to_end/running_tarnctl.h"
 #include "end_to_end/service_client.h"
 #include "support/time_bound.h"
 
@@ -61,6 +63,16 @@ protected:
     [[nodiscard]] static QStringList startFailure(const QString &reason)
     {
         return errorEvent(startFailed, "The Service failed to start [" + reason + "]");
+    }
+    // Start type and command line, as an administrator may change them.
+    static void change(DWORD start, const QString &command)
+    {
+        const SC_HANDLE manager = OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT);
+        const SC_HANDLE service = OpenServiceW(manager, L"Tarn Service", SERVICE_CHANGE_CONFIG);
+        EXPECT_TRUE(ChangeServiceConfigW(service, SERVICE_NO_CHANGE, start, SERVICE_NO_CHANGE,
+            command.toStdWString().c_str(), nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+        CloseServiceHandle(service);
+        CloseServiceHandle(manager);
     }
     void expectPromptStop()
     {
@@ -278,6 +290,50 @@ TEST_F(ServiceUnderManager, HasTheSentencesOfItsEvents)
         EXPECT_EQ(
             shownEvent(programPath(), event, "The Service 100 % [failed]"), "The Service 100 % [failed]");
     EXPECT_EQ(shownEvent(programPath(), endedFatally + 1, "no such event"), "");
+}
+
+// Wine's manager keeps no recovery, so nothing is said of that here.
+TEST_F(ServiceUnderManager, IsDiagnosedAsItIsRegistered)
+{
+    const QString tool = program.path("tarnctl.exe");
+    ASSERT_TRUE(QFile::copy(tarnTest::builtProgram("tarnctl"), tool));
+    const auto diagnosis = [&tool] {
+        return tarnTest::RunningTarnctl({"diagnose"}, tool).outcome().out;
+    };
+    install();
+    const QString sound = diagnosis();
+    for (const char *line : {"good     registered         as ", "good     start type         automatic\n",
+             "good     account            LocalSystem\n",
+             "unknown  recovery           the system does not tell\n",
+             "bad      running            no, the service is stopped\n"})
+        EXPECT_TRUE(sound.contains(line)) << line << '\n' << sound.toStdString();
+    EXPECT_EQ(command({"-u"}), 0);
+
+    EXPECT_EQ(command({"-i", "NT AUTHORITY\\LocalService"}), 0);
+    change(SERVICE_DISABLED, QDir::toNativeSeparators(program.path("no such.exe")));
+    const QString broken = diagnosis();
+    for (const char *line : {"bad      registered         as ", "bad      start type         disabled\n",
+             "bad      account            NT AUTHORITY\\LocalService, "})
+        EXPECT_TRUE(broken.contains(line)) << line << '\n' << broken.toStdString();
+}
+
+TEST(ServiceRecovery, IsReadAsTheManagerKeepsIt)
+{
+    tarnctl::ServiceEntry entry;
+    tarnctl::addRecovery(entry, nullptr, nullptr);
+    EXPECT_EQ(entry.restarts, std::nullopt);
+    EXPECT_EQ(entry.restartsAfterFailedStop, std::nullopt);
+    SC_ACTION list[] = {{SC_ACTION_RESTART, 5000}, {SC_ACTION_NONE, 0}, {SC_ACTION_RESTART, 60000}};
+    SERVICE_FAILURE_ACTIONSW actions = {86400, nullptr, nullptr, 3, list};
+    SERVICE_FAILURE_ACTIONS_FLAG flag = {FALSE};
+    tarnctl::addRecovery(entry, &actions, &flag);
+    EXPECT_EQ(entry.restarts, 2);
+    EXPECT_EQ(entry.restartsAfterFailedStop, false);
+    flag.fFailureActionsOnNonCrashFailures = TRUE;
+    actions.cActions = 0;
+    tarnctl::addRecovery(entry, &actions, &flag);
+    EXPECT_EQ(entry.restarts, 0);
+    EXPECT_EQ(entry.restartsAfterFailedStop, true);
 }
 
 // A process of the service's own name is asked first whether the service runs under its older name.

@@ -1,62 +1,20 @@
+#include "end_to_end/running_tarnctl.h"
 #include "end_to_end/service_process.h"
 
 #include "device/ec_registers.h"
-#include "support/child_process.h"
 
 #include <QDir>
 #include <QFile>
-#include <QProcess>
-#include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 using namespace tarnDeviceInfos;
+using tarnTest::RunningTarnctl;
 using tarnTest::ServiceProcess;
+using tarnTest::tarnctl;
+using tarnTest::ToolOutcome;
 
 namespace {
-
-struct Outcome
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-};
-
-QString contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()).remove(QLatin1Char('\r'))
-                                          : QString();
-}
-
-// It writes into files and not into pipes, because under Wine the last words of a program that ends may not
-// come out of its pipe.
-class RunningTarnctl
-{
-public:
-    explicit RunningTarnctl(const QStringList &arguments)
-    {
-        process.setStandardOutputFile(folder.filePath("out"));
-        process.setStandardErrorFile(folder.filePath("err"));
-        process.start(tarnTest::builtProgram(QStringLiteral("tarnctl")), arguments);
-    }
-
-    [[nodiscard]] Outcome outcome()
-    {
-        if (!tarnTest::waitForEnd(process, 60000))
-            return {};
-        return {process.exitCode(), contentOf(folder.filePath("out")), contentOf(folder.filePath("err"))};
-    }
-
-private:
-    QTemporaryDir folder;
-    QProcess process;
-};
-
-Outcome tarnctl(const QStringList &arguments)
-{
-    return RunningTarnctl(arguments).outcome();
-}
 
 // A service whose download folder is also that of tarnctl, and a firmware file.
 class TarnctlUpdate : public ::testing::Test
@@ -101,10 +59,10 @@ TEST(Tarnctl, AsksAndSetsThroughARealService)
     EXPECT_EQ(tarnctl({"powerModeControl", "last"}).exitCode, 0);
     EXPECT_TRUE(service.waitForLog("app is closing now."));
 
-    const Outcome forced = tarnctl({"--force", "setDockLedStatus", "blue"});
+    const ToolOutcome forced = tarnctl({"--force", "setDockLedStatus", "blue"});
     EXPECT_EQ(forced.exitCode, 1);
     EXPECT_EQ(forced.out, "failed\n");
-    const Outcome unanswered = tarnctl({"--force", "--timeout", "2", "noSuchCommand"});
+    const ToolOutcome unanswered = tarnctl({"--force", "--timeout", "2", "noSuchCommand"});
     EXPECT_EQ(unanswered.exitCode, 4);
     EXPECT_FALSE(unanswered.err.isEmpty());
     EXPECT_EQ(service.stop(), 0);
@@ -113,7 +71,7 @@ TEST(Tarnctl, AsksAndSetsThroughARealService)
 TEST(Tarnctl, SaysWhatIsWrongWithoutAService)
 {
     const ServiceProcess unstarted; // its folder has no socket
-    const Outcome outcome = tarnctl({"getMcuVersion"});
+    const ToolOutcome outcome = tarnctl({"getMcuVersion"});
     EXPECT_EQ(outcome.exitCode, 3);
     EXPECT_TRUE(outcome.err.contains("./run"));
     EXPECT_EQ(tarnctl({"getMcuVersions"}).exitCode, 2);
@@ -129,7 +87,7 @@ TEST_F(TarnctlUpdate, OfAnMcuThatFailedLateIsNotToldUntouched)
     RunningTarnctl running(update("update-mcu"));
     ASSERT_TRUE(service.waitForLog("\"getAccessoryType\""));
     service.attach(ACCESSORY_KVANE);
-    const Outcome outcome = running.outcome();
+    const ToolOutcome outcome = running.outcome();
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_TRUE(service.log().contains("mcuUpdateProcess failed 3 times."));
     EXPECT_TRUE(outcome.err.contains("The MCU's firmware may be incomplete now."))
@@ -142,13 +100,13 @@ TEST_F(TarnctlUpdate, OfAnMcuWithoutAKVaneIsToldUntouched)
 {
     service.attach(ACCESSORY_DOCK);
     ASSERT_TRUE(service.waitForLog("now Accessory is dock"));
-    const Outcome asked = tarnctl(update("update-mcu", {"--timeout", "5"}));
+    const ToolOutcome asked = tarnctl(update("update-mcu", {"--timeout", "5"}));
     EXPECT_EQ(asked.exitCode, 1);
     EXPECT_TRUE(asked.err.contains("the service sees \"dock\". Nothing has been touched."))
         << asked.err.toStdString();
     EXPECT_FALSE(service.log().contains("requestMcuUpdate"));
 
-    const Outcome forced = tarnctl(update("update-mcu", {"--force"}));
+    const ToolOutcome forced = tarnctl(update("update-mcu", {"--force"}));
     EXPECT_EQ(forced.exitCode, 1);
     EXPECT_TRUE(service.log().contains("MCU and base handshake failed!"));
     EXPECT_TRUE(forced.err.contains("refused the update before it touched the MCU"))
@@ -159,7 +117,7 @@ TEST_F(TarnctlUpdate, OfAnMcuWithoutAKVaneIsToldUntouched)
 TEST_F(TarnctlUpdate, OfTheEcThatIsRefusedReservesNothing)
 {
     ASSERT_TRUE(QFile::remove(service.path("function/EC/uiset.ini")));
-    const Outcome outcome = tarnctl(update("update-ec"));
+    const ToolOutcome outcome = tarnctl(update("update-ec"));
     EXPECT_EQ(outcome.exitCode, 1);
     EXPECT_TRUE(outcome.err.contains("this update has flashed nothing.")) << outcome.err.toStdString();
     EXPECT_FALSE(hasDownload());
@@ -169,14 +127,14 @@ TEST_F(TarnctlUpdate, OfTheEcThatIsRefusedReservesNothing)
 
 TEST_F(TarnctlUpdate, OfTheEcReservesItForTheNextOne)
 {
-    const Outcome ec = tarnctl(update("update-ec"));
+    const ToolOutcome ec = tarnctl(update("update-ec"));
     EXPECT_EQ(ec.exitCode, 0);
     EXPECT_TRUE(ec.out.startsWith("The service is done with the EC tool.")) << ec.err.toStdString();
     EXPECT_TRUE(service.log().contains("ecUpdate Leave |"));
     EXPECT_FALSE(service.log().contains("requestStartEcUpdate"));
 
     service.attach(ACCESSORY_KVANE); // which the service cannot see
-    const Outcome mcu = tarnctl(update("update-mcu", {"--timeout", "2"}));
+    const ToolOutcome mcu = tarnctl(update("update-mcu", {"--timeout", "2"}));
     EXPECT_EQ(mcu.exitCode, 4);
     EXPECT_TRUE(
         mcu.err.contains("No answer to getMcuVersion within 2 s.\nFirst see whether the EC is reserved"))

@@ -15,6 +15,10 @@ void requestInterrupt(QProcess &process);
 // The terminal goes: SIGHUP, or the closing of the console.
 void closeTerminal(QProcess &process);
 
+// Stops all threads of the process until it is resumed.
+void suspend(const QProcess &process);
+void resume(const QProcess &process);
+
 // A terminal or console of its own for a process that is going to be started, and for the processes that this
 // one starts in its own session.
 class Terminal

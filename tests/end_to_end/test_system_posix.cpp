@@ -27,6 +27,16 @@ void closeTerminal(QProcess &process)
     ::kill(static_cast<pid_t>(process.processId()), SIGHUP);
 }
 
+void suspend(const QProcess &process)
+{
+    ::kill(static_cast<pid_t>(process.processId()), SIGSTOP);
+}
+
+void resume(const QProcess &process)
+{
+    ::kill(static_cast<pid_t>(process.processId()), SIGCONT);
+}
+
 Terminal::Terminal(QProcess &process)
     : user(process)
     , master(::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC))

@@ -10,6 +10,8 @@
 
 #include <windows.h>
 
+#include <tlhelp32.h>
+
 namespace tarnTest {
 namespace {
 
@@ -25,6 +27,21 @@ bool interruptUnderWine(const QProcess &process)
     shell.start(
         hostShell, {QStringLiteral("-c"), QStringLiteral("pkill -INT -f '%1.TarnService'").arg(testFolder)});
     return waitForEnd(shell, 10000) && shell.exitStatus() == QProcess::NormalExit && shell.exitCode() == 0;
+}
+
+void forEachThread(const QProcess &process, DWORD(WINAPI *act)(HANDLE thread))
+{
+    const HANDLE threads = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
+    THREADENTRY32 entry = {};
+    entry.dwSize = sizeof entry;
+    for (BOOL found = Thread32First(threads, &entry); found; found = Thread32Next(threads, &entry)) {
+        if (entry.th32OwnerProcessID != static_cast<DWORD>(process.processId()))
+            continue;
+        const HANDLE thread = OpenThread(THREAD_SUSPEND_RESUME, FALSE, entry.th32ThreadID);
+        act(thread);
+        CloseHandle(thread);
+    }
+    CloseHandle(threads);
 }
 
 } // namespace
@@ -55,6 +72,16 @@ void closeTerminal(QProcess &process)
         OpenEventW(EVENT_MODIFY_STATE, FALSE, reinterpret_cast<const wchar_t *>(name.utf16()));
     SetEvent(event);
     CloseHandle(event);
+}
+
+void suspend(const QProcess &process)
+{
+    forEachThread(process, SuspendThread);
+}
+
+void resume(const QProcess &process)
+{
+    forEachThread(process, ResumeThread);
 }
 
 // A console program that is started from one without a console gets one of its own.

@@ -84,7 +84,8 @@ TEST(TarnctlUsageTest, NamesTheWayOn)
         "tarnctl: There is no command \"getMcuVersio\". Did you mean getMcuVersion?\n");
     EXPECT_TRUE(runTool({"getMcuVersion", "--reconnect"}).errors.contains("--reconnect belongs to watch."));
     EXPECT_EQ(runTool({"zzzzzz"}).errors,
-        "tarnctl: There is no command \"zzzzzz\".\n\"tarnctl commands\" lists them all.\n");
+        "tarnctl: There is no command \"zzzzzz\".\n\"tarnctl --help\" and \"tarnctl commands\" list them "
+        "all.\n");
     EXPECT_TRUE(runTool({"setGraphicsRGB", "pink"}).errors.contains("purplishred, shutdown"));
 }
 
