@@ -9,6 +9,7 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace tarnctl {
 
@@ -16,26 +17,11 @@ namespace {
 
 const QString serviceName = QStringLiteral("Tarn Service");
 
-// Closes what it holds.
-class Handle
+struct HandleCloser
 {
-public:
-    explicit Handle(HANDLE owned)
-        : handle(owned)
-    { }
-    ~Handle()
-    {
-        if (handle != nullptr)
-            CloseHandle(handle);
-    }
-    Handle(const Handle &) = delete;
-    Handle &operator=(const Handle &) = delete;
-
-    [[nodiscard]] HANDLE get() const { return handle; }
-
-private:
-    HANDLE handle;
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
 };
+using Handle = std::unique_ptr<void, HandleCloser>;
 
 bool isAdministrator()
 {
@@ -71,7 +57,7 @@ bool createsForThisUser(qint64 processId)
     const Handle process(
         OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(processId)));
     const QByteArray user = tokenOf(GetCurrentProcess(), TokenUser);
-    const QByteArray owner = process.get() != nullptr ? tokenOf(process.get(), TokenOwner) : QByteArray();
+    const QByteArray owner = process ? tokenOf(process.get(), TokenOwner) : QByteArray();
     return !user.isEmpty() && !owner.isEmpty()
         && EqualSid(reinterpret_cast<const TOKEN_USER *>(user.constData())->User.Sid,
             reinterpret_cast<const TOKEN_OWNER *>(owner.constData())->Owner);
@@ -129,8 +115,7 @@ protected:
             OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, static_cast<DWORD>(processId)));
         FILETIME started = {};
         FILETIME other[3] = {};
-        if (process.get() == nullptr
-            || !GetProcessTimes(process.get(), &started, &other[0], &other[1], &other[2]))
+        if (!process || !GetProcessTimes(process.get(), &started, &other[0], &other[1], &other[2]))
             return std::nullopt;
         // In units of 100 ns since 1601, 11,644,473,600 s before 1970.
         const qint64 ticks = (static_cast<qint64>(started.dwHighDateTime) << 32) | started.dwLowDateTime;

@@ -73,7 +73,7 @@ Finding ecSettingsFinding(const Case &examined)
     if (!QFileInfo(path).isFile())
         return {Verdict::Bad, subject, QStringLiteral("not there: %1").arg(path), whatToDo};
     QString problem;
-    const auto content = readEnd(path, problem, mostSettingsBytes);
+    const auto content = readStart(path, problem, mostSettingsBytes);
     if (!content)
         return {
             Verdict::Unknown, subject, QStringLiteral("%1: %2").arg(path, problem), advice::asAdministrator};

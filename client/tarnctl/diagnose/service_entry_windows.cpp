@@ -7,31 +7,18 @@
 #include <winsvc.h>
 
 #include <algorithm>
+#include <memory>
+#include <type_traits>
 
 namespace tarnctl {
 
 namespace {
 
-// Closes what it holds.
-class ServiceHandle
+struct ServiceCloser
 {
-public:
-    explicit ServiceHandle(SC_HANDLE owned)
-        : handle(owned)
-    { }
-    ~ServiceHandle()
-    {
-        if (handle != nullptr)
-            CloseServiceHandle(handle);
-    }
-    ServiceHandle(const ServiceHandle &) = delete;
-    ServiceHandle &operator=(const ServiceHandle &) = delete;
-
-    [[nodiscard]] SC_HANDLE get() const { return handle; }
-
-private:
-    SC_HANDLE handle;
+    void operator()(SC_HANDLE handle) const { CloseServiceHandle(handle); }
 };
+using ServiceHandle = std::unique_ptr<std::remove_pointer_t<SC_HANDLE>, ServiceCloser>;
 
 ServiceEntry::Start startOf(DWORD type)
 {
@@ -134,11 +121,11 @@ ServiceEntry readServiceEntry(const QString &name)
     ServiceEntry entry;
     entry.known = ServiceEntry::Known::Unreadable;
     const ServiceHandle manager(OpenSCManagerW(nullptr, nullptr, SC_MANAGER_CONNECT));
-    if (manager.get() == nullptr)
+    if (!manager)
         return entry;
     const ServiceHandle service(OpenServiceW(
         manager.get(), name.toStdWString().c_str(), SERVICE_QUERY_CONFIG | SERVICE_QUERY_STATUS));
-    if (service.get() == nullptr) {
+    if (!service) {
         if (GetLastError() == ERROR_SERVICE_DOES_NOT_EXIST)
             entry.known = ServiceEntry::Known::No;
         return entry;

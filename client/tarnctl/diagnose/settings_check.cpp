@@ -3,20 +3,23 @@
 
 #include "platform/paths.h"
 
+#include <tarn/values.h>
+
 #include <QFileInfo>
 
 namespace tarnctl {
 
 namespace {
 
-// A digit, as PowerModeFile writes it.
+// The number of a profile.
 bool isProfile(const QByteArray &content)
 {
-    const QByteArray number = content.trimmed();
-    return number.size() == 1 && number.at(0) >= '0' && number.at(0) <= '3';
+    bool isNumber = false;
+    const int number = content.trimmed().toInt(&isNumber);
+    return isNumber && !tarn::nameOf(static_cast<tarn::Profile>(number)).isEmpty();
 }
 
-// In the section in which the service looks for it. 7 stands for "off", which is never saved.
+// The number of a colour in the section in which the service looks for it. "off" is never saved.
 bool isColour(const QByteArray &content)
 {
     const QByteArray key = "graphicsColor=";
@@ -25,8 +28,11 @@ bool isColour(const QByteArray &content)
         const QByteArray line = whole.trimmed();
         if (line.startsWith('['))
             inGeneralSection = line == "[General]";
-        else if (inGeneralSection && line.startsWith(key))
-            return line.size() == key.size() + 1 && line.back() >= '0' && line.back() <= '6';
+        if (!inGeneralSection || !line.startsWith(key))
+            continue;
+        bool isNumber = false;
+        const auto colour = static_cast<tarn::Colour>(line.mid(key.size()).toInt(&isNumber));
+        return isNumber && !tarn::nameOf(colour).isEmpty() && colour != tarn::Colour::Shutdown;
     }
     return false;
 }
