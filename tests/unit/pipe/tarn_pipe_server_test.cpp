@@ -249,6 +249,7 @@ TEST_F(PipeServer, ReadsWhatAClientWroteBeforeItLeftAlsoWhenItsNextMessageIsDue)
     server->sendDataToClient("late");
     EXPECT_TRUE(waitUntil([this] { return machine.log.contains("Unknown command:  \"nothing\""); }, 5000));
     EXPECT_TRUE(waitUntil([this] { return machine.log.contains("Tarn pipe client is exit!"); }));
+    EXPECT_TRUE(waitUntil([] { return queuedMessages().size() == 1; })); // the handler has ended
 }
 
 TEST_F(PipeServer, ALateReplyGoesToTheNextClient)
