@@ -42,3 +42,15 @@ function(tarn_unite_sources target batch)
     # GCC takes an anonymous namespace in such a file for one in a header, and would warn.
     target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endfunction()
+
+# Compiles only the sources of one list together, so that a list in which one more stands does not bring files of others
+# together whose names clash. For targets with several lists, called for each of them.
+function(tarn_unite_list target name batch)
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ${TARN_UNITE_SOURCES} UNITY_BUILD_MODE GROUP)
+    set(count 0)
+    foreach(source ${ARGN})
+        math(EXPR part "${count} / ${batch}")
+        set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${name}_${part})
+        math(EXPR count "${count} + 1")
+    endforeach()
+endfunction()

@@ -1,6 +1,7 @@
 #include "device/ec_dirver_controller_hal.h"
 
 #include "device/ec_registers.h"
+#include "device/recording/ec_recorder.h"
 #include "platform/paths.h"
 #include "platform/process_wide.h"
 #include "platform/waits.h"
@@ -41,6 +42,7 @@ EcDirverControllerHal::EcDirverControllerHal()
     : libraryPath(tarnPlatform::path::portLibrary)
     // As an absolute path: for a relative one Windows would search PATH as well, with a service's rights.
     , library(QDir::current().absoluteFilePath(libraryPath))
+    , recorder(tarnRecording::EcRecorder::active())
 {
     qDebug() << "dirverControllerHal object is create!";
     if (!loadLibrary())
@@ -134,6 +136,8 @@ int EcDirverControllerHal::writeEeprom(quint16 offset, quint8 value)
 void EcDirverControllerHal::reloadDLL()
 {
     library.unload();
+    if (recorder)
+        recorder->noteUnload();
     qDebug() << "Library is kill";
     sleepFor(unloadPause);
     if (!loadLibrary())
@@ -143,14 +147,28 @@ void EcDirverControllerHal::reloadDLL()
 
 bool EcDirverControllerHal::loadLibrary()
 {
-    if (!library.load())
+    const bool isLoaded = library.load();
+    if (isLoaded) {
+        out32Func = reinterpret_cast<Out32>(library.resolve("Out32"));
+        inp32Func = reinterpret_cast<Inp32>(library.resolve("Inp32"));
+    }
+    if (recorder)
+        recordLoad(isLoaded);
+    if (!isLoaded)
         return false;
-    out32Func = reinterpret_cast<Out32>(library.resolve("Out32"));
-    inp32Func = reinterpret_cast<Inp32>(library.resolve("Inp32"));
     if (!out32Func || !inp32Func)
         qFatal("out32Func or inp32Func is empty!");
     qDebug() << "open out32Func and inp32Func is sucessful!";
     return true;
+}
+
+void EcDirverControllerHal::recordLoad(bool isLoaded)
+{
+    using Result = tarnRecording::EcRecord::LoadResult;
+    const bool isComplete = isLoaded && out32Func && inp32Func;
+    recorder->noteLoad(isComplete ? Result::Ok : isLoaded ? Result::Incomplete : Result::Failed);
+    if (isComplete)
+        recorder->tap(out32Func, inp32Func);
 }
 
 int EcDirverControllerHal::sendCommand(quint8 command)

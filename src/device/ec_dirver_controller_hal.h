@@ -10,6 +10,10 @@ namespace tarnPlatform {
 template <typename Object> class ProcessWide;
 }
 
+namespace tarnRecording {
+class EcRecorder;
+}
+
 namespace tarnDeviceInfos {
 
 // The only code that touches hardware ports: one byte of EC memory (xdata) or of EC EEPROM at a time, over
@@ -51,6 +55,7 @@ private:
     using Inp32 = qint16 (*)(quint16 port);
 
     bool loadLibrary();
+    void recordLoad(bool isLoaded);
     int sendCommand(quint8 command);
     int writeData(quint8 byte);
     int readData(quint8 *byte);
@@ -66,6 +71,7 @@ private:
     Inp32 inp32Func = nullptr;
     QString libraryPath;
     QLibrary library;
+    tarnRecording::EcRecorder *const recorder; // null when nothing is recorded
 };
 
 } // namespace tarnDeviceInfos

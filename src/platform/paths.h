@@ -8,6 +8,10 @@ namespace tarnPlatform::path {
 
 inline const QString portLibrary = QStringLiteral("./function/inpoutx64.dll");
 
+// While this file is there when the service starts, what goes over the EC's ports is recorded into files
+// beside it.
+inline const QString recordingSwitch = QStringLiteral("./function/ec_recording.on");
+
 // The external tools that flash, and the folders that they and their firmware lie in.
 inline const QString mcuTool = QStringLiteral("./function/MCU/stm32flash.exe");
 inline const QString mcuFolder = QStringLiteral("./function/MCU");

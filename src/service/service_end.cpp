@@ -2,6 +2,7 @@
 
 #include "device/ec_access_lock.h"
 #include "device/monitor/ec_dirver_reader.h"
+#include "device/recording/ec_recorder.h"
 #include "pipe/handler_threads.h"
 #include "pipe/outbox/send_queue_thread.h"
 #include "pipe/tarn_pipe_server.h"
@@ -14,6 +15,7 @@
 #include <QDeadlineTimer>
 #include <QDebug>
 
+#include <chrono>
 #include <cstdio>
 
 namespace {
@@ -28,6 +30,7 @@ namespace endBudget = tarnPlatform::endBudget;
 constexpr int pollMs = 10;
 // A thread that QThread reports as finished still frees its Qt thread data. Qt does not tell when it has.
 constexpr unsigned long threadDataMs = 20;
+constexpr std::chrono::milliseconds longestRecordingEnd {100};
 
 bool hasFinished(const QThread *thread)
 {
@@ -69,6 +72,8 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
         if (tarnFirmwareUpdate::isToolRunning())
             qWarning() << "The service ends while a tool flashes; the tool goes on until it is done.";
         std::fflush(nullptr);
+        if (auto *recorder = tarnRecording::EcRecorder::existing())
+            recorder->flushWithin(longestRecordingEnd); // a thread may be held up in writing it
         manager.reportStopped(exitCode);
         tarnPlatform::exitAtOnce(exitCode); // a normal end would wait for the threads that are held up
     }
@@ -79,6 +84,8 @@ int endProcess(int exitCode, tarnPlatform::ServiceManager &manager)
         monitor->wait();
     delete monitor;
     QThread::msleep(threadDataMs);
+    if (auto *recorder = tarnRecording::EcRecorder::existing())
+        recorder->flush();
     manager.reportStopped(exitCode);
     return exitCode;
 }
