@@ -21,6 +21,8 @@ constexpr QLatin1StringView usage(R"(Usage: tarnctl [OPTIONS] COMMAND [DATA]
        tarnctl [OPTIONS] raw TEXT
        tarnctl [OPTIONS] update-mcu|update-ec FILE
        tarnctl [OPTIONS] diagnose
+       tarnctl record on|off
+       tarnctl [OPTIONS] check-computer [STEP...]
        tarnctl help [COMMAND])");
 
 constexpr QLatin1StringView optionsAndCodes(R"(Options:
@@ -36,7 +38,8 @@ constexpr QLatin1StringView optionsAndCodes(R"(Options:
   --expect VERSION   update-mcu: it has failed unless this version runs afterwards
   --output FILE      diagnose: write a report to send to somebody
   --connect          diagnose: ask the service as well
-  --serial-numbers   diagnose: leave the serial numbers in the report
+  --serial-numbers   diagnose, check-computer: leave the serial numbers in the report
+  --without-recording  check-computer: go on although the service records nothing
   -h, --help         this text
   --version          the version of tarnctl
 
@@ -132,12 +135,47 @@ Exit codes: 0 nothing is bad, 1 something is, 2 the report could not be written.
 
 Example: tarnctl diagnose --output report.txt)");
 
+constexpr QLatin1StringView checkText(R"(tarnctl check-computer [STEP...]
+
+Leads you through a check of a real computer with its accessories, for somebody who looks for a fault without having the
+computer. First it only reads; then, after a yes, it switches lights, power mode, smart charging and power profiles and
+puts back what was there before; at the end it asks you to plug in what you have. It never touches firmware.
+
+The service has to record: "tarnctl record on" and a restart of the service, or --without-recording. It serves one client,
+so close the application before. On Windows run it as administrator.
+
+Each step says what is expected and what came. An answer that takes more than 5 s is late, and so not as expected. At the
+end, also after Ctrl+C, it writes what it asked (ec-TIME.requests) and a report (ec-TIME.report.txt) beside the recording.
+The report has no serial numbers unless --serial-numbers is given.
+
+STEP is the name of a step, such as versions or plug-dock: then only those are run. A wrong name lists them all.
+
+Exit codes: 0 all that ran was as expected, 1 something was not, 2 nothing could be checked or reported, 3 no service, 4 the
+service stopped talking, or Ctrl+C.
+
+Example: tarnctl check-computer)");
+
+constexpr QLatin1StringView recordText(R"(tarnctl record on|off
+
+Switches the recording of the EC's ports on or off, for somebody who looks for a fault without having the computer. The
+service looks at the switch when it starts, so restart it afterwards. It then writes ec-TIME.recording into its folder
+"function": each access to the EC with its time. A file has at most 64 MiB, and the last two are kept. The serial number
+of an attached KVane is among the accesses when the service reads it.
+
+It needs the right to write into that folder: on Windows run it as administrator.
+
+Exit codes: 0 done, 2 the switch could not be changed.
+
+Example: tarnctl record on)");
+
 constexpr Topic topics[] = {
     {QLatin1StringView("watch"), watchText},
     {QLatin1StringView("raw"), rawText},
     {QLatin1StringView("update-mcu"), updateMcuText},
     {QLatin1StringView("update-ec"), updateEcText},
     {QLatin1StringView("diagnose"), diagnoseText},
+    {QLatin1StringView("check-computer"), checkText},
+    {QLatin1StringView("record"), recordText},
     {QLatin1StringView("help"), helpText},
     {QLatin1StringView("commands"), commandsText},
 };
@@ -179,6 +217,8 @@ QString generalHelp()
         "  update-mcu flash a file into the KVane's MCU\n"
         "  update-ec  flash a file into the EC\n"
         "  diagnose   look at what the service needs, and write a report\n"
+        "  check-computer  lead you through a check of a real computer\n"
+        "  record     switch the recording of the EC's ports on or off\n"
         "  commands   list the service's commands, one per line\n"
         "  help       explain a command")
         .arg(usageText(), optionsAndCodes.toString(), commandTable());

@@ -8,8 +8,10 @@ namespace {
 
 volatile std::sig_atomic_t raised = 0;
 
-extern "C" void raiseInterruptFlag(int)
+// Windows takes the handler away when it calls it: without this a second Ctrl+C would end the process.
+extern "C" void raiseInterruptFlag(int number)
 {
+    std::signal(number, raiseInterruptFlag);
     raised = 1;
 }
 

@@ -1,9 +1,11 @@
 #include "tarnctl.h"
 
+#include "check/check_command.h"
 #include "diagnose/diagnose_command.h"
 #include "help_text.h"
 #include "one_shot.h"
 #include "raw_exchange.h"
+#include "record_command.h"
 #include "update_command.h"
 #include "watch.h"
 
@@ -94,6 +96,18 @@ ExitCode runDiagnose(const ToolOptions &options, const QStringList &, ToolStream
     return runDiagnosis(options, streams, Computer::ofSystem());
 }
 
+ExitCode runRecordSwitch(const ToolOptions &, const QStringList &arguments, ToolStreams &streams)
+{
+    return runRecord(arguments.first(), streams, Computer::ofSystem());
+}
+
+ExitCode runCheckComputer(const ToolOptions &options, const QStringList &arguments, ToolStreams &streams)
+{
+    return CheckCommand(options, streams, Computer::ofSystem()).run(arguments);
+}
+
+constexpr int anyNumber = 1000;
+
 constexpr Verb verbs[] = {
     {QLatin1StringView("help"), 0, 1, false, runHelp},
     {QLatin1StringView("commands"), 0, 0, false, runCommands},
@@ -102,6 +116,8 @@ constexpr Verb verbs[] = {
     {QLatin1StringView("update-mcu"), 1, 1, false, runUpdateMcu},
     {QLatin1StringView("update-ec"), 1, 1, false, runUpdateEc},
     {QLatin1StringView("diagnose"), 0, 0, false, runDiagnose},
+    {QLatin1StringView("check-computer"), 0, anyNumber, false, runCheckComputer},
+    {QLatin1StringView("record"), 1, 1, false, runRecordSwitch},
 };
 
 const Verb *findVerb(const QString &name)
@@ -162,12 +178,16 @@ ExitCode runOptions(const ToolOptions &options, ToolStreams &streams)
         return refuse(streams, QStringLiteral("--reconnect belongs to watch."));
     if (options.expectedVersion && (verb == nullptr || verb->run != runUpdateMcu))
         return refuse(streams, QStringLiteral("--expect belongs to update-mcu."));
-    const bool hasDiagnosis = options.reportFile || options.connects || options.withSerialNumbers;
-    if (hasDiagnosis && (verb == nullptr || verb->run != runDiagnose))
-        return refuse(
-            streams, QStringLiteral("--output, --connect and --serial-numbers belong to diagnose."));
-    if (options.withSerialNumbers && !options.reportFile)
+    const bool isDiagnosis = verb != nullptr && verb->run == runDiagnose;
+    const bool isCheck = verb != nullptr && verb->run == runCheckComputer;
+    if ((options.reportFile || options.connects) && !isDiagnosis)
+        return refuse(streams, QStringLiteral("--output and --connect belong to diagnose."));
+    if (options.withSerialNumbers && !isCheck && !isDiagnosis)
+        return refuse(streams, QStringLiteral("--serial-numbers belongs to diagnose and check-computer."));
+    if (options.withSerialNumbers && isDiagnosis && !options.reportFile)
         return refuse(streams, QStringLiteral("--serial-numbers belongs to --output."));
+    if (options.withoutRecording && !isCheck)
+        return refuse(streams, QStringLiteral("--without-recording belongs to check-computer."));
     return verb == nullptr ? runServiceCommand(options, streams) : runVerb(*verb, options, streams);
 }
 

@@ -25,6 +25,7 @@ const QString expectOption = QStringLiteral("expect");
 const QString outputOption = QStringLiteral("output");
 const QString connectOption = QStringLiteral("connect");
 const QString serialNumbersOption = QStringLiteral("serial-numbers");
+const QString withoutRecordingOption = QStringLiteral("without-recording");
 const QString pipeOption = QStringLiteral("pipe");
 const QString helpOption = QStringLiteral("help");
 const QString versionOption = QStringLiteral("version");
@@ -44,6 +45,7 @@ void declareOptions(QCommandLineParser &parser)
         {outputOption, QString(), value},
         {connectOption, QString()},
         {serialNumbersOption, QString()},
+        {withoutRecordingOption, QString()},
         {pipeOption, QString(), value},
         {{QStringLiteral("h"), helpOption}, QString()},
         {versionOption, QString()},
@@ -117,6 +119,7 @@ ParsedOptions parseOptions(const QStringList &arguments)
         options.reportFile = parser.value(outputOption);
     options.connects = parser.isSet(connectOption);
     options.withSerialNumbers = parser.isSet(serialNumbersOption);
+    options.withoutRecording = parser.isSet(withoutRecordingOption);
     options.json = parser.isSet(jsonOption);
     options.verbose = parser.isSet(verboseOption);
     options.force = parser.isSet(forceOption);

@@ -22,6 +22,8 @@ struct ToolOptions
     std::optional<QString> reportFile {};
     bool connects = false;
     bool withSerialNumbers = false;
+    // check-computer: also while the service records nothing.
+    bool withoutRecording = false;
     bool json = false;
     bool verbose = false;
     bool force = false;
