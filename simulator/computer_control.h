@@ -85,6 +85,8 @@ public:
     [[nodiscard]] TimingState &timing() { return machine.timing; }
     [[nodiscard]] const TimingState &timing() const { return machine.timing; }
     [[nodiscard]] const CounterState &counters() const { return machine.counters; }
+    [[nodiscard]] MachineState &state() { return machine; }
+    [[nodiscard]] const MachineState &state() const { return machine; }
 
 private:
     MachineState &machine;

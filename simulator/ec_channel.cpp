@@ -24,7 +24,7 @@ enum AnswerState : std::uint8_t { NoAnswer, Prepared, Waiting };
 
 } // namespace
 
-EcChannel::EcChannel(MachineState &machine, const NowMs &clock, RegisterFile &file)
+EcChannel::EcChannel(MachineState &machine, const NowMs &clock, Registers &file)
     : state(machine)
     , channel(machine.channel)
     , nowMs(clock)

@@ -2,8 +2,8 @@
 
 #include "simulator/clock.h"
 #include "simulator/machine_state.h"
-#include "simulator/register_file.h"
 #include "simulator/register_log.h"
+#include "simulator/registers.h"
 
 #include <optional>
 
@@ -22,7 +22,7 @@ struct RequestedAccess
 class EcChannel
 {
 public:
-    EcChannel(MachineState &machine, const NowMs &clock, RegisterFile &file);
+    EcChannel(MachineState &machine, const NowMs &clock, Registers &file);
 
     // The host's side. The input buffer holds one byte: a byte written before the EC has taken the last one
     // replaces it.
@@ -54,7 +54,7 @@ private:
     MachineState &state;
     EcChannelState &channel;
     const NowMs &nowMs;
-    RegisterFile &registers;
+    Registers &registers;
     RegisterLog log;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "simulator/boot_loader_state.h"
+#include "simulator/replay/replay_state.h"
 #include "simulator/shared_values.h"
 
 #include <array>
@@ -28,7 +29,7 @@ inline constexpr std::size_t deviceSlots = 16;
 inline constexpr std::size_t deviceNameSize = 32; // sizes of texts count their final zero
 inline constexpr std::size_t deviceTextSize = 128;
 inline constexpr std::size_t guiSwitchSize = 64;
-inline constexpr std::size_t growthSize = 0x6000 - 32;
+inline constexpr std::size_t growthSize = 0x6000 - 32 - sizeof(ReplayState);
 
 struct StateHeader
 {
@@ -195,6 +196,7 @@ struct MachineState
     SharedLong faultsSeen; // bit n: the fault of slot n was switched on since power-on
     SharedLong statusNoise; // position in the sequence of StatusNoise
     InputHoldState inputHold;
+    ReplayState replay;
     std::array<SharedByte, growthSize> growth; // room for later parts of the machine, all zero until then
     BootLoaderState bootLoader;
 };
@@ -231,7 +233,8 @@ static_assert(offsetof(MachineState, guiSeenMs) == 172320);
 static_assert(offsetof(MachineState, faultsSeen) == 172328);
 static_assert(offsetof(MachineState, statusNoise) == 172336);
 static_assert(offsetof(MachineState, inputHold) == 172344);
-static_assert(offsetof(MachineState, growth) == 172352);
+static_assert(offsetof(MachineState, replay) == 172352);
+static_assert(offsetof(MachineState, growth) == 177016);
 static_assert(offsetof(MachineState, bootLoader) == 196896);
 static_assert(sizeof(MachineState) == 348768);
 

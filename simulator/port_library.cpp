@@ -1,6 +1,7 @@
 #include "simulator/clock.h"
 #include "simulator/machine_state_file.h"
 #include "simulator/port_library_export.h"
+#include "simulator/replay/replayed_ports.h"
 #include "simulator/simulated_ec.h"
 #include "simulator/state_location.h"
 
@@ -29,19 +30,27 @@ public:
             return;
         }
         file->state().counters.libraryLoads.fetch_add(1);
-        ec = std::make_unique<SimulatedEc>(file->state(), steadyNowMs);
+        replay = replayedPorts(file->state(), file->path());
+        if (replay != nullptr)
+            replay->noteLoad();
+        else
+            ec = std::make_unique<SimulatedEc>(file->state(), steadyNowMs);
     }
 
     void write(std::uint16_t port, std::uint8_t value)
     {
         const std::lock_guard guard(portMutex);
-        if (ec != nullptr)
+        if (replay != nullptr)
+            replay->write(port, value);
+        else if (ec != nullptr)
             ec->writePort(port, value);
     }
 
-    [[nodiscard]] std::uint8_t read(std::uint16_t port)
+    [[nodiscard]] std::uint16_t read(std::uint16_t port)
     {
         const std::lock_guard guard(portMutex);
+        if (replay != nullptr)
+            return replay->read(port);
         return ec == nullptr ? noMachine : ec->readPort(port);
     }
 
@@ -49,6 +58,7 @@ private:
     std::mutex portMutex; // one port access at a time, as on a bus
     std::optional<MachineStateFile> file;
     std::unique_ptr<SimulatedEc> ec;
+    std::unique_ptr<ReplayedPorts> replay; // in its place
 };
 
 PortLibrary portLibrary;
@@ -67,7 +77,7 @@ TARN_PORT_LIBRARY_EXPORT void Out32(short port, short value)
 
 TARN_PORT_LIBRARY_EXPORT short Inp32(short port)
 {
-    return tarnSimulator::portLibrary.read(static_cast<std::uint16_t>(port));
+    return static_cast<short>(tarnSimulator::portLibrary.read(static_cast<std::uint16_t>(port)));
 }
 
 } // extern "C"

@@ -6,6 +6,7 @@
 #include "simulator/device_tree.h"
 #include "simulator/power_limits.h"
 #include "simulator/register_table.h"
+#include "simulator/replay/replay_control.h"
 
 namespace tarnSimulator {
 
@@ -92,6 +93,7 @@ void powerOn(MachineState &state)
     state.timing.mailboxBusyMs.store(mailboxBusyMs);
     state.timing.refusedWritePolls.store(refusedWritePolls);
     state.timing.acceptancePolls.store(0);
+    endReplay(state);
     resetAccessory(state.accessory);
     resetCounters(state.counters);
     resetMemories(state);

@@ -6,17 +6,18 @@
 #include "simulator/event_queue.h"
 #include "simulator/machine_state.h"
 #include "simulator/power_limits.h"
+#include "simulator/registers.h"
 
 namespace tarnSimulator {
 
 // The EC's xdata as the host sees it: 64 KiB of plain bytes, except where a read or a write has an effect.
-class RegisterFile
+class RegisterFile : public Registers
 {
 public:
     RegisterFile(MachineState &machine, const NowMs &clock, const FaultPanel &panel);
 
-    [[nodiscard]] std::uint8_t read(std::uint16_t address);
-    void write(std::uint16_t address, std::uint8_t value);
+    [[nodiscard]] std::uint8_t read(std::uint16_t address) override;
+    void write(std::uint16_t address, std::uint8_t value) override;
 
     // Lets the mailboxes finish what is due.
     void advance();

@@ -1,6 +1,7 @@
 #include "simulator/register_table.h"
 
 #include "device/ec_registers.h"
+#include "simulator/value_text.h"
 
 #include <algorithm>
 #include <iterator>
@@ -133,6 +134,12 @@ std::string registerName(std::uint16_t address)
     if (address > KVANE_SN_BYTES && address < KVANE_SN_BYTES + KVANE_SN_LENGTH)
         return "KVANE_SN_BYTES+" + std::to_string(address - KVANE_SN_BYTES);
     return {};
+}
+
+std::string addressText(std::uint16_t address)
+{
+    const std::string name = registerName(address);
+    return hexText(address, 4) + (name.empty() ? name : " " + name);
 }
 
 std::optional<std::uint16_t> registerAddress(std::string_view name)

@@ -51,6 +51,8 @@ struct Register
 // "EC_POWERMODE_PL1", or for the later serial number bytes "KVANE_SN_BYTES+3"; empty when the register has no
 // name.
 [[nodiscard]] std::string registerName(std::uint16_t address);
+// "0x04A8 EC_POWERMODE_PL1": the address and, if it has one, the name.
+[[nodiscard]] std::string addressText(std::uint16_t address);
 [[nodiscard]] std::optional<std::uint16_t> registerAddress(std::string_view name);
 
 } // namespace tarnSimulator

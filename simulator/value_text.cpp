@@ -26,6 +26,17 @@ std::optional<std::int64_t> parseDigits(std::string_view text, int base)
     return number;
 }
 
+// Of the control character with which a text begins; 0: it begins with none. Those from U+0080 to U+009F have
+// two bytes.
+std::size_t controlSize(std::string_view text)
+{
+    const auto first = static_cast<std::uint8_t>(text.front());
+    if (first < ' ' || first == 0x7F)
+        return 1;
+    const bool isLate = first == 0xC2 && text.size() > 1 && static_cast<std::uint8_t>(text[1]) < 0xA0;
+    return isLate ? 2 : 0;
+}
+
 } // namespace
 
 std::optional<std::int64_t> parseNumber(std::string_view text)
@@ -90,6 +101,20 @@ std::string serialNumberText(const SerialNumber &bytes)
     for (std::size_t i = bytes.size(); i > 0; --i)
         text += bareHex(bytes[i - 1], 2);
     return text;
+}
+
+std::string printable(std::string_view text)
+{
+    std::string shown;
+    for (std::size_t place = 0; place < text.size(); ++place) {
+        const std::size_t size = controlSize(text.substr(place));
+        if (size == 0)
+            shown += text[place];
+        for (std::size_t index = 0; index < size; ++index)
+            shown += "\\x" + bareHex(static_cast<std::uint8_t>(text[place + index]), 2);
+        place += size > 0 ? size - 1 : 0;
+    }
+    return shown;
 }
 
 std::string hexText(std::uint32_t value, int digits)

@@ -30,4 +30,8 @@ inline constexpr std::string_view aSwitch = "on, off or 0 to 255";
 // "0x" and `digits` upper case hexadecimal digits.
 [[nodiscard]] std::string hexText(std::uint32_t value, int digits);
 
+// UTF-8 from anywhere, with "\x1B" in the place of each byte of a control character, which could change the
+// terminal or feign lines.
+[[nodiscard]] std::string printable(std::string_view text);
+
 } // namespace tarnSimulator

@@ -1,3 +1,4 @@
+#include "simulator/tool/device_text.h"
 #include "simulator/tool/tool_text.h"
 #include "simulator/tool/verbs.h"
 #include "simulator/value_text.h"
@@ -9,9 +10,6 @@ namespace tarnSimulator {
 namespace {
 
 constexpr std::int64_t largestProblem = 0xFFFF;
-
-constexpr std::string_view kinds[] = {"display", "audio", "other"};
-constexpr std::string_view places[] = {"computer", "box", "nowhere"};
 
 template <std::size_t count> QStringList namesIn(const std::string_view (&names)[count])
 {
@@ -42,12 +40,12 @@ bool storeText(std::string &target, std::string_view text)
 
 bool setKind(Device &device, std::string_view text)
 {
-    return parseName(kinds, text, device.kind);
+    return parseName(deviceKindNames, text, device.kind);
 }
 
 bool setPlace(Device &device, std::string_view text)
 {
-    return parseName(places, text, device.place);
+    return parseName(devicePlaceNames, text, device.place);
 }
 
 bool setDescription(Device &device, std::string_view text)
@@ -131,11 +129,11 @@ ExitCode showDevices(ToolContext &context, const QStringList &)
         const Device device = devices.device(slot);
         const bool isPresent = std::find(present.begin(), present.end(), slot) != present.end();
         context.out << toQString(device.name).leftJustified(12)
-                    << toQString(kinds[static_cast<std::size_t>(device.kind)]).leftJustified(9)
+                    << toQString(deviceKindNames[static_cast<std::size_t>(device.kind)]).leftJustified(9)
                     << (isPresent ? QStringLiteral("present") : QStringLiteral("absent")).leftJustified(9)
                     << deviceConditionText(device).leftJustified(22) << toQString(device.description) << '\n'
                     << QString(12, QLatin1Char(' ')) << "in "
-                    << toQString(places[static_cast<std::size_t>(device.place)]) << ", hardware id "
+                    << toQString(devicePlaceNames[static_cast<std::size_t>(device.place)]) << ", hardware id "
                     << toQString(device.hardwareId) << '\n';
     }
     return Done;
@@ -183,7 +181,8 @@ ExitCode addDevice(ToolContext &context, const QStringList &arguments)
                 .arg(arguments.at(0), deviceNames(devices).join(QLatin1String(", "))));
     }
     if (!setKind(device, arguments.at(1).toStdString()))
-        return complainAboutName(context, QStringLiteral("kind of device"), arguments.at(1), namesIn(kinds));
+        return complainAboutName(
+            context, QStringLiteral("kind of device"), arguments.at(1), namesIn(deviceKindNames));
     if (!setDescription(device, arguments.at(2).toStdString()))
         return complain(context, WrongUsage, QStringLiteral("the description is too long"));
     if (!devices.add(device)) {

@@ -2,6 +2,7 @@
 #include "simulator/accessory_catalog.h"
 #include "simulator/fault_table.h"
 #include "simulator/machine_values.h"
+#include "simulator/replay/replay_control.h"
 #include "simulator/tool/tool_text.h"
 #include "simulator/tool/verbs.h"
 #include "simulator/value_text.h"
@@ -105,8 +106,26 @@ QString countersText(const CounterState &counters)
         .arg(counters.libraryLoads.load());
 }
 
+QString replayText(const Replay &replay, const QString &left)
+{
+    const bool isLoose = replay.mode == ReplayMode::Loose;
+    QString text = QStringLiteral("%1: %2 of %3 %4 accesses, %5 of %6 steps, ")
+                       .arg(toQString(printable(replay.file)))
+                       .arg(replay.consumed)
+                       .arg(replay.total)
+                       .arg(isLoose ? QStringLiteral("register") : QStringLiteral("port"))
+                       .arg(replay.steps)
+                       .arg(replay.stepsTotal);
+    if (replay.isComplete())
+        return text + QStringLiteral("complete; %1 accesses came after its end").arg(replay.after);
+    if (replay.difference.empty())
+        return text + QStringLiteral("not complete: ") + left;
+    return text + QStringLiteral("different at ") + toQString(replay.difference);
+}
+
 } // namespace
 
+// The exit code is that of a replay, if there is one.
 ExitCode showMachine(ToolContext &context, const QStringList &)
 {
     const ComputerControl &computer = *context.computer;
@@ -119,7 +138,12 @@ ExitCode showMachine(ToolContext &context, const QStringList &)
     printLine(context.out, QStringLiteral("Armed events"), eventsText(computer));
     printLine(context.out, QStringLiteral("Faults"), faultsText(computer));
     printLine(context.out, QStringLiteral("Traffic"), countersText(computer.counters()));
-    return Done;
+    const Replay replay = replayOf(computer.state());
+    if (replay.mode == ReplayMode::Off)
+        return Done;
+    printLine(context.out, QStringLiteral("Replay"),
+        replayText(replay, toQString(leftOfReplay(computer.state(), context.stateFile))));
+    return replay.isComplete() ? Done : Failed;
 }
 
 } // namespace tarnSimulator

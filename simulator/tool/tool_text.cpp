@@ -89,7 +89,7 @@ std::optional<std::uint16_t> parseRegister(const QString &text)
 
 QString registerText(std::uint16_t address)
 {
-    return toQString(hexText(address, 4) + " " + registerName(address)).trimmed();
+    return toQString(addressText(address));
 }
 
 QString faultStateText(const ComputerControl &computer, const FaultDescription &fault)

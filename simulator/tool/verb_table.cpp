@@ -84,6 +84,30 @@ constexpr Verb verbs[] = {
         "version\n"
         "and size always give the same file.",
         StateNeed::None, 4, 5, makeFirmware},
+    {"recording", "FILE [--summary]", "register accesses in a recording of the EC's ports",
+        "Prints each access with the number of its first port access and the time in s, then what is odd: "
+        "broken\n"
+        "sequences, unknown ports, other status bits. With --summary, a paragraph for each register.\n"
+        "A file that was cut off by a crash is shown up to there.",
+        StateNeed::None, 1, 2, showRecording},
+    {"replay", "FILE [--loose] | --off", "answer from a recording instead of the EC's model",
+        "Prepares it: start the service then. What was asked while the recording was made is asked again at "
+        "the same\n"
+        "place, if it stands beside it (ec-TIME.requests). Each access has to be the one recorded next; with "
+        "--loose\n"
+        "each register gives its recorded values in any order. \"tarnsim show\" tells how far it has come "
+        "and what was\n"
+        "different, and exits with 0 only when all has been consumed. --off: the model answers again. Both "
+        "begin with\n"
+        "the next start of the service.",
+        StateNeed::IsCreated, 1, 2, replayRecording},
+    {"compare", "FILE [--factor N]", "where a recorded EC answers otherwise than the simulated one",
+        "Lists wrong values and broken accesses, changes of what the EC measures, and what took more than N "
+        "times as\n"
+        "long as the simulated EC takes; N is 3 if not given. The exit code is 1 when anything of the first "
+        "kind was\n"
+        "found, when the file is damaged, and when there was nothing to compare.",
+        StateNeed::None, 1, 3, compareRecording},
     {"list", "verbs|accessories|values|faults|registers", "names, one per line", "", StateNeed::None, 1, 1,
         listNames},
     {"help", "[VERB]", "this help, or that of a verb", "", StateNeed::None, 0, 1, showHelp},

@@ -29,6 +29,10 @@ ExitCode peekMemory(ToolContext &context, const QStringList &arguments);
 ExitCode pokeMemory(ToolContext &context, const QStringList &arguments);
 ExitCode showRegisterLog(ToolContext &context, const QStringList &arguments);
 
+ExitCode showRecording(ToolContext &context, const QStringList &arguments);
+ExitCode replayRecording(ToolContext &context, const QStringList &arguments);
+ExitCode compareRecording(ToolContext &context, const QStringList &arguments);
+
 ExitCode makeFirmware(ToolContext &context, const QStringList &arguments);
 
 ExitCode listNames(ToolContext &context, const QStringList &arguments);

@@ -135,3 +135,14 @@ TEST(SimulatedValues, GpuReportsAreShown)
     EXPECT_EQ(tarnSimulator::findMachineValue("gpu-state")->read(host.computer), "7");
     EXPECT_EQ(tarnSimulator::findMachineValue("gpu-reports")->read(host.computer), "1");
 }
+
+TEST(PrintableText, HasNoControlCharacters)
+{
+    EXPECT_EQ(tarnSimulator::printable("plain text, \xc3\xa4 and \xe2\x82\xac"),
+        "plain text, \xc3\xa4 and \xe2\x82\xac");
+    EXPECT_EQ(tarnSimulator::printable(""), "");
+    EXPECT_EQ(tarnSimulator::printable("\x1b[31mred\x07"), "\\x1B[31mred\\x07");
+    EXPECT_EQ(tarnSimulator::printable("two\nlines\t\x7f"), "two\\x0Alines\\x09\\x7F");
+    EXPECT_EQ(tarnSimulator::printable("\xc2\x9b\x31m"), "\\xC2\\x9B1m"); // U+009B begins a sequence, too
+    EXPECT_EQ(tarnSimulator::printable("\xc2\xa0\xc2"), "\xc2\xa0\xc2");
+}

@@ -1,5 +1,16 @@
 # Tests of the simulated computer; paths are relative to this folder.
 set(SIMULATOR_TEST_SOURCES
+    recording/channel_decoder_test.cpp
+    recording/comparison_of_everything_test.cpp
+    recording/comparison_of_faults_test.cpp
+    recording/comparison_test.cpp
+    recording/deviation_test.cpp
+    recording/recording_summary_test.cpp
+    replay/loose_replay_test.cpp
+    replay/replay_steps_test.cpp
+    replay/replay_verb_test.cpp
+    replay/request_places_test.cpp
+    replay/strict_replay_test.cpp
     simulated_accessories_test.cpp
     simulated_boot_loader_test.cpp
     simulated_channel_test.cpp
@@ -21,6 +32,7 @@ set(SIMULATOR_TEST_SOURCES
     tarnsim_device_verbs_test.cpp
     tarnsim_fault_verbs_test.cpp
     tarnsim_firmware_verb_test.cpp
+    tarnsim_recording_verbs_test.cpp
     tarnsim_register_verbs_test.cpp
     tarnsim_test.cpp)
 
