@@ -38,7 +38,7 @@ std::uint64_t portAccesses(const Recording &recording)
 {
     std::uint64_t count = 0;
     for (const EcRecord &record : recording.records)
-        count += record.kind == EcRecord::Kind::Out || record.kind == EcRecord::Kind::In ? record.count : 0;
+        count += record.isOfPort() ? record.count : 0;
     return count;
 }
 

@@ -61,7 +61,7 @@ void addPayload(std::string &line, const EcRecord &record)
         line += ' ';
         line += resultWords[static_cast<std::size_t>(record.result)];
     }
-    if (record.kind == Kind::Out || record.kind == Kind::In) {
+    if (record.isOfPort()) {
         line += ' ';
         addHex(line, record.port);
         line += ' ';
@@ -148,7 +148,7 @@ void readEvent(Words &words, EcRecord &record)
 {
     if (record.kind == Kind::Load)
         record.result = static_cast<LoadResult>(words.oneOf(resultWords));
-    if (record.kind == Kind::Out || record.kind == Kind::In) {
+    if (record.isOfPort()) {
         record.port = words.hex();
         record.value = words.hex();
     }

@@ -60,6 +60,9 @@ struct EcRecord
     std::uint32_t thread = 0;
     LoadResult result = LoadResult::Ok; // of Load
 
+    // Else it is one of the port library.
+    [[nodiscard]] bool isOfPort() const { return kind == Kind::Out || kind == Kind::In; }
+
     bool operator==(const EcRecord &) const = default;
 };
 

@@ -153,7 +153,7 @@ void EcRecorder::endRun()
 void EcRecorder::add(const EcRecord &record)
 {
     file->add(lineOf(record), accesses + 1);
-    if (record.kind == Kind::Out || record.kind == Kind::In)
+    if (record.isOfPort())
         accesses += record.count;
 }
 

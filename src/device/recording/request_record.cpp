@@ -43,7 +43,7 @@ std::uint64_t accessesBefore(const Recording &recording, std::uint64_t clockUs)
     for (const EcRecord &record : recording.records) {
         if (recording.header.clockUs + record.us > clockUs)
             break;
-        if (record.kind != EcRecord::Kind::Out && record.kind != EcRecord::Kind::In)
+        if (!record.isOfPort())
             continue;
         if (recording.header.clockUs + record.lastUs <= clockUs) {
             number += record.count;

@@ -29,6 +29,15 @@ qint16 realInp(quint16)
     return answers.isEmpty() ? 0 : answers.takeFirst();
 }
 
+// The functions that a driver gets which is recorded.
+struct TappedPorts
+{
+    explicit TappedPorts(EcRecorder &recorder) { recorder.tap(out, inp); }
+
+    EcRecorder::Out32 out = realOut;
+    EcRecorder::Inp32 inp = realInp;
+};
+
 class EcRecorderTest : public ::testing::Test
 {
 protected:
@@ -128,12 +137,10 @@ TEST_F(EcRecorderTest, HasLoadsAndUnloadsAtOnce)
 TEST_F(EcRecorderTest, WritesWithoutBeingAsked)
 {
     EcRecorder writing(std::make_unique<RecordingFile>(folder.path()));
-    EcRecorder::Out32 writingOut = realOut;
-    EcRecorder::Inp32 writingInp = realInp;
-    writing.tap(writingOut, writingInp);
-    writingInp(0x6c);
+    const TappedPorts writingPorts(writing);
+    writingPorts.inp(0x6c);
     QThread::msleep(2 * static_cast<unsigned long>(EcRecorder::usualPause.count()));
-    writingOut(0x6c, 1);
+    writingPorts.out(0x6c, 1);
     QFile file(folder.filePath(QDir(folder.path()).entryList({"ec-*"}).value(0)));
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     EXPECT_TRUE(file.readAll().contains("\nout 006c 0001 "));
@@ -152,11 +159,9 @@ TEST_F(EcRecorderTest, KeepsTheLastTwoFiles)
 {
     constexpr qint64 mostBytes = 2000;
     EcRecorder small(std::make_unique<RecordingFile>(folder.path(), mostBytes));
-    EcRecorder::Out32 smallOut = realOut;
-    EcRecorder::Inp32 smallInp = realInp;
-    small.tap(smallOut, smallInp);
+    const TappedPorts smallPorts(small);
     for (int value = 0; value < 500; ++value) {
-        smallOut(0x68, static_cast<qint16>(value));
+        smallPorts.out(0x68, static_cast<qint16>(value));
         if (value % 25 == 0)
             QThread::msleep(2); // the files are named by the millisecond
     }
@@ -197,10 +202,8 @@ TEST_F(EcRecorderTest, RemovesOnlyItsOwnOldFilesAndNeverTheNewOne)
 TEST_F(EcRecorderTest, NeverFails)
 {
     EcRecorder nowhere(std::make_unique<RecordingFile>(folder.filePath("no such folder")));
-    EcRecorder::Out32 nowhereOut = realOut;
-    EcRecorder::Inp32 nowhereInp = realInp;
-    nowhere.tap(nowhereOut, nowhereInp);
-    nowhereOut(0x6c, 1);
+    const TappedPorts nowherePorts(nowhere);
+    nowherePorts.out(0x6c, 1);
     nowhere.flush();
     EXPECT_EQ(taken, QStringList("6c=1"));
 }
@@ -213,10 +216,8 @@ TEST_F(EcRecorderTest, LeavesAFullDiskAsItIs)
     {
         const tarnTest::FileSizeLimit limit(20); // bytes, less than a header
         EcRecorder none(std::make_unique<RecordingFile>(folder.path()));
-        EcRecorder::Out32 noneOut = realOut;
-        EcRecorder::Inp32 noneInp = realInp;
-        none.tap(noneOut, noneInp);
-        noneOut(0x6c, 2);
+        const TappedPorts nonePorts(none);
+        nonePorts.out(0x6c, 2);
         none.flush();
     }
     EXPECT_EQ(QDir(folder.path()).entryList({"ec-*"}), before);
@@ -227,11 +228,9 @@ TEST_F(EcRecorderTest, EndsWhereTheDiskIsFull)
     constexpr qint64 mostBytes = 2000;
     const tarnTest::FileSizeLimit limit(1000); // before the file has the size at which the next one begins
     EcRecorder cut(std::make_unique<RecordingFile>(folder.path(), mostBytes));
-    EcRecorder::Out32 cutOut = realOut;
-    EcRecorder::Inp32 cutInp = realInp;
-    cut.tap(cutOut, cutInp);
+    const TappedPorts cutPorts(cut);
     for (int value = 0; value < 500; ++value) {
-        cutOut(0x68, static_cast<qint16>(value));
+        cutPorts.out(0x68, static_cast<qint16>(value));
         cut.flush();
     }
     const QFileInfoList files = QDir(folder.path()).entryInfoList({"ec-*"}, QDir::Files);
