@@ -3,10 +3,15 @@
 #include <QMutex>
 #include <QWaitCondition>
 
+#include <deque>
+
 namespace tarnDeviceInfos {
 
 // Serialises every multi-byte EC exchange of the process. A binary semaphore rather than a mutex, because an
 // update mode takes it on one handler thread and releases it on another. Not recursive.
+// Serves in the order of asking. So nobody waits longer than for those who came before, however often one
+// of them comes again, and the same sequence of requests gives the same sequence at the EC, which the
+// repetition of a recording depends on.
 class EcAccessLock
 {
 public:
@@ -16,10 +21,19 @@ public:
     // From now on lock() fails at once, also for threads that already wait.
     void releaseWaiters();
     [[nodiscard]] bool isLocked() const;
+    // How many threads wait for it now.
+    [[nodiscard]] std::size_t waiterCount() const;
 
 private:
+    // On the stack of the thread that waits.
+    struct Waiter
+    {
+        QWaitCondition turn;
+        bool isServed = false;
+    };
+
     mutable QMutex state;
-    QWaitCondition freed;
+    std::deque<Waiter *> waiters; // the next one first
     bool locked = false;
     bool released = false;
 };
