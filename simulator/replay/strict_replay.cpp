@@ -3,6 +3,8 @@
 #include "simulator/clock.h"
 #include "simulator/replay/access_text.h"
 
+#include <algorithm>
+#include <thread>
 #include <utility>
 
 namespace tarnSimulator {
@@ -13,6 +15,8 @@ using tarnRecording::Recording;
 namespace {
 
 using Kind = EcRecord::Kind;
+
+constexpr std::chrono::seconds longestTurn {1};
 
 } // namespace
 
@@ -79,11 +83,23 @@ const EcRecord *StrictReplay::take(const EcRecord &asked)
     const EcRecord *record = next();
     const bool isSame = record != nullptr && record->kind == asked.kind && record->port == asked.port
         && (asked.kind == Kind::In || (record->value & 0xFF) == asked.value);
-    if (isSame)
+    if (isSame) {
+        awaitTurn(*record);
         return record;
+    }
     progress->noteDifference(differenceTo(requestedText(asked)));
     progress->noteAfterEnd();
     return nullptr;
+}
+
+// A thread that takes the EC over from another one takes it no earlier than it did in the recording: how long
+// it then keeps the others waiting decides who comes next.
+void StrictReplay::awaitTurn(const EcRecord &record) const
+{
+    if (before == nullptr || before->thread == record.thread || record.us < before->lastUs)
+        return;
+    const auto gap = std::chrono::microseconds(record.us - before->lastUs);
+    std::this_thread::sleep_until(served + std::min<std::chrono::microseconds>(gap, longestTurn));
 }
 
 void StrictReplay::consume(const EcRecord &record)
@@ -96,6 +112,8 @@ void StrictReplay::consume(const EcRecord &record)
     replay.consumed.fetch_add(1);
     showRegister(record);
     progress->doSteps(recording.header.firstAccess - 1 + replay.consumed.load());
+    before = &record;
+    served = std::chrono::steady_clock::now();
 }
 
 void StrictReplay::showRegister(EcRecord access)

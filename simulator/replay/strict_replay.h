@@ -6,6 +6,7 @@
 #include "simulator/replay/replay_progress.h"
 #include "simulator/replay/replayed_ports.h"
 
+#include <chrono>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,7 @@ private:
     [[nodiscard]] const tarnRecording::EcRecord *next() const;
     // The recorded access, if this one is the next; else it is noted what was expected.
     [[nodiscard]] const tarnRecording::EcRecord *take(const tarnRecording::EcRecord &asked);
+    void awaitTurn(const tarnRecording::EcRecord &record) const;
     void consume(const tarnRecording::EcRecord &record);
     void showRegister(tarnRecording::EcRecord access);
     [[nodiscard]] std::string differenceTo(const std::string &asked) const;
@@ -38,6 +40,8 @@ private:
     ChannelDecoder decoder;
     RegisterLog log;
     std::size_t shown = 0; // of what the decoder has found
+    std::chrono::steady_clock::time_point served; // the access before
+    const tarnRecording::EcRecord *before = nullptr; // that access; null: none since the load
 };
 
 } // namespace tarnSimulator

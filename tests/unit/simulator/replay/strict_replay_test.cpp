@@ -1,5 +1,7 @@
 #include "unit/simulator/replay/replay_session.h"
 
+#include <chrono>
+
 using tarnSimulatorTest::RecordingBuilder;
 
 using StrictReplayed = tarnSimulatorTest::ReplaySession;
@@ -99,6 +101,30 @@ TEST_F(StrictReplayed, TakesReadsThatRepeatOneByOne)
     ports->write(0x6C, 0x92);
     EXPECT_NE(state().difference.find("access 2: recorded is a read of port 0x6C that gave 0x02"),
         std::string::npos);
+}
+
+TEST_F(StrictReplayed, LetsAThreadTakeTheEcOverNoEarlierThanItDid)
+{
+    using std::chrono::steady_clock;
+    using namespace std::chrono_literals;
+    ASSERT_EQ(prepare(RecordingBuilder().load().in(0x6C, 1).by(2).after(300000).in(0x6C, 2)), 0);
+    load();
+    EXPECT_EQ(ports->read(0x6C), 1);
+    const auto before = steady_clock::now();
+    EXPECT_EQ(ports->read(0x6C), 2);
+    EXPECT_GE(steady_clock::now() - before, 295ms);
+
+    // A pause of the same thread decides nothing.
+    RecordingBuilder pauses;
+    pauses.load();
+    for (int pause = 0; pause < 30; ++pause)
+        pauses.in(0x6C, 1).after(60000000);
+    ASSERT_EQ(prepare(pauses), 0);
+    load();
+    const auto afterwards = steady_clock::now();
+    for (int pause = 0; pause < 30; ++pause)
+        EXPECT_EQ(ports->read(0x6C), 1);
+    EXPECT_LT(steady_clock::now() - afterwards, 20s);
 }
 
 TEST_F(StrictReplayed, GoesOnWhereItWasWhenTheLibraryIsReloaded)
