@@ -46,6 +46,7 @@ ClientCore::ClientCore(Client &owner, const QString &pipeName, const ClientTimes
     connect(&connection, &PipeConnection::serviceGone, this, &ClientCore::handleServiceGone);
     connect(&retryTimer, &QTimer::timeout, this, &ClientCore::connectNow);
     connect(&waiting, &WaitingRequests::arrived, this, &ClientCore::handleArrival);
+    connect(&line, &RequestLine::hasWritten, &client, &Client::requestWritten);
     connect(&line, &RequestLine::expired, this, &ClientCore::handleUnanswered);
     connect(&line, &RequestLine::isSent, this, &ClientCore::handleSent);
     connect(&line, &RequestLine::freed, this, &ClientCore::sendNext);
@@ -323,7 +324,7 @@ void ClientCore::handleDocument(const QByteArray &bytes)
     const QJsonObject message = document.object();
     silence.noteMessage();
     if (line.isAnswer(message)) {
-        handleAnswer(message);
+        handleAnswer(message, bytes);
         return;
     }
     line.extend();
@@ -331,11 +332,13 @@ void ClientCore::handleDocument(const QByteArray &bytes)
         handleNotification(*std::move(notification));
         return;
     }
-    if (!lateQuestions.removeOne(message.value(tagKey).toString()))
+    if (lateQuestions.removeOne(message.value(tagKey).toString()))
+        emit client.answerReceived(bytes);
+    else
         emit client.otherMessageReceived(withoutMark(message));
 }
 
-void ClientCore::handleAnswer(const QJsonObject &answer)
+void ClientCore::handleAnswer(const QJsonObject &answer, const QByteArray &bytes)
 {
     const std::optional<WrittenRequest> answered = line.take();
     const Reply reply = answered->reply().answered(answer);
@@ -343,6 +346,7 @@ void ClientCore::handleAnswer(const QJsonObject &answer)
     isProven = true;
     sendNextLater();
     setState(Client::State::Connected);
+    emit client.answerReceived(bytes);
     if (answered->request)
         finish(answered->request, reply);
     else if (answered->value && connection.isOpen())

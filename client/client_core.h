@@ -71,7 +71,7 @@ private:
     [[nodiscard]] bool provesSilence(const WrittenRequest &unanswered) const;
 
     void handleDocument(const QByteArray &bytes);
-    void handleAnswer(const QJsonObject &answer);
+    void handleAnswer(const QJsonObject &answer, const QByteArray &bytes);
     void handleNotification(Notification notification);
 
     void takeAnnounced(const Notification &notification);

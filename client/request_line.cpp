@@ -57,6 +57,7 @@ std::optional<Reply> RequestLine::write(WrittenRequest &next, const QString &dat
     static_cast<void>(connection.send(request.bytes));
     if (connection.isDrained())
         handleDrained();
+    emit hasWritten(request.bytes);
     return std::nullopt;
 }
 

@@ -56,6 +56,8 @@ public:
     void stopPause();
 
 signals:
+    // A request has been given to the connection. What is on its way is up to date then.
+    void hasWritten(const QByteArray &request);
     // The time for the answer is over; the request is to be taken.
     void expired();
     // The pause after a request that is never answered is over; the request is to be taken.

@@ -212,6 +212,12 @@ Q_SIGNALS:
     // Bytes that are no message.
     void garbageReceived(const QByteArray &bytes);
 
+    // For a program that shows all that passes. As it is on the pipe, with the mark by which answers are
+    // recognised: each request that was written, the client's own questions included, and each answer to one.
+    // What else comes is in the signals above.
+    void requestWritten(const QByteArray &request);
+    void answerReceived(const QByteArray &answer);
+
 protected:
     void connectNotify(const QMetaMethod &signal) override;
     void disconnectNotify(const QMetaMethod &signal) override;
