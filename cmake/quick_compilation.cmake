@@ -30,6 +30,15 @@ function(tarn_precompile_qt target)
         ${TARN_QT_HEADERS})
 endfunction()
 
+# They take longer than a small library: another target with the same compiler options shares them.
+function(tarn_precompile_widgets target)
+    target_precompile_headers(${target} PRIVATE <chrono> <functional> <memory> <optional> <vector> <QtCore> <QtWidgets>)
+endfunction()
+
+function(tarn_share_widgets target owner)
+    target_precompile_headers(${target} REUSE_FROM ${owner})
+endfunction()
+
 function(tarn_precompile_tests target)
     target_precompile_headers(${target} PRIVATE <gtest/gtest.h> ${TARN_STANDARD_HEADERS} ${TARN_QT_HEADERS})
 endfunction()

@@ -10,7 +10,8 @@ SCRIPT = pathlib.Path(__file__).resolve().parents[3] / "scripts/check_includes"
 HEADERS = ["src/service/end.h", "src/pipe/server.h", "src/pipe/outbox/queue.h", "src/device/lock.h",
            "src/device/ec_registers.h", "src/platform/waits.h", "src/platform/windows/handle.h", "src/update/updater.h",
            "src/update/ec_settings.h", "simulator/machine.h", "client/splitter.h", "client/include/tarn/reply.h",
-           "client/tarnctl/session.h"]
+           "client/tarnctl/session.h", "panel/look/theme.h", "panel/computer/drawing.h", "panel/client/header.h",
+           "panel/window/window.h"]
 
 
 class CheckIncludes(unittest.TestCase):
@@ -55,6 +56,23 @@ class CheckIncludes(unittest.TestCase):
         self.write("src/device/lock.cpp", "#include <pipe/server.h>", '#include "../pipe/server.h"')
         self.assertIn("src/device/lock.cpp:1:", self.said())
         self.assertIn("src/device/lock.cpp:2:", self.said())
+
+    def test_keeps_the_halves_of_the_panel_apart(self):
+        self.write("panel/computer/drawing.cpp", '#include "panel/computer/drawing.h"', '#include "panel/look/theme.h"',
+                   '#include "simulator/machine.h"', '#include "device/ec_registers.h"')
+        self.write("panel/client/header.cpp", '#include "panel/look/theme.h"', "#include <tarn/reply.h>")
+        self.write("panel/window/window.cpp", '#include "panel/client/header.h"', '#include "panel/computer/drawing.h"')
+        self.assertEqual(self.said(), "")
+        self.write("panel/computer/drawing.cpp", '#include "tarn/reply.h"', '#include "panel/client/header.h"',
+                   '#include "platform/waits.h"')
+        self.write("panel/client/header.cpp", '#include "simulator/machine.h"', '#include "client/splitter.h"')
+        self.write("panel/look/theme.cpp", '#include "panel/window/window.h"')
+        self.write("panel/other/thing.cpp", "")
+        said = self.said()
+        for line in ("computer/drawing.cpp:1: \"tarn/reply.h\": not for panel/computer", "computer/drawing.cpp:2:",
+                     "computer/drawing.cpp:3:", "client/header.cpp:1:", "client/header.cpp:2:", "look/theme.cpp:1:",
+                     "other/thing.cpp:1:"):
+            self.assertIn(f"panel/{line}", said)
 
     def test_keeps_the_simulator_out_of_the_service(self):
         self.write("src/platform/waits.cpp", '#include "simulator/machine.h"')
