@@ -21,7 +21,7 @@ struct Session
 // The indented block with this line in it: what a person types follows a "$", the rest is what they see.
 Session sessionWith(const QString &typedLine)
 {
-    QFile file(QStringLiteral(TARN_DOCS_FOLDER "/../README.md"));
+    QFile file(QStringLiteral(TARN_DOCS_FOLDER "/terminals.md"));
     Session session;
     if (!file.open(QIODevice::ReadOnly))
         return session;
@@ -46,7 +46,7 @@ Session sessionWith(const QString &typedLine)
 } // namespace
 
 // Pasted all at once: no step may need a pause before it, or read the lines after it as its input.
-TEST(Readme, FirmwareStepsCanBePasted)
+TEST(TerminalsDocument, FirmwareStepsCanBePasted)
 {
     const Session session = sessionWith(QStringLiteral("./tarnctl update-mcu"));
     ASSERT_FALSE(session.shown.isEmpty());
