@@ -224,7 +224,7 @@ void ClientCore::sendNext()
 {
     while (connection.isOpen() && line.isFree()) {
         if (silence.takeDue()) {
-            ask(checkCommand, std::nullopt);
+            askWhetherItIsThere();
             continue;
         }
         if (RequestQueue::Request request = waiting.takeNext()) {
@@ -267,6 +267,15 @@ void ClientCore::ask(QLatin1StringView command, std::optional<KeptValue> value)
     next.limit = times.questionLimit;
     const std::optional<Reply> refusal = line.write(next, {});
     Q_ASSERT(!refusal); // it is short
+}
+
+// The answer is a value that the application may listen to, and that another client may have been told.
+void ClientCore::askWhetherItIsThere()
+{
+    const bool isWanted = values.isWanted(KeptValue::Accessory);
+    if (isWanted)
+        values.noteRequest(KeptValue::Accessory);
+    ask(checkCommand, isWanted ? std::optional(KeptValue::Accessory) : std::nullopt);
 }
 
 void ClientCore::handleSent()

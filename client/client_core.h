@@ -64,6 +64,7 @@ private:
     void sendNext();
     void sendNextLater();
     void write(RequestQueue::Request request);
+    void askWhetherItIsThere();
     void ask(QLatin1StringView command, std::optional<KeptValue> value);
     void handleSent();
     void handleUnanswered();

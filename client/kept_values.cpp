@@ -88,6 +88,11 @@ std::optional<int> KeptValues::now(KeptValue value) const
     return values[static_cast<std::size_t>(value)].value;
 }
 
+bool KeptValues::isWanted(KeptValue value) const
+{
+    return values[static_cast<std::size_t>(value)].isWanted;
+}
+
 bool KeptValues::setWanted(KeptValue value, bool isWanted)
 {
     Kept &kept = at(value);

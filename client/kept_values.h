@@ -41,6 +41,7 @@ class KeptValues
 public:
     [[nodiscard]] std::optional<int> now(KeptValue value) const;
 
+    [[nodiscard]] bool isWanted(KeptValue value) const;
     // One that becomes wanted has to be read; one that is no longer wanted is forgotten.
     [[nodiscard]] bool setWanted(KeptValue value, bool isWanted);
     // The connection has ended, so it has to be read again.

@@ -41,7 +41,9 @@ struct Notification
 // While anything is connected to one of its signals, the client asks the service for something that needs no
 // EC whenever it has heard nothing for a minute and no request is on its way; so that is how long it may take
 // to notice that the service has fallen silent, and the limit of the request that is on its way (15 min for
-// an update) where there is one. It also asks after a request without an answer, at most once a minute.
+// an update) where there is one. The answer is the accessory, so accessoryChanged() then also follows a
+// change of which another client was told. It also asks after a request without an answer, at most once a
+// minute.
 class Client : public QObject
 {
     Q_OBJECT

@@ -49,6 +49,20 @@ TEST_F(SilenceTest, NobodyListensSoNothingIsAsked)
     EXPECT_TRUE(service.requests().isEmpty());
 }
 
+// Another client was told of it.
+TEST_F(SilenceTest, TheAnswerIsTheAccessory)
+{
+    std::optional<tarn::Accessory> now;
+    QObject::connect(&client, &Client::accessoryChanged, &service,
+        [&now](std::optional<tarn::Accessory> accessory) { now = accessory; });
+    openAndConnect();
+    ASSERT_TRUE(tarnTest::waitUntil([&now] { return now == tarn::Accessory::Dock; }, patienceMs));
+    service.onRequest([this](const QJsonObject &request) { service.answer(request, "data", "k_vane"); });
+    EXPECT_TRUE(tarnTest::waitUntil([&now] { return now == tarn::Accessory::KVane; }, patienceMs));
+    EXPECT_EQ(client.accessory(), tarn::Accessory::KVane);
+    EXPECT_EQ(service.connections(), 1);
+}
+
 TEST_F(SilenceTest, AsksAfterAQuietTimeWhileSomebodyListens)
 {
     listen();
