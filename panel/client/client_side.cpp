@@ -11,12 +11,12 @@
 #include "panel/client/service_link.h"
 #include "panel/client/settings_page.h"
 #include "panel/client/update_page.h"
+#include "panel/look/page_tabs.h"
 
 #include <QBoxLayout>
 #include <QScrollArea>
 #include <QSettings>
 #include <QSplitter>
-#include <QTabWidget>
 
 namespace tarnPanel {
 
@@ -82,7 +82,7 @@ void ClientSide::build(QSettings &panelSettings)
     settingsPage = new SettingsPage(*link, *questions);
     identityPage = new IdentityPage(*link, *questions);
     updatePage = new UpdatePage(*link, *run);
-    tabs = new QTabWidget;
+    tabs = new PageTabs;
     tabs->setObjectName(QStringLiteral("clientTabs"));
     tabs->setAccessibleName(QStringLiteral("Parts of the client"));
     tabs->addTab(scrolled(settingsPage), QStringLiteral("Se&ttings"));
@@ -118,7 +118,7 @@ void ClientSide::listen()
 {
     connect(link.get(), &ServiceLink::noted, log, &MessageLog::add);
     connect(&link->client(), &tarn::Client::stateChanged, this, &ClientSide::followConnection);
-    connect(&link->client(), &tarn::Client::accessoryChanged, this, [this] {
+    connect(link.get(), &ServiceLink::accessoryChanged, this, [this] {
         settingsPage->readOfAccessory();
         identityPage->read();
     });
@@ -150,7 +150,7 @@ void ClientSide::readAll()
 void ClientSide::refreshForUser()
 {
     const QuestionQueue::ForUser forUser(*questions);
-    settingsPage->read();
+    settingsPage->readAnew();
     identityPage->readAll();
 }
 
@@ -165,6 +165,11 @@ void ClientSide::refreshAges()
 void ClientSide::connectByItself()
 {
     header->connectByItself();
+}
+
+void ClientSide::connectSoon()
+{
+    header->connectSoon();
 }
 
 bool ClientSide::isUpdating() const

@@ -7,13 +7,13 @@
 
 class QSettings;
 class QSplitter;
-class QTabWidget;
 
 namespace tarnPanel {
 
 class ConnectionHeader;
 class IdentityPage;
 class MessageLog;
+class PageTabs;
 class QuestionQueue;
 class ServiceLink;
 class Session;
@@ -37,6 +37,8 @@ public:
     // For a service on a simulated computer: connects without being asked. Does nothing after the user has
     // disconnected.
     void connectByItself();
+    // The service has just been started: tries at once, if it is trying at all.
+    void connectSoon();
     // A firmware update of this client.
     [[nodiscard]] bool isUpdating() const;
 
@@ -66,7 +68,7 @@ private:
     IdentityPage *identityPage = nullptr;
     UpdatePage *updatePage = nullptr;
     QSplitter *splitter = nullptr;
-    QTabWidget *tabs = nullptr;
+    PageTabs *tabs = nullptr;
     QTimer ticking;
     bool wasConnected = false;
 };

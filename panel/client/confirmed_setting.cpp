@@ -71,6 +71,8 @@ void ConfirmedSetting::useReply(const QString &word, const tarn::Reply &reply)
         problem = QStringLiteral("Sent; the service never answers this.");
     } else if (!reply.isAnswered()) {
         problem = QStringLiteral("Not confirmed: %1. %2").arg(shownWord(row, word), reply.reason());
+        if (reply.outcome() == tarn::Outcome::Failed && !row.whenFailed.isEmpty())
+            problem += u' ' + row.whenFailed;
     } else if (row.getter.isEmpty()) {
         const std::optional<QString> value = valueAfter(row, word, reply.value());
         // What the service answers to an order may be older than the order.
@@ -82,6 +84,13 @@ void ConfirmedSetting::useReply(const QString &word, const tarn::Reply &reply)
     if (!row.getter.isEmpty() && link.isConnected())
         readingBack.start();
     Q_EMIT changed();
+}
+
+void ConfirmedSetting::readAnew()
+{
+    if (waitingFor.isEmpty())
+        problem.clear();
+    read();
 }
 
 void ConfirmedSetting::read()

@@ -44,6 +44,8 @@ public:
     void set(const QString &word);
     // When the service tells its value, and what it needs is attached.
     void read();
+    // For the user, who has seen what became of the last order.
+    void readAnew();
     // The service has told it by itself.
     void take(const QString &word);
 

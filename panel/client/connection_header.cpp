@@ -75,6 +75,12 @@ void ConnectionHeader::connectByItself()
         open();
 }
 
+void ConnectionHeader::connectSoon()
+{
+    if (link.client().state() == State::Waiting)
+        link.client().open();
+}
+
 void ConnectionHeader::open()
 {
     hasOpened = true;

@@ -22,6 +22,8 @@ public:
     // For a service of which it is known that no application waits for it. Never after the user has
     // disconnected.
     void connectByItself();
+    // Shortens the pause before the next attempt.
+    void connectSoon();
     void refresh();
 
 Q_SIGNALS:

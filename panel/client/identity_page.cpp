@@ -87,7 +87,7 @@ void IdentityPage::listen()
     using tarn::Client;
     Client *client = &link.client();
     connect(&link, &ServiceLink::changed, this, &IdentityPage::followLink);
-    connect(client, &Client::accessoryChanged, this, [this](std::optional<tarn::Accessory> now) {
+    connect(&link, &ServiceLink::accessoryChanged, this, [this](std::optional<tarn::Accessory> now) {
         take(Accessory, now ? std::optional(accessoryText(now)) : std::nullopt);
         if (!now)
             return;
@@ -98,10 +98,9 @@ void IdentityPage::listen()
             take(row, std::nullopt, gone);
         for (const Row row : {SerialNumber, KvaneBattery, KvaneCharging})
             take(row, std::nullopt, *now == tarn::Accessory::KVane ? QString() : needsKvane);
-        if (*now == tarn::Accessory::KVane) {
-            take(KvaneBattery, percentText(link.client().kvaneBatteryLevel()));
-            take(KvaneCharging, yesText(link.client().isKvaneCharging()));
-        }
+        // What the client library keeps was told at some time before.
+        if (*now == tarn::Accessory::KVane)
+            readKvane();
     });
     connect(client, &Client::batteryLevelChanged, this,
         [this](std::optional<int> now) { take(Battery, percentText(now)); });
@@ -188,20 +187,23 @@ void IdentityPage::readSerialNumber()
 
 void IdentityPage::readAll()
 {
-    const std::optional<tarn::Accessory> attached = link.accessory();
     readValue<tarn::Accessory>(
         Accessory, QStringLiteral("getAccessoryType"), &tarn::Client::getAccessoryType, kindText);
     readValue<int>(
         Battery, QStringLiteral("getTarnBatteryNum"), &tarn::Client::getTarnBatteryNum, percentText);
     readValue<bool>(
         Charging, QStringLiteral("getTarnChargingStatus"), &tarn::Client::getTarnChargingStatus, yesText);
-    if (attached == tarn::Accessory::KVane) {
-        readValue<int>(KvaneBattery, QStringLiteral("getKvaneBatteryNum"), &tarn::Client::getKvaneBatteryNum,
-            percentText);
-        readValue<bool>(KvaneCharging, QStringLiteral("getKvaneChargingStatus"),
-            &tarn::Client::getKvaneChargingStatus, yesText);
-    }
+    if (link.accessory() == tarn::Accessory::KVane)
+        readKvane();
     read();
+}
+
+void IdentityPage::readKvane()
+{
+    readValue<int>(
+        KvaneBattery, QStringLiteral("getKvaneBatteryNum"), &tarn::Client::getKvaneBatteryNum, percentText);
+    readValue<bool>(KvaneCharging, QStringLiteral("getKvaneChargingStatus"),
+        &tarn::Client::getKvaneChargingStatus, yesText);
 }
 
 // What the client library keeps arrives by itself when it changes; this makes it new when it has not.
@@ -210,11 +212,10 @@ void IdentityPage::readValue(Row row, const QString &command,
     QFuture<tarn::ReplyWith<T>> (tarn::Client::*get)(), std::optional<QString> (*textOf)(std::optional<T>))
 {
     questions.add(command, [this, row, command, get, textOf](const std::function<void()> &done) {
-        const auto asked = link.accessory();
-        const auto use = [this, row, textOf, asked, done](const tarn::ReplyWith<T> &reply) {
-            if (asked == link.accessory() && reply.result())
+        const auto use = [this, row, textOf, done, asked = attachment](const tarn::ReplyWith<T> &reply) {
+            if (asked == attachment && reply.result())
                 take(row, textOf(reply.result()));
-            else if (asked == link.accessory())
+            else if (asked == attachment)
                 takeFailure(row, reply);
             done();
         };

@@ -56,6 +56,7 @@ private:
     [[nodiscard]] bool isAnyAttached() const;
     void readVersions();
     void readSerialNumber();
+    void readKvane();
     template <typename T>
     void readValue(Row row, const QString &command, QFuture<tarn::ReplyWith<T>> (tarn::Client::*get)(),
         std::optional<QString> (*textOf)(std::optional<T>));

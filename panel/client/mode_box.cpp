@@ -22,12 +22,27 @@ struct ModeBox::Entry
 
 namespace {
 
+// A KVane that is in its boot loader may be seen as nothing, and leaving without having entered does no
+// harm: so leaving needs none.
+constexpr ModeBox::Entry entries[] = {
+    {QLatin1StringView("requestEnterMcuUpdateMode"), QLatin1StringView("Enter MCU update mode"), Needs::KVane,
+        true},
+    {QLatin1StringView("requestLeaveMcuUpdateMode"), QLatin1StringView("Leave MCU update mode"),
+        Needs::Connection, false},
+    {QLatin1StringView("requestStartEcUpdate"), QLatin1StringView("Reserve the EC for an update"),
+        Needs::Connection, true},
+};
+
 QString warningOf(const QString &command)
 {
     const tarn::CommandEntry *entry = tarn::findCommand(command);
     if (entry == nullptr)
         return {};
-    return (QStringLiteral("%1. %2").arg(entry->summary, entry->note)).trimmed();
+    QString text = QStringLiteral("%1. %2").arg(entry->summary, entry->note).trimmed();
+    // The catalogue speaks of commands, and here are their buttons.
+    for (const ModeBox::Entry &other : entries)
+        text.replace(other.command, QStringLiteral("\"%1\"").arg(other.label));
+    return text;
 }
 
 } // namespace
@@ -37,16 +52,6 @@ ModeBox::ModeBox(ServiceLink &serviceLink, QWidget *parent)
     , link(serviceLink)
     , status(new ReachableLabel(QStringLiteral("modeStatus"), QStringLiteral("Single steps: state")))
 {
-    // A KVane that is in its boot loader may be seen as nothing, and leaving without having entered does no
-    // harm: so leaving needs none.
-    static constexpr Entry entries[] = {
-        {QLatin1StringView("requestEnterMcuUpdateMode"), QLatin1StringView("Enter MCU update mode"),
-            Needs::KVane, true},
-        {QLatin1StringView("requestLeaveMcuUpdateMode"), QLatin1StringView("Leave MCU update mode"),
-            Needs::Connection, false},
-        {QLatin1StringView("requestStartEcUpdate"), QLatin1StringView("Reserve the EC for an update"),
-            Needs::Connection, true},
-    };
     auto *layout = new QVBoxLayout(this);
     for (const Entry &entry : entries)
         add(entry);

@@ -15,11 +15,11 @@ class ModeBox : public QGroupBox
     Q_OBJECT
 
 public:
+    struct Entry; // a button
+
     explicit ModeBox(ServiceLink &link, QWidget *parent = nullptr);
 
 private:
-    struct Entry;
-
     void add(const Entry &entry);
     void send(const Entry &entry);
     void refresh();

@@ -51,6 +51,9 @@ void ServiceLink::listen()
                 .arg(notification.name, notification.data,
                     notification.isOld ? QStringLiteral(" (may be old)") : QString())
                 .trimmed());
+        const bool isTold = std::exchange(isAccessoryTold, false);
+        if (notification.name == QLatin1String("changeAccessoryType") && !notification.isOld && !isTold)
+            Q_EMIT accessoryChanged(accessory());
     });
     connect(client, &Client::otherMessageReceived, this,
         [this](const QJsonObject &message) { note(MessageKind::Other, jsonText(message)); });
@@ -60,7 +63,15 @@ void ServiceLink::listen()
         [this](const QByteArray &request) { note(MessageKind::Sent, QString::fromUtf8(request)); });
     connect(client, &Client::answerReceived, this,
         [this](const QByteArray &answer) { note(MessageKind::Answer, QString::fromUtf8(answer)); });
-    connect(client, &Client::accessoryChanged, this, &ServiceLink::changed);
+    // It comes before the notification that it follows from.
+    connect(client, &Client::accessoryChanged, this, [this](std::optional<tarn::Accessory> now) {
+        isAccessoryTold = true;
+        // An answer is followed by none.
+        QMetaObject::invokeMethod(
+            this, [this] { isAccessoryTold = false; }, Qt::QueuedConnection);
+        Q_EMIT changed();
+        Q_EMIT accessoryChanged(now);
+    });
 }
 
 bool ServiceLink::isConnected() const

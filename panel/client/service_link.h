@@ -49,6 +49,9 @@ public:
 
 Q_SIGNALS:
     void noted(tarnPanel::MessageKind kind, const QString &text);
+    // What is attached, as the client library keeps it; also when it was replaced by another of the same
+    // kind.
+    void accessoryChanged(std::optional<tarn::Accessory> accessory);
     // Connection, accessory or update: what can be sent now may be something else.
     void changed();
 
@@ -60,6 +63,7 @@ private:
     Session &session;
     std::unique_ptr<tarn::Client> tarnClient;
     QString runningUpdate;
+    bool isAccessoryTold = false; // of the notification that is being handled
 };
 
 template <typename R>

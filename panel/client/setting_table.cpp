@@ -24,6 +24,7 @@ const QList<SettingEntry> settingRows {
         .setter = L("powerModeControl"),
         .words = profileWords,
         .orders = {{L("first"), L("Take control")}, {L("last"), L("Give back")}},
+        .whenFailed = L("\"Take control\" comes first."),
     },
     {
         .name = L("powerMode"),

@@ -35,6 +35,8 @@ struct SettingEntry
     QList<SettingWord> words {};
     // What can be asked for besides a value.
     QList<SettingWord> orders {};
+    // What usually helps when the service could not do it.
+    QLatin1StringView whenFailed {};
     // The service needs a moment until it tells what was set.
     std::chrono::milliseconds readBackAfter {0};
 };

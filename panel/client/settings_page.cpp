@@ -82,7 +82,7 @@ void SettingsPage::disableGpu()
     link.order(QStringLiteral("requestBeginGraphicsMcuUpdate"), {}, this, [this](const tarn::Reply &reply) {
         isGpuWaiting = false;
         gpuEvent = reply.isAnswered()
-            ? QStringLiteral("The service answered; whether it worked is only in its log")
+            ? QStringLiteral("Whether it worked is only in the service's log; it answered")
             : QStringLiteral("Not confirmed: ") + reply.reason();
         gpuAge.begin();
         refreshGpu();
@@ -109,6 +109,12 @@ void SettingsPage::read()
 {
     for (ConfirmedSetting *one : std::as_const(settings))
         one->read();
+}
+
+void SettingsPage::readAnew()
+{
+    for (ConfirmedSetting *one : std::as_const(settings))
+        one->readAnew();
 }
 
 void SettingsPage::readOfAccessory()

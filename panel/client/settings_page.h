@@ -25,6 +25,8 @@ public:
 
     // Reads all that can be read now.
     void read();
+    // The same for the user: what failed before is forgotten.
+    void readAnew();
     // What depends on the accessory.
     void readOfAccessory();
     void refreshAges();

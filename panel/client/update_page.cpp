@@ -91,7 +91,7 @@ UpdatePage::UpdatePage(ServiceLink &serviceLink, UpdateRun &updateRun, QWidget *
     connect(&run, &UpdateRun::changed, this, &UpdatePage::refresh);
     connect(&run, &UpdateRun::remarked, this, [this](const QString &text) { result->say(text); });
     connect(&run, &UpdateRun::finished, this,
-        [this](FirmwareKind, const tarn::FirmwareResult &ended) { showEnd(ended); });
+        [this](FirmwareKind ended, const tarn::FirmwareResult &end) { showEnd(ended, end); });
     refresh();
 }
 
@@ -251,9 +251,13 @@ void UpdatePage::refreshPhase()
     progress->setAccessibleDescription(lasting);
 }
 
-void UpdatePage::showEnd(const tarn::FirmwareResult &ended)
+// It stays when something else is attached, so it says when that was, and of what.
+void UpdatePage::showEnd(FirmwareKind ended, const tarn::FirmwareResult &end)
 {
-    result->say(resultText(ended), toneOf(ended.outcome));
+    const QString what = kind->itemText(kind->findData(static_cast<int>(ended)));
+    const QString when = QTime::currentTime().toString(QStringLiteral("HH:mm:ss"));
+    result->say(QStringLiteral("Update of %1, ended at %2:\n").arg(what, when) + resultText(end),
+        toneOf(end.outcome));
     copying->show();
     lookAtFile();
 }

@@ -39,7 +39,7 @@ private:
     void lookAtFile();
     void refresh();
     void refreshPhase();
-    void showEnd(const tarn::FirmwareResult &result);
+    void showEnd(tarn::FirmwareKind ended, const tarn::FirmwareResult &end);
     void copyResult();
     [[nodiscard]] UpdateRun::Wish wish() const;
     // Why an update cannot be started now; empty when it can.

@@ -32,9 +32,9 @@ struct KeyTexts
 
 KeyTexts keyTextsOf(const MachineFacts &facts)
 {
-    const QString noBox = QStringLiteral("Only a graphics box has it.");
+    const QString noBox = QStringLiteral("Only a graphics box has the key.");
     if (!facts.hasGraphics())
-        return {noBox, noBox};
+        return {QStringLiteral("graphics box only"), noBox};
     const QString what = QStringLiteral("Asks to take the box off. ");
     if (facts.userWaits)
         return {QStringLiteral("asks the user, here"), what + QStringLiteral("The question comes up here.")};
@@ -76,7 +76,6 @@ AccessoryRow::AccessoryRow(MachineOperations &machineOperations, MachineDrawing 
 
     key->setObjectName(QStringLiteral("gpuKey"));
     keyText->setObjectName(QStringLiteral("gpuKeyText"));
-    keyText->setWordWrap(true);
     keyText->setBuddy(key);
     layout->addWidget(key, place / columns, place % columns);
     layout->addWidget(keyText, place / columns, place % columns + 1, 1, columns - place % columns - 1);

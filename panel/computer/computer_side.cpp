@@ -7,6 +7,7 @@
 #include "panel/computer/faults_tab.h"
 #include "panel/computer/history_plot.h"
 #include "panel/computer/machine_drawing.h"
+#include "panel/look/page_tabs.h"
 #include "panel/look/tone_label.h"
 
 #include <QAccessible>
@@ -15,7 +16,6 @@
 #include <QSettings>
 #include <QSplitter>
 #include <QStackedLayout>
-#include <QTabWidget>
 #include <QVBoxLayout>
 
 namespace tarnPanel {
@@ -43,7 +43,7 @@ ComputerSide::ComputerSide(const QString &stateFile, Session &session, QSettings
     , accessories(new AccessoryRow(operations, drawing))
     , asked(new AskedWindow(operations, this))
     , complaint(new ToneLabel(Tone::Bad))
-    , tabs(new QTabWidget)
+    , tabs(new PageTabs)
     , controls(new ControlsTab(operations))
     , faults(new FaultsTab(operations, settings))
     , accesses(new AccessList(settings))

@@ -9,7 +9,6 @@ class QLabel;
 class QSettings;
 class QSplitter;
 class QStackedLayout;
-class QTabWidget;
 
 namespace tarnPanel {
 
@@ -20,6 +19,7 @@ class ControlsTab;
 class FaultsTab;
 class HistoryPlot;
 class MachineDrawing;
+class PageTabs;
 class Session;
 
 // The left half of the window: the simulated computer.
@@ -73,7 +73,7 @@ private:
     AccessoryRow *accessories;
     AskedWindow *asked;
     QLabel *complaint;
-    QTabWidget *tabs;
+    PageTabs *tabs;
     ControlsTab *controls;
     FaultsTab *faults;
     AccessList *accesses;

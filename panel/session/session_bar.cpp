@@ -13,6 +13,7 @@
 #include <QMessageBox>
 #include <QPushButton>
 #include <QSaveFile>
+#include <QStandardPaths>
 
 namespace tarnPanel {
 
@@ -95,6 +96,8 @@ void SessionBar::saveAs()
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setNameFilter(systemShell().fileFilter);
     dialog->setDefaultSuffix(systemShell().suffix);
+    dialog->setDirectory(QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation));
+    dialog->selectFile(QStringLiteral("session.") + systemShell().suffix);
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString &file) {
         const QString problem = save(session, folder, file);
         if (!problem.isEmpty())

@@ -80,6 +80,10 @@ MainWindow::MainWindow(const WindowOptions &options, QSettings &remembered, QWid
     connect(computerSide, &ComputerSide::hasComputerChanged, this, &MainWindow::startSerialPort);
     connect(clientSide, &ClientSide::updateEnded, this, &MainWindow::noteUpdateEnd);
     connect(&service, &StartedProgram::changed, this, &MainWindow::startSerialPort);
+    connect(&service, &StartedProgram::changed, this, [this] {
+        if (service.state() == StartedProgram::State::Running)
+            clientSide->connectSoon();
+    });
     connect(&service, &StartedProgram::changed, this, &MainWindow::noteProgram);
     connect(&serialPort, &StartedProgram::changed, this, &MainWindow::noteProgram);
     showHalves();

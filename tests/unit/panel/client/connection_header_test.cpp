@@ -1,7 +1,6 @@
 #include "unit/panel/client/client_side_fixture.h"
 
 #include <QCheckBox>
-#include <QTabWidget>
 
 using namespace panelTest;
 
@@ -193,4 +192,20 @@ TEST_F(ConnectionHeaderTest, EveryReasonCanBeReachedByTabAndIsReadOut)
         EXPECT_FALSE(label.accessibleName().isEmpty()) << name;
         EXPECT_TRUE(label.accessibleDescription().contains(QStringLiteral("Not connected."))) << name;
     }
+}
+
+// The pauses between the attempts have grown meanwhile.
+TEST_F(ConnectionHeaderTest, ConnectsSoonAfterTheServiceWasStarted)
+{
+    times.firstRetry = std::chrono::seconds(60);
+    times.longestRetry = std::chrono::seconds(60);
+    makeAndConnect();
+    service.leave();
+    ASSERT_TRUE(shows("connectionState", QStringLiteral("Waiting")));
+    service.startListening();
+    side->connectSoon();
+    EXPECT_TRUE(shows("connectionState", QStringLiteral("Connected")));
+    click("disconnect");
+    side->connectSoon();
+    EXPECT_FALSE(find<QWidget>("disconnect").isEnabled()) << "it is not trying";
 }

@@ -73,3 +73,30 @@ TEST_F(IdentityPageTest, AsksNothingMoreForAnAccessoryThatIsGone)
     EXPECT_EQ(service.count(QStringLiteral("getTarnKvaneSnCode")), 1);
     EXPECT_EQ(text("kvaneSerialNumber"), QStringLiteral("unknown (no KVane is attached)"));
 }
+
+// Both boxes have the same name in the protocol.
+TEST_F(IdentityPageTest, ReadsAnotherAccessoryOfTheSameKindToo)
+{
+    makeAndConnect(QStringLiteral("graphics"));
+    ASSERT_TRUE(shows("graphicsLightStatus", QStringLiteral("cyan, read")));
+    service.values[QStringLiteral("getMcuVersion")] = QStringLiteral("3.4.7");
+    service.values[QStringLiteral("getGraphicsRGB")] = QStringLiteral("blue");
+    service.notify(QStringLiteral("changeAccessoryType"), QStringLiteral("graphics"));
+    EXPECT_TRUE(shows("mcuVersion", QStringLiteral("3.4.7")));
+    EXPECT_TRUE(shows("graphicsLightStatus", QStringLiteral("blue, read")));
+    EXPECT_EQ(session.rowCount(), 0);
+}
+
+// What the service told of the one before is no reading of this one.
+TEST_F(IdentityPageTest, AsksForTheBatteryOfAKVaneThatIsAttached)
+{
+    makeAndConnect(QStringLiteral("k_vane"));
+    ASSERT_TRUE(shows("kvaneBattery", QStringLiteral("55 %")));
+    service.notify(QStringLiteral("changeAccessoryType"), QStringLiteral("disconnected"));
+    ASSERT_TRUE(shows("kvaneBattery", QStringLiteral("no KVane is attached")));
+    service.values[QStringLiteral("getKvaneBatteryNum")] = QStringLiteral("54");
+    service.values[QStringLiteral("getKvaneChargingStatus")] = QStringLiteral("1");
+    service.notify(QStringLiteral("changeAccessoryType"), QStringLiteral("k_vane"));
+    EXPECT_TRUE(shows("kvaneBattery", QStringLiteral("54 %")));
+    EXPECT_TRUE(shows("kvaneCharging", QStringLiteral("yes")));
+}

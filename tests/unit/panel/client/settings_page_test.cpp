@@ -208,7 +208,7 @@ TEST_F(SettingsPageTest, DisablesTheGpuAndTellsThatTheServiceDoes)
 {
     makeAndConnect(QStringLiteral("graphics"));
     click("disableGpu");
-    ASSERT_TRUE(shows("gpuStatus", QStringLiteral("whether it worked is only in its log")));
+    ASSERT_TRUE(shows("gpuStatus", QStringLiteral("Whether it worked is only in the service's log")));
     EXPECT_EQ(commands(), QStringList {command(QStringLiteral("requestBeginGraphicsMcuUpdate"))});
     service.notify(QStringLiteral("disengagedGraphics"), QString());
     ASSERT_TRUE(shows("gpuStatus", QStringLiteral("announced that it disables it")));
@@ -297,7 +297,29 @@ TEST_F(SettingsPageTest, TheReasonOfTheGpuCanBeReached)
         QStringLiteral("Needs a graphics box; attached: dock."));
     attach(QStringLiteral("graphics"), QStringLiteral("graphics box"));
     click("disableGpu");
-    ASSERT_TRUE(shows("gpuStatus", QStringLiteral("whether it worked is only in its log just now")));
+    ASSERT_TRUE(shows("gpuStatus", QStringLiteral("in the service's log; it answered just now")));
     EXPECT_EQ(find<QWidget>("gpuStatus").accessibleDescription(),
-        QStringLiteral("The service answered; whether it worked is only in its log."));
+        QStringLiteral("Whether it worked is only in the service's log; it answered."));
+}
+
+TEST_F(SettingsPageTest, SaysWhatAProfileNeedsWhenItFails)
+{
+    makeAndConnect();
+    service.failing << QStringLiteral("powerModeControl");
+    choose("powerProfile", QStringLiteral("low"));
+    EXPECT_TRUE(shows("powerProfileStatus", QStringLiteral("\"Take control\" comes first.")));
+}
+
+TEST_F(SettingsPageTest, ARefreshForgetsWhatFailedBefore)
+{
+    makeAndConnect();
+    service.failing << QStringLiteral("setTarnPowerMode");
+    choose("powerMode", QStringLiteral("low"));
+    ASSERT_TRUE(shows("powerModeStatus", QStringLiteral("Not confirmed: low.")));
+    click("refresh");
+    EXPECT_TRUE(becomes([this] {
+        const QString status = text("powerModeStatus");
+        return status.startsWith(QStringLiteral("balance, read"))
+            && !status.contains(QStringLiteral("Not confirmed"));
+    }));
 }

@@ -70,6 +70,7 @@ TEST_F(UpdatePageTest, UpdatesTheMcuAndSaysSo)
     EXPECT_TRUE(text("commandSummary").startsWith(QStringLiteral("An update of the MCU's firmware runs.")));
     service.answerHeld();
     ASSERT_TRUE(shows("updateResult", QStringLiteral("The KVane's MCU now runs version 3.14.")));
+    EXPECT_TRUE(text("updateResult").startsWith(QStringLiteral("Update of the KVane's MCU, ended at ")));
     EXPECT_FALSE(find<QWidget>("updateProgress").isVisible());
     EXPECT_TRUE(find<QWidget>("powerMode").isEnabled());
     EXPECT_EQ(commands(), QStringList {command(QStringLiteral("--expect 3.14 update-mcu ") + firmware)});
@@ -216,6 +217,14 @@ TEST_F(UpdatePageTest, AFileCanBeDropped)
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(page, &drop);
     EXPECT_EQ(find<QLineEdit>("updateFile").text(), firmware);
+}
+
+TEST_F(UpdatePageTest, AWarningNamesTheButtons)
+{
+    makeReady();
+    const QString warning = find<QWidget>("requestEnterMcuUpdateMode").accessibleDescription();
+    EXPECT_TRUE(warning.contains(QStringLiteral("\"Leave MCU update mode\""))) << warning.toStdString();
+    EXPECT_FALSE(warning.contains(QStringLiteral("requestLeave")));
 }
 
 TEST_F(UpdatePageTest, ReservingTheEcTakesTwoClicks)

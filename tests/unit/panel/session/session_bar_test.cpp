@@ -80,6 +80,7 @@ TEST_F(SessionBarTest, SavesAScriptThatCanBeRun)
     bar.saveAs();
     auto *dialog = bar.window()->findChild<QFileDialog *>(QStringLiteral("saveSession"));
     ASSERT_NE(dialog, nullptr);
+    EXPECT_EQ(QFileInfo(dialog->selectedFiles().value(0)).fileName(), QStringLiteral("session.sh"));
     Q_EMIT dialog->fileSelected(file);
     QFile script(file);
     ASSERT_TRUE(script.open(QIODevice::ReadOnly));
