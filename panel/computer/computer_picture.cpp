@@ -110,15 +110,19 @@ qreal paintBattery(QPainter &painter, QPointF topLeft, int level, bool isChargin
     return em * 2.5;
 }
 
-void paintLines(QPainter &painter, const QRectF &room, const QStringList &lines)
+void paintLines(QPainter &painter, const QRectF &room, const QStringList &lines, qreal firstIndent)
 {
     const qreal em = lineHeight(painter);
-    QRectF line(room.topLeft(), QSizeF(room.width(), em));
-    for (const QString &text : lines) {
-        if (line.bottom() > room.bottom() + 1)
-            return;
+    QRectF line(room.left() + firstIndent, room.top(), room.width() - firstIndent, em);
+    for (qsizetype index = 0; index < lines.size(); ++index) {
+        const bool isLastWithRoom = line.bottom() + em > room.bottom() + 1;
+        const bool isCut = isLastWithRoom && index + 1 < lines.size();
+        const QString text = lines.at(index) + (isCut ? QStringLiteral(" …") : QString());
         painter.drawText(line, Qt::AlignVCenter,
-            painter.fontMetrics().elidedText(text, Qt::ElideRight, static_cast<int>(room.width())));
+            painter.fontMetrics().elidedText(text, Qt::ElideRight, static_cast<int>(line.width())));
+        if (isLastWithRoom)
+            return;
+        line.setLeft(room.left());
         line.translate(0, em);
     }
 }
@@ -132,9 +136,9 @@ void paintComputer(QPainter &painter, const QRectF &box, const MachineFacts &fac
         toneColour(Tone::Good, palette), palette);
     if (box.height() > em * roomForVents)
         paintVents(painter, box, palette);
-    paintBattery(painter, room.topLeft(), facts.battery, facts.isCharging, palette);
+    const qreal indent = paintBattery(painter, room.topLeft(), facts.battery, facts.isCharging, palette);
     painter.setPen(palette.color(QPalette::Text));
-    paintLines(painter, room.adjusted(0, em * 1.2, 0, 0), computerLines(facts));
+    paintLines(painter, room, computerLines(facts), indent);
 
     painter.setPen(outline(palette));
     painter.setBrush(palette.color(QPalette::Button));

@@ -19,7 +19,7 @@ void paintLamp(QPainter &painter, QPointF centre, const QColor &colour, const QP
 // Filled up to the level, with a bolt while it is charged. Returns its width.
 qreal paintBattery(QPainter &painter, QPointF topLeft, int level, bool isCharging, const QPalette &palette);
 // Lines of text below each other, cut off where the room ends.
-void paintLines(QPainter &painter, const QRectF &room, const QStringList &lines);
+void paintLines(QPainter &painter, const QRectF &room, const QStringList &lines, qreal firstIndent);
 
 // The computer's case with its power light, its battery and its connector at the right edge.
 void paintComputer(QPainter &painter, const QRectF &box, const MachineFacts &facts, const QPalette &palette);

@@ -47,7 +47,7 @@ QColor lampColour(const MachineFacts &facts, const QPalette &palette)
 void paintGpu(QPainter &painter, QPointF topLeft, GpuState state, const QPalette &palette)
 {
     const qreal em = painter.fontMetrics().height();
-    const QRectF chip(topLeft + QPointF(em * 0.2, em * 0.2), QSizeF(em * 0.8, em * 0.8));
+    const QRectF chip(topLeft + QPointF(em * 0.2, em * 0.2), QSizeF(em * 0.8, em * 0.6));
     const QColor colour = toneColour(toneOf(state), palette);
     painter.setPen(QPen(colour, em * 0.1));
     for (int pin = 0; pin < pinsOfChip; ++pin) {
@@ -79,22 +79,22 @@ void paintLightBar(QPainter &painter, const QRectF &box, const QColor &colour, c
 void paintAccessory(QPainter &painter, const QRectF &box, const MachineFacts &facts, const QPalette &palette)
 {
     const qreal em = painter.fontMetrics().height();
-    QRectF room = paintCase(painter, box, palette, accessoryTitle(facts.accessoryCode));
+    const QRectF room = paintCase(painter, box, palette, accessoryTitle(facts.accessoryCode));
     const bool hasLight = facts.hasDock() || facts.hasGraphics() || facts.hasKvane();
     if (hasLight) {
         paintLamp(painter, QPointF(room.right() - em * 0.5, box.top() + em * 0.9), lampColour(facts, palette),
             palette);
     }
+    qreal indent = 0;
     if (facts.hasGraphics()) {
         paintGpu(painter, room.topLeft(), facts.gpu, palette);
         paintLightBar(painter, box, facts.graphicsLight, palette);
+        indent = em * 1.5;
     }
     if (facts.hasKvane())
-        paintBattery(painter, room.topLeft(), facts.kvaneBattery, facts.isKvaneCharging, palette);
-    if (facts.hasGraphics() || facts.hasKvane())
-        room.setTop(room.top() + em * 1.3);
+        indent = paintBattery(painter, room.topLeft(), facts.kvaneBattery, facts.isKvaneCharging, palette);
     painter.setPen(palette.color(QPalette::Text));
-    paintLines(painter, room, accessoryLines(facts));
+    paintLines(painter, room, accessoryLines(facts), indent);
 }
 
 void paintEmptyPlace(QPainter &painter, const QRectF &box, const QPalette &palette, bool isChosen)

@@ -64,11 +64,12 @@ void readGpu(const ComputerControl &computer, MachineFacts &facts)
     }
 }
 
+// Beside the picture of a battery, which stands for the word where there is little room.
+const QString batteryWord = QStringLiteral("Battery ");
+
 QString batteryText(int level, bool isCharging)
 {
-    return QStringLiteral("Battery %1 %%2")
-        .arg(level)
-        .arg(isCharging ? QStringLiteral(", charging") : QString());
+    return QStringLiteral("%1 %%2").arg(level).arg(isCharging ? QStringLiteral(", charging") : QString());
 }
 
 QString gpuText(const MachineFacts &facts)
@@ -186,10 +187,10 @@ QStringList accessoryLines(const MachineFacts &facts)
 
 QString descriptionOf(const MachineFacts &facts)
 {
-    QString text = QStringLiteral("The computer: ") + sentenceOf(computerLines(facts));
+    QString text = QStringLiteral("The computer: ") + batteryWord + sentenceOf(computerLines(facts));
     if (facts.isAttached) {
         text += QStringLiteral("Plugged in: %1. ").arg(accessoryTitle(facts.accessoryCode));
-        text += sentenceOf(accessoryLines(facts));
+        text += (facts.hasKvane() ? batteryWord : QString()) + sentenceOf(accessoryLines(facts));
     } else {
         text += QStringLiteral("Nothing is plugged in.");
     }

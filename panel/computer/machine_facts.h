@@ -44,9 +44,9 @@ struct MachineFacts
 [[nodiscard]] QString accessoryTitle(std::uint8_t code);
 // The same for the name that tarnsim has for it.
 [[nodiscard]] QString accessoryTitle(const QString &name);
-// The computer itself: battery, charging, supply.
+// The computer itself, a line each: battery (first, and without the word), supply.
 [[nodiscard]] QStringList computerLines(const MachineFacts &facts);
-// What is plugged in, a line each: lights, GPU, battery, MCU. Empty when nothing is.
+// What is plugged in, a line each: battery (as above), GPU, lights, MCU. Empty when nothing is.
 [[nodiscard]] QStringList accessoryLines(const MachineFacts &facts);
 // All of it in sentences, for those who cannot see the drawing.
 [[nodiscard]] QString descriptionOf(const MachineFacts &facts);

@@ -68,6 +68,19 @@ TEST_F(MachineDrawingTest, IsNotBlankAndEveryStateLooksDifferent)
     }
 }
 
+// The last line of the accessory with the most.
+TEST_F(MachineDrawingTest, ShowsEveryLineInTheSmallestWindow)
+{
+    const int line = drawing.fontMetrics().height();
+    drawing.resize(420, line * 6);
+    ASSERT_TRUE(plug(*computer, "kvane"));
+    const QImage firmware = pictureOf(drawing, *computer);
+    MachineFacts flashing = factsOf(*computer);
+    flashing.mcu = McuMode::BootLoader;
+    drawing.show(flashing);
+    EXPECT_NE(drawing.grab().toImage().convertToFormat(QImage::Format_RGB32), firmware);
+}
+
 TEST_F(MachineDrawingTest, ShowsTheLightInTheColourThatTheEcHas)
 {
     ASSERT_TRUE(plug(*computer, "graphics"));
@@ -121,6 +134,9 @@ TEST_F(MachineDrawingTest, SaysTheSameInWords)
     computer->devices().store(*computer->devices().find("gpu"), gpu);
     EXPECT_TRUE(words().contains(QStringLiteral("GPU: driver problem 43"))) << words().toStdString();
     ASSERT_TRUE(plug(*computer, "kvane"));
+    computer->setKvaneBattery(7);
+    EXPECT_TRUE(words().contains(QStringLiteral("Plugged in: KVane. Battery 7 %. Light: ")))
+        << words().toStdString();
     EXPECT_TRUE(words().contains(QStringLiteral("MCU: firmware runs"))) << words().toStdString();
     computer->attach(unknownAccessory(9));
     EXPECT_TRUE(words().contains(QStringLiteral("Unknown device 9")));
