@@ -1,7 +1,7 @@
 # Headers that nearly every source of a target includes are precompiled. Each source still includes what it
-# uses, because clang-tidy and the cross build do without precompiled headers. (GCC's cross compiler would
-# warn about code inside std::string from a precompiled header.)
-if(MINGW)
+# uses, because clang-tidy and the builds for Windows do without precompiled headers. (GCC's cross compiler would
+# warn about code inside std::string from a precompiled header, MSVC about a source that has more definitions.)
+if(WIN32)
     set(CMAKE_DISABLE_PRECOMPILE_HEADERS ON)
 endif()
 
@@ -21,26 +21,29 @@ set(TARN_QT_HEADERS
     <QByteArray> <QCoreApplication> <QDebug> <QDir> <QFile> <QFileInfo> <QJsonDocument> <QJsonObject> <QList> <QMutex>
     <QObject> <QProcess> <QString> <QStringList> <QThread> <QTimer>)
 
-function(tarn_precompile_standard target)
-    target_precompile_headers(${target} PRIVATE ${TARN_STANDARD_HEADERS})
+set(TARN_WIDGET_HEADERS
+    <QAbstractTableModel> <QApplication> <QBoxLayout> <QComboBox> <QDateTime> <QLabel> <QLineEdit> <QPainter> <QPushButton>
+    <QSettings> <QSplitter> <QString> <QStringList> <QTableView> <QTimer>)
+
+# Precompiling takes as long as several sources, so targets with the same compiler options share the headers. Those belong
+# to a library that has nothing else: the compiler refuses headers that saw a definition which the source does not have,
+# while a source may have more definitions than the headers asked for.
+#
+#   tarn_precompile(NAME HEADERS <header> ... LIBRARIES target ... DEFINITIONS NAME ...)
+#   tarn_use_precompiled(NAME target ...)
+function(tarn_precompile name)
+    cmake_parse_arguments(PARSE_ARGV 1 precompiled "" "" "HEADERS;LIBRARIES;DEFINITIONS")
+    add_library(${name} OBJECT ${PROJECT_SOURCE_DIR}/cmake/precompiled_headers.cpp)
+    set_target_properties(${name} PROPERTIES AUTOMOC OFF)
+    target_link_libraries(${name} PRIVATE ${precompiled_LIBRARIES})
+    target_compile_definitions(${name} PRIVATE ${precompiled_DEFINITIONS})
+    target_precompile_headers(${name} PRIVATE ${precompiled_HEADERS})
 endfunction()
 
-function(tarn_precompile_qt target)
-    target_precompile_headers(${target} PRIVATE <atomic> <chrono> <functional> <memory> <optional> <string> <vector>
-        ${TARN_QT_HEADERS})
-endfunction()
-
-# They take longer than a small library: another target with the same compiler options shares them.
-function(tarn_precompile_widgets target)
-    target_precompile_headers(${target} PRIVATE <chrono> <functional> <memory> <optional> <vector> <QtCore> <QtWidgets>)
-endfunction()
-
-function(tarn_share_widgets target owner)
-    target_precompile_headers(${target} REUSE_FROM ${owner})
-endfunction()
-
-function(tarn_precompile_tests target)
-    target_precompile_headers(${target} PRIVATE <gtest/gtest.h> ${TARN_STANDARD_HEADERS} ${TARN_QT_HEADERS})
+function(tarn_use_precompiled name)
+    foreach(target ${ARGN})
+        target_precompile_headers(${target} REUSE_FROM ${name})
+    endforeach()
 endfunction()
 
 # Small sources with much the same headers are compiled together, BATCH of them at a time. clang-tidy needs

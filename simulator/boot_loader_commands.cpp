@@ -11,7 +11,7 @@ using namespace bootProtocol;
 
 namespace {
 
-constexpr std::uint8_t version = 0x22;
+constexpr std::uint8_t protocolVersion = 0x22; // 2.2
 constexpr std::uint16_t deviceId = 0x410; // STM32F10x, medium density
 
 constexpr std::size_t corruptOffset = 0x300; // of the byte in flash that the fault reads back wrong
@@ -173,7 +173,7 @@ void BootLoader::tellCommands()
     constexpr std::uint8_t told[] = {GET, GET_VERSION, GET_ID, READ_MEMORY, GO, WRITE_MEMORY, ERASE,
         WRITE_PROTECT, WRITE_UNPROTECT, READOUT_PROTECT, READOUT_UNPROTECT};
     answer(std::size(told)); // the number of bytes less one: the version comes first
-    answer(version);
+    answer(protocolVersion);
     reply.insert(reply.end(), std::begin(told), std::end(told));
     confirm(true);
 }
@@ -183,7 +183,7 @@ void BootLoader::tellVersion()
     state.versionAsked.store(1);
     if (isDead())
         return;
-    answer(version);
+    answer(protocolVersion);
     answer(0); // two bytes that once described the read protection
     answer(0);
     confirm(true);

@@ -8,7 +8,7 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-enum Operation : std::uint8_t { Idle, Reading, Writing, Failing, NeverEnding };
+enum Operation : std::uint8_t { NoOperation, Reading, Writing, Failing, NeverEnding };
 
 constexpr std::uint8_t noErrorStatus = 0;
 constexpr std::uint8_t refusedStatus = 2;
@@ -38,7 +38,7 @@ void EepromMailbox::advance()
 {
     EepromMailboxState &mailbox = state.eepromMailbox;
     const std::uint8_t operation = mailbox.operation.load();
-    if (operation == Idle || operation == NeverEnding)
+    if (operation == NoOperation || operation == NeverEnding)
         return;
     if (!hasElapsed(nowMs(), mailbox.sinceMs.load(), state.timing.eepromBusyMs.load()))
         return;
@@ -62,7 +62,7 @@ std::uint8_t EepromMailbox::errorOf(std::uint8_t command) const
 
 void EepromMailbox::finish(std::uint8_t status)
 {
-    state.eepromMailbox.operation.store(Idle);
+    state.eepromMailbox.operation.store(NoOperation);
     state.xdata[EEP_STATUS].store(status);
 }
 

@@ -10,7 +10,7 @@ using namespace tarnDeviceInfos;
 
 namespace {
 
-constexpr std::uint8_t emptyBus = 0xFF; // what a port without a device reads as
+constexpr std::uint8_t emptyBusByte = 0xFF; // what a port without a device reads as
 
 } // namespace
 
@@ -44,7 +44,7 @@ std::uint8_t SimulatedEc::readPort(std::uint16_t port)
         channelFaults.letEcWork();
         return channel.readData();
     }
-    return emptyBus;
+    return emptyBusByte;
 }
 
 std::uint8_t SimulatedEc::readStatus()

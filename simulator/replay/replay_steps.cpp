@@ -22,7 +22,7 @@ constexpr auto timeToBegin = 400ms;
 
 constexpr char separator = '\t';
 constexpr std::size_t deviceFields = 8;
-constexpr int hexDigits = 2; // of a byte
+constexpr int digitsOfByte = 2; // hexadecimal
 constexpr std::size_t hexPrefix = 2; // "0x"
 
 std::vector<std::string_view> fieldsOf(std::string_view line)
@@ -91,7 +91,7 @@ std::string savedLine(std::string_view name, std::string_view content)
     std::string line(name);
     line += separator;
     for (const char byte : content)
-        line += hexText(static_cast<std::uint8_t>(byte), hexDigits).substr(hexPrefix);
+        line += hexText(static_cast<std::uint8_t>(byte), digitsOfByte).substr(hexPrefix);
     return line;
 }
 
@@ -167,8 +167,8 @@ bool ReplaySteps::restoreSaved(std::string_view line)
         return true;
     }
     std::ofstream file(name, std::ios::binary);
-    for (std::size_t place = 0; place + 1 < fields[1].size(); place += hexDigits) {
-        const auto byte = parseByte("0x" + std::string(fields[1].substr(place, hexDigits)));
+    for (std::size_t place = 0; place + 1 < fields[1].size(); place += digitsOfByte) {
+        const auto byte = parseByte("0x" + std::string(fields[1].substr(place, digitsOfByte)));
         if (!byte)
             return false;
         file.put(static_cast<char>(*byte));

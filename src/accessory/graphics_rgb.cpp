@@ -24,7 +24,7 @@ using tarnPlatform::path::savedGraphicsColour;
 
 const QString colourKey = QStringLiteral("graphicsColor");
 
-constexpr MailboxPoll commandPoll = {
+constexpr MailboxPoll lightsPoll = {
     50ms,
     10,
     "read ecRGBCmdData from xdata successed with: ",
@@ -113,7 +113,7 @@ int GraphicsAccessoryManager::getGraphicsRgb()
             {XEC_RGB_CMD, APP_EC_RGB_READ, "APP_EC_RGB_READ", "to XEC_RGB_CMD.", "to XEC_RGB_CMD. "}))
         return -1;
     sleepFor(mailboxPause);
-    awaitMailbox(commandPoll);
+    awaitMailbox(lightsPoll);
 
     quint8 colour[3] = {};
     if (!readColour(colour))

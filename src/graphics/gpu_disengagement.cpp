@@ -22,7 +22,7 @@ constexpr auto timeToReleaseGpu = 2000ms; // for the client, before the GPU is d
 constexpr auto updatePreparation = 3000ms;
 constexpr int confirmed = 1;
 
-constexpr PegStateWords reportWords = {
+constexpr PegStateWords disengagedWords = {
     "GraphicsDisengaged_log: Success to write gpuDriverData: ",
     "GraphicsDisengaged_log: Failed to write gpuDriverData: ",
     "GraphicsDisengaged_log: Successed to write APP_CMD_PEG_STATE to XEC_APP_CMD. ",
@@ -46,7 +46,7 @@ bool isTooLateToDisable()
 
 int reportState(int gpuDriverData)
 {
-    if (!reportPegState(gpuDriverData, reportWords))
+    if (!reportPegState(gpuDriverData, disengagedWords))
         return -1;
     qDebug() << "GraphicsDisengaged_log: handle gpukeyevent to set gpu state finish.";
     return 0;

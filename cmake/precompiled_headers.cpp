@@ -1,0 +1,1 @@
+// The one source of a library that exists for its precompiled headers.
